@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/rect.h"
+
+namespace brimlet {
+
+/// The native window behind the overlay panel: borderless, transparent, above other windows, on
+/// every desktop, never focused. It is created ordered out. Main thread only.
+class OverlayWindow {
+public:
+    virtual ~OverlayWindow() = default;
+
+    /// Shows the window above others without activating the program.
+    virtual void orderFrontRegardless() = 0;
+
+    /// Takes the window off the screen.
+    virtual void orderOut() = 0;
+
+    /// Sizes and places the window, in global points.
+    virtual void setFrame(const Rect& frame) = 0;
+
+    /// While true every click reaches what is underneath.
+    virtual void setIgnoresMouseEvents(bool ignores) = 0;
+};
+
+} // namespace brimlet

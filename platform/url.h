@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+#include <optional>
+
+namespace brimlet {
+
+/// A web address, the one type from a service's reply to the browser and the HTTP client: what a
+/// rule looked at is what is fetched or opened.
+///
+/// Read as RFC 3986 has it, after percent-encoding the characters that may not stand where they
+/// are. Scheme and host keep the letter case they were written in, but a host with letters beyond
+/// ASCII takes its "xn--" form, which is in small letters.
+class Url final {
+public:
+    /// Absent for an empty or malformed text. A relative reference ("/path") is well formed.
+    [[nodiscard]] static std::optional<Url> fromString(QStringView text);
+
+    /// The whole address, ASCII only.
+    [[nodiscard]] const QString& absoluteString() const { return m_text; }
+    /// As written, e.g. "https" or "HTTPS"; absent in a relative reference.
+    [[nodiscard]] const std::optional<QString>& scheme() const { return m_scheme; }
+    /// As written, without the brackets of an IPv6 address ("::1"); absent when the address has no
+    /// host or an empty one.
+    [[nodiscard]] const std::optional<QString>& host() const { return m_host; }
+    /// As written, absent when missing or empty. May be beyond 65535.
+    [[nodiscard]] const std::optional<QString>& port() const { return m_port; }
+
+    bool operator==(const Url& other) const { return m_text == other.m_text; }
+
+private:
+    Url() = default;
+
+    QString m_text;
+    std::optional<QString> m_scheme;
+    std::optional<QString> m_host;
+    std::optional<QString> m_port;
+};
+
+} // namespace brimlet

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "platform/deferred.h"
+#include "platform/httpclient.h"
+#include "tests/support/fakeclock.h"
+
+#include <QMap>
+
+#include <vector>
+
+namespace brimlet {
+
+/// A service behind no network, programmed per path: it answers, lags, fails, or hangs until the
+/// request's own deadline on the fake clock. A path nobody programmed waits for `resolve`.
+class FakeHttpClient final : public HttpClient {
+public:
+    /// The clock outlives the client.
+    explicit FakeHttpClient(FakeClock& clock)
+        : m_clock(clock) {}
+    ~FakeHttpClient() override;
+    FakeHttpClient(const FakeHttpClient&) = delete;
+    FakeHttpClient& operator=(const FakeHttpClient&) = delete;
+
+    [[nodiscard]] QCoro::Task<HttpResult> send(HttpRequest request) override;
+
+    /// From now on requests whose address ends in `path` get this, after the lag.
+    void answer(const QString& path, HttpResult result, std::chrono::milliseconds lag = {});
+    void answer(const QString& path, int status, const QByteArray& body);
+    /// From now on requests to the path are never answered.
+    void hang(const QString& path);
+
+    /// Ends the request of that place in `requests()`, counted from 0.
+    void resolve(std::size_t index, HttpResult result);
+
+    /// All requests so far, in the order sent.
+    [[nodiscard]] const std::vector<HttpRequest>& requests() const { return m_requests; }
+    /// Their paths with method, e.g. "GET /api/display".
+    [[nodiscard]] QStringList log() const;
+    void clear();
+
+private:
+    struct Behaviour {
+        HttpResult result = HttpError::TimedOut;
+        std::chrono::milliseconds lag{};
+        bool hangs = false;
+    };
+
+    /// What the request lets through of a result: no body of a status it does not read.
+    [[nodiscard]] static HttpResult within(const HttpRequest& request, HttpResult result);
+    [[nodiscard]] const Behaviour* behaviourOf(const Url& url) const;
+
+    FakeClock& m_clock;
+    QMap<QString, Behaviour> m_behaviours;
+    std::vector<HttpRequest> m_requests;
+    std::vector<Deferred<HttpResult>> m_outcomes;
+    bool m_isClosing = false;
+};
+
+} // namespace brimlet

@@ -1,0 +1,148 @@
+#pragma once
+
+#include "platform/bundle.h"
+#include "platform/cachesfolder.h"
+#include "platform/observers.h"
+#include "platform/overlaywindow.h"
+#include "platform/reducemotion.h"
+#include "platform/screens.h"
+#include "platform/secretstore.h"
+#include "platform/workspace.h"
+
+#include <QHash>
+#include <QVariantMap>
+
+#include <algorithm>
+
+namespace brimlet {
+
+/// Screens that a test sets; number 0 is built in only when the test says so.
+class FakeScreens final : public Screens {
+public:
+    [[nodiscard]] std::vector<Screen> list() const override { return m_screens; }
+    [[nodiscard]] bool isBuiltIn(std::uint32_t displayNumber) const override {
+        return std::find(m_builtIn.begin(), m_builtIn.end(), displayNumber) != m_builtIn.end();
+    }
+    ObserverToken observeChanges(std::function<void()> changed) override {
+        return m_observers.add(std::move(changed));
+    }
+
+    void set(std::vector<Screen> screens, std::vector<std::uint32_t> builtIn) {
+        m_screens = std::move(screens);
+        m_builtIn = std::move(builtIn);
+        m_observers.notify();
+    }
+
+private:
+    std::vector<Screen> m_screens;
+    std::vector<std::uint32_t> m_builtIn;
+    Observers m_observers;
+};
+
+class FakeWorkspace final : public Workspace {
+public:
+    ObserverToken observeScreensDidSleep(std::function<void()> block) override {
+        return m_sleep.add(std::move(block));
+    }
+    ObserverToken observeScreensDidWake(std::function<void()> block) override {
+        return m_wake.add(std::move(block));
+    }
+    void open(const Url& url) override { opened.push_back(url.absoluteString()); }
+
+    void screensDidSleep() { m_sleep.notify(); }
+    void screensDidWake() { m_wake.notify(); }
+
+    std::vector<QString> opened;
+
+private:
+    Observers m_sleep;
+    Observers m_wake;
+};
+
+/// A store in memory that can be locked, fail or lose what is added.
+class FakeSecretStore final : public SecretStore {
+public:
+    [[nodiscard]] SecretResult read(const QString& service, const QString& account) override {
+        if (failure) {
+            return *failure;
+        }
+        const QList<QByteArray> items = m_items.value({service, account});
+        return items.isEmpty() ? SecretResult(SecretError::NotFound) : SecretResult(items.first());
+    }
+    void remove(const QString& service, const QString& account) override {
+        ++removals;
+        if (willWrite) {
+            willWrite();
+        }
+        if (!failure) {
+            m_items.remove({service, account});
+        }
+    }
+    void add(const QString& service, const QString& account, const QByteArray& value) override {
+        if (!failure) {
+            m_items[{service, account}].append(value);
+        }
+    }
+
+    [[nodiscard]] qsizetype count(const QString& service, const QString& account) const {
+        return m_items.value({service, account}).size();
+    }
+
+    /// What every call meets, instead of the items.
+    std::optional<SecretError> failure;
+    int removals = 0;
+    /// Called as a write begins.
+    std::function<void()> willWrite;
+
+private:
+    QHash<std::pair<QString, QString>, QList<QByteArray>> m_items;
+};
+
+class FakeBundle final : public Bundle {
+public:
+    [[nodiscard]] QString path() const override { return bundlePath; }
+    [[nodiscard]] QVariant infoDictionaryValue(const QString& key) const override {
+        return info.value(key);
+    }
+    [[nodiscard]] QString identifier() const override { return QStringLiteral("app.brimlet.host"); }
+
+    QString bundlePath = QStringLiteral("/Applications/Brimlet.app");
+    QVariantMap info;
+};
+
+/// Remembers what it was told, in order, e.g. "front", "out", "ignores on", "frame".
+class FakeOverlayWindow final : public OverlayWindow {
+public:
+    /// What is left to see after the window is gone; the test owns it.
+    struct Record {
+        QStringList calls;
+        Rect frame;
+        bool isShown = false;
+        bool ignoresMouseEvents = false;
+    };
+
+    explicit FakeOverlayWindow(Record& record)
+        : m_record(record) {}
+
+    void orderFrontRegardless() override {
+        m_record.calls << QStringLiteral("front");
+        m_record.isShown = true;
+    }
+    void orderOut() override {
+        m_record.calls << QStringLiteral("out");
+        m_record.isShown = false;
+    }
+    void setFrame(const Rect& frame) override {
+        m_record.calls << QStringLiteral("frame");
+        m_record.frame = frame;
+    }
+    void setIgnoresMouseEvents(bool ignores) override {
+        m_record.calls << (ignores ? QStringLiteral("ignores on") : QStringLiteral("ignores off"));
+        m_record.ignoresMouseEvents = ignores;
+    }
+
+private:
+    Record& m_record;
+};
+
+} // namespace brimlet
