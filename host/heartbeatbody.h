@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QByteArray>
+
+namespace brimlet {
+
+/// The JSON body of a heartbeat.
+[[nodiscard]] QByteArray heartbeatBody(bool paused, bool adsVisible, bool fromApplications);
+
+} // namespace brimlet

@@ -1,0 +1,92 @@
+#include "host/hoststore.h"
+
+#include "host/notch.h"
+#include "host/statusline.h"
+#include "host/visibility.h"
+#include "platform/starttask.h"
+
+#include <optional>
+
+namespace brimlet {
+namespace {
+
+constexpr auto kHeartbeatInterval = std::chrono::seconds(900);
+constexpr auto kEstimateInterval = std::chrono::seconds(3);
+
+std::optional<HostPorts>& sharedPorts() {
+    static std::optional<HostPorts> ports;
+    return ports;
+}
+
+} // namespace
+
+std::shared_ptr<HostStore> HostStore::create(const HostPorts& ports) {
+    return std::shared_ptr<HostStore>(new HostStore(ports));
+}
+
+void HostStore::setSharedPorts(const HostPorts& ports) {
+    sharedPorts().emplace(ports);
+}
+
+const std::shared_ptr<HostStore>& HostStore::shared() {
+    // Left to the end of the process on purpose: its timers and observers are never torn down.
+    static const auto* const store = [] {
+        Q_ASSERT_X(sharedPorts(), "HostStore::shared", "the ports are named before first use");
+        return new std::shared_ptr<HostStore>(create(*sharedPorts()));
+    }();
+    return *store;
+}
+
+HostStore::HostStore(const HostPorts& ports)
+    : m_ports(ports)
+    , m_token(readToken().value_or(QString()))
+    , m_assignment(initialAssignment(inApplications()))
+    , m_statusLine(statusline::loading())
+    , m_hasNotch(brimlet::hasNotch(builtInScreen(ports.screens))) {}
+
+bool HostStore::isPaused() const {
+    // Without a pause there is nothing to compare, and the clock is left alone.
+    return m_pausedUntil && isPausedAt(m_ports.clock.now(), m_pausedUntil);
+}
+
+bool HostStore::adsVisible() const {
+    return areAdsVisible(
+        m_hasNotch, [this] { return isPaused(); }, m_screenAsleep, m_assignment.forceHide,
+        m_assignment.weekStatus);
+}
+
+bool HostStore::inApplications() const {
+    return isInApplications(m_ports.bundle.path());
+}
+
+void HostStore::startTimers() {
+    const auto self = shared_from_this(); // the timers may be all that holds the store
+    m_heartbeatTimer.reset();
+    m_estimateTimer.reset();
+    m_heartbeatTimer =
+        m_ports.clock.repeat(kHeartbeatInterval, [self] { startTask(self->heartbeat()); });
+    m_estimateTimer =
+        m_ports.clock.repeat(kEstimateInterval, [self] { startTask(self->refreshEstimate()); });
+    startTask(refreshDisplayThenHeartbeat());
+}
+
+void HostStore::watchScreens() {
+    const auto observer = [weak = weak_from_this()](bool asleep) {
+        return [weak, asleep] {
+            if (const auto store = weak.lock()) {
+                startTask(store->screensChanged(asleep));
+            }
+        };
+    };
+    m_sleepObserver = m_ports.workspace.observeScreensDidSleep(observer(true));
+    m_wakeObserver = m_ports.workspace.observeScreensDidWake(observer(false));
+}
+
+QCoro::Task<> HostStore::screensChanged(bool asleep) {
+    const auto self = shared_from_this();
+    publish(m_screenAsleep, asleep);
+    Q_EMIT overlayNeedsRender();
+    co_await heartbeat();
+}
+
+} // namespace brimlet

@@ -1,0 +1,188 @@
+// The requests to the placement service, and what their replies change.
+
+#include "host/hoststore.h"
+
+#include "host/heartbeatbody.h"
+#include "host/linkrule.h"
+#include "host/replyreading.h"
+#include "host/statusline.h"
+
+namespace brimlet {
+namespace {
+
+constexpr int kOk = 200;
+
+/// What a reply of an endpoint amounts to.
+enum class Outcome {
+    TransferFailed, ///< No reply, or a body that is no JSON at all.
+    NotAnObject,    ///< Valid JSON with something else than an object at the top.
+    OtherStatus,    ///< Anything but 200; the body was not read.
+    Object,
+};
+
+struct Reply {
+    Outcome outcome = Outcome::TransferFailed;
+    Json object;
+};
+
+Reply classified(const HttpResult& result) {
+    Reply reply;
+    const auto* const http = std::get_if<HttpReply>(&result);
+    if (http == nullptr) {
+        return reply;
+    }
+    if (http->status != kOk) {
+        reply.outcome = Outcome::OtherStatus;
+        return reply;
+    }
+    auto json = parseJson(http->body);
+    if (json) {
+        reply.outcome = json->is_object() ? Outcome::Object : Outcome::NotAnObject;
+        reply.object = std::move(*json);
+    }
+    return reply;
+}
+
+/// The public display carries no credential, so a redirect may also lead to another origin that
+/// the program would fetch from anyway.
+bool mayFollowDisplay(const Url& from, const Url& to) {
+    return isSameOrigin(from, to) || isAllowedLink(to);
+}
+
+} // namespace
+
+SlotCreative HostStore::parseCreative(const Json& object) {
+    return readCreative(object);
+}
+
+QString HostStore::apiRoot(const Bundle& bundle) {
+    const QVariant root = bundle.infoDictionaryValue(QStringLiteral("BrimletAPIURL"));
+    return root.typeId() == QMetaType::QString ? root.toString()
+                                               : QStringLiteral("http://127.0.0.1:8791");
+}
+
+QCoro::Task<> HostStore::heartbeat() {
+    return ping(QStringLiteral("/api/host/heartbeat"), "POST");
+}
+
+QCoro::Task<> HostStore::refreshDisplayThenHeartbeat() {
+    const auto self = shared_from_this();
+    co_await refreshDisplay();
+    co_await heartbeat();
+}
+
+QCoro::Task<> HostStore::refreshEstimate() {
+    const auto self = shared_from_this();
+    if (m_token.isEmpty()) {
+        co_await refreshDisplay();
+        co_return;
+    }
+    co_await ping(QStringLiteral("/api/host/me"), "GET");
+}
+
+QCoro::Task<> HostStore::ping(QString path, QByteArray method) {
+    const auto self = shared_from_this();
+    if (!m_hasNotch) {
+        publish(m_statusLine, statusline::notchedOnly());
+        co_return;
+    }
+    if (m_token.isEmpty()) {
+        co_return;
+    }
+    const auto url = Url::fromString(apiRoot(m_ports.bundle) + path);
+    if (!url) {
+        co_return;
+    }
+    HttpRequest request = authorisedRequest(*url, path, method);
+    const HttpResult result = co_await m_ports.http.send(std::move(request));
+    const Reply reply = classified(result);
+    switch (reply.outcome) {
+    case Outcome::TransferFailed:
+        transferFailed(path);
+        break;
+    case Outcome::NotAnObject:
+    case Outcome::OtherStatus:
+        // Said of every other reply, whatever its real cause.
+        publish(m_statusLine, statusline::tokenRejected());
+        break;
+    case Outcome::Object:
+        apply(reply.object);
+        break;
+    }
+}
+
+HttpRequest HostStore::authorisedRequest(const Url& url, const QString& path,
+                                         const QByteArray& method) const {
+    HttpRequest request{.url = url, .method = method};
+    request.headers.push_back({"Authorization", "Bearer " + m_token.toUtf8()});
+    if (method == "POST") {
+        request.headers.push_back({"Content-Type", "application/json"});
+        request.body = path.endsWith(QLatin1StringView("/heartbeat"))
+                           ? heartbeatBody(isPaused(), adsVisible(), inApplications())
+                           : QByteArray("{}");
+    }
+    return request;
+}
+
+void HostStore::transferFailed(const QString& path) {
+    const bool isHeartbeat = path.endsWith(QLatin1StringView("/heartbeat"));
+    // The other endpoints leave the text alone but announce it all the same.
+    const QString text = isHeartbeat ? statusline::heartbeatFailed() : m_statusLine;
+    publish(m_statusLine, text);
+}
+
+QCoro::Task<> HostStore::refreshDisplay() {
+    const auto self = shared_from_this();
+    if (!m_hasNotch) {
+        publish(m_statusLine, statusline::notchedOnly());
+        co_return;
+    }
+    const auto url = Url::fromString(apiRoot(m_ports.bundle) + QStringLiteral("/api/display"));
+    if (!url) {
+        co_return;
+    }
+    HttpRequest request{.url = *url};
+    request.mayFollow = mayFollowDisplay;
+    const HttpResult result = co_await m_ports.http.send(std::move(request));
+    const Reply reply = classified(result);
+    if (reply.outcome == Outcome::Object) {
+        applyDisplay(reply.object);
+    } else {
+        publish(m_statusLine, statusline::displayFailed());
+    }
+}
+
+void HostStore::applyDisplay(const Json& reply) {
+    const auto creatives = readCreatives(reply);
+    Assignment& a = m_assignment;
+    publish(a.weekStatus, readString(reply, "weekStatus").value_or(QStringLiteral("unfilled")));
+    publish(a.forceHide, readBoolean(reply, "forceHide").value_or(false));
+    publish(a.left, creativeOfSlot(creatives, QLatin1StringView("left")));
+    publish(a.right, creativeOfSlot(creatives, QLatin1StringView("right")));
+    publish(m_statusLine,
+            statusline::afterDisplayReply(inApplications(), adsVisible(), !m_token.isEmpty()));
+    Q_EMIT overlayNeedsRender();
+}
+
+void HostStore::apply(const Json& reply) {
+    const auto creatives = readCreatives(reply);
+    Assignment& a = m_assignment;
+    publish(a.weekStatus, readString(reply, "weekStatus").value_or(QStringLiteral("unfilled")));
+    publish(a.estimatedCents, readInteger(reply, "estimatedCents").value_or(0));
+    publish(a.pendingStipendCents, readInteger(reply, "pendingStipendCents").value_or(0));
+    publish(a.liveHostCount, readInteger(reply, "liveHostCount").value_or(0));
+    publish(a.liveDaysThisWeek, readInteger(reply, "liveDaysThisWeek").value_or(0));
+    publish(a.liveBucketsToday, readInteger(reply, "liveBucketsToday").value_or(0));
+    publish(a.liveBucketsNeeded, readInteger(reply, "liveBucketsNeeded").value_or(4));
+    publish(a.forceHide, readBoolean(reply, "forceHide").value_or(false));
+    publish(a.agreed, readBoolean(reply, "agreed").value_or(false));
+    publish(a.fromApplications, readBoolean(reply, "fromApplications").value_or(inApplications()));
+    publish(a.agreementText, readString(reply, "agreementText").value_or(a.agreementText));
+    publish(a.left, creativeOfSlot(creatives, QLatin1StringView("left")));
+    publish(a.right, creativeOfSlot(creatives, QLatin1StringView("right")));
+    publish(m_statusLine,
+            statusline::afterHostReply(inApplications(), a.agreed, adsVisible(), a.estimatedCents));
+    Q_EMIT overlayNeedsRender();
+}
+
+} // namespace brimlet

@@ -1,0 +1,227 @@
+#include "tests/support/hostfixture.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString kService = QStringLiteral("app.brimlet.host");
+const QString kAccount = QStringLiteral("host-token");
+
+QByteArray bytes(const SecretResult& result) {
+    const auto* const value = std::get_if<QByteArray>(&result);
+    return value == nullptr ? QByteArray("(none)") : *value;
+}
+
+} // namespace
+
+class TestHostToken final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aStoredTokenIsReadAtCreation() {
+        HostFixture host;
+        host.keepToken("stored");
+        QCOMPARE(host.makeStore()->token(), QStringLiteral("stored"));
+    }
+
+    void whateverCannotBeReadIsNoToken_data() {
+        QTest::addColumn<int>("error");
+        QTest::newRow("not found") << int(SecretError::NotFound);
+        QTest::newRow("locked") << int(SecretError::Locked);
+        QTest::newRow("unavailable") << int(SecretError::Unavailable);
+        QTest::newRow("timed out") << int(SecretError::TimedOut);
+    }
+    void whateverCannotBeReadIsNoToken() {
+        QFETCH(int, error);
+        HostFixture host;
+        host.keepToken("stored");
+        host.secrets.failure = SecretError(error);
+        QCOMPARE(host.makeStore()->token(), QString());
+    }
+
+    void bytesThatAreNotUtf8AreNoToken_data() {
+        QTest::addColumn<QByteArray>("stored");
+        QTest::newRow("a lone byte") << QByteArray("abc\xff");
+        QTest::newRow("cut off") << QByteArray("abc\xe2\x82");
+        QTest::newRow("overlong") << QByteArray("\xc0\xaf");
+        QTest::newRow("a surrogate") << QByteArray("\xed\xa0\x80");
+    }
+    void bytesThatAreNotUtf8AreNoToken() {
+        QFETCH(QByteArray, stored);
+        HostFixture host;
+        host.keepToken(stored);
+        QCOMPARE(host.makeStore()->token(), QString());
+    }
+
+    void aTokenIsStoredWithoutBlanksAtItsEnds_data() {
+        QTest::addColumn<QString>("raw");
+        QTest::addColumn<QString>("token");
+        QTest::newRow("as it is") << QStringLiteral("abc") << QStringLiteral("abc");
+        QTest::newRow("two leading blanks, a trailing blank and line break")
+            << QStringLiteral("  abc \n") << QStringLiteral("abc");
+        QTest::newRow("inner blanks stay")
+            << QStringLiteral(" a b\tc ") << QStringLiteral("a b\tc");
+        QTest::newRow("carriage return and tab")
+            << QStringLiteral("\r\n\tabc\r\n") << QStringLiteral("abc");
+        QTest::newRow("no-break and line separators")
+            << QStringLiteral("\u00a0\u2028abc\u2029\u0085") << QStringLiteral("abc");
+        QTest::newRow("a mark is no blank")
+            << QStringLiteral("\ufeffabc") << QStringLiteral("\ufeffabc");
+        QTest::newRow("beyond ASCII") << QStringLiteral(" tökén ") << QStringLiteral("tökén");
+    }
+    void aTokenIsStoredWithoutBlanksAtItsEnds() {
+        QFETCH(QString, raw);
+        QFETCH(QString, token);
+        HostFixture host;
+        const auto store = host.makeStore();
+        store->saveToken(raw);
+        QCOMPARE(store->token(), token);
+        QCOMPARE(bytes(host.keptToken()), token.toUtf8());
+        QCOMPARE(host.makeStore()->token(), token);
+    }
+
+    void aBlankTextRemovesTheItem_data() {
+        QTest::addColumn<QString>("raw");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("blanks") << QStringLiteral("   ");
+        QTest::newRow("line breaks") << QStringLiteral("\n\r\n\t");
+    }
+    void aBlankTextRemovesTheItem() {
+        QFETCH(QString, raw);
+        HostFixture host;
+        host.keepToken("stored");
+        const auto store = host.makeStore();
+        store->saveToken(raw);
+        QCOMPARE(store->token(), QString());
+        QCOMPARE(host.secrets.count(kService, kAccount), 0);
+        QCOMPARE(host.makeStore()->token(), QString());
+    }
+
+    void savingTheSameTokenTwiceLeavesOneItem() {
+        HostFixture host;
+        const auto store = host.makeStore();
+        store->saveToken(QStringLiteral("abc"));
+        store->saveToken(QStringLiteral("abc"));
+        QCOMPARE(host.secrets.count(kService, kAccount), 1);
+        QCOMPARE(host.secrets.removals, 2);
+    }
+
+    void memoryHoldsTheTokenWhenTheStoreFails() {
+        HostFixture host;
+        host.secrets.failure = SecretError::Unavailable;
+        const auto store = host.makeStore();
+        store->saveToken(QStringLiteral("abc"));
+        QCOMPARE(store->token(), QStringLiteral("abc"));
+        host.secrets.failure.reset();
+        QCOMPARE(host.makeStore()->token(), QString());
+    }
+
+    void theMenuSeesTheTokenBeforeTheStoreIsWritten() {
+        HostFixture host;
+        const auto store = host.makeStore();
+        QString tokenAtWrite;
+        host.secrets.willWrite = [&] { tokenAtWrite = store->token(); };
+        store->saveToken(QStringLiteral("abc"));
+        QCOMPARE(tokenAtWrite, QStringLiteral("abc"));
+    }
+
+    void aSavedTokenIsTriedAtOnceDisplayFirst() {
+        HostFixture host;
+        host.http.answer(QStringLiteral("/api/display"), 200, "{}");
+        const auto store = host.makeStore();
+        store->saveToken(QStringLiteral("abc"));
+        QCOMPARE(host.http.log(), (QStringList{QStringLiteral("GET /api/display"),
+                                               QStringLiteral("POST /api/host/heartbeat")}));
+        QCOMPARE(host.http.requests().at(1).headers.at(0).value, QByteArray("Bearer abc"));
+    }
+
+    void anEmptyTokenIsFollowedByTheDisplayAlone() {
+        HostFixture host;
+        host.keepToken("stored");
+        host.http.answer(QStringLiteral("/api/display"), 200, "{}");
+        const auto store = host.makeStore();
+        store->saveToken(QString());
+        QCOMPARE(host.http.log(), QStringList{QStringLiteral("GET /api/display")});
+    }
+
+    void agreeingPostsAndChangesNothingByItself() {
+        HostFixture host;
+        host.keepToken("t");
+        const auto store = host.makeStore();
+        const QSignalSpy changes(store.get(), &HostStore::objectWillChange);
+        startTask(store->agree());
+        QCOMPARE(host.http.log(), QStringList{QStringLiteral("POST /api/host/agree")});
+        QCOMPARE(changes.count(), 0);
+        host.http.resolve(0, HttpReply{200, R"({"agreed":true})"});
+        QVERIFY(store->assignment().agreed);
+    }
+
+    void pausingLastsTwentyFourHoursFromTheClick() {
+        HostFixture host;
+        const auto store = host.makeStore();
+        store->pause24h();
+        QCOMPARE(*store->pausedUntil() - host.clock.now(),
+                 Clock::TimePoint::duration(std::chrono::seconds(86400)));
+    }
+
+    void pausingTwiceAnHourApartEndsTwentyFourHoursAfterTheSecondClick() {
+        HostFixture host;
+        const auto store = host.makeStore();
+        store->pause24h();
+        host.clock.advance(1h);
+        store->pause24h();
+        host.clock.advance(24h - 1s);
+        QVERIFY(store->isPaused());
+        host.clock.advance(1s);
+        QVERIFY(!store->isPaused());
+    }
+
+    void pausingRendersAndThenTellsTheService() {
+        HostFixture host;
+        host.keepToken("t");
+        const auto store = makeLiveStore(host);
+        host.http.clear();
+        std::size_t requestsAtRender = 99;
+        QObject::connect(store.get(), &HostStore::overlayNeedsRender, [&] {
+            QVERIFY(!store->adsVisible());
+            QCOMPARE(store->statusLine(),
+                     QStringLiteral("Paused 24h. You may drop out of this week's split."));
+            requestsAtRender = host.http.requests().size();
+        });
+        store->pause24h();
+        QCOMPARE(requestsAtRender, std::size_t{0});
+        QCOMPARE(host.http.log(), QStringList{QStringLiteral("POST /api/host/heartbeat")});
+    }
+
+    void pausingWhileTheScreensSleepStillSendsAHeartbeatAndSetsTheLine() {
+        HostFixture host;
+        host.keepToken("t");
+        const auto store = host.makeStore();
+        store->watchScreens();
+        host.workspace.screensDidSleep();
+        host.http.clear();
+        store->pause24h();
+        QCOMPARE(host.http.log().last(), QStringLiteral("POST /api/host/heartbeat"));
+        QCOMPARE(store->statusLine(),
+                 QStringLiteral("Paused 24h. You may drop out of this week's split."));
+    }
+
+    void withoutANotchTokenAndPauseAreKeptAllTheSame() {
+        HostFixture host;
+        host.screens.set({}, {});
+        const auto store = host.makeStore();
+        store->saveToken(QStringLiteral("abc"));
+        QCOMPARE(bytes(host.keptToken()), QByteArray("abc"));
+        store->pause24h();
+        QVERIFY(store->isPaused());
+        QVERIFY(host.http.requests().empty());
+        QCOMPARE(store->statusLine(), QStringLiteral("Notched MacBooks only."));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHostToken)
+#include "tst_hosttoken.moc"

@@ -1,0 +1,78 @@
+#include "host/visibility.h"
+
+#include <QTest>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+class TestVisibility final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aPauseCountsStrictlyBeforeItsEnd_data() {
+        QTest::addColumn<int>("secondsLeft");
+        QTest::addColumn<bool>("isPaused");
+        QTest::newRow("before the end") << 1 << true;
+        QTest::newRow("pausedUntil equal to now: not paused") << 0 << false;
+        QTest::newRow("past") << -1 << false;
+    }
+    void aPauseCountsStrictlyBeforeItsEnd() {
+        QFETCH(int, secondsLeft);
+        QFETCH(bool, isPaused);
+        const Clock::TimePoint now{1000s};
+        QCOMPARE(isPausedAt(now, now + std::chrono::seconds(secondsLeft)), isPaused);
+    }
+
+    void withoutAPauseNothingIsPaused() { QVERIFY(!isPausedAt(Clock::TimePoint{}, std::nullopt)); }
+
+    void everythingMustAllowAds_data() {
+        QTest::addColumn<bool>("hasNotch");
+        QTest::addColumn<bool>("paused");
+        QTest::addColumn<bool>("screenAsleep");
+        QTest::addColumn<bool>("forceHide");
+        QTest::addColumn<QString>("weekStatus");
+        QTest::addColumn<bool>("visible");
+        const QString live = QStringLiteral("live");
+        // Every combination; only one of them shows ads.
+        for (int bits = 0; bits < 32; ++bits) {
+            const bool notch = bits & 16;
+            const bool pause = bits & 8;
+            const bool sleep = bits & 4;
+            const bool hide = bits & 2;
+            const bool isLive = bits & 1;
+            QTest::addRow("notch %d, paused %d, asleep %d, hidden %d, live %d", notch, pause, sleep,
+                          hide, isLive)
+                << notch << pause << sleep << hide << (isLive ? live : QStringLiteral("unfilled"))
+                << (notch && !pause && !sleep && !hide && isLive);
+        }
+        QTest::newRow("live in other letter case")
+            << true << false << false << false << QStringLiteral("Live") << false;
+        QTest::newRow("live with a trailing blank")
+            << true << false << false << false << QStringLiteral("live ") << false;
+        QTest::newRow("empty status") << true << false << false << false << QString() << false;
+    }
+    void everythingMustAllowAds() {
+        QFETCH(bool, hasNotch);
+        QFETCH(bool, paused);
+        QFETCH(bool, screenAsleep);
+        QFETCH(bool, forceHide);
+        QFETCH(QString, weekStatus);
+        const auto isPaused = [paused] { return paused; };
+        QTEST(areAdsVisible(hasNotch, isPaused, screenAsleep, forceHide, weekStatus), "visible");
+    }
+
+    void thePauseIsAskedOnlyOnANotchedMachine() {
+        int asked = 0;
+        const auto isPaused = [&asked] {
+            ++asked;
+            return false;
+        };
+        QVERIFY(!areAdsVisible(false, isPaused, false, false, u"live"));
+        QCOMPARE(asked, 0);
+        QVERIFY(areAdsVisible(true, isPaused, false, false, u"live"));
+        QCOMPARE(asked, 1);
+    }
+};
+
+QTEST_APPLESS_MAIN(TestVisibility)
+#include "tst_visibility.moc"
