@@ -1,0 +1,47 @@
+#pragma once
+
+#include "overlay/overlayruntime.h"
+
+#include <QRegion>
+#include <QWidget>
+
+namespace brimlet {
+
+class NotchPill;
+
+/// The overlay's picture: a pill on either side of a gap of the notch's size. It draws the runtime
+/// and repaints at most once per turn of the event loop, and not at all when nothing it draws
+/// changed.
+class OverlayView final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The runtime outlives the view.
+    explicit OverlayView(OverlayRuntime& runtime);
+
+    /// The clickable capsules' shape in the view's pixels.
+    [[nodiscard]] const QRegion& clickable() const { return m_clickable; }
+    /// The shape of everything painted.
+    [[nodiscard]] const QRegion& painted() const { return m_painted; }
+
+Q_SIGNALS:
+    void regionsChanged();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void runtimeWillChange();
+    void rebuild();
+    void placeRow();
+    void updateRegions();
+
+    OverlayRuntime& m_runtime;
+    NotchPill* m_left;
+    NotchPill* m_right;
+    bool m_isRebuildDue = false;
+    QRegion m_clickable;
+    QRegion m_painted;
+};
+
+} // namespace brimlet

@@ -1,0 +1,54 @@
+#include "overlay/overlaylayout.h"
+
+#include <QTest>
+
+using namespace brimlet;
+
+namespace {
+
+std::optional<SlotCreative> creative(const QString& brand, const QString& tagline) {
+    SlotCreative c;
+    c.brandName = brand;
+    c.tagline = tagline;
+    return c;
+}
+
+} // namespace
+
+class TestLayout final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aPillWithAnyTextIsWide() {
+        const auto text = QStringLiteral("x");
+        QCOMPARE(pillWidth(creative(text, {})), 108.0);
+        QCOMPARE(pillWidth(creative({}, text)), 108.0);
+        QCOMPARE(pillWidth(creative(text, text)), 108.0);
+        QCOMPARE(pillWidth(creative({}, {})), 36.0);
+        QCOMPARE(pillWidth(std::nullopt), 36.0);
+    }
+
+    void twoWidePillsLeaveEightPointsOnEitherSide() {
+        const auto pill = creative(QStringLiteral("x"), {});
+        const OverlayLayout row = overlayLayout(184 + 244, 184, pill, pill);
+        QCOMPARE(row.left, (PillFrame{8, 1, 108, 24}));
+        QCOMPARE(row.right, (PillFrame{8 + 108 + 6 + 184 + 6, 1, 108, 24}));
+        QCOMPARE(row.right.x + row.right.width, 428.0 - 8);
+    }
+
+    void twoEmptySlotsKeepALittleRoom() {
+        const OverlayLayout row = overlayLayout(428, 184, std::nullopt, std::nullopt);
+        QCOMPARE(row.left, (PillFrame{80, 1, 36, 24}));
+        QCOMPARE(row.right, (PillFrame{80 + 36 + 6 + 184 + 6, 1, 36, 24}));
+    }
+
+    void unequalSlotsMoveTheGapOffTheNotch() {
+        const auto pill = creative(QStringLiteral("x"), {});
+        const OverlayLayout row = overlayLayout(428, 184, std::nullopt, pill);
+        const double gapCentre = row.left.x + row.left.width + 6 + 92;
+        QCOMPARE(gapCentre, 214.0 - 36);
+    }
+};
+
+QTEST_APPLESS_MAIN(TestLayout)
+#include "tst_layout.moc"
