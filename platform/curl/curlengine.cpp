@@ -1,0 +1,210 @@
+#include "platform/curl/curlengine.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <limits>
+
+namespace brimlet {
+namespace {
+
+/// Connections kept open between requests, and handles kept for the next ones.
+constexpr long kIdleConnections = 4;
+constexpr std::size_t kSpareHandles = 4;
+
+} // namespace
+
+CurlEngine::CurlEngine(QByteArray moreAuthorities)
+    : m_moreAuthorities(std::move(moreAuthorities))
+    , m_multi(curl_multi_init()) {
+    m_timer.setSingleShot(true);
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
+
+    CURLM* const multi = m_multi.get();
+    curl_multi_setopt(multi, CURLMOPT_SOCKETFUNCTION, &CurlEngine::onSocketWanted);
+    curl_multi_setopt(multi, CURLMOPT_SOCKETDATA, static_cast<void*>(this));
+    curl_multi_setopt(multi, CURLMOPT_TIMERFUNCTION, &CurlEngine::onTimerWanted);
+    curl_multi_setopt(multi, CURLMOPT_TIMERDATA, static_cast<void*>(this));
+    curl_multi_setopt(multi, CURLMOPT_PIPELINING, long{CURLPIPE_NOTHING});
+    curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, kIdleConnections);
+}
+
+CurlEngine::~CurlEngine() {
+    close();
+}
+
+Deferred<HttpResult> CurlEngine::start(HttpRequest request) {
+    auto exchange = std::make_unique<CurlExchange>(std::move(request));
+    Deferred<HttpResult> outcome = exchange->outcome;
+    if (m_isClosed) {
+        outcome.resolve(HttpError::Cancelled);
+    } else if (!isSendable(exchange->request) || !curlAddress(exchange->request.url)) {
+        outcome.resolve(HttpError::BadRequest);
+    } else {
+        startHop(std::move(exchange));
+    }
+    return outcome;
+}
+
+void CurlEngine::startHop(std::unique_ptr<CurlExchange> exchange) {
+    const std::chrono::milliseconds left(exchange->deadline.remainingTime());
+    if (left.count() == 0) {
+        finish(*exchange, HttpError::TimedOut);
+        return;
+    }
+    const HttpRequest& request = exchange->request;
+    auto hop = std::make_unique<CurlHop>(takeHandle(), request, curlAddress(request.url), left,
+                                         m_moreAuthorities);
+    if (!hop->isReady() || curl_multi_add_handle(m_multi.get(), hop->handle()) != CURLM_OK) {
+        finish(*exchange, HttpError::Unreachable);
+        return;
+    }
+    hop->exchange = std::move(exchange);
+    m_hops.push_back(std::move(hop));
+}
+
+void CurlEngine::close() {
+    m_isClosed = true;
+    const Hops hops = std::exchange(m_hops, {});
+    for (const auto& hop : hops) {
+        curl_multi_remove_handle(m_multi.get(), hop->handle());
+        if (hop->exchange) {
+            m_outcomes.push_back({hop->exchange->outcome, HttpError::Cancelled});
+        }
+    }
+    m_timer.stop();
+    for (Outcome& outcome : m_outcomes) {
+        outcome.result = HttpError::Cancelled;
+    }
+    deliver();
+}
+
+void CurlEngine::act(curl_socket_t socket, int events) {
+    const auto self = shared_from_this(); // a redirect rule is someone else's code
+    int running = 0;
+    curl_multi_socket_action(m_multi.get(), socket, events, &running);
+    collect();
+}
+
+void CurlEngine::collect() {
+    endHops();
+
+    struct Settled {
+        std::unique_ptr<CurlExchange> exchange;
+        HttpResult result;
+        QByteArray location;
+    };
+    std::vector<Settled> settled;
+    for (const auto& hop : m_hops) {
+        if (hop->exchange && hop->isSettled()) {
+            settled.push_back({std::move(hop->exchange), hop->takeResult(), hop->location()});
+        }
+    }
+    dropSpent();
+    for (Settled& one : settled) {
+        settle(std::move(one.exchange), std::move(one.result), one.location);
+    }
+}
+
+void CurlEngine::endHops() {
+    int left = 0;
+    while (const CURLMsg* message = curl_multi_info_read(m_multi.get(), &left)) {
+        if (message->msg != CURLMSG_DONE) {
+            continue;
+        }
+        CurlHop* hop = nullptr;
+        curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &hop);
+        hop->end(message->data.result);
+    }
+}
+
+void CurlEngine::dropSpent() {
+    std::erase_if(m_hops, [this](const auto& hop) {
+        const bool isOver = !hop->exchange && hop->isSpent();
+        if (isOver) {
+            recycle(*hop);
+        }
+        return isOver;
+    });
+}
+
+void CurlEngine::settle(std::unique_ptr<CurlExchange> exchange, HttpResult result,
+                        const QByteArray& location) {
+    const auto* const reply = std::get_if<HttpReply>(&result);
+    if (reply != nullptr && !m_isClosed && exchange->redirect(reply->status, location) &&
+        !m_isClosed) {
+        startHop(std::move(exchange));
+    } else {
+        finish(*exchange, std::move(result));
+    }
+}
+
+void CurlEngine::finish(const CurlExchange& exchange, HttpResult result) {
+    m_outcomes.push_back({exchange.outcome, m_isClosed ? HttpError::Cancelled : std::move(result)});
+    if (m_outcomes.size() == 1) {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [self = shared_from_this()] { self->deliver(); },
+            Qt::QueuedConnection);
+    }
+}
+
+void CurlEngine::deliver() {
+    // Whoever is resumed may send, drop the client, or both; each outcome is taken out beforehand.
+    while (!m_outcomes.empty()) {
+        Outcome outcome = std::move(m_outcomes.front());
+        m_outcomes.pop_front();
+        outcome.deferred.resolve(std::move(outcome.result));
+    }
+}
+
+void CurlEngine::recycle(CurlHop& hop) {
+    curl_multi_remove_handle(m_multi.get(), hop.handle());
+    CurlEasy handle = hop.release();
+    if (m_spares.size() < kSpareHandles) {
+        m_spares.push_back(std::move(handle));
+    }
+}
+
+CurlEasy CurlEngine::takeHandle() {
+    if (m_spares.empty()) {
+        return CurlEasy(curl_easy_init());
+    }
+    CurlEasy handle = std::move(m_spares.back());
+    m_spares.pop_back();
+    return handle;
+}
+
+CurlEngine::Socket& CurlEngine::socketFor(curl_socket_t socket) {
+    auto& known = m_sockets[socket];
+    if (!known) {
+        known = std::make_unique<Socket>();
+        known->reading.setSocket(socket);
+        known->writing.setSocket(socket);
+        QObject::connect(&known->reading, &QSocketNotifier::activated, &known->reading,
+                         [this, socket] { act(socket, CURL_CSELECT_IN); });
+        QObject::connect(&known->writing, &QSocketNotifier::activated, &known->writing,
+                         [this, socket] { act(socket, CURL_CSELECT_OUT); });
+    }
+    return *known;
+}
+
+int CurlEngine::onSocketWanted(CURL* /*easy*/, curl_socket_t socket, int what, void* self,
+                               void* /*unused*/) {
+    Socket& watched = static_cast<CurlEngine*>(self)->socketFor(socket);
+    watched.reading.setEnabled(what == CURL_POLL_IN || what == CURL_POLL_INOUT);
+    watched.writing.setEnabled(what == CURL_POLL_OUT || what == CURL_POLL_INOUT);
+    return 0;
+}
+
+int CurlEngine::onTimerWanted(CURLM* /*multi*/, long milliseconds, void* self) {
+    QTimer& timer = static_cast<CurlEngine*>(self)->m_timer;
+    if (milliseconds < 0) {
+        timer.stop();
+    } else {
+        timer.start(
+            static_cast<int>(std::min<long>(milliseconds, std::numeric_limits<int>::max())));
+    }
+    return 0;
+}
+
+} // namespace brimlet

@@ -1,0 +1,59 @@
+#include "platform/curl/curlexchange.h"
+
+#include "platform/curl/curladdress.h"
+
+#include <algorithm>
+
+namespace brimlet {
+namespace {
+
+bool isControl(char c) {
+    return (c >= 0 && c < 0x20) || c == 0x7F;
+}
+
+bool isName(const QByteArray& name) {
+    return !name.isEmpty() && std::none_of(name.cbegin(), name.cend(), [](char c) {
+        return isControl(c) || c == ' ' || c == ':' || c == ';';
+    });
+}
+
+void removeHeader(HttpRequest& request, const char* name) {
+    std::erase_if(request.headers, [name](const HttpHeader& header) {
+        return header.name.compare(name, Qt::CaseInsensitive) == 0;
+    });
+}
+
+} // namespace
+
+bool isSendable(const HttpRequest& request) {
+    return isName(request.method) &&
+           std::all_of(request.headers.cbegin(), request.headers.cend(), [](const auto& header) {
+               return isName(header.name) &&
+                      std::none_of(header.value.cbegin(), header.value.cend(), isControl);
+           });
+}
+
+bool CurlExchange::redirect(int status, const QByteArray& location) {
+    const bool isRedirect =
+        status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+    if (!isRedirect || hopsLeft == 0 || !request.mayFollow) {
+        return false;
+    }
+    const auto target = redirectTarget(request.url, location);
+    if (!target || !curlAddress(*target) || !request.mayFollow(request.url, *target)) {
+        return false;
+    }
+    --hopsLeft;
+    request.url = *target;
+    if (status == 303 || (request.method == "POST" && status < 303)) {
+        request.method = "GET";
+        request.body.reset();
+        removeHeader(request, "Content-Type");
+    }
+    if (!isSameOrigin(origin, *target)) {
+        removeHeader(request, "Authorization");
+    }
+    return true;
+}
+
+} // namespace brimlet

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/deferred.h"
+#include "platform/httpclient.h"
+
+#include <QDeadlineTimer>
+
+#include <algorithm>
+
+namespace brimlet {
+
+/// False when the method or a header cannot be sent as it is without changing what is sent.
+[[nodiscard]] bool isSendable(const HttpRequest& request);
+
+/// A request on its way from hop to hop.
+struct CurlExchange final {
+    explicit CurlExchange(HttpRequest asked)
+        : request(std::move(asked))
+        , origin(request.url)
+        , deadline(std::min<std::chrono::milliseconds>(request.timeout, std::chrono::hours(24))) {}
+
+    /// Makes `request` the one that the redirect asks for. False, with nothing changed, when the
+    /// reply is no redirect or one that is not to be followed.
+    [[nodiscard]] bool redirect(int status, const QByteArray& location);
+
+    HttpRequest request;
+    Url origin;
+    QDeadlineTimer deadline;
+    int hopsLeft = 3;
+    Deferred<HttpResult> outcome;
+};
+
+} // namespace brimlet

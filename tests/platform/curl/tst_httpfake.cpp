@@ -1,0 +1,57 @@
+#include "tests/support/fakeclock.h"
+#include "tests/support/fakehttpclient.h"
+#include "tests/support/httpcontract.h"
+
+#include <QTest>
+
+using namespace brimlet;
+
+namespace {
+
+class FakePeer final : public HttpPeer {
+public:
+    HttpClient& client() override { return *m_client; }
+    void dropClient() override {
+        m_log = log();
+        m_client.reset();
+    }
+    Url url(const QString& path) const override {
+        return Url::fromString(u"http://127.0.0.1:8791"_qs + path).value();
+    }
+    void answer(const QString& path, int status, const QByteArray& body) override {
+        m_client->answer(path, status, body);
+    }
+    void hang(const QString& path) override { m_client->hang(path); }
+    QStringList log() const override { return m_client ? m_client->log() : m_log; }
+    void pass(std::chrono::milliseconds time) override { m_clock.advance(time); }
+
+private:
+    FakeClock m_clock;
+    std::optional<FakeHttpClient> m_client{std::in_place, m_clock};
+    QStringList m_log;
+};
+
+} // namespace
+
+class TestHttpFake final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+
+    void itKeepsTheContract_data() {
+        QTest::addColumn<std::size_t>("index");
+        for (std::size_t i = 0; i < httpContract().size(); ++i) {
+            QTest::newRow(httpContract()[i].name) << i;
+        }
+    }
+
+    void itKeepsTheContract() {
+        QFETCH(const std::size_t, index);
+        FakePeer peer;
+        httpContract()[index].run(peer);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHttpFake)
+#include "tst_httpfake.moc"

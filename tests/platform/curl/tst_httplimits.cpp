@@ -1,0 +1,249 @@
+#include "platform/curl/curlhttpclient.h"
+#include "tests/support/httpcontract.h"
+#include "tests/support/rawserver.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTest>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr qsizetype kHeadLimit = qsizetype{64} * 1024;
+constexpr qsizetype kBodyLimit = qsizetype{1024} * 1024;
+
+QByteArray chunked(const QByteArray& body, qsizetype step) {
+    QByteArray bytes = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+    for (qsizetype at = 0; at < body.size(); at += step) {
+        const QByteArray part = body.mid(at, step);
+        bytes += QByteArray::number(part.size(), 16) + "\r\n" + part + "\r\n";
+    }
+    return bytes + "0\r\n\r\n";
+}
+
+/// The most memory the process ever had, in bytes.
+qint64 peakMemory() {
+    QFile status(u"/proc/self/status"_qs);
+    if (!status.open(QIODevice::ReadOnly)) {
+        return 0;
+    }
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith("VmHWM:")) {
+            return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+class TestHttpLimits final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+
+    void aBodyHasItsLimit_data() {
+        QTest::addColumn<QByteArray>("reply");
+        QTest::addColumn<qsizetype>("size"); // -1: too large
+        const QByteArray head = "HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n";
+        for (const qsizetype size : {kBodyLimit - 1, kBodyLimit, kBodyLimit + 1}) {
+            const QByteArray body(size, 'x');
+            const qsizetype expected = size > kBodyLimit ? -1 : size;
+            const auto over = static_cast<int>(size - kBodyLimit);
+            QTest::addRow("announced %+d", over) << rawReply(200, body) << expected;
+            QTest::addRow("until closed %+d", over) << head + body << expected;
+            QTest::addRow("in chunks %+d", over) << chunked(body, 5000) << expected;
+        }
+        QTest::newRow("chunks of one byte")
+            << chunked(QByteArray(50'000, 'x'), 1) << qsizetype{50'000};
+    }
+
+    void aBodyHasItsLimit() {
+        QFETCH(const QByteArray, reply);
+        QFETCH(const qsizetype, size);
+        RawServer server;
+        server.answerAndCut({}, reply);
+        CurlHttpClient client;
+        const auto result = fetch(client, requestTo(server.url(u"/"_qs)));
+        if (size < 0) {
+            QVERIFY(result == HttpResult(HttpError::TooLarge));
+        } else {
+            QVERIFY(result == HttpResult(HttpReply{200, QByteArray(size, 'x')}));
+        }
+    }
+
+    void anAnnouncedLengthBeyondTheLimitEndsItAtOnce() {
+        RawServer server;
+        server.answer({}, "HTTP/1.1 200 OK\r\nContent-Length: 1048577\r\n\r\n");
+        CurlHttpClient client;
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpError::TooLarge));
+    }
+
+    void aHeadHasItsLimit_data() {
+        QTest::addColumn<QByteArray>("head");
+        QTest::addColumn<bool>("isTooLarge");
+        for (const qsizetype size : {kHeadLimit - 1, kHeadLimit, kHeadLimit + 1}) {
+            QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 1\r\n";
+            const QByteArray line = "X: " + QByteArray(1000, 'y') + "\r\n";
+            while (head.size() + line.size() + 100 < size) {
+                head += line;
+            }
+            head += "Z: " + QByteArray(size - head.size() - 7, 'z') + "\r\n\r\n";
+            const auto over = static_cast<int>(size - kHeadLimit);
+            QTest::addRow("many lines %+d", over) << head << (over > 0);
+        }
+        QTest::newRow("one long line")
+            << "HTTP/1.1 200 OK\r\nX: " + QByteArray(90'000, 'x') + "\r\n\r\n"
+            << true;
+        QTest::newRow("one very long line")
+            << "HTTP/1.1 200 OK\r\nX: " + QByteArray(900'000, 'x') + "\r\n\r\n"
+            << true;
+    }
+
+    void aHeadHasItsLimit() {
+        QFETCH(const QByteArray, head);
+        QFETCH(const bool, isTooLarge);
+        RawServer server;
+        server.answer({}, head + "x");
+        CurlHttpClient client;
+        const auto result = fetch(client, requestTo(server.url(u"/"_qs)));
+        QVERIFY(result ==
+                (isTooLarge ? HttpResult(HttpError::TooLarge) : HttpResult(HttpReply{200, "x"})));
+    }
+
+    void whatHasNoEndIsCutShort_data() {
+        QTest::addColumn<QByteArray>("start");
+        QTest::addColumn<QByteArray>("more");
+        const QByteArray ok = "HTTP/1.1 200 OK\r\n";
+        const QByteArray inChunks = ok + "Transfer-Encoding: chunked\r\n\r\n";
+        QTest::newRow("body") << ok + "\r\n" << QByteArray(100'000, 'x');
+        QTest::newRow("chunks") << inChunks << QByteArray("4\r\nxxxx\r\n").repeated(10'000);
+        QTest::newRow("chunk extension") << inChunks + "4;" << QByteArray(100'000, 'x');
+        QTest::newRow("trailers") << inChunks + "0\r\n" << QByteArray("A: b\r\n").repeated(10'000);
+        QTest::newRow("head") << ok << QByteArray("A: b\r\n").repeated(10'000);
+        QTest::newRow("header line") << ok + "A: " << QByteArray(100'000, 'x');
+        QTest::newRow("status line") << QByteArray("HTTP/1.1 200 ") << QByteArray(100'000, 'x');
+        QTest::newRow("interim replies")
+            << QByteArray() << QByteArray("HTTP/1.1 100 Continue\r\n\r\n").repeated(5'000);
+    }
+
+    void whatHasNoEndIsCutShort() {
+        QFETCH(const QByteArray, start);
+        QFETCH(const QByteArray, more);
+        RawServer server;
+        server.answer({}, [&](RawConnection& connection, const RawRequest&) {
+            connection.send(start);
+            connection.flood(more);
+        });
+        CurlHttpClient client;
+        const qint64 before = peakMemory();
+        const auto result = fetch(client, requestTo(server.url(u"/"_qs)));
+        QVERIFY(result == HttpResult(HttpError::TooLarge));
+        QVERIFY(peakMemory() - before < 16'000'000);
+        QTRY_COMPARE(server.openConnections(), 0);
+    }
+
+    void theDeadlineHoldsHoweverSteadilyBytesDrip_data() {
+        QTest::addColumn<QByteArray>("start");
+        QTest::addColumn<QByteArray>("drops");
+        QTest::newRow("body") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 5000\r\n\r\n")
+                              << QByteArray("x");
+        QTest::newRow("header line") << QByteArray("HTTP/1.1 200 OK\r\nX: ") << QByteArray("x");
+        QTest::newRow("head") << QByteArray("HTTP/1.1 200 OK\r\n") << QByteArray("A: b\r\n");
+        QTest::newRow("interim replies")
+            << QByteArray() << QByteArray("HTTP/1.1 100 Continue\r\n\r\n");
+        QTest::newRow("chunk extension")
+            << QByteArray("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1;")
+            << QByteArray("x");
+    }
+
+    void theDeadlineHoldsHoweverSteadilyBytesDrip() {
+        QFETCH(const QByteArray, start);
+        QFETCH(const QByteArray, drops);
+        RawServer server;
+        server.answer({}, [&](RawConnection& connection, const RawRequest&) {
+            connection.send(start);
+            connection.drip(drops, 1ms, true);
+        });
+        CurlHttpClient client;
+        HttpRequest request = requestTo(server.url(u"/"_qs));
+        request.timeout = 300ms;
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(fetch(client, request) == HttpResult(HttpError::TimedOut));
+        QVERIFY(timer.elapsed() >= 290);
+        QTRY_COMPARE(server.openConnections(), 0);
+    }
+
+    void onlyStatusesAskedForCarryABody_data() {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<int>("last");
+        QTest::addColumn<bool>("hasBody");
+        for (const int status : {200, 201, 206, 299}) {
+            QTest::addRow("%d up to 200", status) << status << 200 << (status == 200);
+            QTest::addRow("%d up to 299", status) << status << 299 << true;
+        }
+        for (const int status : {300, 401, 403, 404, 407, 418, 429, 500, 503, 999}) {
+            QTest::addRow("%d up to 299", status) << status << 299 << false;
+        }
+    }
+
+    void onlyStatusesAskedForCarryABody() {
+        QFETCH(const int, status);
+        QFETCH(const int, last);
+        QFETCH(const bool, hasBody);
+        RawServer server;
+        server.answer({}, rawReply(status, "words"));
+        CurlHttpClient client;
+        HttpRequest request = requestTo(server.url(u"/"_qs));
+        request.lastStatusWithBody = last;
+        const QByteArray body = hasBody ? "words" : "";
+        QVERIFY(fetch(client, request) == HttpResult(HttpReply{status, body}));
+        QVERIFY(fetch(client, request) == HttpResult(HttpReply{status, body}));
+        QCOMPARE(server.connections(), 1);
+    }
+
+    void aBodyNobodyAskedForNeitherHoldsUpNorSpoilsTheStatus_data() {
+        QTest::addColumn<QByteArray>("rest");
+        QTest::addColumn<QByteArray>("flood");
+        const QByteArray inChunks = "Transfer-Encoding: chunked\r\n\r\n";
+        QTest::newRow("small, unfinished")
+            << QByteArray("Content-Length: 9\r\n\r\nx") << QByteArray();
+        QTest::newRow("large, unfinished")
+            << QByteArray("Content-Length: 99999\r\n\r\nx") << QByteArray();
+        QTest::newRow("announced beyond all")
+            << QByteArray("Content-Length: 99999999999999999999\r\n\r\n") << QByteArray();
+        QTest::newRow("until closed, endless") << QByteArray("\r\n") << QByteArray(9999, 'x');
+        QTest::newRow("bad chunk") << inChunks + "zz\r\n" << QByteArray();
+        QTest::newRow("endless chunk extension") << inChunks + "1;" << QByteArray(9999, 'x');
+        QTest::newRow("endless trailers") << inChunks + "0\r\n"
+                                          << QByteArray("A: b\r\n").repeated(999);
+    }
+
+    void aBodyNobodyAskedForNeitherHoldsUpNorSpoilsTheStatus() {
+        QFETCH(const QByteArray, rest);
+        QFETCH(const QByteArray, flood);
+        RawServer server;
+        server.answer({}, [&](RawConnection& connection, const RawRequest&) {
+            connection.send("HTTP/1.1 503 Busy\r\n" + rest);
+            if (!flood.isEmpty()) {
+                connection.flood(flood);
+            }
+        });
+        CurlHttpClient client;
+        HttpRequest request = requestTo(server.url(u"/"_qs));
+        request.timeout = 2s;
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(fetch(client, request) == HttpResult(HttpReply{503, {}}));
+        QVERIFY(timer.elapsed() < 1000);
+        // Whatever is left of it ends with the request's own time.
+        QTRY_COMPARE(server.openConnections(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHttpLimits)
+#include "tst_httplimits.moc"

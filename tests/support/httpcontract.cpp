@@ -1,0 +1,161 @@
+#include "tests/support/httpcontract.h"
+
+#include "platform/starttask.h"
+
+#include <QTest>
+
+#include <algorithm>
+
+namespace brimlet {
+namespace {
+
+using namespace std::chrono_literals;
+
+HttpRequest get(const HttpPeer& peer, const QString& path) {
+    HttpRequest request = requestTo(peer.url(path));
+    request.timeout = 5s;
+    return request;
+}
+
+void aReplyCarriesStatusAndBody(HttpPeer& peer) {
+    peer.answer(u"/good"_qs, 200, "{\"a\":1}");
+    const auto result = fetch(peer.client(), get(peer, u"/good"_qs));
+    QVERIFY(result == HttpResult(HttpReply{200, "{\"a\":1}"}));
+    QCOMPARE(peer.log(), QStringList{u"GET /good"_qs});
+}
+
+void anyOtherStatusIsAnOutcomeToo(HttpPeer& peer) {
+    // Its body is not read.
+    peer.answer(u"/gone"_qs, 404, "{\"a\":1}");
+    const auto result = fetch(peer.client(), get(peer, u"/gone"_qs));
+    QVERIFY(result == HttpResult(HttpReply{404, {}}));
+}
+
+void aBodyBeyondTheLimitIsNoReply(HttpPeer& peer) {
+    peer.answer(u"/long"_qs, 200, "12345");
+    HttpRequest request = get(peer, u"/long"_qs);
+    request.bodyLimit = 5;
+    QVERIFY(fetch(peer.client(), request) == HttpResult(HttpReply{200, "12345"}));
+    request.bodyLimit = 4;
+    QVERIFY(fetch(peer.client(), request) == HttpResult(HttpError::TooLarge));
+}
+
+void silenceEndsAtTheDeadlineAndNotBefore(HttpPeer& peer) {
+    peer.hang(u"/never"_qs);
+    HttpRequest request = get(peer, u"/never"_qs);
+    request.timeout = 600ms;
+    const Awaited reply(peer.client().send(std::move(request)));
+    peer.pass(300ms);
+    QVERIFY(!reply.isDone());
+    peer.pass(700ms);
+    QTRY_VERIFY(reply.isDone());
+    QVERIFY(reply.result() == HttpResult(HttpError::TimedOut));
+}
+
+void requestsOverlap(HttpPeer& peer) {
+    peer.hang(u"/never"_qs);
+    peer.answer(u"/good"_qs, 200, "x");
+    std::vector<Awaited> waiting;
+    waiting.reserve(30);
+    for (int i = 0; i < 30; ++i) {
+        waiting.emplace_back(peer.client().send(get(peer, u"/never"_qs)));
+    }
+    QTRY_COMPARE(peer.log().size(), 30);
+    const auto result = fetch(peer.client(), get(peer, u"/good"_qs));
+    QVERIFY(result == HttpResult(HttpReply{200, "x"}));
+    QVERIFY(
+        std::none_of(waiting.cbegin(), waiting.cend(), [](const auto& w) { return w.isDone(); }));
+    peer.dropClient();
+}
+
+void whatIsUnderWayEndsWithTheClient(HttpPeer& peer) {
+    peer.hang(u"/never"_qs);
+    const Awaited first(peer.client().send(get(peer, u"/never"_qs)));
+    const Awaited second(peer.client().send(get(peer, u"/never"_qs)));
+    QTRY_COMPARE(peer.log().size(), 2);
+    peer.dropClient();
+    QVERIFY(first.isDone());
+    QVERIFY(second.isDone());
+    QVERIFY(first.result() == HttpResult(HttpError::Cancelled));
+    QVERIFY(second.result() == HttpResult(HttpError::Cancelled));
+}
+
+QCoro::Task<> sendInTurn(HttpClient& client, HttpRequest request, int times,
+                         std::shared_ptr<std::vector<HttpResult>> results) {
+    for (int i = 0; i < times; ++i) {
+        HttpRequest copy = request;
+        results->push_back(co_await client.send(std::move(copy)));
+    }
+}
+
+void whoeverGetsAnOutcomeMaySendAgain(HttpPeer& peer) {
+    peer.answer(u"/good"_qs, 200, "x");
+    const auto results = std::make_shared<std::vector<HttpResult>>();
+    startTask(sendInTurn(peer.client(), get(peer, u"/good"_qs), 5, results));
+    QTRY_COMPARE(results->size(), 5U);
+    for (const HttpResult& result : *results) {
+        QVERIFY(result == HttpResult(HttpReply{200, "x"}));
+    }
+}
+
+void whatIsSentWhileTheClientGoesEndsAtOnce(HttpPeer& peer) {
+    peer.hang(u"/never"_qs);
+    const auto results = std::make_shared<std::vector<HttpResult>>();
+    startTask(sendInTurn(peer.client(), get(peer, u"/never"_qs), 3, results));
+    QTRY_COMPARE(peer.log().size(), 1);
+    peer.dropClient();
+    QVERIFY(*results == std::vector<HttpResult>(3, HttpError::Cancelled));
+}
+
+QCoro::Task<> sendAndDropClient(HttpPeer& peer, HttpRequest request) {
+    (void)co_await peer.client().send(std::move(request));
+    peer.dropClient();
+}
+
+void whoeverGetsAnOutcomeMayDropTheClient(HttpPeer& peer) {
+    peer.hang(u"/never"_qs);
+    const Awaited other(peer.client().send(get(peer, u"/never"_qs)));
+    HttpRequest brief = get(peer, u"/never"_qs);
+    brief.timeout = 100ms;
+    startTask(sendAndDropClient(peer, std::move(brief)));
+    peer.pass(200ms);
+    QTRY_VERIFY(other.isDone());
+    QVERIFY(other.result() == HttpResult(HttpError::Cancelled));
+}
+
+QCoro::Task<> keep(QCoro::Task<HttpResult> task, std::shared_ptr<std::optional<HttpResult>> into) {
+    *into = co_await task;
+}
+
+} // namespace
+
+Awaited::Awaited(QCoro::Task<HttpResult>&& task) {
+    startTask(keep(std::move(task), m_result));
+}
+
+HttpRequest requestTo(const Url& url, const QByteArray& method) {
+    return {.url = url, .method = method};
+}
+
+std::optional<HttpResult> fetch(HttpClient& client, HttpRequest request) {
+    const Awaited reply(client.send(std::move(request)));
+    const bool isDone = QTest::qWaitFor([&reply] { return reply.isDone(); }, 10'000);
+    return isDone ? std::optional(reply.result()) : std::nullopt;
+}
+
+const std::vector<HttpCheck>& httpContract() {
+    static const std::vector<HttpCheck> checks{
+        {"a reply carries status and body", aReplyCarriesStatusAndBody},
+        {"any other status is an outcome too", anyOtherStatusIsAnOutcomeToo},
+        {"a body beyond the limit is no reply", aBodyBeyondTheLimitIsNoReply},
+        {"silence ends at the deadline and not before", silenceEndsAtTheDeadlineAndNotBefore},
+        {"requests overlap", requestsOverlap},
+        {"what is under way ends with the client", whatIsUnderWayEndsWithTheClient},
+        {"whoever gets an outcome may send again", whoeverGetsAnOutcomeMaySendAgain},
+        {"what is sent while the client goes ends at once", whatIsSentWhileTheClientGoesEndsAtOnce},
+        {"whoever gets an outcome may drop the client", whoeverGetsAnOutcomeMayDropTheClient},
+    };
+    return checks;
+}
+
+} // namespace brimlet
