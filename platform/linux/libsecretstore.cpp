@@ -1,0 +1,58 @@
+#include "platform/linux/libsecretstore.h"
+
+#include "platform/linux/secretservice.h"
+#include "platform/linux/serialworker.h"
+
+namespace brimlet {
+namespace {
+
+constexpr std::chrono::seconds readingTime(2);
+
+[[nodiscard]] SecretItemName itemName(const QString& service, const QString& account) {
+    return {service.toUtf8(), account.toUtf8()};
+}
+
+} // namespace
+
+LibsecretStore::LibsecretStore()
+    : m_worker(std::make_unique<SerialWorker>()) {}
+
+LibsecretStore::~LibsecretStore() = default;
+
+SecretResult LibsecretStore::read(const QString& service, const QString& account) {
+    using Answer = std::variant<SecretValuePtr, SecretError>;
+    const auto deadline = std::chrono::steady_clock::now() + readingTime;
+    const auto answer = std::make_shared<Answer>(SecretError::Unavailable);
+    const bool isInTime = m_worker->run(
+        [answer, name = itemName(service, account)](GCancellable* cancellable) {
+            *answer = secretservice::find(name, cancellable);
+        },
+        deadline);
+    if (!isInTime) {
+        return SecretError::TimedOut;
+    }
+    if (const auto* const error = std::get_if<SecretError>(answer.get())) {
+        return *error;
+    }
+    gsize size = 0;
+    const gchar* const bytes = secret_value_get(std::get<SecretValuePtr>(*answer).get(), &size);
+    return QByteArray(bytes, static_cast<qsizetype>(size));
+}
+
+void LibsecretStore::remove(const QString& service, const QString& account) {
+    m_worker->post([name = itemName(service, account)](GCancellable* cancellable) {
+        secretservice::clear(name, cancellable);
+    });
+}
+
+void LibsecretStore::add(const QString& service, const QString& account, const QByteArray& value) {
+    // Not "text/plain": some services store text in their own encoding.
+    const std::shared_ptr<SecretValue> kept(
+        secret_value_new(value.constData(), value.size(), "application/octet-stream"),
+        SecretValueUnref());
+    m_worker->post([name = itemName(service, account), kept](GCancellable* cancellable) {
+        secretservice::store(name, kept.get(), cancellable);
+    });
+}
+
+} // namespace brimlet

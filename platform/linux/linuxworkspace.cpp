@@ -1,0 +1,143 @@
+#include "platform/linux/linuxworkspace.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+
+#include <utility>
+
+namespace brimlet {
+namespace {
+
+const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+const QString mutterName = QStringLiteral("org.gnome.Mutter.DisplayConfig");
+const QString mutterPath = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
+const QString powerSaveMode = QStringLiteral("PowerSaveMode");
+
+/// The one line of a sysfs attribute; empty when it cannot be read.
+[[nodiscard]] QByteArray attribute(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
+}
+
+/// Whether there is a built-in panel and none is lit. A laptop with two graphics cards has a
+/// connector on each, of which one is not connected and always off.
+[[nodiscard]] bool isPanelOff(const QString& drmFolder) {
+    bool hasPanel = false;
+    const QDir folder(drmFolder);
+    const QStringList connectors =
+        folder.entryList({QStringLiteral("card*-eDP-*")}, QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& connector : connectors) {
+        const QByteArray power = attribute(folder.filePath(connector + QLatin1StringView("/dpms")));
+        const QByteArray status =
+            attribute(folder.filePath(connector + QLatin1StringView("/status")));
+        if (power.isEmpty() || status == "disconnected") {
+            continue;
+        }
+        if (power == "On") {
+            return false;
+        }
+        hasPanel = true;
+    }
+    return hasPanel;
+}
+
+} // namespace
+
+LinuxWorkspace::LinuxWorkspace(QString drmFolder)
+    : m_drmFolder(std::move(drmFolder))
+    , m_mutterWatcher(mutterName, QDBusConnection::sessionBus(),
+                      QDBusServiceWatcher::WatchForRegistration |
+                          QDBusServiceWatcher::WatchForUnregistration) {
+    QDBusConnection::systemBus().connect(
+        QStringLiteral("org.freedesktop.login1"), QStringLiteral("/org/freedesktop/login1"),
+        QStringLiteral("org.freedesktop.login1.Manager"), QStringLiteral("PrepareForSleep"), this,
+        SLOT(machineGoesToSleep(bool)));
+    QDBusConnection::sessionBus().connect(mutterName, mutterPath, propertiesInterface,
+                                          QStringLiteral("PropertiesChanged"), this,
+                                          SLOT(mutterChanged(QString, QVariantMap, QStringList)));
+    connect(&m_mutterWatcher, &QDBusServiceWatcher::serviceRegistered, this,
+            &LinuxWorkspace::askMutter);
+    connect(&m_mutterWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
+            [this] { setMutterMode(0); });
+    askMutter();
+}
+
+ObserverToken LinuxWorkspace::observeScreensDidSleep(std::function<void()> block) {
+    return m_sleepObservers.add(std::move(block));
+}
+
+ObserverToken LinuxWorkspace::observeScreensDidWake(std::function<void()> block) {
+    return m_wakeObservers.add(std::move(block));
+}
+
+void LinuxWorkspace::open(const Url& url) {
+    const QString& text = url.absoluteString();
+    if (!url.scheme() || text.startsWith(u'-')) {
+        return;
+    }
+    QProcess opener;
+    opener.setProgram(QStringLiteral("xdg-open"));
+    opener.setArguments({text});
+    opener.setStandardOutputFile(QProcess::nullDevice());
+    opener.setStandardErrorFile(QProcess::nullDevice());
+    opener.startDetached();
+}
+
+void LinuxWorkspace::checkPanelPower() {
+    m_isPanelOff = isPanelOff(m_drmFolder);
+    update();
+}
+
+void LinuxWorkspace::machineGoesToSleep(bool isStarting) {
+    m_isMachineAsleep = isStarting;
+    update();
+}
+
+void LinuxWorkspace::mutterChanged(const QString& interface, const QVariantMap& changed,
+                                   const QStringList& invalidated) {
+    if (interface != mutterName) {
+        return;
+    }
+    if (changed.contains(powerSaveMode)) {
+        setMutterMode(changed.value(powerSaveMode).toInt());
+    } else if (invalidated.contains(powerSaveMode)) {
+        askMutter();
+    }
+}
+
+void LinuxWorkspace::askMutter() {
+    auto question = QDBusMessage::createMethodCall(mutterName, mutterPath, propertiesInterface,
+                                                   QStringLiteral("Get"));
+    question.setArguments({mutterName, powerSaveMode});
+    question.setAutoStartService(false);
+    auto* const watcher =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        const QDBusPendingReply<QDBusVariant> reply(*watcher);
+        if (reply.isValid()) {
+            setMutterMode(reply.value().variant().toInt());
+        }
+        watcher->deleteLater();
+    });
+}
+
+void LinuxWorkspace::setMutterMode(int mode) {
+    // 0 is on and -1 unknown; 1 to 3 are the ways of being off.
+    m_isMutterSaving = mode > 0;
+    update();
+}
+
+void LinuxWorkspace::update() {
+    const bool isAsleep = m_isMachineAsleep || m_isMutterSaving || m_isPanelOff;
+    if (std::exchange(m_isAsleep, isAsleep) != isAsleep) {
+        (isAsleep ? m_sleepObservers : m_wakeObservers).notify();
+    }
+}
+
+} // namespace brimlet

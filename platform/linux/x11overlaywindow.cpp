@@ -1,0 +1,80 @@
+#include "platform/linux/x11overlaywindow.h"
+
+#include "platform/linux/desktopgeometry.h"
+#include "platform/linux/x11.h"
+
+namespace brimlet {
+
+X11OverlayWindow::X11OverlayWindow(std::unique_ptr<QWidget> content,
+                                   std::function<QRectF()> primaryGeometry)
+    : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                           Qt::WindowDoesNotAcceptFocus | Qt::BypassWindowManagerHint |
+                           Qt::NoDropShadowWindowHint)
+    , m_content(content.release())
+    , m_primaryGeometry(std::move(primaryGeometry)) {
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_AlwaysShowToolTips);
+    setWindowTitle(QStringLiteral("Brimlet"));
+    m_content->setParent(this);
+}
+
+void X11OverlayWindow::orderFrontRegardless() {
+    // Shaped before it is mapped, and again each time, since a new native window or another scale
+    // factor comes without a word.
+    create();
+    applyInputShape();
+    applyMask();
+    show();
+    raise();
+}
+
+void X11OverlayWindow::orderOut() {
+    hide();
+}
+
+void X11OverlayWindow::setFrame(const Rect& frame) {
+    setGeometry(toQt(frame, m_primaryGeometry()).toRect());
+}
+
+void X11OverlayWindow::setIgnoresMouseEvents(bool ignores) {
+    if (m_ignoresMouseEvents != ignores) {
+        m_ignoresMouseEvents = ignores;
+        applyInputShape();
+    }
+}
+
+void X11OverlayWindow::setShapes(const QRegion& clickable, const QRegion& painted) {
+    m_clickable = clickable;
+    m_painted = painted;
+    applyInputShape();
+    applyMask();
+}
+
+void X11OverlayWindow::applyInputShape() {
+    if (const WId window = internalWinId()) {
+        x11::setInputShape(window, m_ignoresMouseEvents ? QRegion() : m_clickable,
+                           devicePixelRatioF());
+    }
+}
+
+void X11OverlayWindow::applyMask() {
+    // An empty mask would mean no mask, so "nothing painted" is a dot outside the window.
+    constexpr QRect kOutside(-2, -2, 1, 1);
+    const QRegion shown = m_painted.isEmpty() ? QRegion(kOutside) : m_painted;
+    const QRegion wanted = x11::hasCompositor() ? QRegion() : shown;
+    if (wanted == mask()) {
+        return;
+    }
+    if (wanted.isEmpty()) {
+        clearMask();
+    } else {
+        setMask(wanted);
+    }
+}
+
+void X11OverlayWindow::resizeEvent(QResizeEvent* /*event*/) {
+    m_content->setGeometry(rect());
+}
+
+} // namespace brimlet

@@ -1,0 +1,20 @@
+#include "tests/support/fakes.h"
+#include "tests/support/secretcontract.h"
+
+using namespace brimlet;
+
+/// The store that other tests use must behave like a real one.
+class FakeSecretsTest final : public SecretContract {
+    Q_OBJECT
+
+private:
+    [[nodiscard]] SecretStore& store() override { return m_store; }
+    [[nodiscard]] qsizetype count(const QString& service, const QString& account) override {
+        return m_store.count(service, account);
+    }
+
+    FakeSecretStore m_store;
+};
+
+QTEST_GUILESS_MAIN(FakeSecretsTest)
+#include "tst_fakesecrets.moc"

@@ -1,0 +1,36 @@
+#include "platform/linux/libsecretstore.h"
+
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <optional>
+
+using namespace brimlet;
+
+/// Where there is no secret service, or not even a bus.
+class NoSecretsTest final : public QObject {
+    Q_OBJECT
+
+private:
+    const QString m_service = QStringLiteral("app.brimlet.host");
+    const QString m_account = QStringLiteral("host-token");
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".?"))); }
+
+    void everyCallEndsSoonAndAReadSaysWhy() {
+        std::optional<LibsecretStore> store(std::in_place);
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(store->read(m_service, m_account), SecretResult(SecretError::Unavailable));
+        store->remove(m_service, m_account);
+        store->add(m_service, m_account, "token");
+        QCOMPARE(store->read(m_service, m_account), SecretResult(SecretError::Unavailable));
+        store.reset();
+        QVERIFY2(timer.elapsed() < 500, qPrintable(QString::number(timer.elapsed())));
+    }
+};
+
+QTEST_GUILESS_MAIN(NoSecretsTest)
+#include "tst_nosecrets.moc"

@@ -1,0 +1,88 @@
+#include "platform/linux/linuxreducemotion.h"
+#include "platform/linux/linuxworkspace.h"
+#include "tests/platform/linux/panelfolder.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace brimlet;
+
+/// Without any bus, so that the panel is the only sign.
+class PanelPowerTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".?"))); }
+
+    void onlyADarkBuiltInPanelIsASleep_data() {
+        using Connectors = QMap<QString, QByteArray>;
+        QTest::addColumn<Connectors>("connectors");
+        QTest::addColumn<bool>("isAsleep");
+        const QString panel = QStringLiteral("card0-eDP-1");
+        const QString external = QStringLiteral("card0-HDMI-A-1");
+        const QString unused = QStringLiteral("card1-eDP-2 disconnected");
+        QTest::newRow("on") << Connectors{{panel, "On"}} << false;
+        QTest::newRow("off") << Connectors{{panel, "Off"}} << true;
+        QTest::newRow("standby") << Connectors{{panel, "Standby"}} << true;
+        QTest::newRow("suspend") << Connectors{{panel, "Suspend"}} << true;
+        QTest::newRow("second card") << Connectors{{QStringLiteral("card1-eDP-1"), "Off"}} << true;
+        QTest::newRow("off beside an external screen")
+            << Connectors{{panel, "Off"}, {external, "On"}} << true;
+        QTest::newRow("external screen off") << Connectors{{external, "Off"}} << false;
+        QTest::newRow("on, its twin not connected")
+            << Connectors{{panel, "On"}, {unused, "Off"}} << false;
+        QTest::newRow("off, its twin not connected")
+            << Connectors{{panel, "Off"}, {unused, "Off"}} << true;
+        QTest::newRow("only the twin") << Connectors{{unused, "Off"}} << false;
+        QTest::newRow("no connector") << Connectors{} << false;
+    }
+
+    void onlyADarkBuiltInPanelIsASleep() {
+        using Connectors = QMap<QString, QByteArray>;
+        QFETCH(const Connectors, connectors);
+        QFETCH(const bool, isAsleep);
+        PanelFolder panels;
+        for (auto entry = connectors.cbegin(); entry != connectors.cend(); ++entry) {
+            const QStringList words = entry.key().split(u' ');
+            QVERIFY(panels.set(words.first(), QStringLiteral("dpms"), entry.value()));
+            QVERIFY(panels.set(words.first(), QStringLiteral("status"),
+                               words.size() == 1 ? "connected" : "disconnected"));
+        }
+        LinuxWorkspace workspace(panels.path());
+        int sleeps = 0;
+        workspace.observeScreensDidSleep([&sleeps] { ++sleeps; });
+        QCOMPARE(sleeps, 0);
+        workspace.checkPanelPower();
+        QCOMPARE(sleeps, isAsleep ? 1 : 0);
+    }
+
+    void eachChangeIsAnnouncedOnce() {
+        PanelFolder panels;
+        LinuxWorkspace workspace(panels.path());
+        QStringList log;
+        workspace.observeScreensDidSleep([&log] { log << QStringLiteral("sleep"); });
+        workspace.observeScreensDidWake([&log] { log << QStringLiteral("wake"); });
+        for (const char* const power : {"On", "Off", "Off", "Standby", "On", "On", "Off"}) {
+            QVERIFY(panels.set(QStringLiteral("card0-eDP-1"), QStringLiteral("dpms"), power));
+            workspace.checkPanelPower();
+        }
+        QCOMPARE(log.join(u' '), QStringLiteral("sleep wake sleep"));
+    }
+
+    void aMissingFolderIsHarmless() {
+        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        int changes = 0;
+        workspace.observeScreensDidSleep([&changes] { ++changes; });
+        workspace.observeScreensDidWake([&changes] { ++changes; });
+        workspace.checkPanelPower();
+        QCOMPARE(changes, 0);
+    }
+
+    void motionIsNotReducedWithoutABus() {
+        const LinuxReduceMotion motion;
+        QVERIFY(!motion.isOn());
+    }
+};
+
+QTEST_GUILESS_MAIN(PanelPowerTest)
+#include "tst_panelpower.moc"

@@ -1,0 +1,67 @@
+#include "platform/linux/libsecretstore.h"
+
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <optional>
+
+using namespace brimlet;
+
+/// Against a keyring that owns its name and answers nothing.
+class SecretsHungTest final : public QObject {
+    Q_OBJECT
+
+private:
+    const QString m_service = QStringLiteral("app.brimlet.host");
+    const QString m_account = QStringLiteral("host-token");
+
+    void compareReadTimesOut(LibsecretStore& store) {
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(store.read(m_service, m_account), SecretResult(SecretError::TimedOut));
+        const qint64 elapsed = timer.elapsed();
+        QVERIFY2(elapsed >= 1990 && elapsed < 2300, qPrintable(QString::number(elapsed)));
+    }
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".?"))); }
+
+    void aReadEndsAfterTwoSeconds() {
+        LibsecretStore store;
+        compareReadTimesOut(store);
+    }
+
+    void aReadBehindHangingWritesStillEndsAfterTwoSeconds() {
+        LibsecretStore store;
+        store.remove(m_service, m_account);
+        store.add(m_service, m_account, "token");
+        compareReadTimesOut(store);
+    }
+
+    void theStoreGoesWithinASecondDespiteHangingWrites() {
+        std::optional<LibsecretStore> store(std::in_place);
+        QElapsedTimer timer;
+        timer.start();
+        for (int i = 0; i < 10; ++i) {
+            store->remove(m_service, m_account);
+            store->add(m_service, m_account, "token");
+        }
+        QVERIFY2(timer.elapsed() < 100, "a write waited for its answer");
+        timer.restart();
+        store.reset();
+        QVERIFY2(timer.elapsed() < 900, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    void aTimedOutReadDoesNotHoldUpTheEnd() {
+        std::optional<LibsecretStore> store(std::in_place);
+        compareReadTimesOut(*store);
+        QElapsedTimer timer;
+        timer.start();
+        store.reset();
+        QVERIFY2(timer.elapsed() < 300, qPrintable(QString::number(timer.elapsed())));
+    }
+};
+
+QTEST_GUILESS_MAIN(SecretsHungTest)
+#include "tst_secretshung.moc"

@@ -1,0 +1,50 @@
+#include "platform/linux/xdgcachesfolder.h"
+
+#include <QTest>
+
+using namespace brimlet;
+
+class XdgCachesFolderTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theEnvironmentDecides_data() {
+        QTest::addColumn<QByteArray>("caches");
+        QTest::addColumn<QByteArray>("home");
+        QTest::addColumn<QString>("path");
+        const QByteArray unset;
+        QTest::newRow("caches folder named") << QByteArray("/var/tmp/mine") << QByteArray("/home/h")
+                                             << QStringLiteral("/var/tmp/mine");
+        QTest::newRow("slash at the end") << QByteArray("/var/tmp/mine/") << QByteArray("/home/h")
+                                          << QStringLiteral("/var/tmp/mine");
+        QTest::newRow("not absolute")
+            << QByteArray("mine") << QByteArray("/home/h") << QStringLiteral("/home/h/.cache");
+        QTest::newRow("empty") << QByteArray("") << QByteArray("/home/h")
+                               << QStringLiteral("/home/h/.cache");
+        QTest::newRow("unset") << unset << QByteArray("/home/h/")
+                               << QStringLiteral("/home/h/.cache");
+        QTest::newRow("home beyond ASCII")
+            << unset << QByteArray("/home/J\xc3\xb6rg") << QStringLiteral("/home/Jörg/.cache");
+        QTest::newRow("without a home")
+            << QByteArray("/var/tmp/mine") << unset << QStringLiteral("/var/tmp/mine");
+        QTest::newRow("nothing at all") << unset << unset << QString();
+        QTest::newRow("nothing absolute") << QByteArray("mine") << QByteArray("home") << QString();
+    }
+
+    void theEnvironmentDecides() {
+        QFETCH(const QByteArray, caches);
+        QFETCH(const QByteArray, home);
+        QFETCH(const QString, path);
+        const auto set = [](const char* name, const QByteArray& value) {
+            return value.isNull() ? qunsetenv(name) : qputenv(name, value);
+        };
+        QVERIFY(set("XDG_CACHE_HOME", caches));
+        QVERIFY(set("HOME", home));
+        const std::optional<QString> found = XdgCachesFolder().path();
+        QCOMPARE(found.has_value(), !path.isEmpty());
+        QCOMPARE(found.value_or(QString()), path);
+    }
+};
+
+QTEST_GUILESS_MAIN(XdgCachesFolderTest)
+#include "tst_xdgcachesfolder.moc"

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "platform/secretstore.h"
+
+#include <QObject>
+#include <QTest>
+
+#include <optional>
+
+namespace brimlet {
+
+/// What every secret store promises. A test derives from this, lends the store, and may add its own
+/// slots; the test target lists this header among its sources.
+class SecretContract : public QObject {
+    Q_OBJECT
+
+protected:
+    [[nodiscard]] virtual SecretStore& store() = 0;
+    /// How many items of that name there are, found out without the store.
+    [[nodiscard]] virtual qsizetype count(const QString& service, const QString& account) = 0;
+
+    [[nodiscard]] std::optional<QByteArray> bytes(const QString& service, const QString& account) {
+        const SecretResult result = store().read(service, account);
+        const auto* const value = std::get_if<QByteArray>(&result);
+        return value != nullptr ? std::optional(*value) : std::nullopt;
+    }
+
+    const QString m_service = QStringLiteral("app.brimlet.contract");
+    const QString m_otherService = QStringLiteral("app.brimlet.contract.other");
+    const QString m_account = QStringLiteral("host-token");
+    const QString m_otherAccount = QStringLiteral("Tést account");
+
+private Q_SLOTS:
+    void cleanup() {
+        for (const QString& service : {m_service, m_otherService}) {
+            store().remove(service, m_account);
+            store().remove(service, m_otherAccount);
+            QCOMPARE(store().read(service, m_account), SecretResult(SecretError::NotFound));
+            QCOMPARE(store().read(service, m_otherAccount), SecretResult(SecretError::NotFound));
+        }
+    }
+
+    void anItemNeverAddedIsNotFound() {
+        QCOMPARE(store().read(m_service, m_account), SecretResult(SecretError::NotFound));
+    }
+
+    void whatWasAddedIsReadToTheByte_data() {
+        QTest::addColumn<QByteArray>("value");
+        QTest::newRow("a token") << QByteArray("bh_live_0123456789");
+        QTest::newRow("blanks at both ends") << QByteArray("  a token\n");
+        QTest::newRow("UTF-8") << QByteArray("T\xc3\xb6ken \xe2\x82\xac");
+        QTest::newRow("not UTF-8") << QByteArray("\xff\xfe\x80 token");
+        QTest::newRow("a NUL inside") << QByteArray("tok\0en", 6);
+        QTest::newRow("a NUL at the end") << QByteArray("token\0", 6);
+        QTest::newRow("empty") << QByteArray("");
+        QTest::newRow("10 KB") << QByteArray("0123456789").repeated(1024);
+    }
+
+    void whatWasAddedIsReadToTheByte() {
+        QFETCH(const QByteArray, value);
+        store().add(m_service, m_account, value);
+        QCOMPARE(bytes(m_service, m_account), std::optional(value));
+        QCOMPARE(count(m_service, m_account), 1);
+    }
+
+    void whatWasRemovedIsNotFound() {
+        store().add(m_service, m_account, "token");
+        store().remove(m_service, m_account);
+        QCOMPARE(store().read(m_service, m_account), SecretResult(SecretError::NotFound));
+        QCOMPARE(count(m_service, m_account), 0);
+    }
+
+    void removingAMissingItemDoesNoHarm() {
+        store().remove(m_service, m_account);
+        store().add(m_service, m_account, "token");
+        QCOMPARE(bytes(m_service, m_account), std::optional<QByteArray>("token"));
+    }
+
+    void removingAndAddingAgainLeavesOneItem() {
+        for (const char* const token : {"first", "second", "second"}) {
+            store().remove(m_service, m_account);
+            store().add(m_service, m_account, token);
+        }
+        QCOMPARE(bytes(m_service, m_account), std::optional<QByteArray>("second"));
+        QCOMPARE(count(m_service, m_account), 1);
+    }
+
+    void itemsOfOtherNamesAreLeftAlone() {
+        store().add(m_otherService, m_account, "of the other service");
+        store().add(m_service, m_otherAccount, "of the other account");
+        store().add(m_service, m_account, "token");
+        store().remove(m_service, m_account);
+        QCOMPARE(store().read(m_service, m_account), SecretResult(SecretError::NotFound));
+        QCOMPARE(bytes(m_otherService, m_account),
+                 std::optional<QByteArray>("of the other service"));
+        QCOMPARE(bytes(m_service, m_otherAccount),
+                 std::optional<QByteArray>("of the other account"));
+    }
+
+    void aReadSeesEveryEarlierWrite() {
+        for (int i = 0; i < 20; ++i) {
+            const QByteArray token = "token " + QByteArray::number(i);
+            store().remove(m_service, m_account);
+            store().add(m_service, m_account, token);
+            QCOMPARE(bytes(m_service, m_account), std::optional(token));
+        }
+    }
+};
+
+} // namespace brimlet
