@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/secretstore.h"
+
+#include <QMap>
+
+namespace brimlet {
+
+/// A secret store that forgets with the process.
+class MemorySecretStore final : public SecretStore {
+public:
+    [[nodiscard]] SecretResult read(const QString& service, const QString& account) override;
+    void remove(const QString& service, const QString& account) override;
+    void add(const QString& service, const QString& account, const QByteArray& value) override;
+
+private:
+    QMap<std::pair<QString, QString>, QByteArray> m_items;
+};
+
+} // namespace brimlet

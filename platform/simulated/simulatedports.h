@@ -1,0 +1,95 @@
+#pragma once
+
+#include "platform/bundle.h"
+#include "platform/cachesfolder.h"
+#include "platform/observers.h"
+#include "platform/reducemotion.h"
+#include "platform/simulated/machinefile.h"
+#include "platform/workspace.h"
+
+#include <QRectF>
+
+namespace brimlet {
+
+// Each port answers as the machine file says, and as the real machine where that says nothing. The
+// file and the real port outlive it. A notification is passed on when the answer has changed.
+
+class SimulatedScreens final : public Screens {
+public:
+    SimulatedScreens(const MachineFile& file, Screens& real);
+
+    [[nodiscard]] std::vector<Screen> list() const override;
+    [[nodiscard]] bool isBuiltIn(std::uint32_t displayNumber) const override;
+    ObserverToken observeChanges(std::function<void()> changed) override;
+
+private:
+    const MachineFile& m_file;
+    Screens& m_real;
+    Observers m_observers;
+};
+
+/// The described machine's primary display in Qt's space, with its top left at the origin; the
+/// real one's when no displays are described.
+[[nodiscard]] QRectF simulatedPrimaryGeometry(const Machine& machine);
+
+/// Screens that the file has asleep at the start go to sleep one turn of the event loop after
+/// somebody cares.
+class SimulatedWorkspace final : public Workspace {
+public:
+    SimulatedWorkspace(const MachineFile& file, Workspace& real);
+
+    ObserverToken observeScreensDidSleep(std::function<void()> block) override;
+    ObserverToken observeScreensDidWake(std::function<void()> block) override;
+    void open(const Url& url) override { m_real.open(url); }
+
+private:
+    const MachineFile& m_file;
+    Workspace& m_real;
+    Observers m_sleep;
+    Observers m_wake;
+    bool m_isFirstObserver = true;
+};
+
+class SimulatedBundle final : public Bundle {
+public:
+    SimulatedBundle(const MachineFile& file, const Bundle& real)
+        : m_file(file)
+        , m_real(real) {}
+
+    [[nodiscard]] QString path() const override;
+    [[nodiscard]] QVariant infoDictionaryValue(const QString& key) const override;
+    [[nodiscard]] QString identifier() const override { return m_real.identifier(); }
+
+private:
+    const MachineFile& m_file;
+    const Bundle& m_real;
+};
+
+class SimulatedCachesFolder final : public CachesFolder {
+public:
+    SimulatedCachesFolder(const MachineFile& file, const CachesFolder& real)
+        : m_file(file)
+        , m_real(real) {}
+
+    [[nodiscard]] std::optional<QString> path() const override;
+
+private:
+    const MachineFile& m_file;
+    const CachesFolder& m_real;
+};
+
+class SimulatedReduceMotion final : public ReduceMotion {
+public:
+    SimulatedReduceMotion(const MachineFile& file, ReduceMotion& real);
+
+    [[nodiscard]] bool isOn() const override;
+    ObserverToken observeChanges(std::function<void()> changed) override;
+
+private:
+    const MachineFile& m_file;
+    ReduceMotion& m_real;
+    Observers m_observers;
+    bool m_wasOn;
+};
+
+} // namespace brimlet

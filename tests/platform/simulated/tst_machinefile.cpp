@@ -1,0 +1,227 @@
+#include "platform/simulated/memorysecretstore.h"
+#include "platform/simulated/simulatedports.h"
+#include "tests/support/fakes.h"
+
+#include <QSaveFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace brimlet;
+
+namespace {
+
+class FakeReduceMotion final : public ReduceMotion {
+public:
+    [[nodiscard]] bool isOn() const override { return on; }
+    ObserverToken observeChanges(std::function<void()> changed) override {
+        return m_observers.add(std::move(changed));
+    }
+    void set(bool value) {
+        on = value;
+        m_observers.notify();
+    }
+    bool on = false;
+
+private:
+    Observers m_observers;
+};
+
+class FakeCachesFolder final : public CachesFolder {
+public:
+    [[nodiscard]] std::optional<QString> path() const override { return QStringLiteral("/real"); }
+};
+
+/// A machine file in a folder of its own, with all simulated ports over fake real ones.
+struct MachineFixture final {
+    explicit MachineFixture(const QByteArray& text) {
+        write(text);
+        loadComplaint = file.load();
+        screens.observeChanges([this] { ++screenChanges; });
+        workspace.observeScreensDidSleep([this] { events << QStringLiteral("sleep"); });
+        workspace.observeScreensDidWake([this] { events << QStringLiteral("wake"); });
+        reduceMotion.observeChanges([this] { ++motionChanges; });
+    }
+
+    /// Replaces the file as editors do: a new one, renamed into place.
+    void write(const QByteArray& text) const {
+        QSaveFile out(path());
+        QVERIFY(out.open(QIODevice::WriteOnly));
+        out.write(text);
+        QVERIFY(out.commit());
+    }
+    /// Writes into the file as it stands.
+    void overwrite(const QByteArray& text) const {
+        QFile out(path());
+        QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        out.write(text);
+    }
+    [[nodiscard]] QString path() const { return folder.filePath(QStringLiteral("machine.json")); }
+
+    QTemporaryDir folder;
+    MachineFile file{path()};
+    QString loadComplaint;
+    FakeScreens realScreens;
+    FakeWorkspace realWorkspace;
+    FakeBundle realBundle;
+    FakeCachesFolder realCachesFolder;
+    FakeReduceMotion realReduceMotion;
+    SimulatedScreens screens{file, realScreens};
+    SimulatedWorkspace workspace{file, realWorkspace};
+    SimulatedBundle bundle{file, realBundle};
+    SimulatedCachesFolder cachesFolder{file, realCachesFolder};
+    SimulatedReduceMotion reduceMotion{file, realReduceMotion};
+    int screenChanges = 0;
+    int motionChanges = 0;
+    QStringList events;
+};
+
+} // namespace
+
+class TestMachineFile final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aMissingFileIsAnError() {
+        MachineFile file(QStringLiteral("/nonexistent/machine.json"));
+        QCOMPARE(file.load(),
+                 QStringLiteral("/nonexistent/machine.json: No such file or directory"));
+    }
+
+    void aMalformedFileIsAnErrorThatNamesTheFile() {
+        const MachineFixture f("{");
+        QVERIFY(f.loadComplaint.startsWith(f.path() + QStringLiteral(": line 1")));
+    }
+
+    void whatTheFileLeavesOpenIsReal() {
+        MachineFixture f("{}");
+        QCOMPARE(f.loadComplaint, QString());
+        Screen screen;
+        screen.number = 3;
+        f.realScreens.set({screen}, {3});
+        QCOMPARE(f.screenChanges, 1);
+        QCOMPARE(f.screens.list().size(), std::size_t{1});
+        QVERIFY(f.screens.isBuiltIn(3));
+        QCOMPARE(f.bundle.path(), f.realBundle.path());
+        f.realBundle.info[QStringLiteral("key")] = 7;
+        QCOMPARE(f.bundle.infoDictionaryValue(QStringLiteral("key")).toInt(), 7);
+        QCOMPARE(f.cachesFolder.path().value_or(QString()), QStringLiteral("/real"));
+        f.realWorkspace.screensDidSleep();
+        f.realWorkspace.screensDidWake();
+        QCOMPARE(f.events, (QStringList{QStringLiteral("sleep"), QStringLiteral("wake")}));
+        f.realReduceMotion.set(true);
+        QVERIFY(f.reduceMotion.isOn());
+        QCOMPARE(f.motionChanges, 1);
+    }
+
+    void whatTheFileSaysHidesTheRealMachine() {
+        MachineFixture f(R"({"displays":[], "bundlePath":"/b", "infoDictionary":{},
+                             "cachesFolder":"/c", "reduceMotion":false, "screensAsleep":false})");
+        QCOMPARE(f.loadComplaint, QString());
+        f.realScreens.set({Screen()}, {0});
+        QVERIFY(f.screens.list().empty());
+        QVERIFY(!f.screens.isBuiltIn(0));
+        QCOMPARE(f.screenChanges, 0);
+        QCOMPARE(f.bundle.path(), QStringLiteral("/b"));
+        f.realBundle.info[QStringLiteral("key")] = 7;
+        QVERIFY(!f.bundle.infoDictionaryValue(QStringLiteral("key")).isValid());
+        QCOMPARE(f.cachesFolder.path().value_or(QString()), QStringLiteral("/c"));
+        f.realWorkspace.screensDidSleep();
+        QVERIFY(f.events.isEmpty());
+        f.realReduceMotion.set(true);
+        QVERIFY(!f.reduceMotion.isOn());
+        QCOMPARE(f.motionChanges, 0);
+    }
+
+    void aDisplayWithoutANumberIsDisplayZero() {
+        const MachineFixture f(R"({"displays":[{"frame":[0,0,1,1]},
+                                  {"builtIn":true,"frame":[0,0,2,2]}]})");
+        QVERIFY(f.screens.isBuiltIn(0));
+        QVERIFY(!f.screens.isBuiltIn(1));
+        QVERIFY(!f.screens.list().at(1).number);
+    }
+
+    void anEditTakesEffectAtOnce_data() {
+        QTest::addColumn<bool>("isInPlace");
+        QTest::newRow("renamed into place") << false;
+        QTest::newRow("written in place") << true;
+    }
+    void anEditTakesEffectAtOnce() {
+        QFETCH(bool, isInPlace);
+        MachineFixture f("{}");
+        const auto edit = [&](const QByteArray& text) {
+            if (isInPlace) {
+                f.overwrite(text);
+            } else {
+                f.write(text);
+            }
+        };
+        edit(R"({"screensAsleep":true})");
+        QTRY_COMPARE(f.events, QStringList{QStringLiteral("sleep")});
+        edit(R"({"screensAsleep":false})");
+        QTRY_COMPARE(f.events.size(), 2);
+        QCOMPARE(f.events.last(), QStringLiteral("wake"));
+        edit(R"({"screensAsleep":false,"reduceMotion":true})");
+        QTRY_COMPARE(f.motionChanges, 1);
+        QVERIFY(f.reduceMotion.isOn());
+        QCOMPARE(f.screenChanges, 0);
+        edit(R"({"screensAsleep":false,"reduceMotion":true,"displays":[{"frame":[0,0,1,1]}]})");
+        QTRY_COMPARE(f.screenChanges, 1);
+        QCOMPARE(f.screens.list().size(), std::size_t{1});
+        QCOMPARE(f.events.size(), 2);
+        QCOMPARE(f.motionChanges, 1);
+    }
+
+    void aBadEditIsToldAndKeepsTheOldState_data() {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("complaint");
+        QTest::newRow("wrong type") << QByteArray(R"({"bundlePath":3})")
+                                    << QStringLiteral("\"bundlePath\" must be a string");
+        QTest::newRow("no JSON") << QByteArray("not a machine")
+                                 << QStringLiteral("line 1: illegal value");
+    }
+    void aBadEditIsToldAndKeepsTheOldState() {
+        QFETCH(QByteArray, text);
+        QFETCH(QString, complaint);
+        MachineFixture f(R"({"bundlePath":"/old"})");
+        const QSignalSpy changes(&f.file, &MachineFile::changed);
+        const QSignalSpy complaints(&f.file, &MachineFile::complained);
+        f.write(text);
+        QTRY_COMPARE(complaints.count(), 1);
+        QCOMPARE(complaints.at(0).at(0).toString(),
+                 QStringLiteral("%1: %2; the machine stays as it was").arg(f.path(), complaint));
+        QCOMPARE(f.bundle.path(), QStringLiteral("/old"));
+        QCOMPARE(changes.count(), 0);
+        f.write(R"({"bundlePath":"/new"})");
+        QTRY_COMPARE(f.bundle.path(), QStringLiteral("/new"));
+        QCOMPARE(complaints.count(), 1);
+    }
+
+    void aRemovedFileIsToldAndKeepsTheOldStateUntilItIsBack() {
+        MachineFixture f(R"({"bundlePath":"/old"})");
+        const QSignalSpy complaints(&f.file, &MachineFile::complained);
+        QVERIFY(QFile::remove(f.path()));
+        QTRY_COMPARE(complaints.count(), 1);
+        QCOMPARE(f.bundle.path(), QStringLiteral("/old"));
+        f.write(R"({"bundlePath":"/back"})");
+        QTRY_COMPARE(f.bundle.path(), QStringLiteral("/back"));
+    }
+
+    void screensThatAreAsleepAtTheStartGoToSleep() {
+        const MachineFixture f(R"({"screensAsleep":true})");
+        QVERIFY(f.events.isEmpty());
+        QTRY_COMPARE(f.events, QStringList{QStringLiteral("sleep")});
+    }
+
+    void anEditThatSaysTheSameChangesNothing() {
+        MachineFixture f(R"({"bundlePath":"/a"})");
+        const QSignalSpy changes(&f.file, &MachineFile::changed);
+        f.write(R"(  {"bundlePath":"/a"}  )");
+        f.write(R"({"bundlePath":"/b"})");
+        QTRY_COMPARE(changes.count(), 1);
+        QCOMPARE(f.bundle.path(), QStringLiteral("/b"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestMachineFile)
+#include "tst_machinefile.moc"
