@@ -1,0 +1,28 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+
+namespace brimlet::placement {
+
+/// Tells every thread of the service to end, including those that wait for a socket: `fd()` becomes
+/// readable for good once it is set. Thread-safe.
+class StopSignal final {
+public:
+    StopSignal();
+    ~StopSignal();
+    StopSignal(const StopSignal&) = delete;
+    StopSignal& operator=(const StopSignal&) = delete;
+
+    void set();
+    [[nodiscard]] bool isSet() const { return m_set.load(); }
+    [[nodiscard]] int fd() const { return m_fd; }
+    /// Returns after the time, or as soon as the signal is set.
+    void waitFor(std::chrono::milliseconds time) const;
+
+private:
+    std::atomic<bool> m_set{false};
+    int m_fd = -1;
+};
+
+} // namespace brimlet::placement
