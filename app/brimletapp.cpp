@@ -1,0 +1,29 @@
+#include "app/brimletapp.h"
+
+#include <QCoreApplication>
+
+namespace brimlet {
+namespace {
+
+std::shared_ptr<HostStore> sharedStore(const HostPorts& host, const OverlayPorts& overlay) {
+    HostStore::setSharedPorts(host);
+    OverlayController::setSharedPorts(overlay);
+    return HostStore::shared();
+}
+
+} // namespace
+
+BrimletApp::BrimletApp(const HostPorts& host, const OverlayPorts& overlay)
+    : m_store(sharedStore(host, overlay)) {
+    const auto render = [] { OverlayController::shared().refresh(); };
+    QObject::connect(m_store.get(), &HostStore::overlayNeedsRender, &m_appDelegate, render,
+                     Qt::DirectConnection);
+    host.screens.observeChanges(render);
+}
+
+int BrimletApp::run() {
+    m_appDelegate.applicationDidFinishLaunching();
+    return QCoreApplication::exec();
+}
+
+} // namespace brimlet

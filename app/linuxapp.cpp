@@ -1,0 +1,146 @@
+#include "app/linuxapp.h"
+
+#include "host/hoststore.h"
+#include "overlay/overlayview.h"
+#include "platform/linux/linuxworkspace.h"
+#include "platform/linux/terminationsignals.h"
+#include "platform/linux/x11overlaywindow.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+
+#include <cstdio>
+#include <memory>
+#include <utility>
+
+namespace brimlet {
+namespace {
+
+/// The user's own choice while ours stands in the environment; absent when ours does not.
+std::optional<QByteArray> ownPlatformBefore;
+
+void print(FILE* stream, const QString& text) {
+    std::fputs(text.toUtf8().constData(), stream);
+}
+
+} // namespace
+
+void prepareLinuxApplication() {
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    const bool isOpen = platform.isEmpty() || platform.startsWith("wayland");
+    if (isOpen && qEnvironmentVariableIsSet("DISPLAY")) {
+        ownPlatformBefore = platform;
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+}
+
+void configureLinuxApplication() {
+    // The choice is made; the browser that a click starts should make its own.
+    if (ownPlatformBefore) {
+        if (ownPlatformBefore->isEmpty()) {
+            qunsetenv("QT_QPA_PLATFORM");
+        } else {
+            qputenv("QT_QPA_PLATFORM", *ownPlatformBefore);
+        }
+        ownPlatformBefore.reset();
+    }
+    QCoreApplication::setApplicationName(QStringLiteral("brimlet"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(BRIMLET_VERSION));
+    // Hiding the overlay is everyday life, not the end.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    quitOnTerminationSignals();
+}
+
+OverlayWindowFactory overlayWindowFactory(const std::function<QRectF()>& primaryGeometry) {
+    return [primaryGeometry](OverlayRuntime& runtime) {
+        auto content = std::make_unique<OverlayView>(runtime);
+        const auto* const view = content.get();
+        auto window = std::make_unique<X11OverlayWindow>(std::move(content), primaryGeometry);
+        QObject::connect(view, &OverlayView::regionsChanged, window.get(),
+                         [view, target = window.get()] {
+                             target->setShapes(view->clickable(), view->painted());
+                         });
+        return window;
+    };
+}
+
+void followPanelPower(const HostStore& store, LinuxWorkspace& workspace) {
+    // Once for the many changes of one reply, and after them: what is found may change the store.
+    QObject::connect(&store, &HostStore::objectWillChange, &workspace,
+                     [&workspace, isDue = std::make_shared<bool>(false)] {
+                         if (!std::exchange(*isDue, true)) {
+                             QMetaObject::invokeMethod(
+                                 &workspace,
+                                 [&workspace, isDue] {
+                                     *isDue = false;
+                                     workspace.checkPanelPower();
+                                 },
+                                 Qt::QueuedConnection);
+                         }
+                     });
+}
+
+QStringList argumentsOf(int argc, char* argv[]) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments << QString::fromLocal8Bit(argv[i]);
+    }
+    return arguments;
+}
+
+std::optional<int> readCommandLine(const QStringList& arguments, bool isSimulator,
+                                   CommandLine& commandLine) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        isSimulator ? QStringLiteral("Runs Brimlet on a machine described in a file.")
+                    : QStringLiteral("Shows the week's brands beside the camera notch."));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Print this help."));
+    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Print the version."));
+    const QCommandLineOption machine(QStringLiteral("machine"),
+                                     QStringLiteral("The machine to run on, a JSON file."),
+                                     QStringLiteral("file"));
+    const QCommandLineOption console(
+        QStringLiteral("console"),
+        QStringLiteral("Read commands from standard input and answer in JSON lines."));
+    parser.addOptions({help, version});
+    if (isSimulator) {
+        parser.addOptions({machine, console});
+    }
+    const bool isParsed = parser.parse(arguments);
+    const QString program =
+        isSimulator ? QStringLiteral("brimlet-simulator") : QStringLiteral("brimlet");
+    const QString usage =
+        isSimulator ? QStringLiteral("Usage: %1 --machine FILE [--console]\n").arg(program)
+                    : QStringLiteral("Usage: %1 [--help | --version]\n").arg(program);
+    const auto refuse = [&](const QString& complaint) {
+        print(stderr, QStringLiteral("%1: %2\n%3").arg(program, complaint, usage));
+        return 2;
+    };
+    if (!isParsed) {
+        return refuse(parser.errorText());
+    }
+    if (parser.isSet(help)) {
+        print(stdout, parser.helpText());
+        return 0;
+    }
+    if (parser.isSet(version)) {
+        print(stdout, QStringLiteral("%1 %2\n").arg(program, QStringLiteral(BRIMLET_VERSION)));
+        return 0;
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        return refuse(QStringLiteral("Unknown argument '%1'.")
+                          .arg(parser.positionalArguments().constFirst()));
+    }
+    if (isSimulator) {
+        commandLine.machineFile = parser.value(machine);
+        commandLine.isConsoleWanted = parser.isSet(console);
+        if (commandLine.machineFile.isEmpty()) {
+            return refuse(QStringLiteral("A machine file is needed."));
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace brimlet

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/cachesfolder.h"
+#include "platform/reducemotion.h"
+
+#include <QByteArray>
+#include <QObject>
+#include <QSocketNotifier>
+
+namespace brimlet {
+
+/// Drives the simulated program from its standard input, one command a line, each answered by one
+/// line of JSON on standard output: what a test or a script would otherwise have to read off the
+/// screen. The end of the input ends nothing.
+///
+/// - `state`: what the store and the panel hold; of the token only whether there is one.
+/// - `save-token TOKEN`: as if typed into the menu and saved.
+/// - `agree`, `pause`, `quit`: as if the button were pressed.
+class SimulatorConsole final : public QObject {
+    Q_OBJECT
+
+public:
+    /// Both outlive the console.
+    SimulatorConsole(const CachesFolder& cachesFolder, const ReduceMotion& reduceMotion);
+
+private:
+    void readInput();
+    void execute(const QByteArray& line);
+    void answer(const QByteArray& json) const;
+    [[nodiscard]] QByteArray state() const;
+
+    const CachesFolder& m_cachesFolder;
+    const ReduceMotion& m_reduceMotion;
+    QSocketNotifier m_notifier;
+    QByteArray m_pending;
+};
+
+} // namespace brimlet

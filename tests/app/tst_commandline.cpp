@@ -1,0 +1,111 @@
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+struct Ended final {
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+Ended run(const QString& program, const QStringList& arguments) {
+    // Qt would remark on a missing runtime folder.
+    const QTemporaryDir runtimeFolder;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeFolder.path());
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(BRIMLET_BIN_DIR "/") + program, arguments);
+    process.waitForFinished();
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+} // namespace
+
+class TestCommandLine final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void helpAndVersionArePrinted_data() {
+        QTest::addColumn<QString>("program");
+        QTest::addColumn<QString>("option");
+        QTest::addColumn<QString>("text");
+        const auto brimlet = QStringLiteral("brimlet");
+        const auto simulator = QStringLiteral("brimlet-simulator");
+        QTest::newRow("help") << brimlet << QStringLiteral("--help") << QStringLiteral("Usage:");
+        QTest::newRow("version") << brimlet << QStringLiteral("--version")
+                                 << QStringLiteral("brimlet 0.1.0\n");
+        QTest::newRow("simulator's help")
+            << simulator << QStringLiteral("--help") << QStringLiteral("--machine <file>");
+        QTest::newRow("simulator's version") << simulator << QStringLiteral("--version")
+                                             << QStringLiteral("brimlet-simulator 0.1.0\n");
+    }
+    void helpAndVersionArePrinted() {
+        QFETCH(QString, program);
+        QFETCH(QString, option);
+        QFETCH(QString, text);
+        const Ended ended = run(program, {option});
+        QCOMPARE(ended.exitCode, 0);
+        QVERIFY2(ended.out.contains(text), qPrintable(ended.out));
+        QCOMPARE(ended.err, QString());
+    }
+
+    void mistakesEndWithAUsageLine_data() {
+        QTest::addColumn<QString>("program");
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("complaint");
+        const auto brimlet = QStringLiteral("brimlet");
+        const auto simulator = QStringLiteral("brimlet-simulator");
+        QTest::newRow("unknown option")
+            << brimlet << QStringList{QStringLiteral("--bogus")} << QStringLiteral("bogus");
+        QTest::newRow("nobody feigns a notch with the product")
+            << brimlet << QStringList{QStringLiteral("--machine"), QStringLiteral("x.json")}
+            << QStringLiteral("machine");
+        QTest::newRow("unknown argument")
+            << brimlet << QStringList{QStringLiteral("file")} << QStringLiteral("'file'");
+        QTest::newRow("simulator without a machine")
+            << simulator << QStringList() << QStringLiteral("A machine file is needed.");
+        QTest::newRow("simulator with an unknown option")
+            << simulator << QStringList{QStringLiteral("--bogus")} << QStringLiteral("bogus");
+    }
+    void mistakesEndWithAUsageLine() {
+        QFETCH(QString, program);
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, complaint);
+        const Ended ended = run(program, arguments);
+        QCOMPARE(ended.exitCode, 2);
+        QVERIFY2(ended.err.contains(complaint), qPrintable(ended.err));
+        QVERIFY2(ended.err.contains(QStringLiteral("Usage: %1 ").arg(program)),
+                 qPrintable(ended.err));
+        QCOMPARE(ended.out, QString());
+    }
+
+    void aMissingMachineFileEndsWithAClearLine() {
+        const Ended ended = run(QStringLiteral("brimlet-simulator"),
+                                {QStringLiteral("--machine"), QStringLiteral("/no/such.json")});
+        QCOMPARE(ended.exitCode, 2);
+        QCOMPARE(ended.err,
+                 QStringLiteral("brimlet-simulator: /no/such.json: No such file or directory\n"));
+    }
+
+    void aMalformedMachineFileEndsWithAClearLine() {
+        const QTemporaryDir folder;
+        QFile file(folder.filePath(QStringLiteral("m.json")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("{\"displays\": 3}");
+        file.close();
+        const Ended ended = run(QStringLiteral("brimlet-simulator"),
+                                {QStringLiteral("--machine"), file.fileName()});
+        QCOMPARE(ended.exitCode, 2);
+        QCOMPARE(ended.err, QStringLiteral("brimlet-simulator: %1: \"displays\" must be a list of "
+                                           "objects\n")
+                                .arg(file.fileName()));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCommandLine)
+#include "tst_commandline.moc"

@@ -1,0 +1,93 @@
+#include "app/brimletapp.h"
+#include "tests/support/hostfixture.h"
+
+#include <QTest>
+
+using namespace brimlet;
+
+/// One process has one store and one overlay, so these steps share them and run in this order.
+class TestLaunch final : public QObject {
+    Q_OBJECT
+
+    HostFixture m_host;
+    FakeOverlayWindow::Record m_window;
+    int m_windows = 0;
+    std::size_t m_requestsAtWindow = 99;
+    std::unique_ptr<BrimletApp> m_app;
+    BrimletAppDelegate m_delegate;
+
+private Q_SLOTS:
+    void initTestCase() {
+        m_host.keepToken("t");
+        m_app = std::make_unique<BrimletApp>(
+            m_host.ports(), OverlayPorts{m_host.screens, m_host.workspace, [this](OverlayRuntime&) {
+                                             ++m_windows;
+                                             m_requestsAtWindow = m_host.http.requests().size();
+                                             return std::make_unique<FakeOverlayWindow>(m_window);
+                                         }});
+    }
+
+    void buildingTheApplicationStartsNothing() {
+        QVERIFY(!HostStore::shared()->runtimeStarted);
+        QCOMPARE(m_windows, 0);
+        QVERIFY(m_host.http.requests().empty());
+        QCOMPARE(m_host.clock.runningTimers(), 0);
+    }
+
+    void theLaunchNotificationStartsNothingByItself() {
+        m_delegate.applicationDidFinishLaunching();
+        QVERIFY(!HostStore::shared()->runtimeStarted);
+        QCOMPARE(m_windows, 0);
+        QVERIFY(m_host.http.requests().empty());
+    }
+
+    void oneTurnLaterTheRuntimeStandsAndTheFirstRequestFollowsTheOverlay() {
+        QCoreApplication::sendPostedEvents(&m_delegate);
+        QVERIFY(HostStore::shared()->runtimeStarted);
+        QCOMPARE(m_windows, 1);
+        QCOMPARE(m_requestsAtWindow, std::size_t{0});
+        QCOMPARE(m_host.http.log(), QStringList{QStringLiteral("GET /api/display")});
+        QCOMPARE(m_host.clock.runningTimers(), 2);
+    }
+
+    void theHeartbeatFollowsTheDisplay() {
+        m_host.http.resolve(0, HttpReply{200, R"({"weekStatus":"live"})"});
+        QCOMPARE(m_host.http.log(), (QStringList{QStringLiteral("GET /api/display"),
+                                                 QStringLiteral("POST /api/host/heartbeat")}));
+    }
+
+    void anAppliedReplyReachesTheOverlay() { QVERIFY(m_window.isShown); }
+
+    void aSecondLaunchNotificationStartsNothingASecondTime() {
+        m_host.http.clear();
+        m_delegate.applicationDidFinishLaunching();
+        m_delegate.applicationDidFinishLaunching();
+        QCoreApplication::sendPostedEvents(&m_delegate);
+        QCOMPARE(m_windows, 1);
+        QCOMPARE(m_host.clock.runningTimers(), 2);
+        QVERIFY(m_host.http.requests().empty());
+        m_host.workspace.screensDidSleep();
+        QCOMPARE(m_host.http.log(), QStringList{QStringLiteral("POST /api/host/heartbeat")});
+        QVERIFY(!m_window.isShown);
+        m_host.workspace.screensDidWake();
+        QVERIFY(m_window.isShown);
+    }
+
+    void aChangeOfScreensRendersAgain() {
+        Screen moved = notchedScreen(1);
+        moved.frame.x = 100;
+        m_host.screens.set({moved}, {1});
+        QCOMPARE(m_window.frame.x, 100 + 756.0 - 214);
+    }
+
+    void thereIsOneStoreInTheProcess() {
+        QVERIFY(m_app->store() == HostStore::shared());
+        // It is the one that the launch started and the overlay shows.
+        QVERIFY(m_app->store()->runtimeStarted);
+        m_app->store()->pause24h();
+        QVERIFY(!m_window.isShown);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestLaunch)
+#include "tst_launch.moc"

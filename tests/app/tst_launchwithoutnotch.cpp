@@ -1,0 +1,39 @@
+#include "app/brimletapp.h"
+#include "tests/support/hostfixture.h"
+
+#include <QTest>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+class TestLaunchWithoutNotch final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theRuntimeIsStartedAllTheSameAndHoldsBack() {
+        HostFixture host;
+        host.keepToken("t");
+        host.screens.set({}, {});
+        FakeOverlayWindow::Record window;
+        // The launch touches the shared store first here, the application after it.
+        HostStore::setSharedPorts(host.ports());
+        const auto first = HostStore::shared();
+        const BrimletApp app(host.ports(),
+                             {host.screens, host.workspace, [&window](OverlayRuntime&) {
+                                  return std::make_unique<FakeOverlayWindow>(window);
+                              }});
+        BrimletAppDelegate delegate;
+        delegate.applicationDidFinishLaunching();
+        QCoreApplication::sendPostedEvents(&delegate);
+        QVERIFY(app.store() == first);
+        QVERIFY(first->runtimeStarted);
+        QCOMPARE(host.clock.runningTimers(), 2);
+        QVERIFY(!window.isShown);
+        host.clock.advance(901s);
+        QVERIFY(host.http.requests().empty());
+        QCOMPARE(HostStore::shared()->statusLine(), QStringLiteral("Notched MacBooks only."));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestLaunchWithoutNotch)
+#include "tst_launchwithoutnotch.moc"

@@ -1,0 +1,151 @@
+#include "tests/support/processes.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QJsonDocument>
+#include <QSaveFile>
+
+#include <csignal>
+#include <cstdio>
+
+namespace brimlet {
+namespace {
+
+constexpr int kPatience = 20'000; // milliseconds
+
+QString programPath(const char* name) {
+    return QStringLiteral(BRIMLET_BIN_DIR "/") + QString::fromLatin1(name);
+}
+
+void writeJson(const QString& path, const QJsonObject& object) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(object).toJson()) < 0 ||
+        !file.commit()) {
+        qFatal("cannot write %s", qPrintable(path));
+    }
+}
+
+/// The next line the process prints; empty when it prints none in time.
+QByteArray nextLine(QProcess& process) {
+    const QDeadlineTimer deadline(kPatience);
+    while (!process.canReadLine()) {
+        if (deadline.hasExpired() || process.state() == QProcess::NotRunning) {
+            return {};
+        }
+        process.waitForReadyRead(static_cast<int>(deadline.remainingTime()));
+    }
+    return process.readLine().trimmed();
+}
+
+void end(QProcess& process) {
+    process.terminate();
+    if (!process.waitForFinished(kPatience)) {
+        process.kill();
+        process.waitForFinished();
+    }
+}
+
+} // namespace
+
+PlacementProcess::PlacementProcess() {
+    setScenario({});
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_process.start(programPath("brimlet-placement"),
+                    {QStringLiteral("--port"), QStringLiteral("0"), QStringLiteral("--scenario"),
+                     m_folder.filePath(QStringLiteral("scenario.json")), QStringLiteral("--log"),
+                     m_folder.filePath(QStringLiteral("requests.jsonl"))});
+    constexpr QByteArrayView kGreeting("Listening on ");
+    for (QByteArray line = nextLine(m_process); !line.isEmpty(); line = nextLine(m_process)) {
+        if (line.startsWith(kGreeting)) {
+            m_root = QString::fromUtf8(line.mid(kGreeting.size()));
+            break;
+        }
+    }
+}
+
+PlacementProcess::~PlacementProcess() {
+    end(m_process);
+}
+
+void PlacementProcess::setScenario(const QJsonObject& scenario) const {
+    writeJson(m_folder.filePath(QStringLiteral("scenario.json")), scenario);
+}
+
+QJsonArray PlacementProcess::requests() const {
+    QFile file(m_folder.filePath(QStringLiteral("requests.jsonl")));
+    QJsonArray requests;
+    if (file.open(QIODevice::ReadOnly)) {
+        for (const QByteArray& line : file.readAll().split('\n')) {
+            if (!line.isEmpty()) {
+                requests.append(QJsonDocument::fromJson(line).object());
+            }
+        }
+    }
+    return requests;
+}
+
+QStringList PlacementProcess::requestLines() const {
+    QStringList lines;
+    for (const auto& request : requests()) {
+        const QJsonObject object = request.toObject();
+        lines << object.value(QStringLiteral("method")).toString() + u' ' +
+                     object.value(QStringLiteral("path")).toString();
+    }
+    return lines;
+}
+
+SimulatorProcess::SimulatorProcess(const QJsonObject& machine) {
+    QFile file(QStringLiteral(BRIMLET_SOURCE_DIR "/docs/machines/laptop-14.json"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        qFatal("the 14-inch machine is missing");
+    }
+    m_machine = QJsonDocument::fromJson(file.readAll()).object();
+    edit(machine);
+    m_process.start(programPath("brimlet-simulator"),
+                    {QStringLiteral("--machine"), m_folder.filePath(QStringLiteral("machine.json")),
+                     QStringLiteral("--console")});
+}
+
+SimulatorProcess::~SimulatorProcess() {
+    if (m_process.state() != QProcess::NotRunning) {
+        end(m_process);
+    }
+    // Shown with the test's own output, where a sanitizer's report would be looked for.
+    m_complaints += m_process.readAllStandardError();
+    std::fputs(m_complaints.constData(), stderr);
+}
+
+void SimulatorProcess::edit(const QJsonObject& machine) {
+    for (auto it = machine.begin(); it != machine.end(); ++it) {
+        m_machine[it.key()] = it.value();
+    }
+    writeJson(m_folder.filePath(QStringLiteral("machine.json")), m_machine);
+}
+
+QJsonObject SimulatorProcess::ask(const QByteArray& command) {
+    m_process.write(command + '\n');
+    return QJsonDocument::fromJson(nextLine(m_process)).object();
+}
+
+bool SimulatorProcess::isPanelShown() {
+    return panel().value(QStringLiteral("shown")).toBool();
+}
+
+QString SimulatorProcess::statusLine() {
+    return state().value(QStringLiteral("statusLine")).toString();
+}
+
+QByteArray SimulatorProcess::complaints() {
+    m_complaints += m_process.readAllStandardError();
+    return m_complaints;
+}
+
+int SimulatorProcess::endBySignal(int signal) {
+    ::kill(static_cast<pid_t>(m_process.processId()), signal);
+    if (!m_process.waitForFinished(kPatience) || m_process.exitStatus() != QProcess::NormalExit) {
+        return -1;
+    }
+    return m_process.exitCode();
+}
+
+} // namespace brimlet

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace brimlet {
+
+/// The development placement service as a process of its own, on a free port.
+class PlacementProcess final {
+public:
+    PlacementProcess();
+    ~PlacementProcess();
+    PlacementProcess(const PlacementProcess&) = delete;
+    PlacementProcess& operator=(const PlacementProcess&) = delete;
+
+    /// Empty when it did not start.
+    [[nodiscard]] const QString& root() const { return m_root; }
+    /// Takes effect with the next request.
+    void setScenario(const QJsonObject& scenario) const;
+    /// What it received so far, one object a request.
+    [[nodiscard]] QJsonArray requests() const;
+    /// The same as "METHOD path".
+    [[nodiscard]] QStringList requestLines() const;
+
+private:
+    QTemporaryDir m_folder;
+    QProcess m_process;
+    QString m_root;
+};
+
+/// The simulated program, driven through its console.
+class SimulatorProcess final {
+public:
+    /// On the 14-inch machine, with these keys of the machine file replaced.
+    explicit SimulatorProcess(const QJsonObject& machine);
+    ~SimulatorProcess();
+    SimulatorProcess(const SimulatorProcess&) = delete;
+    SimulatorProcess& operator=(const SimulatorProcess&) = delete;
+
+    /// Edits the machine file: these keys replaced, the others as they are.
+    void edit(const QJsonObject& machine);
+
+    /// The program's answer to one console command; empty when it does not answer.
+    [[nodiscard]] QJsonObject ask(const QByteArray& command);
+    [[nodiscard]] QJsonObject state() { return ask("state"); }
+    [[nodiscard]] QJsonObject panel() { return state().value(QStringLiteral("panel")).toObject(); }
+    [[nodiscard]] bool isPanelShown();
+    [[nodiscard]] QString statusLine();
+
+    /// Sends the signal and returns the exit code, or -1 when it crashed or did not end in time.
+    [[nodiscard]] int endBySignal(int signal);
+    /// What it has printed to standard error so far.
+    [[nodiscard]] QByteArray complaints();
+
+private:
+    QTemporaryDir m_folder;
+    QJsonObject m_machine;
+    QProcess m_process;
+    QByteArray m_complaints;
+};
+
+} // namespace brimlet
