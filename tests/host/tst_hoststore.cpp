@@ -11,6 +11,15 @@ const QString kHeartbeat = QStringLiteral("POST /api/host/heartbeat");
 const QString kEstimate = QStringLiteral("GET /api/host/me");
 const QString kDisplay = QStringLiteral("GET /api/display");
 
+/// A store with a token whose timers run and whose first requests are out.
+std::shared_ptr<HostStore> makeStartedStore(HostFixture& host) {
+    host.keepToken("t");
+    host.http.answer(QStringLiteral("/api/display"), 200, "{}");
+    auto store = host.makeStore();
+    store->startTimers();
+    return store;
+}
+
 } // namespace
 
 class TestHostStore final : public QObject {
@@ -242,10 +251,7 @@ private Q_SLOTS:
 
     void neitherTimerFiresOnCreation() {
         HostFixture host;
-        host.keepToken("t");
-        host.http.answer(QStringLiteral("/api/display"), 200, "{}");
-        const auto store = host.makeStore();
-        store->startTimers();
+        const auto store = makeStartedStore(host);
         host.http.clear();
         host.clock.advance(2999ms);
         QVERIFY(host.http.requests().empty());
@@ -270,10 +276,7 @@ private Q_SLOTS:
 
     void startingTheTimersASecondTimeLeavesOnePair() {
         HostFixture host;
-        host.keepToken("t");
-        host.http.answer(QStringLiteral("/api/display"), 200, "{}");
-        const auto store = host.makeStore();
-        store->startTimers();
+        const auto store = makeStartedStore(host);
         host.clock.advance(1s);
         store->startTimers();
         QCOMPARE(host.clock.runningTimers(), 2);
@@ -285,10 +288,7 @@ private Q_SLOTS:
 
     void aJumpOfTheWallClockLeavesTheTicksAlone() {
         HostFixture host;
-        host.keepToken("t");
-        host.http.answer(QStringLiteral("/api/display"), 200, "{}");
-        const auto store = host.makeStore();
-        store->startTimers();
+        const auto store = makeStartedStore(host);
         host.http.clear();
         host.clock.jump(24h * 400);
         host.clock.advance(6s);
