@@ -36,6 +36,7 @@ public:
 class StandingClock final : public Clock {
 public:
     [[nodiscard]] TimePoint now() const override { return {}; }
+    [[nodiscard]] std::chrono::nanoseconds uptime() const override { return {}; }
     [[nodiscard]] std::unique_ptr<RepeatingTimer> repeat(std::chrono::milliseconds /*interval*/,
                                                          std::function<void()> /*tick*/) override {
         return nullptr;

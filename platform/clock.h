@@ -25,6 +25,9 @@ public:
     /// Wall-clock time. It jumps when the user or the network sets the clock.
     [[nodiscard]] virtual TimePoint now() const = 0;
 
+    /// Time passed since some moment before the program began. Monotonic: it never jumps.
+    [[nodiscard]] virtual std::chrono::nanoseconds uptime() const = 0;
+
     /// Calls `tick` every `interval`, for the first time after one interval. Monotonic: a jump of
     /// the wall clock changes nothing, and ticks missed while the machine slept are not made up.
     [[nodiscard]] virtual std::unique_ptr<RepeatingTimer> repeat(std::chrono::milliseconds interval,

@@ -1,8 +1,8 @@
 #include "platform/qt/qtclock.h"
 
-#include "platform/deferred.h"
-
-#include <QTimer>
+#include <algorithm>
+#include <limits>
+#include <vector>
 
 namespace brimlet {
 namespace {
@@ -20,12 +20,13 @@ private:
     QTimer m_timer;
 };
 
-/// A timer that may end inside its own signal.
-struct DeleteLater {
-    void operator()(QTimer* timer) const { timer->deleteLater(); }
-};
-
 } // namespace
+
+QtClock::QtClock() {
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    m_timer.callOnTimeout([this] { wakeThoseDue(); });
+}
 
 std::unique_ptr<RepeatingTimer> QtClock::repeat(std::chrono::milliseconds interval,
                                                 std::function<void()> tick) {
@@ -34,13 +35,42 @@ std::unique_ptr<RepeatingTimer> QtClock::repeat(std::chrono::milliseconds interv
 
 QCoro::Task<> QtClock::sleep(std::chrono::nanoseconds duration, std::stop_token stop) {
     const Deferred<bool> wake;
-    const std::unique_ptr<QTimer, DeleteLater> timer(new QTimer);
-    timer->setSingleShot(true);
-    timer->setTimerType(Qt::PreciseTimer);
-    timer->callOnTimeout([wake] { wake.resolve(true); });
-    timer->start(std::chrono::ceil<std::chrono::milliseconds>(duration));
+    // As good as for ever, and far from where the sum would turn round.
+    constexpr std::chrono::nanoseconds kLongest = std::chrono::hours(100 * 365 * 24);
+    const std::pair key(uptime() + std::min(duration, kLongest), m_nextNumber++);
+    m_sleepers.emplace(key, wake);
+    startTimer();
     const std::stop_callback onStop(stop, [wake] { wake.resolve(false); });
-    co_await wake;
+    const auto isAlive = m_isAlive;
+    const bool isOver = co_await wake;
+    if (!isOver && *isAlive) {
+        m_sleepers.erase(key); // which may be gone already, if it was stopped on the dot
+        startTimer();
+    }
+}
+
+void QtClock::wakeThoseDue() {
+    const auto end = m_sleepers.upper_bound({uptime(), std::numeric_limits<int>::max()});
+    std::vector<Deferred<bool>> due;
+    std::transform(m_sleepers.begin(), end, std::back_inserter(due),
+                   [](const auto& sleeper) { return sleeper.second; });
+    m_sleepers.erase(m_sleepers.begin(), end);
+    for (const auto& wake : due) {
+        wake.resolve(true);
+    }
+    startTimer();
+}
+
+/// For the sleeper that ends first. One that ends later than a timer can run is looked at again.
+void QtClock::startTimer() {
+    constexpr std::chrono::milliseconds kLongestTimer = std::chrono::hours(24 * 24);
+    if (m_sleepers.empty()) {
+        m_timer.stop();
+        return;
+    }
+    const auto rest =
+        std::chrono::ceil<std::chrono::milliseconds>(m_sleepers.begin()->first.first - uptime());
+    m_timer.start(std::clamp(rest, std::chrono::milliseconds(0), kLongestTimer));
 }
 
 } // namespace brimlet

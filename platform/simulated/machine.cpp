@@ -91,6 +91,18 @@ public:
         return static_cast<std::uint32_t>(number);
     }
 
+    double numberBetween(const QString& key, double least, double most, double unsaid) {
+        const QString wanted = QStringLiteral("a number from %1 to %2").arg(least).arg(most);
+        const auto value = take(key, wanted, &QJsonValue::isDouble);
+        if (!value) {
+            return unsaid;
+        }
+        if (value->toDouble() < least || value->toDouble() > most) {
+            complain(key, wanted);
+        }
+        return value->toDouble();
+    }
+
     /// To be called last: what nobody asked for is a mistake.
     void refuseTheRest() {
         if (!m_object.isEmpty() && m_error.isEmpty()) {
@@ -179,6 +191,7 @@ MachineResult readMachine(const QByteArray& text) {
     machine.secretStore = readSecretStore(reader);
     machine.reduceMotion = reader.boolean(QStringLiteral("reduceMotion"));
     machine.screensAsleep = reader.boolean(QStringLiteral("screensAsleep"));
+    machine.speed = reader.numberBetween(QStringLiteral("speed"), 1, 1000, machine.speed);
     machine.drawNotch = reader.boolean(QStringLiteral("drawNotch")).value_or(false);
     reader.refuseTheRest();
     if (!reader.error().isEmpty()) {

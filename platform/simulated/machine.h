@@ -34,6 +34,8 @@ struct Machine final {
     std::optional<MachineSecretStore> secretStore;
     std::optional<bool> reduceMotion;
     std::optional<bool> screensAsleep;
+    /// How many times as fast as on the real machine time passes, from 1 to 1000.
+    double speed = 1;
     /// Paints the notch itself, so that a picture of the desktop looks like the machine.
     bool drawNotch = false;
 

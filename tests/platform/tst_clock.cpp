@@ -1,4 +1,5 @@
 #include "platform/qt/qtclock.h"
+#include "platform/simulated/simulatedclock.h"
 #include "platform/starttask.h"
 #include "tests/support/fakeclock.h"
 
@@ -29,87 +30,185 @@ QCoro::Task<> sleepThenCount(Clock& clock, std::chrono::nanoseconds duration, st
     ++count;
 }
 
+QCoro::Task<> sleepThenStop(Clock& clock, std::stop_source& stop) {
+    co_await clock.sleep(5ms, {});
+    stop.request_stop();
+}
+
+QCoro::Task<> sleepThenAppend(Clock& clock, int milliseconds, QList<int>& order) {
+    co_await clock.sleep(std::chrono::milliseconds(milliseconds), {});
+    order << milliseconds;
+}
+
 } // namespace
 
-/// What every clock keeps to, run over the fake one and the real one.
+/// What every clock keeps to, run over the fake one, the real one and a hurried one.
 class TestClock final : public QObject {
     Q_OBJECT
 
+    enum Kind { Fake, Real, Hurried };
+
     FakeClock m_fake;
     QtClock m_real;
+    SimulatedClock m_hurried{m_real, 3};
 
-    Clock& clockOf(bool isReal) { return isReal ? static_cast<Clock&>(m_real) : m_fake; }
-    bool pass(bool isReal, const std::function<bool()>& isSo) {
-        return isReal ? passForReal(isSo) : passOnFake(m_fake, isSo);
+    Clock& clockOf(int kind) {
+        switch (kind) {
+        case Fake:
+            return m_fake;
+        case Real:
+            return m_real;
+        default:
+            return m_hurried;
+        }
     }
-    static void bothClocks() {
-        QTest::addColumn<bool>("isReal");
-        QTest::newRow("fake") << false;
-        QTest::newRow("real") << true;
+    bool pass(int kind, const std::function<bool()>& isSo) {
+        return kind == Fake ? passOnFake(m_fake, isSo) : passForReal(isSo);
+    }
+    static void allClocks() {
+        QTest::addColumn<int>("kind");
+        QTest::newRow("fake") << int(Fake);
+        QTest::newRow("real") << int(Real);
+        QTest::newRow("hurried") << int(Hurried);
     }
 
 private Q_SLOTS:
-    void aTimerTicksAgainAndAgain_data() { bothClocks(); }
+    void aTimerTicksAgainAndAgain_data() { allClocks(); }
     void aTimerTicksAgainAndAgain() {
-        QFETCH(bool, isReal);
+        QFETCH(int, kind);
         int ticks = 0;
-        const auto timer = clockOf(isReal).repeat(5ms, [&] { ++ticks; });
+        const auto timer = clockOf(kind).repeat(5ms, [&] { ++ticks; });
         QCOMPARE(ticks, 0);
-        QVERIFY(pass(isReal, [&] { return ticks >= 3; }));
+        QVERIFY(pass(kind, [&] { return ticks >= 3; }));
     }
 
-    void aDestroyedTimerIsSilent_data() { bothClocks(); }
+    void aDestroyedTimerIsSilent_data() { allClocks(); }
     void aDestroyedTimerIsSilent() {
-        QFETCH(bool, isReal);
+        QFETCH(int, kind);
         int ticks = 0;
         int others = 0;
-        auto timer = clockOf(isReal).repeat(2ms, [&] { ++ticks; });
+        auto timer = clockOf(kind).repeat(2ms, [&] { ++ticks; });
         timer.reset();
-        const auto other = clockOf(isReal).repeat(5ms, [&] { ++others; });
-        QVERIFY(pass(isReal, [&] { return others >= 2; }));
+        const auto other = clockOf(kind).repeat(5ms, [&] { ++others; });
+        QVERIFY(pass(kind, [&] { return others >= 2; }));
         QCOMPARE(ticks, 0);
     }
 
-    void aTimerMayBeDestroyedByItsOwnTick_data() { bothClocks(); }
+    void aTimerMayBeDestroyedByItsOwnTick_data() { allClocks(); }
     void aTimerMayBeDestroyedByItsOwnTick() {
-        QFETCH(bool, isReal);
+        QFETCH(int, kind);
         int ticks = 0;
         std::unique_ptr<RepeatingTimer> timer;
-        timer = clockOf(isReal).repeat(2ms, [&] {
+        timer = clockOf(kind).repeat(2ms, [&] {
             ++ticks;
             timer.reset();
         });
-        QVERIFY(pass(isReal, [&] { return ticks == 1; }));
+        QVERIFY(pass(kind, [&] { return ticks == 1; }));
     }
 
-    void aSleepEndsAfterItsTime_data() { bothClocks(); }
+    void aSleepEndsAfterItsTime_data() { allClocks(); }
     void aSleepEndsAfterItsTime() {
-        QFETCH(bool, isReal);
+        QFETCH(int, kind);
         int woken = 0;
-        startTask(sleepThenCount(clockOf(isReal), 5ms, {}, woken));
+        startTask(sleepThenCount(clockOf(kind), 5ms, {}, woken));
         QCOMPARE(woken, 0);
-        QVERIFY(pass(isReal, [&] { return woken == 1; }));
+        QVERIFY(pass(kind, [&] { return woken == 1; }));
     }
 
-    void aSleepEndsAtOnceWhenStopped_data() { bothClocks(); }
+    void aSleepEndsAtOnceWhenStopped_data() { allClocks(); }
     void aSleepEndsAtOnceWhenStopped() {
-        QFETCH(bool, isReal);
+        QFETCH(int, kind);
         int woken = 0;
         std::stop_source stop;
-        startTask(sleepThenCount(clockOf(isReal), 1h, stop.get_token(), woken));
+        startTask(sleepThenCount(clockOf(kind), 1h, stop.get_token(), woken));
         QCOMPARE(woken, 0);
         stop.request_stop();
         QCOMPARE(woken, 1);
     }
 
-    void aSleepThatWasStoppedBeforeDoesNotBegin_data() { bothClocks(); }
+    void aSleepThatWasStoppedBeforeDoesNotBegin_data() { allClocks(); }
     void aSleepThatWasStoppedBeforeDoesNotBegin() {
-        QFETCH(bool, isReal);
+        QFETCH(int, kind);
         int woken = 0;
         std::stop_source stop;
         stop.request_stop();
-        startTask(sleepThenCount(clockOf(isReal), 1h, stop.get_token(), woken));
+        startTask(sleepThenCount(clockOf(kind), 1h, stop.get_token(), woken));
         QCOMPARE(woken, 1);
+    }
+
+    void aSleeperMayStopAnotherThatEndsWithIt_data() { allClocks(); }
+    void aSleeperMayStopAnotherThatEndsWithIt() {
+        QFETCH(int, kind);
+        int stopped = 0;
+        std::stop_source stop;
+        startTask(sleepThenStop(clockOf(kind), stop));
+        startTask(sleepThenCount(clockOf(kind), 5ms, stop.get_token(), stopped));
+        QVERIFY(pass(kind, [&] { return stopped == 1; }));
+        int later = 0;
+        startTask(sleepThenCount(clockOf(kind), 5ms, {}, later));
+        QVERIFY(pass(kind, [&] { return later == 1; }));
+        QCOMPARE(stopped, 1);
+    }
+
+    void sleepsEndInTheOrderOfTheirEnds_data() { allClocks(); }
+    void sleepsEndInTheOrderOfTheirEnds() {
+        QFETCH(int, kind);
+        QList<int> order;
+        for (const int milliseconds : {9, 3, 6}) {
+            startTask(sleepThenAppend(clockOf(kind), milliseconds, order));
+        }
+        QVERIFY(pass(kind, [&] { return order.size() == 3; }));
+        QCOMPARE(order, (QList<int>{3, 6, 9}));
+    }
+
+    void aSleepOfAMonthGoesOn_data() { allClocks(); }
+    void aSleepOfAMonthGoesOn() {
+        QFETCH(int, kind);
+        int ticks = 0;
+        int woken = 0;
+        std::stop_source stop;
+        startTask(sleepThenCount(clockOf(kind), 30 * 24h, stop.get_token(), woken));
+        const auto timer = clockOf(kind).repeat(1ms, [&] { ++ticks; });
+        QVERIFY(pass(kind, [&] { return ticks >= 3; }));
+        QCOMPARE(woken, 0);
+        stop.request_stop();
+        QCOMPARE(woken, 1);
+    }
+
+    void uptimePassesWithSleeps_data() { allClocks(); }
+    void uptimePassesWithSleeps() {
+        QFETCH(int, kind);
+        const auto before = clockOf(kind).uptime();
+        int woken = 0;
+        startTask(sleepThenCount(clockOf(kind), 5ms, {}, woken));
+        QVERIFY(pass(kind, [&] { return woken == 1; }));
+        QVERIFY(clockOf(kind).uptime() - before >= 5ms);
+    }
+
+    void aJumpOfTheWallClockLeavesUptimeAlone() {
+        const auto before = m_fake.uptime();
+        m_fake.jump(400 * 24h);
+        QCOMPARE(m_fake.uptime(), before);
+    }
+
+    void aHurriedClockPassesTimeFasterInEverySense() {
+        FakeClock real;
+        SimulatedClock clock(real, 60);
+        const auto start = clock.now();
+        const auto uptime = clock.uptime();
+        int ticks = 0;
+        int woken = 0;
+        const auto timer = clock.repeat(3s, [&] { ++ticks; });
+        startTask(sleepThenCount(clock, 16s, {}, woken));
+        real.advance(250ms);
+        QCOMPARE(ticks, 5);
+        QCOMPARE(woken, 0);
+        real.advance(17ms);
+        QCOMPARE(woken, 1);
+        real.advance(733ms);
+        QCOMPARE(ticks, 20);
+        QCOMPARE(clock.now() - start, std::chrono::nanoseconds(1min));
+        QCOMPARE(clock.uptime() - uptime, std::chrono::nanoseconds(1min));
     }
 
     void theRealWallClockIsTheSystems() {

@@ -59,6 +59,12 @@ int FakeClock::runningTimers() const {
                       [](const auto& entry) { return entry.second.interval.count() != 0; }));
 }
 
+int FakeClock::runningSleeps() const {
+    return static_cast<int>(
+        std::count_if(m_sleepers.begin(), m_sleepers.end(),
+                      [](const auto& sleeper) { return !sleeper.isResolved(); }));
+}
+
 void FakeClock::step(std::chrono::nanoseconds target) {
     m_wall += toWall(target - m_monotonic);
     m_monotonic = target;

@@ -22,6 +22,7 @@ public:
         ++readings;
         return m_wall;
     }
+    [[nodiscard]] std::chrono::nanoseconds uptime() const override { return m_monotonic; }
     [[nodiscard]] std::unique_ptr<RepeatingTimer> repeat(std::chrono::milliseconds interval,
                                                          std::function<void()> tick) override;
     [[nodiscard]] QCoro::Task<> sleep(std::chrono::nanoseconds duration,
@@ -34,6 +35,8 @@ public:
     void after(std::chrono::nanoseconds delay, std::function<void()> action);
 
     [[nodiscard]] int runningTimers() const;
+    /// Sleeps that have neither ended nor been stopped.
+    [[nodiscard]] int runningSleeps() const;
     /// How often the wall clock was read.
     mutable int readings = 0;
 

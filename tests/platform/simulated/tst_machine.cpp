@@ -26,7 +26,8 @@ private Q_SLOTS:
             "bundlePath": "/Applications/Brimlet.app",
             "infoDictionary": {"BrimletAPIURL": "http:x", "n": 3},
             "cachesFolder": "/tmp/caches", "secretStore": "memory",
-            "reduceMotion": true, "screensAsleep": false, "drawNotch": true})");
+            "reduceMotion": true, "screensAsleep": false, "drawNotch": true,
+            "speed": 60.5})");
         QVERIFY(std::holds_alternative<Machine>(result));
         const Machine& machine = std::get<Machine>(result);
         QCOMPARE(machine.displays->size(), std::size_t{2});
@@ -45,6 +46,7 @@ private Q_SLOTS:
         QCOMPARE(*machine.reduceMotion, true);
         QCOMPARE(*machine.screensAsleep, false);
         QVERIFY(machine.drawNotch);
+        QCOMPARE(machine.speed, 60.5);
     }
 
     void mistakesAreNamed_data() {
@@ -78,6 +80,9 @@ private Q_SLOTS:
         row("{\"secretStore\": \"disk\"}", "\"secretStore\" must be \"system\" or \"memory\"");
         row("{\"reduceMotion\": 1}", "\"reduceMotion\" must be true or false");
         row("{\"screensAsleep\": null}", "\"screensAsleep\" must be true or false");
+        row("{\"speed\": 0.5}", "\"speed\" must be a number from 1 to 1000");
+        row("{\"speed\": 1001}", "\"speed\" must be a number from 1 to 1000");
+        row("{\"speed\": \"fast\"}", "\"speed\" must be a number from 1 to 1000");
         row("{\"drawNotch\": \"yes\"}", "\"drawNotch\" must be true or false");
     }
     void mistakesAreNamed() {
