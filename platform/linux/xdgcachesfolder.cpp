@@ -3,27 +3,35 @@
 #include <QDir>
 #include <QFile>
 
+#include <pwd.h>
+#include <unistd.h>
+
 namespace brimlet {
 namespace {
 
-[[nodiscard]] std::optional<QString> absolutePath(const char* variable) {
-    const QString value = QFile::decodeName(qgetenv(variable));
-    if (!value.startsWith(u'/')) {
+[[nodiscard]] std::optional<QString> absolutePath(const QByteArray& name) {
+    const QString path = QFile::decodeName(name);
+    if (!path.startsWith(u'/')) {
         return std::nullopt;
     }
-    return QDir::cleanPath(value);
+    return QDir::cleanPath(path);
+}
+
+/// The home folder that the system notes for the user; one that exists nowhere for a user without.
+[[nodiscard]] QString notedHome() {
+    const passwd* const user = getpwuid(getuid()); // NOLINT(concurrency-mt-unsafe): one thread asks
+    const auto home = absolutePath(user == nullptr ? QByteArray() : QByteArray(user->pw_dir));
+    return home.value_or(QStringLiteral("/nonexistent"));
 }
 
 } // namespace
 
 std::optional<QString> XdgCachesFolder::path() const {
-    if (auto caches = absolutePath("XDG_CACHE_HOME")) {
+    if (auto caches = absolutePath(qgetenv("XDG_CACHE_HOME"))) {
         return caches;
     }
-    if (const auto home = absolutePath("HOME")) {
-        return QDir(*home).filePath(QStringLiteral(".cache"));
-    }
-    return std::nullopt;
+    const QString home = absolutePath(qgetenv("HOME")).value_or(notedHome());
+    return QDir(home).filePath(QStringLiteral(".cache"));
 }
 
 } // namespace brimlet

@@ -4,8 +4,8 @@
 
 namespace brimlet {
 
-/// $XDG_CACHE_HOME, or $HOME/.cache where that is unset or not absolute; absent without an absolute
-/// $HOME either.
+/// $XDG_CACHE_HOME, or .cache in the home folder where that is unset or not absolute. Home is $HOME
+/// or what the system has noted for the user, so there is always a path.
 class XdgCachesFolder final : public CachesFolder {
 public:
     [[nodiscard]] std::optional<QString> path() const override;
