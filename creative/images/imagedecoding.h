@@ -1,0 +1,21 @@
+#pragma once
+
+#include "creative/images/workbudget.h"
+
+#include <QByteArray>
+#include <QImage>
+
+#include <optional>
+
+namespace brimlet {
+
+/// The picture these bytes hold: the first frame, upright, scaled down smoothly to at most 128
+/// pixels a side and never up. Premultiplied ARGB32, a device pixel ratio of 1, and nothing but
+/// pixels: no text, no profile. Absent when the bytes hold no picture, or one that `inspectImage`
+/// refuses or that takes too long. Prints nothing. Any one thread at a time.
+[[nodiscard]] std::optional<QImage> decodeImage(const QByteArray& bytes);
+
+/// As above, given up as soon as the budget is spent.
+[[nodiscard]] std::optional<QImage> decodeImage(const QByteArray& bytes, const WorkBudget& budget);
+
+} // namespace brimlet

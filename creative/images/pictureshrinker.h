@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QImage>
+#include <QSize>
+
+#include <span>
+#include <vector>
+
+namespace brimlet {
+
+/// Longest side of a kept picture, in pixels: the most that is ever drawn.
+inline constexpr int kKeptSideLimit = 128;
+
+/// The size a picture of this size is kept at: its proportions, never larger, never empty.
+[[nodiscard]] QSize keptSize(QSize source);
+
+/// Averages a picture's pixels down to its kept size as they come, in any order, so that nobody
+/// has to hold the picture itself. QImage's own smooth scaling makes a second copy of it and
+/// spreads over threads.
+class PictureShrinker final {
+public:
+    /// Both sides at least 1.
+    explicit PictureShrinker(QSize source);
+
+    /// Adds premultiplied pixels of row `y`, from column `first` on in steps of `step`.
+    void add(int y, std::span<const QRgb> pixels, int first = 0, int step = 1);
+    /// Adds a whole picture of the source size, in any format without palette.
+    void add(const QImage& picture);
+
+    /// True when as many pixels were added as the source has.
+    [[nodiscard]] bool isComplete() const;
+    /// What was added, averaged; premultiplied.
+    [[nodiscard]] QImage picture() const;
+
+private:
+    /// Two channels side by side, 32 bits each: no sum of a whole picture's samples overflows.
+    struct Sum final {
+        quint64 alphaGreen = 0;
+        quint64 redBlue = 0;
+    };
+    /// How a source pixel's extent is shared between a kept pixel and the one after it.
+    struct Share final {
+        int target = 0;
+        quint32 here = 0;
+        quint32 next = 0;
+    };
+
+    [[nodiscard]] static std::vector<Share> shares(int source, int kept);
+
+    QSize m_source;
+    QSize m_kept;
+    std::vector<Share> m_columns;
+    std::vector<Share> m_rows;
+    std::vector<Sum> m_line;
+    std::vector<Sum> m_sums;
+    qint64 m_added = 0;
+};
+
+} // namespace brimlet
