@@ -110,6 +110,30 @@ public:
     QVariantMap info;
 };
 
+class FakeReduceMotion final : public ReduceMotion {
+public:
+    [[nodiscard]] bool isOn() const override { return m_isOn; }
+    ObserverToken observeChanges(std::function<void()> changed) override {
+        return m_observers.add(std::move(changed));
+    }
+
+    void set(bool isOn) {
+        m_isOn = isOn;
+        m_observers.notify();
+    }
+
+private:
+    bool m_isOn = false;
+    Observers m_observers;
+};
+
+class FakeCachesFolder final : public CachesFolder {
+public:
+    [[nodiscard]] std::optional<QString> path() const override { return folder; }
+
+    std::optional<QString> folder;
+};
+
 /// Remembers what it was told, in order, e.g. "front", "out", "ignores on", "frame".
 class FakeOverlayWindow final : public OverlayWindow {
 public:

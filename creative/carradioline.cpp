@@ -1,0 +1,201 @@
+#include "creative/carradioline.h"
+
+#include "creative/textline.h"
+#include "platform/reducemotion.h"
+#include "platform/starttask.h"
+
+#include <QPainter>
+#include <QPointer>
+#include <QtMath>
+
+#include <algorithm>
+
+namespace brimlet {
+namespace {
+
+/// The rows that are not all of one colour: from the first one to the one after the last.
+std::pair<int, int> inkedRows(const QImage& picture) {
+    const auto hasInk = [&picture](int y) {
+        const auto* const row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
+        return !std::all_of(row, row + picture.width(),
+                            [row](QRgb pixel) { return pixel == *row; });
+    };
+    int first = 0;
+    int end = picture.height();
+    while (first < end && !hasInk(first)) {
+        ++first;
+    }
+    while (end > first && !hasInk(end - 1)) {
+        --end;
+    }
+    return {first, end};
+}
+
+} // namespace
+
+CarRadioLine::CarRadioLine(CarRadioStyle style, Clock& clock, ReduceMotion& reduceMotion)
+    : m_style(std::move(style))
+    , m_clock(clock)
+    , m_reduceMotion(reduceMotion)
+    , m_scroll(clock, [this] { Q_EMIT moved(); }) {
+    reduceMotion.observeChanges([self = QPointer(this)] {
+        if (self) {
+            self->update();
+        }
+    });
+}
+
+CarRadioLine::~CarRadioLine() {
+    m_task.request_stop();
+}
+
+void CarRadioLine::setTexts(const QString& brand, const QString& tagline) {
+    if (m_brand == brand && m_tagline == tagline) {
+        return;
+    }
+    const QString lineBefore = line();
+    if (m_tagline != tagline) {
+        TextWidthKey::reduce(m_taglineWidth, TextLine(tagline.trimmed(), m_style.font).width());
+    }
+    m_brand = brand;
+    m_tagline = tagline;
+    if (line() != lineBefore) {
+        m_text.reset();
+        Q_EMIT changed();
+    }
+    update();
+}
+
+void CarRadioLine::setContainerWidth(double width) {
+    WidthKey::reduce(m_containerWidth, width);
+    update();
+}
+
+void CarRadioLine::setDevicePixelRatio(double ratio) {
+    if (m_devicePixelRatio != ratio) {
+        m_devicePixelRatio = ratio;
+        m_scroll.setDevicePixelRatio(ratio);
+        m_picture = {};
+    }
+}
+
+void CarRadioLine::appear() {
+    if (!m_isOnScreen) {
+        m_isOnScreen = true;
+        restart();
+    }
+}
+
+void CarRadioLine::disappear() {
+    m_isOnScreen = false;
+    m_task.request_stop();
+    m_scroll.reset();
+}
+
+void CarRadioLine::update() {
+    if (m_isOnScreen && m_taskID != marqueeTaskID(m_brand, m_tagline, m_containerWidth,
+                                                  m_taglineWidth, m_reduceMotion.isOn())) {
+        restart();
+    }
+}
+
+void CarRadioLine::restart() {
+    m_task.request_stop();
+    m_task = std::stop_source();
+    m_taskID =
+        marqueeTaskID(m_brand, m_tagline, m_containerWidth, m_taglineWidth, m_reduceMotion.isOn());
+    startTask(cycle(m_task.get_token()));
+}
+
+/// Writes both at once, without an animation: a scroll under way ends.
+void CarRadioLine::setState(bool showingTagline, double offset) {
+    const bool isSame = m_showingTagline == showingTagline && m_scroll.pixels() == 0;
+    m_scroll.reset();
+    m_offset = offset;
+    if (m_showingTagline != showingTagline) {
+        m_showingTagline = showingTagline;
+        m_text.reset();
+    }
+    if (!isSame) {
+        Q_EMIT changed();
+    }
+}
+
+QCoro::Task<> CarRadioLine::sleep(double seconds, std::stop_token stop) {
+    return m_clock.sleep(sleepLength(seconds), std::move(stop));
+}
+
+/// After a cancellation the line may be gone, so nothing is touched any more.
+QCoro::Task<> CarRadioLine::cycle(std::stop_token stop) {
+    setState(false, 0);
+    if (m_reduceMotion.isOn()) {
+        co_return;
+    }
+    const QString tagline = m_tagline.trimmed();
+    if (tagline.isEmpty() || tagline == restingText(m_brand, m_tagline)) {
+        co_return;
+    }
+    while (!stop.stop_requested()) {
+        setState(false, 0);
+        co_await sleep(m_style.idle, stop);
+        if (stop.stop_requested()) {
+            co_return;
+        }
+        setState(true, 0);
+        co_await sleep(m_style.holdStart, stop);
+        if (stop.stop_requested()) {
+            co_return;
+        }
+        if (const double overflow = overflowWidth(m_taglineWidth, m_containerWidth); overflow > 1) {
+            const auto toTheEnd = sleepLength(overflow / m_style.pointsPerSecond + m_style.holdEnd);
+            m_offset = -overflowWidth(m_taglineWidth, m_containerWidth);
+            m_scroll.start(-m_offset, m_style.pointsPerSecond);
+            co_await m_clock.sleep(toTheEnd, stop);
+            if (stop.stop_requested()) {
+                co_return;
+            }
+            setState(true, 0);
+            co_await sleep(0.35, stop);
+        } else {
+            co_await sleep(2.8, stop);
+        }
+        if (stop.stop_requested()) {
+            co_return;
+        }
+    }
+}
+
+bool CarRadioLine::isPictureOf(const QRect& box) const {
+    const int from = m_scroll.pixels();
+    return m_text && m_picture.height() == box.height() && m_pictureFrom <= from &&
+           from + box.width() <= m_pictureFrom + m_picture.width();
+}
+
+void CarRadioLine::paint(QPainter& painter, const QRect& box) {
+    if (box.isEmpty()) {
+        return; // a compact pill's line on a screen below scale 1
+    }
+    // Wide enough for almost every text as a whole, so that a scroll only moves it.
+    constexpr int kPictureWidth = 2048;
+    if (!isPictureOf(box)) {
+        if (!m_text) {
+            m_text = std::make_unique<TextLine>(line(), m_style.font);
+        }
+        m_pictureFrom = m_scroll.pixels();
+        // Two more than its width, since the last offset is rounded, too.
+        const int rest = qCeil(m_text->width() * m_devicePixelRatio) + 2 - m_pictureFrom;
+        m_picture = m_text->picture(
+            m_style.color, m_style.ground, m_devicePixelRatio, m_pictureFrom,
+            {std::max(box.width(), m_showingTagline ? std::min(rest, kPictureWidth) : 0),
+             box.height()});
+        const auto [first, end] = inkedRows(m_picture);
+        m_rowsOfText = {qFloor(first / m_devicePixelRatio), qCeil(end / m_devicePixelRatio)};
+        ++m_pictures;
+    }
+    const int from = m_scroll.pixels() - m_pictureFrom;
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.drawImage(box.topLeft(), m_picture, QRect(QPoint(from, 0), box.size()));
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+}
+
+} // namespace brimlet

@@ -1,0 +1,16 @@
+#pragma once
+
+namespace brimlet {
+
+class Clock;
+class CreativeImageCache;
+class ReduceMotion;
+
+/// What the views of creatives need besides the creative. The references outlive the views.
+struct CreativeEnvironment final {
+    CreativeImageCache& images;
+    Clock& clock;
+    ReduceMotion& reduceMotion;
+};
+
+} // namespace brimlet

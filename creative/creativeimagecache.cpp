@@ -1,0 +1,163 @@
+#include "creative/creativeimagecache.h"
+
+#include "creative/images/imagedecoding.h"
+#include "creative/images/imagegate.h"
+#include "host/linkrule.h"
+#include "platform/deferred.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QMessageAuthenticationCode>
+#include <QRandomGenerator>
+#include <QTemporaryFile>
+#include <QtEndian>
+
+#include <cstdio>
+#include <map>
+#include <vector>
+
+namespace brimlet {
+namespace {
+
+std::optional<ImagePorts>& sharedPorts() {
+    static std::optional<ImagePorts> ports;
+    return ports;
+}
+
+/// A text's hash under a seed, as the signed number that its digits are taken from.
+std::int64_t seededHash(const QString& text, std::uint64_t seed) {
+    const QByteArray key(reinterpret_cast<const char*>(&seed), sizeof seed);
+    const QByteArray digest =
+        QMessageAuthenticationCode::hash(text.toUtf8(), key, QCryptographicHash::Blake2s_256);
+    return qFromLittleEndian<std::int64_t>(digest.constData());
+}
+
+std::uint64_t magnitude(std::int64_t value) {
+    const auto bits = static_cast<std::uint64_t>(value);
+    return value < 0 ? std::uint64_t{0} - bits : bits; // the smallest number has one, too
+}
+
+std::optional<QImage> imageFromFile(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return std::nullopt;
+    }
+    const QByteArray bytes = file.read(kImageBodyLimit + 1);
+    return bytes.size() > kImageBodyLimit ? std::nullopt : decodeImage(bytes);
+}
+
+/// Whole or not at all; a failure is nobody's concern. Never waits for the disk, as QSaveFile does:
+/// a file of this run need not survive a crash.
+void writeAtomically(const QString& path, const QByteArray& bytes) {
+    QTemporaryFile file(path + QStringLiteral(".XXXXXX"));
+    if (file.open() && file.write(bytes) == bytes.size() && file.flush() &&
+        std::rename(QFile::encodeName(file.fileName()).constData(),
+                    QFile::encodeName(path).constData()) == 0) {
+        file.setAutoRemove(false);
+    }
+}
+
+HttpRequest requestFor(const Url& url) {
+    HttpRequest request{url};
+    request.mayFollow = [](const Url& /*from*/, const Url& to) { return isAllowedLink(to); };
+    request.lastStatusWithBody = 299;
+    request.bodyLimit = kImageBodyLimit;
+    return request;
+}
+
+} // namespace
+
+/// Both maps by the whole address.
+struct CreativeImageCache::State final {
+    ImagePorts ports;
+    std::uint64_t seed;
+    std::map<QString, QImage> memory; ///< Never evicted; its pictures are small.
+    /// Loads under way, each with those who wait for it besides the one who began it.
+    std::map<QString, std::vector<Deferred<std::optional<QImage>>>> inflight;
+};
+
+CreativeImageCache::CreativeImageCache(const ImagePorts& ports, std::uint64_t seed)
+    : m_state(std::make_shared<State>(State{ports, seed, {}, {}})) {}
+
+void CreativeImageCache::setSharedPorts(const ImagePorts& ports) {
+    Q_ASSERT(!sharedPorts());
+    sharedPorts().emplace(ports);
+}
+
+CreativeImageCache& CreativeImageCache::shared() {
+    Q_ASSERT(sharedPorts());
+    static auto* const cache = new CreativeImageCache(*sharedPorts());
+    return *cache;
+}
+
+std::uint64_t CreativeImageCache::seedOfThisRun() {
+    static const std::uint64_t seed = QRandomGenerator::system()->generate64();
+    return seed;
+}
+
+bool CreativeImageCache::isAllowed(const Url& url) {
+    return isAllowedLink(url);
+}
+
+QCoro::Task<std::optional<QImage>> CreativeImageCache::image(std::optional<Url> url) {
+    const auto state = m_state;
+    std::optional<QImage> image;
+    if (url && isAllowed(*url)) {
+        image = co_await find(state, *url);
+    }
+    co_return image;
+}
+
+QCoro::Task<std::optional<QImage>> CreativeImageCache::find(std::shared_ptr<State> state, Url url) {
+    const QString& key = url.absoluteString();
+    if (const auto known = state->memory.find(key); known != state->memory.end()) {
+        co_return known->second;
+    }
+    if (const auto running = state->inflight.find(key); running != state->inflight.end()) {
+        const Deferred<std::optional<QImage>> result;
+        running->second.push_back(result);
+        std::optional<QImage> shared = co_await result;
+        co_return shared;
+    }
+    state->inflight.emplace(key, std::vector<Deferred<std::optional<QImage>>>());
+    std::optional<QImage> loaded = co_await load(state, url);
+    const auto waiters = state->inflight.extract(key).mapped();
+    if (loaded) {
+        state->memory.emplace(key, *loaded);
+    }
+    for (const auto& waiter : waiters) {
+        waiter.resolve(loaded);
+    }
+    co_return loaded;
+}
+
+QCoro::Task<std::optional<QImage>> CreativeImageCache::load(std::shared_ptr<State> state, Url url) {
+    if (auto image = imageFromFile(diskURL(*state, url))) {
+        co_return image;
+    }
+    HttpRequest request = requestFor(url);
+    const HttpResult result = co_await state->ports.http.send(std::move(request));
+    const auto* const reply = std::get_if<HttpReply>(&result);
+    if (reply == nullptr || reply->status < 200 || reply->status > 299) {
+        co_return std::nullopt;
+    }
+    auto image = decodeImage(reply->body);
+    if (image) {
+        writeAtomically(diskURL(*state, url), reply->body);
+    }
+    co_return image;
+}
+
+QString CreativeImageCache::diskURL(const State& state, const Url& url) {
+    const auto caches = state.ports.cachesFolder.path();
+    if (!caches) {
+        qFatal("There is no caches folder.");
+    }
+    const QDir folder(*caches + QStringLiteral("/Brimlet/creatives"));
+    folder.mkpath(QStringLiteral("."));
+    return folder.filePath(
+        QString::number(magnitude(seededHash(url.absoluteString(), state.seed))));
+}
+
+} // namespace brimlet

@@ -1,0 +1,18 @@
+#include "creative/fallbacktext.h"
+
+#include <QTextBoundaryFinder>
+
+namespace brimlet {
+
+QString fallbackText(const QString& brand) {
+    const QString trimmed = brand.trimmed();
+    if (trimmed.isEmpty()) {
+        return QStringLiteral("\u00b7");
+    }
+    // Far longer than any character, and short whatever strangers send.
+    const QString start = trimmed.left(1024);
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, start);
+    return start.left(finder.toNextBoundary());
+}
+
+} // namespace brimlet

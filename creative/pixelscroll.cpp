@@ -1,0 +1,58 @@
+#include "creative/pixelscroll.h"
+
+#include "platform/starttask.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace brimlet {
+
+int PixelScroll::allPixels() const {
+    return static_cast<int>(std::lround(m_distance * m_devicePixelRatio));
+}
+
+std::chrono::nanoseconds PixelScroll::timeOf(int pixel) const {
+    // The last one may be a rounded half, which the end of the distance stands for.
+    const double points = std::min(pixel / m_devicePixelRatio, m_distance);
+    return std::chrono::nanoseconds(std::llround(points / m_speed * 1e9));
+}
+
+int PixelScroll::pixels() const {
+    const int all = allPixels();
+    if (all == 0 || m_elapsed >= timeOf(all)) {
+        return all;
+    }
+    const std::chrono::duration<double> seconds = m_elapsed;
+    const int pixel = static_cast<int>(seconds.count() * m_speed * m_devicePixelRatio);
+    // A wake-up on the dot finds its pixel, whatever the last digit of the product.
+    return pixel + (m_elapsed >= timeOf(pixel + 1) ? 1 : 0);
+}
+
+void PixelScroll::start(double distance, double speed) {
+    reset();
+    m_distance = distance;
+    m_speed = speed;
+    m_stop = std::stop_source();
+    startTask(run(m_stop.get_token()));
+}
+
+void PixelScroll::reset() {
+    m_stop.request_stop();
+    m_distance = 0;
+    m_elapsed = {};
+}
+
+QCoro::Task<> PixelScroll::run(std::stop_token stop) {
+    const auto start = m_clock.uptime();
+    while (pixels() < allPixels()) {
+        const auto due = start + timeOf(pixels() + 1);
+        co_await m_clock.sleep(due - m_clock.uptime(), stop);
+        if (stop.stop_requested()) {
+            co_return;
+        }
+        m_elapsed = m_clock.uptime() - start;
+        m_moved();
+    }
+}
+
+} // namespace brimlet

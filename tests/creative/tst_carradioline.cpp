@@ -1,0 +1,542 @@
+#include "creative/carradioline.h"
+#include "creative/textline.h"
+#include "tests/support/fakeclock.h"
+#include "tests/support/fakes.h"
+
+#include <QPainter>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <cmath>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString kBrand = QStringLiteral("Acme");
+const QString kTagline = QStringLiteral("Fresh every day, and twice on Sundays");
+
+QFont testFont() {
+    QFont font(QStringLiteral("Inter"));
+    font.setPixelSize(12);
+    return font;
+}
+
+CarRadioStyle style() {
+    return {testFont(), Qt::white, Qt::black, 16, 1.6, 22, 1.4};
+}
+
+double widthOf(const QString& text) {
+    return TextLine(text, testFont()).width();
+}
+
+/// A line on screen whose tagline is wider than it by so many points.
+struct LineFixture final {
+    explicit LineFixture(double overflow, const QString& brand = kBrand,
+                         const QString& tagline = kTagline) {
+        line->setTexts(brand, tagline);
+        line->setContainerWidth(widthOf(tagline.trimmed()) - overflow);
+        line->appear();
+    }
+
+    /// The line's state in one word.
+    [[nodiscard]] QString state() const {
+        return line->showingTagline() ? QStringLiteral("tagline %1").arg(line->offset(), 0, 'f', 1)
+                                      : QStringLiteral("brand %1").arg(line->offset());
+    }
+
+    FakeReduceMotion reduceMotion;
+    FakeClock clock;
+    std::unique_ptr<CarRadioLine> line =
+        std::make_unique<CarRadioLine>(style(), clock, reduceMotion);
+};
+
+/// A machine that is always late.
+class BusyClock final : public Clock {
+public:
+    [[nodiscard]] TimePoint now() const override { return m_clock.now(); }
+    [[nodiscard]] std::chrono::nanoseconds uptime() const override { return m_clock.uptime(); }
+    [[nodiscard]] std::unique_ptr<RepeatingTimer> repeat(std::chrono::milliseconds interval,
+                                                         std::function<void()> tick) override {
+        return m_clock.repeat(interval, std::move(tick));
+    }
+    [[nodiscard]] QCoro::Task<> sleep(std::chrono::nanoseconds duration,
+                                      std::stop_token stop) override {
+        return m_clock.sleep(duration + 100ms, std::move(stop));
+    }
+    void advance(std::chrono::nanoseconds duration) { m_clock.advance(duration); }
+
+private:
+    FakeClock m_clock;
+};
+
+const QString kAtBrand = QStringLiteral("brand 0");
+const QString kAtTagline = QStringLiteral("tagline 0.0");
+
+} // namespace
+
+namespace brimlet {
+
+class TestCarRadioLine final : public QObject {
+    Q_OBJECT
+
+    /// Draws the line as a pill would, at one pixel a point.
+    static QImage drawn(CarRadioLine& line, int height = 20) {
+        QImage image(qFloor(line.containerWidth()), height, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        line.paint(painter, image.rect());
+        return image;
+    }
+
+private Q_SLOTS:
+    void anOverflowingTaglineKeepsToItsTimeline() {
+        LineFixture f(60);
+        // Brand 16 s, hold 1.6 s, scroll 60 / 22 s and rest 1.4 s, snapped 0.35 s, and again.
+        const auto scroll = sleepLength(60.0 / 22 + 1.4);
+        for (int round = 0; round < 3; ++round) {
+            QCOMPARE(f.state(), kAtBrand);
+            QCOMPARE(f.line->line(), kBrand);
+            f.clock.advance(16s - 1ns);
+            QCOMPARE(f.state(), kAtBrand);
+            f.clock.advance(1ns);
+            QCOMPARE(f.state(), kAtTagline);
+            QCOMPARE(f.line->line(), kTagline);
+            f.clock.advance(1600ms - 1ns);
+            QCOMPARE(f.state(), kAtTagline);
+            f.clock.advance(1ns);
+            QCOMPARE(f.state(), QStringLiteral("tagline -60.0"));
+            QCOMPARE(f.line->offsetOnScreen(), 0);
+            f.clock.advance(1s);
+            QCOMPARE(f.line->offsetOnScreen(), -22);
+            f.clock.advance(sleepLength(60.0 / 22) - 1s + 1ns);
+            QCOMPARE(f.line->offsetOnScreen(), -60);
+            f.clock.advance(scroll - sleepLength(60.0 / 22) - 2ns);
+            QCOMPARE(f.line->offsetOnScreen(), -60);
+            f.clock.advance(1ns);
+            QCOMPARE(f.state(), kAtTagline);
+            QCOMPARE(f.line->offsetOnScreen(), 0);
+            f.clock.advance(350ms - 1ns);
+            QCOMPARE(f.state(), kAtTagline);
+            f.clock.advance(1ns);
+        }
+        QCOMPARE(f.state(), kAtBrand);
+    }
+
+    void aFittingTaglineStandsForFourPointFourSeconds_data() {
+        QTest::addColumn<double>("overflow");
+        QTest::newRow("much narrower") << -50.0;
+        QTest::newRow("as wide") << 0.0;
+        QTest::newRow("one point wider") << 1.0;
+    }
+    void aFittingTaglineStandsForFourPointFourSeconds() {
+        QFETCH(double, overflow);
+        LineFixture f(overflow);
+        for (int round = 0; round < 2; ++round) {
+            f.clock.advance(16s);
+            QCOMPARE(f.state(), kAtTagline);
+            f.clock.advance(1600ms + 2800ms - 1ns);
+            QCOMPARE(f.state(), kAtTagline);
+            QCOMPARE(f.line->offsetOnScreen(), 0);
+            f.clock.advance(1ns);
+            QCOMPARE(f.state(), kAtBrand);
+        }
+    }
+
+    void oneAndAHalfPointsScroll() {
+        LineFixture f(1.5);
+        f.clock.advance(17600ms);
+        QCOMPARE(f.state(), QStringLiteral("tagline -1.5"));
+        f.clock.advance(sleepLength(1.5 / 22));
+        QCOMPARE(f.line->offsetOnScreen(), -2); // the nearest whole pixel
+    }
+
+    void scrollingMovesByWholePixels_data() {
+        QTest::addColumn<double>("scale");
+        QTest::addColumn<int>("pixels");
+        QTest::newRow("1") << 1.0 << 60;
+        QTest::newRow("1.25") << 1.25 << 75;
+        QTest::newRow("1.5") << 1.5 << 90;
+        QTest::newRow("2") << 2.0 << 120;
+    }
+    void scrollingMovesByWholePixels() {
+        QFETCH(double, scale);
+        QFETCH(int, pixels);
+        LineFixture f(60);
+        f.line->setDevicePixelRatio(scale);
+        f.clock.advance(17600ms);
+        QList<int> offsets;
+        connect(f.line.get(), &CarRadioLine::moved, f.line.get(),
+                [&] { offsets << f.line->offsetOnScreen(); });
+        f.clock.advance(sleepLength(60.0 / 22) + 1s);
+        // One wake-up a pixel, none left out and none twice.
+        QList<int> expected;
+        for (int pixel = 1; pixel <= pixels; ++pixel) {
+            expected << -pixel;
+        }
+        QCOMPARE(offsets, expected);
+    }
+
+    void aLateWakeUpIsMadeUpByALargerStep() {
+        BusyClock clock;
+        QList<int> places;
+        PixelScroll scroll(clock, [&] { places << scroll.pixels(); });
+        scroll.start(22, 22);
+        clock.advance(3s);
+        // Each wake-up comes 100 ms late, on top of the 45 that a pixel takes.
+        QCOMPARE(places, (QList<int>{3, 6, 9, 12, 15, 18, 21, 22}));
+    }
+
+    void aChangeOfScaleWhileScrollingKeepsThePlace() {
+        LineFixture f(60);
+        f.clock.advance(17600ms + 1s);
+        QCOMPARE(f.line->offsetOnScreen(), -22);
+        f.line->setDevicePixelRatio(2);
+        QCOMPARE(f.line->offsetOnScreen(), -44);
+        f.clock.advance(sleepLength(60.0 / 22) - 1s + 1ms);
+        QCOMPARE(f.line->offsetOnScreen(), -120);
+    }
+
+    void nothingWakesWhileItRests() {
+        LineFixture f(60);
+        const QSignalSpy changed(f.line.get(), &CarRadioLine::changed);
+        QCOMPARE(f.clock.runningSleeps(), 1);
+        QCOMPARE(f.clock.runningTimers(), 0);
+        f.clock.advance(15s);
+        QCOMPARE(changed.count(), 0);
+        QCOMPARE(f.clock.runningSleeps(), 1);
+        f.clock.advance(1s);
+        QCOMPARE(changed.count(), 1); // the swap
+        f.clock.advance(1500ms);
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(f.clock.runningSleeps(), 1);
+    }
+
+    void underReduceMotionTheBrandStands_data() {
+        QTest::addColumn<QString>("brand");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("trimmed brand") << QStringLiteral(" Acme ") << QStringLiteral("Acme");
+        QTest::newRow("raw tagline") << QStringLiteral("  ") << kTagline + u' ';
+    }
+    void underReduceMotionTheBrandStands() {
+        QFETCH(QString, brand);
+        LineFixture f(60, brand, kTagline + u' ');
+        f.reduceMotion.set(true);
+        QCOMPARE(f.clock.runningSleeps(), 0);
+        const QSignalSpy changed(f.line.get(), &CarRadioLine::changed);
+        f.clock.advance(1h);
+        QTEST(f.line->line(), "line");
+        QCOMPARE(changed.count(), 0);
+    }
+
+    void reduceMotionStopsAScrollAndItsEndStartsAfresh() {
+        LineFixture f(60);
+        f.clock.advance(18s);
+        QVERIFY(f.line->offsetOnScreen() < 0);
+        f.reduceMotion.set(true);
+        QCOMPARE(f.state(), kAtBrand);
+        QCOMPARE(f.line->offsetOnScreen(), 0);
+        QCOMPARE(f.clock.runningSleeps(), 0);
+        f.clock.advance(5s);
+        f.reduceMotion.set(false);
+        f.clock.advance(16s - 1ns);
+        QCOMPARE(f.state(), kAtBrand);
+        f.clock.advance(1ns);
+        QCOMPARE(f.state(), kAtTagline);
+    }
+
+    void whereThereIsNothingToSwapTheLoopStops_data() {
+        QTest::addColumn<QString>("brand");
+        QTest::addColumn<QString>("tagline");
+        QTest::addColumn<QString>("line");
+        const QString hello = QStringLiteral("Hello");
+        QTest::newRow("blank brand") << QStringLiteral("  ") << hello << hello;
+        QTest::newRow("the same text") << hello << QStringLiteral(" Hello ") << hello;
+        QTest::newRow("no tagline") << hello << QString() << hello;
+        QTest::newRow("blank tagline") << hello << QStringLiteral(" \n") << hello;
+        QTest::newRow("no text") << QString() << QString() << QString();
+    }
+    void whereThereIsNothingToSwapTheLoopStops() {
+        QFETCH(QString, brand);
+        QFETCH(QString, tagline);
+        LineFixture f(0, brand, tagline);
+        QCOMPARE(f.clock.runningSleeps(), 0);
+        f.clock.advance(1h);
+        QTEST(f.line->line(), "line");
+        QCOMPARE(f.state(), kAtBrand);
+    }
+
+    void aBlankBrandAlternatesWithATaglineAmongBlanks() {
+        LineFixture f(0, QStringLiteral("  "), QStringLiteral(" Hello "));
+        QCOMPARE(f.line->line(), QStringLiteral(" Hello "));
+        f.clock.advance(16s);
+        QCOMPARE(f.line->line(), QStringLiteral("Hello"));
+        f.clock.advance(4400ms);
+        QCOMPARE(f.line->line(), QStringLiteral(" Hello "));
+    }
+
+    void aTextThatChangesWhileScrollingStartsAfresh_data() {
+        QTest::addColumn<QString>("brand");
+        QTest::addColumn<QString>("tagline");
+        QTest::newRow("tagline") << kBrand << QStringLiteral("Another one that is wide enough too");
+        QTest::newRow("brand") << QStringLiteral("Emca") << kTagline;
+    }
+    void aTextThatChangesWhileScrollingStartsAfresh() {
+        QFETCH(QString, brand);
+        QFETCH(QString, tagline);
+        LineFixture f(60);
+        f.clock.advance(18s);
+        QVERIFY(f.line->offsetOnScreen() < 0);
+        f.line->setTexts(brand, tagline);
+        QCOMPARE(f.state(), kAtBrand);
+        QCOMPARE(f.line->offsetOnScreen(), 0);
+        QCOMPARE(f.line->line(), brand);
+        f.clock.advance(16s - 1ns);
+        QCOMPARE(f.state(), kAtBrand);
+        f.clock.advance(1ns);
+        QCOMPARE(f.line->line(), tagline);
+    }
+
+    void theSameTextsAgainDisturbNothing() {
+        LineFixture f(60);
+        f.clock.advance(18s);
+        const int offset = f.line->offsetOnScreen();
+        const QSignalSpy changed(f.line.get(), &CarRadioLine::changed);
+        f.line->setTexts(kBrand, kTagline);
+        f.line->setContainerWidth(f.line->containerWidth());
+        f.line->setDevicePixelRatio(1);
+        f.line->appear();
+        QCOMPARE(changed.count(), 0);
+        QCOMPARE(f.line->offsetOnScreen(), offset);
+    }
+
+    void aWidthWithinTheSamePointDoesNotRestart() {
+        LineFixture f(60);
+        f.line->setContainerWidth(180.2);
+        f.clock.advance(10s);
+        f.line->setContainerWidth(180.9);
+        f.clock.advance(6s);
+        QCOMPARE(f.state(), kAtTagline); // the sixteen seconds went on
+        f.line->setContainerWidth(181.1);
+        QCOMPARE(f.state(), kAtBrand);
+        f.clock.advance(16s - 1ns);
+        QCOMPARE(f.state(), kAtBrand);
+    }
+
+    void theOverflowIsReadWhenTheScrollBegins() {
+        LineFixture f(60.25);
+        f.clock.advance(17s);
+        f.line->setContainerWidth(f.line->containerWidth() +
+                                  (std::ceil(f.line->containerWidth()) - f.line->containerWidth()) /
+                                      2);
+        QCOMPARE(f.state(), kAtTagline); // the same whole point, so the loop goes on
+        f.clock.advance(600ms);
+        QCOMPARE(f.line->offset(), f.line->containerWidth() - f.line->taglineWidth());
+    }
+
+    void theFirstLoopIsReplacedOnceTheWidthIsKnown() {
+        FakeReduceMotion reduceMotion;
+        FakeClock clock;
+        CarRadioLine line(style(), clock, reduceMotion);
+        line.setTexts(kBrand, kTagline);
+        QCOMPARE(line.taglineWidth(), widthOf(kTagline));
+        line.appear();
+        QCOMPARE(line.containerWidth(), 0.0);
+        clock.advance(5s);
+        line.setContainerWidth(73);
+        clock.advance(11s);
+        QVERIFY(!line.showingTagline());
+        clock.advance(5s);
+        QVERIFY(line.showingTagline());
+        QCOMPARE(clock.runningSleeps(), 1);
+    }
+
+    void theTaglinesWidthIsThatOfTheTrimmedText() {
+        LineFixture f(0, kBrand, QStringLiteral("  %1 ").arg(kTagline));
+        QCOMPARE(f.line->taglineWidth(), widthOf(kTagline));
+    }
+
+    // One row for each place where the loop looks whether it was cancelled.
+    void aCancelledLoopWritesNothingMore_data() {
+        QTest::addColumn<double>("overflow");
+        QTest::addColumn<int>("milliseconds");
+        QTest::newRow("at the brand") << 60.0 << 5'000;
+        QTest::newRow("at the tagline's start") << 60.0 << 17'000;
+        QTest::newRow("scrolling") << 60.0 << 19'000;
+        QTest::newRow("at the end") << 60.0 << 21'000;
+        QTest::newRow("snapped") << 60.0 << 21'900;
+        QTest::newRow("standing") << 0.0 << 19'000;
+        QTest::newRow("in the second round") << 0.0 << 30'000;
+    }
+    void aCancelledLoopWritesNothingMore() {
+        QFETCH(double, overflow);
+        QFETCH(int, milliseconds);
+        LineFixture f(overflow);
+        f.clock.advance(std::chrono::milliseconds(milliseconds));
+        const QString state = f.state();
+        f.line->disappear();
+        const QSignalSpy changed(f.line.get(), &CarRadioLine::changed);
+        QCOMPARE(f.clock.runningSleeps(), 0);
+        f.clock.advance(1h);
+        QCOMPARE(f.state(), state);
+        QCOMPARE(changed.count(), 0);
+        // Back on screen it begins with the brand.
+        f.line->appear();
+        QCOMPARE(f.state(), kAtBrand);
+        f.clock.advance(16s);
+        QCOMPARE(f.state(), kAtTagline);
+    }
+
+    void aDestroyedLineLeavesNothingBehind_data() { aCancelledLoopWritesNothingMore_data(); }
+    void aDestroyedLineLeavesNothingBehind() {
+        QFETCH(double, overflow);
+        QFETCH(int, milliseconds);
+        LineFixture f(overflow);
+        f.clock.advance(std::chrono::milliseconds(milliseconds));
+        f.line.reset();
+        QCOMPARE(f.clock.runningSleeps(), 0);
+        f.clock.advance(1h);
+        f.reduceMotion.set(true);
+    }
+
+    void offScreenNothingRuns() {
+        FakeReduceMotion reduceMotion;
+        FakeClock clock;
+        CarRadioLine line(style(), clock, reduceMotion);
+        line.setTexts(kBrand, kTagline);
+        line.setContainerWidth(73);
+        reduceMotion.set(true);
+        reduceMotion.set(false);
+        QCOMPARE(clock.runningSleeps(), 0);
+        clock.advance(1h);
+        QCOMPARE(line.line(), kBrand);
+    }
+
+    void aSpeedOfZeroEndsTheProgram() {
+        QProcess program;
+        program.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--zero-speed")});
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(program.exitStatus(), QProcess::CrashExit);
+        QVERIFY(program.readAllStandardError().contains("out of range"));
+    }
+
+    void aScrollMovesOnePicture() {
+        LineFixture f(60);
+        (void)drawn(*f.line);
+        QCOMPARE(f.line->m_pictures, 1);
+        (void)drawn(*f.line);
+        QCOMPARE(f.line->m_pictures, 1);
+        f.clock.advance(17600ms);
+        const QImage start = drawn(*f.line);
+        for (int step = 0; step < 60; ++step) {
+            f.clock.advance(sleepLength(1 / 22.0) + 1ns);
+            (void)drawn(*f.line);
+        }
+        QCOMPARE(f.line->offsetOnScreen(), -60);
+        QCOMPARE(f.line->m_pictures, 2);
+        f.clock.advance(1400ms);
+        QCOMPARE(f.line->offsetOnScreen(), 0);
+        QCOMPARE(drawn(*f.line), start);
+        QCOMPARE(f.line->m_pictures, 2);
+    }
+
+    void aScrolledTextIsTheTextMoved() {
+        LineFixture f(60);
+        f.clock.advance(17600ms);
+        const QImage start = drawn(*f.line);
+        f.clock.advance(1s);
+        const QImage scrolled = drawn(*f.line);
+        QCOMPARE(f.line->offsetOnScreen(), -22);
+        QVERIFY(start != scrolled);
+        QCOMPARE(scrolled.copy(0, 0, scrolled.width() - 22, 20),
+                 start.copy(22, 0, start.width() - 22, 20));
+    }
+
+    void theEndOfTheTaglineComesIntoView() {
+        LineFixture f(60);
+        f.clock.advance(17600ms + sleepLength(60.0 / 22));
+        // The last letter's pixels stand at the line's right end.
+        const QImage end = drawn(*f.line);
+        const TextLine text(kTagline, testFont());
+        QImage last = text.picture(Qt::white, Qt::black, 1, qRound(text.width()) - 20, {20, 20});
+        QImage expected(20, 20, QImage::Format_RGB32);
+        expected.fill(Qt::black);
+        QPainter(&expected).drawImage(0, 0, last);
+        int different = 0;
+        for (int y = 0; y < 20; ++y) {
+            for (int x = 0; x < 19; ++x) {
+                different += end.pixel(end.width() - 20 + x, y) != expected.pixel(x, y) &&
+                             end.pixel(end.width() - 19 + x, y) != expected.pixel(x, y);
+            }
+        }
+        QCOMPARE(different, 0);
+    }
+
+    void aTextWithoutEndIsDrawnInPieces() {
+        LineFixture f(60, kBrand, QString(1'000'000, u'W'));
+        QVERIFY(f.line->taglineWidth() > 5'000);
+        f.line->setContainerWidth(73);
+        f.clock.advance(17600ms);
+        QSet<int> widths;
+        for (int i = 0; i < 40; ++i) {
+            const QImage image = drawn(*f.line);
+            QVERIFY(image != QImage(image.size(), image.format()));
+            f.clock.advance(10s);
+            widths << f.line->m_picture.width();
+        }
+        QVERIFY(f.line->m_pictures > 2 && f.line->m_pictures < 10);
+        QCOMPARE(*std::max_element(widths.cbegin(), widths.cend()), 2048);
+    }
+
+    void textsOfEveryScriptBeginAtTheLeft_data() {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("Latin") << QStringLiteral("Fresh");
+        QTest::newRow("Hebrew") << QStringLiteral("\u05E9\u05DC\u05D5\u05DD");
+        QTest::newRow("Arabic") << QStringLiteral("\u0645\u0631\u062D\u0628\u0627");
+        QTest::newRow("emoji") << QStringLiteral("\U0001F375\U0001F375");
+        QTest::newRow("overridden") << QStringLiteral("\u202Eabc");
+        QTest::newRow("markup") << QStringLiteral("<b>bold</b>");
+    }
+    void textsOfEveryScriptBeginAtTheLeft() {
+        QFETCH(QString, text);
+        LineFixture f(0, text, QString());
+        f.line->setContainerWidth(200);
+        const QImage image = drawn(*f.line);
+        int first = image.width();
+        int last = -1;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (image.pixelColor(x, y).lightness() > 40) {
+                    first = qMin(first, x);
+                    last = qMax(last, x);
+                }
+            }
+        }
+        QVERIFY2(first <= 4, qPrintable(QString::number(first)));
+        QVERIFY(last <= widthOf(text) + 2);
+    }
+};
+
+} // namespace brimlet
+
+int main(int argc, char* argv[]) {
+    const QGuiApplication application(argc, argv);
+    if (argc == 2 && QByteArray(argv[1]) == "--zero-speed") {
+        FakeReduceMotion reduceMotion;
+        FakeClock clock;
+        CarRadioStyle still = style();
+        still.pointsPerSecond = 0;
+        CarRadioLine line(still, clock, reduceMotion);
+        line.setTexts(kBrand, kTagline);
+        line.setContainerWidth(73);
+        line.appear();
+        clock.advance(1h);
+        return 0;
+    }
+    TestCarRadioLine test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_carradioline.moc"

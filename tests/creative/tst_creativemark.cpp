@@ -1,0 +1,320 @@
+#include "creative/creativeimagecache.h"
+#include "creative/creativemark.h"
+#include "creative/notchfont.h"
+#include "tests/support/fakehttpclient.h"
+#include "tests/support/fakes.h"
+#include "tests/support/pngbytes.h"
+
+#include <QPainter>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace std::chrono_literals;
+
+namespace brimlet {
+namespace {
+
+const QString kBrand = QStringLiteral("Acme");
+
+struct MarkFixture final {
+    MarkFixture() { caches.folder = home.path(); }
+
+    static std::optional<Url> url(const char* name) {
+        return Url::fromString(QStringLiteral("https://images.test/") + QString::fromLatin1(name));
+    }
+    void serve(const char* name, const QColor& color, std::chrono::milliseconds lag = {}) {
+        http.answer(QString::fromLatin1(name), HttpReply{200, pngOf(color)}, lag);
+    }
+    /// The colour in the picture's middle; invalid while there is none.
+    [[nodiscard]] QColor shown() const {
+        return mark->image() ? mark->image()->pixelColor(5, 5) : QColor();
+    }
+
+    QTemporaryDir home;
+    FakeCachesFolder caches;
+    FakeClock clock;
+    FakeHttpClient http{clock};
+    CreativeImageCache cache{{http, caches}, 1};
+    std::unique_ptr<CreativeMark> mark = std::make_unique<CreativeMark>(cache, 16);
+};
+
+/// The mark as a pill draws it, on a grey ground.
+QImage drawn(CreativeMark& mark, double scale = 1) {
+    const int side = qRound(mark.size() * scale);
+    QImage image(side + 8, side + 8, QImage::Format_RGB32);
+    image.fill(Qt::gray);
+    QPainter painter(&image);
+    mark.paint(painter, {4, 4, side, side}, scale);
+    return image;
+}
+
+/// The box around everything that is not the ground.
+QRect inkOf(const QImage& image) {
+    QRect ink;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixelColor(x, y) != QColor(Qt::gray)) {
+                ink |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return ink;
+}
+
+} // namespace
+
+class TestCreativeMark final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void itLoadsWhenItComesOnScreen() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red);
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        QVERIFY(f.http.requests().empty());
+        const QSignalSpy changed(f.mark.get(), &CreativeMark::changed);
+        f.mark->appear();
+        QCOMPARE(f.shown(), QColor(Qt::red));
+        QCOMPARE(changed.count(), 1);
+    }
+
+    void withoutAnAddressTheFallbackStays() {
+        MarkFixture f;
+        f.mark->setCreative(std::nullopt, kBrand);
+        f.mark->appear();
+        QVERIFY(!f.mark->image());
+        QVERIFY(f.http.requests().empty());
+        QVERIFY(inkOf(drawn(*f.mark)).isValid());
+    }
+
+    void theOldPictureStaysWhileTheNewOneLoads() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red);
+        f.serve("b.png", Qt::blue, 2s);
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.mark->appear();
+        f.mark->setCreative(f.url("b.png"), kBrand);
+        f.clock.advance(1999ms);
+        QCOMPARE(f.shown(), QColor(Qt::red));
+        f.clock.advance(1ms);
+        QCOMPARE(f.shown(), QColor(Qt::blue));
+    }
+
+    void aFailedLoadReplacesThePictureByTheFallback() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red);
+        f.http.answer(QStringLiteral("b.png"), HttpReply{404, {}}, 2s);
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.mark->appear();
+        f.mark->setCreative(f.url("b.png"), kBrand);
+        QCOMPARE(f.shown(), QColor(Qt::red));
+        f.clock.advance(2s);
+        QVERIFY(!f.mark->image());
+    }
+
+    void aRefusedAddressFallsBackAtOnce() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red);
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.mark->appear();
+        f.mark->setCreative(Url::fromString(u"http://images.test/a.png"), kBrand);
+        QVERIFY(!f.mark->image());
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+    }
+
+    void aLateReplyNeverReplacesANewerOne() {
+        MarkFixture f;
+        f.serve("slow.png", Qt::red, 5s);
+        f.serve("fast.png", Qt::blue, 1s);
+        f.mark->setCreative(f.url("slow.png"), kBrand);
+        f.mark->appear();
+        f.mark->setCreative(f.url("fast.png"), kBrand);
+        f.clock.advance(1s);
+        QCOMPARE(f.shown(), QColor(Qt::blue));
+        f.clock.advance(10s);
+        QCOMPARE(f.shown(), QColor(Qt::blue));
+    }
+
+    void aLateFailureNeverClearsANewerPicture() {
+        MarkFixture f;
+        f.http.hang(QStringLiteral("hung.png"));
+        f.serve("fast.png", Qt::blue);
+        f.mark->setCreative(f.url("hung.png"), kBrand);
+        f.mark->appear();
+        f.mark->setCreative(f.url("fast.png"), kBrand);
+        f.clock.advance(60s);
+        QCOMPARE(f.shown(), QColor(Qt::blue));
+    }
+
+    void backAtTheFirstAddressItsReplyCounts() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red, 5s);
+        f.serve("b.png", Qt::blue, 1s);
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.mark->appear();
+        f.mark->setCreative(f.url("b.png"), kBrand);
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.clock.advance(1s);
+        QVERIFY(!f.mark->image());
+        f.clock.advance(4s);
+        QCOMPARE(f.shown(), QColor(Qt::red));
+        QCOMPARE(f.http.requests().size(), std::size_t{2});
+    }
+
+    void offScreenAReplyIsNotShownAndOnScreenItIsAskedAgain() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red, 2s);
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.mark->appear();
+        f.mark->disappear();
+        f.clock.advance(2s);
+        QVERIFY(!f.mark->image());
+        f.mark->appear();
+        QCOMPARE(f.shown(), QColor(Qt::red)); // from memory
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+    }
+
+    void theSameCreativeAgainLoadsNothing() {
+        MarkFixture f;
+        f.http.answer(QStringLiteral("a.png"), 404, {});
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.mark->appear();
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.mark->setCreative(f.url("a.png"), QStringLiteral("Another brand"));
+        f.mark->appear();
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+        f.mark->disappear();
+        f.mark->appear();
+        QCOMPARE(f.http.requests().size(), std::size_t{2}); // the retry
+    }
+
+    void aClearedMarkIsAsNew() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red);
+        f.serve("b.png", Qt::blue, 1s);
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.mark->appear();
+        f.mark->setCreative(f.url("b.png"), kBrand);
+        f.mark->clear();
+        QVERIFY(!f.mark->image());
+        f.clock.advance(1s);
+        QVERIFY(!f.mark->image());
+    }
+
+    void aDestroyedMarkIgnoresItsReply() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red, 1s);
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.mark->appear();
+        f.mark.reset();
+        f.clock.advance(1s);
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+    }
+
+    void aPictureIsScaledOncePerSizeAndScale() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red);
+        f.serve("b.png", Qt::blue);
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.mark->appear();
+        (void)drawn(*f.mark);
+        (void)drawn(*f.mark);
+        QCOMPARE(f.mark->m_scalings, 1);
+        QCOMPARE(f.mark->m_scaled.size(), QSize(16, 16));
+        (void)drawn(*f.mark, 2);
+        (void)drawn(*f.mark, 2);
+        QCOMPARE(f.mark->m_scalings, 2);
+        QCOMPARE(f.mark->m_scaled.size(), QSize(32, 32));
+        f.mark->setCreative(f.url("b.png"), kBrand);
+        (void)drawn(*f.mark, 2);
+        QCOMPARE(f.mark->m_scalings, 3);
+    }
+
+    void thePictureFitsTheSquareWhole_data() {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<double>("scale");
+        QTest::addColumn<QRect>("place");
+        QTest::newRow("square") << QSize(64, 64) << 1.0 << QRect(4, 4, 16, 16);
+        QTest::newRow("wide") << QSize(64, 32) << 1.0 << QRect(4, 8, 16, 8);
+        QTest::newRow("tall") << QSize(32, 64) << 2.0 << QRect(12, 4, 16, 32);
+        QTest::newRow("small ones grow") << QSize(4, 2) << 1.0 << QRect(4, 8, 16, 8);
+        QTest::newRow("a thread") << QSize(1, 4096) << 1.0 << QRect(11, 4, 1, 16);
+        QTest::newRow("scale 1.5") << QSize(10, 10) << 1.5 << QRect(4, 4, 24, 24);
+    }
+    void thePictureFitsTheSquareWhole() {
+        QFETCH(QSize, size);
+        QFETCH(double, scale);
+        MarkFixture f;
+        f.http.answer(QStringLiteral("a.png"), 200, pngOf(Qt::red, size));
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.mark->appear();
+        QTEST(inkOf(drawn(*f.mark, scale)), "place");
+    }
+
+    void transparencyLetsTheGroundThrough() {
+        MarkFixture f;
+        f.http.answer(QStringLiteral("a.png"), 200, pngOf(QColor(255, 0, 0, 128)));
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.mark->appear();
+        const QColor mixed = drawn(*f.mark).pixelColor(12, 12);
+        QVERIFY(qAbs(mixed.red() - (255 + 160) / 2) < 4);
+        QVERIFY(qAbs(mixed.green() - 80) < 4);
+    }
+
+    void theFallbackIsWhiteAndCentred_data() {
+        QTest::addColumn<QString>("brand");
+        QTest::addColumn<double>("scale");
+        QTest::newRow("letter") << QStringLiteral("H") << 1.0;
+        QTest::newRow("letter, scale 1.5") << QStringLiteral("H") << 1.5;
+        QTest::newRow("letter, scale 2") << QStringLiteral("Hello") << 2.0;
+        QTest::newRow("ampersand") << QStringLiteral("&H") << 2.0;
+    }
+    void theFallbackIsWhiteAndCentred() {
+        QFETCH(QString, brand);
+        QFETCH(double, scale);
+        MarkFixture f;
+        f.mark->setCreative(std::nullopt, brand);
+        const QImage image = drawn(*f.mark, scale);
+        const QRect ink = inkOf(image);
+        QVERIFY(!ink.isEmpty());
+        const double middle = 4 + 8 * scale;
+        QVERIFY(qAbs(ink.x() + ink.width() / 2.0 - middle) <= 1.01 * scale);
+        QVERIFY(qAbs(ink.y() + ink.height() / 2.0 - middle) <= 1.51 * scale);
+        int brightest = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                brightest = qMax(brightest, image.pixelColor(x, y).lightness());
+            }
+        }
+        QVERIFY(brightest > 220);
+    }
+
+    void aBlankBrandShowsADot() {
+        MarkFixture f;
+        f.mark->setCreative(std::nullopt, QStringLiteral(" \n"));
+        const QRect ink = inkOf(drawn(*f.mark, 2));
+        QVERIFY(!ink.isEmpty());
+        QVERIFY(ink.width() < 10 && ink.height() < 10);
+    }
+
+    void anotherBrandChangesTheFallbackOnly() {
+        MarkFixture f;
+        f.mark->setCreative(std::nullopt, kBrand);
+        f.mark->appear();
+        const QSignalSpy changed(f.mark.get(), &CreativeMark::changed);
+        f.mark->setCreative(std::nullopt, QStringLiteral("Brand"));
+        QCOMPARE(changed.count(), 1);
+        f.serve("a.png", Qt::red);
+        f.mark->setCreative(f.url("a.png"), QStringLiteral("Brand"));
+        QCOMPARE(changed.count(), 2);
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        QCOMPARE(changed.count(), 2); // the picture hides it
+    }
+};
+
+} // namespace brimlet
+
+using brimlet::TestCreativeMark;
+QTEST_MAIN(TestCreativeMark)
+#include "tst_creativemark.moc"

@@ -1,0 +1,465 @@
+#include "creative/creativeimagecache.h"
+#include "host/linkrule.h"
+#include "platform/starttask.h"
+#include "tests/support/fakehttpclient.h"
+#include "tests/support/fakes.h"
+#include "tests/support/pngbytes.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <csignal>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString kAddress = QStringLiteral("https://images.test/a.png");
+const QString kPath = QStringLiteral("/a.png");
+
+Url url(const QString& text) {
+    return *Url::fromString(text);
+}
+
+/// What one caller got: nothing yet, no image, or an image.
+struct Answer final {
+    bool isThere = false;
+    std::optional<QImage> image;
+};
+
+QCoro::Task<> askFor(CreativeImageCache& cache, std::optional<Url> address,
+                     std::shared_ptr<Answer> answer) {
+    answer->image = co_await cache.image(std::move(address));
+    answer->isThere = true;
+}
+
+struct CacheFixture final {
+    CacheFixture() { caches.folder = home.filePath(QStringLiteral("caches")); }
+
+    std::shared_ptr<Answer> ask(const std::optional<Url>& address) {
+        auto answer = std::make_shared<Answer>();
+        startTask(askFor(*cache, address, answer));
+        return answer;
+    }
+    std::shared_ptr<Answer> ask() { return ask(url(kAddress)); }
+
+    /// As after a new start, or when memory forgot: another cache over the same folder.
+    void forget(std::uint64_t seed) {
+        cache = std::make_unique<CreativeImageCache>(ImagePorts{http, caches}, seed);
+    }
+    [[nodiscard]] QString folder() const {
+        return *caches.folder + QStringLiteral("/Brimlet/creatives");
+    }
+    [[nodiscard]] QStringList files() const {
+        return QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    /// Loads the image once and forgets it again, also on disk, to learn its file's path.
+    [[nodiscard]] QString learnPath() {
+        http.answer(kPath, 200, pngOf(Qt::red));
+        (void)ask();
+        http.clear();
+        forget(1);
+        const QString path = files().size() == 1 ? folder() + u'/' + files().at(0) : QString();
+        QFile::remove(path);
+        return path;
+    }
+
+    QTemporaryDir home;
+    FakeCachesFolder caches;
+    FakeClock clock;
+    FakeHttpClient http{clock};
+    std::unique_ptr<CreativeImageCache> cache =
+        std::make_unique<CreativeImageCache>(ImagePorts{http, caches}, 1);
+};
+
+/// Hands over a body whatever the status, as no client should.
+class CarelessClient final : public HttpClient {
+public:
+    explicit CarelessClient(HttpReply reply)
+        : m_reply(std::move(reply)) {}
+    [[nodiscard]] QCoro::Task<HttpResult> send(HttpRequest /*request*/) override {
+        HttpResult result = m_reply;
+        co_return result;
+    }
+
+private:
+    HttpReply m_reply;
+};
+
+QByteArray contentOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// From now on this process's writes beyond that fail, as on a full disk.
+void limitFileSizes(rlim_t bytes) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = bytes;
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+} // namespace
+
+class TestImageCache final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theImageComesFromTheNetworkOnceThenFromMemory() {
+        CacheFixture f;
+        const QByteArray bytes = pngOf(Qt::red);
+        f.http.answer(kPath, 200, bytes);
+        const auto first = f.ask();
+        QVERIFY(first->isThere);
+        QCOMPARE(first->image->size(), QSize(32, 32));
+        QCOMPARE(first->image->pixelColor(5, 5), QColor(Qt::red));
+        QCOMPARE(f.http.log(), QStringList{QStringLiteral("GET /a.png")});
+        // Memory, not the file: that may go.
+        QVERIFY(QDir(f.folder()).removeRecursively());
+        const auto second = f.ask();
+        QVERIFY(second->isThere);
+        QCOMPARE(second->image->cacheKey(), first->image->cacheKey());
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+        QVERIFY(!QDir(f.folder()).exists());
+    }
+
+    void theRequestNamesNothingButTheAddress() {
+        CacheFixture f;
+        (void)f.ask();
+        const HttpRequest& request = f.http.requests().at(0);
+        QCOMPARE(request.url.absoluteString(), kAddress);
+        QCOMPARE(request.method, QByteArray("GET"));
+        QVERIFY(request.headers.empty());
+        QVERIFY(!request.body);
+        QCOMPARE(request.bodyLimit, 4 * 1024 * 1024);
+        QCOMPARE(request.lastStatusWithBody, 299);
+    }
+
+    void everyHopPassesTheLinkRule_data() {
+        QTest::addColumn<QString>("to");
+        QTest::newRow("elsewhere, encrypted") << QStringLiteral("https://other.test/b.png");
+        QTest::newRow("this machine") << QStringLiteral("http://127.0.0.1:8791/b.png");
+        QTest::newRow("not encrypted") << QStringLiteral("http://other.test/b.png");
+        QTest::newRow("a file") << QStringLiteral("file:///etc/passwd");
+        QTest::newRow("in capitals") << QStringLiteral("HTTPS://other.test/b.png");
+    }
+    void everyHopPassesTheLinkRule() {
+        QFETCH(QString, to);
+        CacheFixture f;
+        (void)f.ask();
+        const HttpRequest& request = f.http.requests().at(0);
+        QCOMPARE(request.mayFollow(request.url, url(to)), isAllowedLink(url(to)));
+    }
+
+    void anAbsentOrRefusedAddressTouchesNothing_data() {
+        QTest::addColumn<QString>("address");
+        QTest::newRow("absent") << QString();
+        QTest::newRow("not encrypted") << QStringLiteral("http://images.test/a.png");
+        QTest::newRow("in capitals") << QStringLiteral("HTTPS://images.test/a.png");
+        QTest::newRow("a file") << QStringLiteral("file:///a.png");
+        QTest::newRow("a look-alike of this machine") << QStringLiteral("http://127.1/a.png");
+        QTest::newRow("relative") << QStringLiteral("/a.png");
+        QTest::newRow("data") << QStringLiteral("data:image/png;base64,AAAA");
+    }
+    void anAbsentOrRefusedAddressTouchesNothing() {
+        QFETCH(QString, address);
+        CacheFixture f;
+        const auto answer = f.ask(Url::fromString(address));
+        QVERIFY(answer->isThere);
+        QVERIFY(!answer->image);
+        QVERIFY(f.http.requests().empty());
+        QVERIFY(!QDir(*f.caches.folder).exists());
+    }
+
+    void thisMachineMayServeImages() {
+        CacheFixture f;
+        f.http.answer(kPath, 200, pngOf(Qt::red));
+        QVERIFY(f.ask(url(QStringLiteral("http://127.0.0.1:8791/a.png")))->image);
+        QVERIFY(f.ask(url(QStringLiteral("http://[::1]/a.png")))->image);
+    }
+
+    void whoeverAsksMeanwhileSharesTheDownload() {
+        CacheFixture f;
+        f.http.answer(kPath, HttpReply{200, pngOf(Qt::red)}, 2s);
+        const auto first = f.ask();
+        f.clock.advance(1s);
+        const auto second = f.ask();
+        const auto third = f.ask();
+        const auto other = f.ask(url(kAddress + u'?'));
+        QVERIFY(!first->isThere && !second->isThere && !third->isThere);
+        f.clock.advance(1s);
+        QVERIFY(first->isThere && second->isThere && third->isThere);
+        QVERIFY(!other->isThere);
+        QCOMPARE(second->image->cacheKey(), first->image->cacheKey());
+        QCOMPARE(third->image->cacheKey(), first->image->cacheKey());
+        QCOMPARE(f.http.requests().size(), std::size_t{2}); // the other address is its own
+    }
+
+    void aSharedFailureIsNobodysImage() {
+        CacheFixture f;
+        f.http.hang(kPath);
+        const auto first = f.ask();
+        const auto second = f.ask();
+        f.clock.advance(60s);
+        QVERIFY(first->isThere && second->isThere);
+        QVERIFY(!first->image && !second->image);
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+    }
+
+    void whatIsNoImageLeavesNoFileAndIsTriedAgain_data() {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("body");
+        QTest::newRow("not found") << 404 << pngOf(Qt::red);
+        QTest::newRow("moved") << 302 << pngOf(Qt::red);
+        QTest::newRow("not modified") << 304 << QByteArray();
+        QTest::newRow("failing") << 503 << pngOf(Qt::red);
+        QTest::newRow("just above") << 300 << pngOf(Qt::red);
+        QTest::newRow("just below") << 199 << pngOf(Qt::red);
+        QTest::newRow("a page") << 200 << QByteArray("<!DOCTYPE html><html></html>");
+        QTest::newRow("a drawing")
+            << 200 << QByteArray("<svg xmlns='http://www.w3.org/2000/svg'/>");
+        QTest::newRow("nothing") << 200 << QByteArray();
+        QTest::newRow("cut short") << 200 << pngOf(Qt::red).chopped(20);
+        QTest::newRow("too large a body") << 200 << QByteArray(4 * 1024 * 1024 + 1, '\0');
+    }
+    void whatIsNoImageLeavesNoFileAndIsTriedAgain() {
+        QFETCH(int, status);
+        QFETCH(QByteArray, body);
+        CacheFixture f;
+        f.http.answer(kPath, status, body);
+        const auto failed = f.ask();
+        QVERIFY(failed->isThere);
+        QVERIFY(!failed->image);
+        QCOMPARE(f.files(), QStringList());
+        f.http.answer(kPath, 200, pngOf(Qt::red));
+        QVERIFY(f.ask()->image);
+        QCOMPARE(f.http.requests().size(), std::size_t{2});
+    }
+
+    void anotherStatusIsNoImageWhateverItsBody_data() {
+        QTest::addColumn<int>("status");
+        for (const int status : {199, 300, 302, 304, 404, 503}) {
+            QTest::addRow("%d", status) << status;
+        }
+    }
+    void anotherStatusIsNoImageWhateverItsBody() {
+        QFETCH(int, status);
+        CacheFixture f;
+        CarelessClient http({status, pngOf(Qt::red)});
+        f.cache = std::make_unique<CreativeImageCache>(ImagePorts{http, f.caches}, 1);
+        QVERIFY(!f.ask()->image);
+        QCOMPARE(f.files(), QStringList());
+    }
+
+    void everyStatusOfSuccessCounts_data() {
+        QTest::addColumn<int>("status");
+        QTest::newRow("200") << 200;
+        QTest::newRow("203") << 203;
+        QTest::newRow("299") << 299;
+    }
+    void everyStatusOfSuccessCounts() {
+        QFETCH(int, status);
+        CacheFixture f;
+        f.http.answer(kPath, status, pngOf(Qt::red));
+        QVERIFY(f.ask()->image);
+    }
+
+    void transfersThatFailAreTriedAgain_data() {
+        QTest::addColumn<int>("error");
+        QTest::newRow("refused") << int(HttpError::Unreachable);
+        QTest::newRow("cut") << int(HttpError::Broken);
+        QTest::newRow("too large") << int(HttpError::TooLarge);
+        QTest::newRow("not fetchable") << int(HttpError::BadRequest);
+    }
+    void transfersThatFailAreTriedAgain() {
+        QFETCH(int, error);
+        CacheFixture f;
+        f.http.answer(kPath, static_cast<HttpError>(error));
+        QVERIFY(!f.ask()->image);
+        QVERIFY(!f.ask()->image);
+        QCOMPARE(f.http.requests().size(), std::size_t{2});
+        QCOMPARE(f.files(), QStringList());
+    }
+
+    void theFileHoldsTheBytesAsReceived() {
+        CacheFixture f;
+        const QByteArray bytes = pngOf(Qt::red, {300, 200}) + "bytes after the end";
+        f.http.answer(kPath, 200, bytes);
+        const auto answer = f.ask();
+        QCOMPARE(answer->image->size(), QSize(128, 85));
+        QCOMPARE(f.files().size(), 1);
+        QCOMPARE(contentOf(f.folder() + u'/' + f.files().at(0)), bytes);
+    }
+
+    void theFilesNameIsADecimalMagnitude() {
+        CacheFixture f;
+        f.http.answer(kPath, 200, pngOf(Qt::red));
+        QSet<QString> names;
+        for (std::uint64_t seed = 0; seed < 200; ++seed) {
+            f.forget(seed);
+            (void)f.ask();
+            QCOMPARE(f.files().size(), 1);
+            const QString name = f.files().at(0);
+            names << name;
+            bool isNumber = false;
+            const quint64 number = name.toULongLong(&isNumber);
+            QVERIFY(isNumber);
+            QCOMPARE(QString::number(number), name);
+            QVERIFY(number <= quint64{1} << 63);
+            QVERIFY(QFile::remove(f.folder() + u'/' + name));
+        }
+        QCOMPARE(names.size(), 200);
+    }
+
+    void withinARunTheFileIsFoundByName() {
+        CacheFixture f;
+        f.http.answer(kPath, 200, pngOf(Qt::red));
+        (void)f.ask();
+        const QStringList before = f.files();
+        const QString path = f.folder() + u'/' + before.at(0);
+        // An open file that is replaced has no name any more.
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        f.forget(1);
+        const auto answer = f.ask();
+        QVERIFY(answer->image);
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+        QCOMPARE(f.files(), before);
+        struct stat open {};
+        QCOMPARE(fstat(file.handle(), &open), 0);
+        QCOMPARE(open.st_nlink, nlink_t{1});
+    }
+
+    void aNewRunDoesNotFindEarlierFiles() {
+        CacheFixture f;
+        f.http.answer(kPath, 200, pngOf(Qt::red));
+        (void)f.ask();
+        f.forget(2);
+        (void)f.ask();
+        QCOMPARE(f.http.requests().size(), std::size_t{2});
+        QCOMPARE(f.files().size(), 2); // and the earlier one is not removed
+    }
+
+    void theSeedIsOnePerRun() {
+        CacheFixture f;
+        f.http.answer(kPath, 200, pngOf(Qt::red));
+        for (int i = 0; i < 2; ++i) {
+            f.cache = std::make_unique<CreativeImageCache>(ImagePorts{f.http, f.caches});
+            QVERIFY(f.ask()->image);
+        }
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+        QCOMPARE(f.files().size(), 1);
+    }
+
+    void anotherAddressIsAnotherFile() {
+        CacheFixture f;
+        f.http.answer(kPath, 200, pngOf(Qt::red));
+        f.http.answer(kPath + u'?', 200, pngOf(Qt::blue));
+        (void)f.ask();
+        QCOMPARE(f.ask(url(kAddress + u'?'))->image->pixelColor(1, 1), QColor(Qt::blue));
+        QCOMPARE(f.files().size(), 2);
+    }
+
+    void aSpoiltFileIsFetchedAgainAndReplaced_data() {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("garbage") << QByteArray("garbage");
+        QTest::newRow("too long") << pngOf(Qt::green) + QByteArray(4 * 1024 * 1024, '\0');
+    }
+    void aSpoiltFileIsFetchedAgainAndReplaced() {
+        QFETCH(QByteArray, content);
+        CacheFixture f;
+        const QString path = f.learnPath();
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        file.close();
+        const QByteArray bytes = pngOf(Qt::red);
+        f.http.answer(kPath, 200, bytes);
+        QVERIFY(f.ask()->image);
+        QCOMPARE(contentOf(path), bytes);
+    }
+
+    void aBadCachesFolderLeavesTheImageInMemory_data() {
+        QTest::addColumn<QByteArray>("fault");
+        for (const char* fault : {"missing", "read-only", "a file in its place", "a file as parent",
+                                  "a folder as the file", "full", "nowhere"}) {
+            QTest::newRow(fault) << QByteArray(fault);
+        }
+    }
+    void aBadCachesFolderLeavesTheImageInMemory() {
+        QFETCH(QByteArray, fault);
+        CacheFixture f;
+        const auto fill = [](const QString& path) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        };
+        const QString folder = f.folder();
+        if (fault == "read-only") {
+            if (geteuid() == 0) {
+                QSKIP("to root no folder is read-only");
+            }
+            QVERIFY(QDir().mkpath(folder));
+            QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+        } else if (fault == "a file in its place") {
+            QVERIFY(QDir().mkpath(*f.caches.folder + QStringLiteral("/Brimlet")));
+            fill(folder);
+        } else if (fault == "a file as parent") {
+            fill(*f.caches.folder);
+        } else if (fault == "a folder as the file") {
+            QVERIFY(QDir().mkpath(f.learnPath()));
+        } else if (fault == "full") {
+            limitFileSizes(10);
+        } else if (fault == "nowhere") {
+            f.caches.folder = QStringLiteral("/proc/brimlet");
+        }
+        f.http.answer(kPath, 200, pngOf(Qt::red));
+        QVERIFY(f.ask()->image);
+        QVERIFY(f.ask()->image);
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+        limitFileSizes(RLIM_INFINITY);
+        QVERIFY(fault != "full" || f.files().isEmpty());
+        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
+    void withoutACachesFolderTheProgramEnds() {
+        QProcess program;
+        program.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--no-folder")});
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(program.exitStatus(), QProcess::CrashExit);
+        QVERIFY(program.readAllStandardError().contains("no caches folder"));
+    }
+
+    void aLoadMayOutliveItsCache() {
+        CacheFixture f;
+        f.http.answer(kPath, HttpReply{200, pngOf(Qt::red)}, 1s);
+        const auto first = f.ask();
+        const auto second = f.ask();
+        f.cache.reset();
+        f.clock.advance(1s);
+        QVERIFY(first->image && second->image);
+    }
+};
+
+int main(int argc, char* argv[]) {
+    const QCoreApplication application(argc, argv);
+    if (argc == 2 && QByteArray(argv[1]) == "--no-folder") {
+        CacheFixture f;
+        f.caches.folder.reset();
+        (void)f.ask();
+        return 0;
+    }
+    TestImageCache test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_imagecache.moc"

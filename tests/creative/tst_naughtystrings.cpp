@@ -1,0 +1,137 @@
+#include "creative/carradioline.h"
+#include "creative/creativeimagecache.h"
+#include "creative/creativemark.h"
+#include "creative/notchfont.h"
+#include "tests/support/fakehttpclient.h"
+#include "tests/support/fakes.h"
+
+#include <QDir>
+#include <QFile>
+#include <QPainter>
+#include <QTest>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+namespace {
+
+const QColor kGround(90, 90, 90);
+
+/// Whether everything outside the box still is the ground.
+bool isCleanAround(const QImage& image, const QRect& box) {
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (!box.contains(x, y) && image.pixelColor(x, y) != kGround) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+bool hasInk(const QImage& image) {
+    return !isCleanAround(image, QRect());
+}
+
+} // namespace
+
+/// Texts that break layouts, as brand and as tagline.
+class TestNaughtyStrings final : public QObject {
+    Q_OBJECT
+
+    FakeReduceMotion m_reduceMotion;
+    FakeClock m_clock;
+    FakeHttpClient m_http{m_clock};
+    FakeCachesFolder m_caches;
+    CreativeImageCache m_images{{m_http, m_caches}, 1};
+
+    template <typename Part>
+    static QImage drawn(Part&& paint, const QRect& box) {
+        QImage image(120, 60, QImage::Format_RGB32);
+        image.fill(kGround);
+        QPainter painter(&image);
+        paint(painter, box);
+        return image;
+    }
+
+    void check(const QString& text) {
+        constexpr QRect kLine(20, 20, 73, 20);
+        CarRadioLine line({NotchFont::pill(), Qt::white, Qt::black, 16, 1.6, 22, 1.4}, m_clock,
+                          m_reduceMotion);
+        line.setContainerWidth(kLine.width());
+        line.setTexts(text, text + QStringLiteral(" and more"));
+        line.appear();
+        const auto paintLine = [&](QPainter& painter, const QRect& box) {
+            line.paint(painter, box);
+        };
+        QVERIFY(isCleanAround(drawn(paintLine, kLine), kLine));
+        m_clock.advance(19s);
+        QVERIFY(isCleanAround(drawn(paintLine, kLine), kLine));
+        QVERIFY(line.taglineWidth() >= 0 && line.taglineWidth() < 100'000);
+
+        constexpr QRect kMark(20, 20, 16, 16);
+        CreativeMark mark(m_images, 16);
+        mark.setCreative(std::nullopt, text);
+        QVERIFY(isCleanAround(
+            drawn([&](QPainter& painter, const QRect& box) { mark.paint(painter, box, 1); }, kMark),
+            kMark));
+    }
+
+private Q_SLOTS:
+    void noTextLeavesItsBox_data() {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("five thousand marks") << u'a' + QString(5'000, QChar(0x301));
+        QTest::newRow("a million letters") << QString(1'000'000, u'W');
+        QTest::newRow("a million blanks") << QString(1'000'000, u' ');
+        QTest::newRow("override") << QStringLiteral("\u202Eright to left\u202C");
+        QTest::newRow("markup") << QStringLiteral("<h1>big</h1><img src='file:///etc/passwd'>");
+        QTest::newRow("wide character") << QStringLiteral("\uFDFD\uFDFD");
+        QTest::newRow("zero") << QString(3, QChar(0));
+        QTest::newRow("lone surrogates") << QString::fromUtf16(u"\xD800 \xDC00 \xD800");
+    }
+    void noTextLeavesItsBox() {
+        QFETCH(QString, text);
+        check(text);
+    }
+
+    void theWholeCollectionStaysInItsBox() {
+        const QDir folder(QStringLiteral(BRIMLET_CORPORA "/strings"));
+        const QStringList names = folder.entryList(QDir::Files);
+        if (names.isEmpty()) {
+            QSKIP("there is no collection of texts at BRIMLET_CORPORA");
+        }
+        int texts = 0;
+        for (const QString& name : names) {
+            QFile file(folder.filePath(name));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            for (const QByteArray& text : file.readAll().split('\n')) {
+                check(QString::fromUtf8(text));
+                if (QTest::currentTestFailed()) {
+                    qWarning("the text was: %s", text.constData());
+                    return;
+                }
+                ++texts;
+            }
+        }
+        QVERIFY(texts > 100);
+    }
+
+    void markupIsShownAsTyped() {
+        const auto pictureOf = [this](const QString& text) {
+            CarRadioLine line({NotchFont::pill(), Qt::white, Qt::black, 16, 1.6, 22, 1.4}, m_clock,
+                              m_reduceMotion);
+            line.setTexts(text, QString());
+            return drawn([&](QPainter& painter, const QRect& box) { line.paint(painter, box); },
+                         {0, 20, 120, 20});
+        };
+        QVERIFY(hasInk(pictureOf(QStringLiteral("<b>B</b>"))));
+        QVERIFY(pictureOf(QStringLiteral("<b>B</b>")) != pictureOf(QStringLiteral("B")));
+        QVERIFY(pictureOf(QStringLiteral("R&D")) != pictureOf(QStringLiteral("RD")));
+        QVERIFY(pictureOf(QStringLiteral("R&amp;D")) != pictureOf(QStringLiteral("R&D")));
+        QCOMPARE(pictureOf(QStringLiteral("a\nb")), pictureOf(QStringLiteral("a b")));
+        QCOMPARE(pictureOf(QStringLiteral("a\u2028b")), pictureOf(QStringLiteral("a b")));
+    }
+};
+
+QTEST_MAIN(TestNaughtyStrings)
+#include "tst_naughtystrings.moc"
