@@ -3,21 +3,42 @@
 #include "host/hoststore.h"
 #include "overlay/overlayview.h"
 #include "platform/linux/linuxworkspace.h"
+#include "platform/linux/startmemory.h"
 #include "platform/linux/terminationsignals.h"
 #include "platform/linux/x11overlaywindow.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QTimer>
 
 #include <cstdio>
+#include <map>
 #include <memory>
 #include <utility>
 
 namespace brimlet {
 namespace {
 
-/// The user's own choice while ours stands in the environment; absent when ours does not.
-std::optional<QByteArray> ownPlatformBefore;
+/// What the environment said where our own settings stand in it, by name; null where it said
+/// nothing.
+std::map<const char*, QByteArray> environmentBefore;
+
+/// Sets a variable for Qt alone: it is put back once the application object has read it.
+void setForQt(const char* name, const QByteArray& value) {
+    environmentBefore[name] = qgetenv(name);
+    qputenv(name, value);
+}
+
+/// The browser that a click starts should find the user's own settings.
+void restoreEnvironment() {
+    for (const auto& [name, value] : std::exchange(environmentBefore, {})) {
+        if (value.isNull()) {
+            qunsetenv(name);
+        } else {
+            qputenv(name, value);
+        }
+    }
+}
 
 void print(FILE* stream, const QString& text) {
     std::fputs(text.toUtf8().constData(), stream);
@@ -29,31 +50,29 @@ void prepareLinuxApplication() {
     const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
     const bool isOpen = platform.isEmpty() || platform.startsWith("wayland");
     if (isOpen && qEnvironmentVariableIsSet("DISPLAY")) {
-        ownPlatformBefore = platform;
-        qputenv("QT_QPA_PLATFORM", "xcb");
+        setForQt("QT_QPA_PLATFORM", "xcb");
     }
+    // Through shared memory each paint would wait for the X server to have read the one before it.
+    // What a scroll paints is a few kilobytes, which are sent faster than waited for.
+    setForQt("QT_XCB_NO_MITSHM", "1");
 }
 
 void configureLinuxApplication() {
-    // The choice is made; the browser that a click starts should make its own.
-    if (ownPlatformBefore) {
-        if (ownPlatformBefore->isEmpty()) {
-            qunsetenv("QT_QPA_PLATFORM");
-        } else {
-            qputenv("QT_QPA_PLATFORM", *ownPlatformBefore);
-        }
-        ownPlatformBefore.reset();
-    }
+    restoreEnvironment();
     QCoreApplication::setApplicationName(QStringLiteral("brimlet"));
     QCoreApplication::setApplicationVersion(QStringLiteral(BRIMLET_VERSION));
     // Hiding the overlay is everyday life, not the end.
     QGuiApplication::setQuitOnLastWindowClosed(false);
     quitOnTerminationSignals();
+    // By then the capsules are shown and fonts and pictures found.
+    constexpr std::chrono::seconds kStartIsOver{2};
+    QTimer::singleShot(kStartIsOver, Qt::VeryCoarseTimer, qApp, giveBackStartMemory);
 }
 
-OverlayWindowFactory overlayWindowFactory(const std::function<QRectF()>& primaryGeometry) {
-    return [primaryGeometry](OverlayRuntime& runtime) {
-        auto content = std::make_unique<OverlayView>(runtime);
+OverlayWindowFactory overlayWindowFactory(const std::function<QRectF()>& primaryGeometry,
+                                          const CreativeEnvironment& environment) {
+    return [primaryGeometry, environment](OverlayRuntime& runtime) {
+        auto content = std::make_unique<OverlayView>(runtime, environment);
         const auto* const view = content.get();
         auto window = std::make_unique<X11OverlayWindow>(std::move(content), primaryGeometry);
         QObject::connect(view, &OverlayView::regionsChanged, window.get(),

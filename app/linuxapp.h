@@ -1,5 +1,6 @@
 #pragma once
 
+#include "creative/creativeenvironment.h"
 #include "overlay/overlaypanel.h"
 
 #include <QRectF>
@@ -23,7 +24,8 @@ void configureLinuxApplication();
 /// Makes the overlay's window on the X server with its views inside. `primaryGeometry` gives the
 /// primary screen in Qt's space at the time of asking.
 [[nodiscard]] OverlayWindowFactory
-overlayWindowFactory(const std::function<QRectF()>& primaryGeometry);
+overlayWindowFactory(const std::function<QRectF()>& primaryGeometry,
+                     const CreativeEnvironment& environment);
 
 /// Has the workspace look at the built-in panel's power after each change of the store: every reply
 /// and every failed request is one, so that happens every few seconds anyway.

@@ -1,10 +1,13 @@
 #include "app/brimletapp.h"
 #include "app/linuxapp.h"
+#include "creative/creativeimagecache.h"
 #include "platform/curl/curlhttpclient.h"
 #include "platform/linux/libsecretstore.h"
 #include "platform/linux/linuxbundle.h"
+#include "platform/linux/linuxreducemotion.h"
 #include "platform/linux/linuxworkspace.h"
 #include "platform/linux/qtscreens.h"
+#include "platform/linux/xdgcachesfolder.h"
 #include "platform/qt/qtclock.h"
 
 #include <QApplication>
@@ -24,11 +27,16 @@ int main(int argc, char* argv[]) {
     LinuxWorkspace workspace;
     LibsecretStore secrets;
     LinuxBundle bundle(QCoreApplication::applicationFilePath());
+    const XdgCachesFolder cachesFolder;
+    LinuxReduceMotion reduceMotion;
     QtClock clock;
     CurlHttpClient http;
 
-    BrimletApp app({screens, workspace, secrets, http, bundle, clock},
-                   {screens, workspace, overlayWindowFactory(QtScreens::primaryGeometry)});
+    CreativeImageCache::setSharedPorts({http, cachesFolder});
+    const CreativeEnvironment environment{CreativeImageCache::shared(), clock, reduceMotion};
+    BrimletApp app(
+        {screens, workspace, secrets, http, bundle, clock},
+        {screens, workspace, overlayWindowFactory(QtScreens::primaryGeometry, environment)});
     followPanelPower(*HostStore::shared(), workspace);
     return app.run();
 }

@@ -1,6 +1,7 @@
 #include "app/brimletapp.h"
 #include "app/linuxapp.h"
 #include "app/simulatorconsole.h"
+#include "creative/creativeimagecache.h"
 #include "host/notch.h"
 #include "platform/curl/curlhttpclient.h"
 #include "platform/linux/libsecretstore.h"
@@ -12,6 +13,7 @@
 #include "platform/qt/qtclock.h"
 #include "platform/simulated/memorysecretstore.h"
 #include "platform/simulated/notchwindow.h"
+#include "platform/simulated/simulatedclock.h"
 #include "platform/simulated/simulatedports.h"
 
 #include <QApplication>
@@ -73,9 +75,10 @@ int main(int argc, char* argv[]) {
     SimulatedWorkspace workspace(file, realWorkspace);
     SimulatedBundle bundle(file, realBundle);
     const SimulatedCachesFolder cachesFolder(file, realCachesFolder);
-    const SimulatedReduceMotion reduceMotion(file, realReduceMotion);
+    SimulatedReduceMotion reduceMotion(file, realReduceMotion);
     const auto secrets = secretStoreOf(file.machine());
-    QtClock clock;
+    QtClock realClock;
+    SimulatedClock clock(realClock, file.machine().speed);
     CurlHttpClient http;
 
     NotchWindow notch;
@@ -83,9 +86,15 @@ int main(int argc, char* argv[]) {
     QObject::connect(&file, &MachineFile::changed, &notch, redrawNotch);
     redrawNotch();
 
+    CreativeImageCache::setSharedPorts({http, cachesFolder});
+    const CreativeEnvironment environment{CreativeImageCache::shared(), clock, reduceMotion};
     const auto primary = [&file] { return simulatedPrimaryGeometry(file.machine()); };
     BrimletApp app({screens, workspace, *secrets, http, bundle, clock},
-                   {screens, workspace, overlayWindowFactory(primary)});
+                   {screens, workspace, overlayWindowFactory(primary, environment)});
+
+    // No window stands above a real notch.
+    QObject::connect(app.store().get(), &HostStore::overlayNeedsRender, &notch,
+                     [&notch] { notch.raise(); });
 
     std::unique_ptr<SimulatorConsole> console;
     if (commandLine.isConsoleWanted) {

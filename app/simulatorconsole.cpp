@@ -1,15 +1,17 @@
 #include "app/simulatorconsole.h"
 
 #include "host/hoststore.h"
+#include "overlay/notchpill.h"
 #include "overlay/overlaycontroller.h"
 #include "platform/starttask.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 
 #include <unistd.h>
@@ -45,6 +47,23 @@ QJsonValue describePanel() {
                        {QStringLiteral("right"), describe(panel->runtime().right())}};
 }
 
+/// What the shown pills are showing, from left to right.
+QJsonArray describePills() {
+    QJsonArray pills;
+    for (const QWidget* const window : QApplication::topLevelWidgets()) {
+        for (const NotchPill* const pill : window->findChildren<NotchPill*>()) {
+            if (pill->isVisible()) {
+                pills.append(
+                    QJsonObject{{QStringLiteral("line"), pill->line().line()},
+                                {QStringLiteral("showingTagline"), pill->line().showingTagline()},
+                                {QStringLiteral("offsetOnScreen"), pill->line().offsetOnScreen()},
+                                {QStringLiteral("hasImage"), pill->mark().image().has_value()}});
+            }
+        }
+    }
+    return pills;
+}
+
 QJsonObject describe(const Assignment& assignment) {
     return {{QStringLiteral("weekStatus"), assignment.weekStatus},
             {QStringLiteral("estimatedCents"), qint64{assignment.estimatedCents}},
@@ -74,6 +93,9 @@ SimulatorConsole::SimulatorConsole(const CachesFolder& cachesFolder,
 void SimulatorConsole::readInput() {
     std::array<char, 4096> buffer{};
     const auto count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
+    if (count < 0 && errno == EINTR) {
+        return; // the notifier calls again
+    }
     if (count <= 0) {
         m_notifier.setEnabled(false);
         return;
@@ -124,6 +146,7 @@ QByteArray SimulatorConsole::state() const {
         {QStringLiteral("adsVisible"), store->adsVisible()},
         {QStringLiteral("assignment"), describe(store->assignment())},
         {QStringLiteral("panel"), describePanel()},
+        {QStringLiteral("pills"), describePills()},
         {QStringLiteral("cachesFolder"), m_cachesFolder.path().value_or(QString())},
         {QStringLiteral("reduceMotion"), m_reduceMotion.isOn()}};
     return QJsonDocument(state).toJson(QJsonDocument::Compact);

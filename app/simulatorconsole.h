@@ -13,7 +13,7 @@ namespace brimlet {
 /// line of JSON on standard output: what a test or a script would otherwise have to read off the
 /// screen. The end of the input ends nothing.
 ///
-/// - `state`: what the store and the panel hold; of the token only whether there is one.
+/// - `state`: what the store, the panel and its pills hold; of the token only whether there is one.
 /// - `save-token TOKEN`: as if typed into the menu and saved.
 /// - `agree`, `pause`, `quit`: as if the button were pressed.
 class SimulatorConsole final : public QObject {

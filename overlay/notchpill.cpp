@@ -1,64 +1,146 @@
 #include "overlay/notchpill.h"
 
 #include "creative/notchfont.h"
+#include "overlay/capsule.h"
+#include "overlay/pilltexts.h"
 
+#include <QAccessible>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
 
 namespace brimlet {
 namespace {
 
 constexpr int kHorizontalPadding = 7;
+constexpr int kSpacing = 5;
+constexpr int kMarkSize = 16;
 
-QPainterPath capsulePath(const QRectF& box) {
-    QPainterPath path;
-    path.addRoundedRect(box, box.height() / 2, box.height() / 2);
-    return path;
+CarRadioStyle lineStyle() {
+    return {.font = NotchFont::pill(),
+            .color = Qt::white,
+            .ground = kCapsuleGround,
+            .idle = 16,
+            .holdStart = 1.6,
+            .pointsPerSecond = 22,
+            .holdEnd = 1.4};
 }
 
-QString restingText(const SlotCreative& creative) {
-    const QString brand = creative.brandName.trimmed();
-    return (brand.isEmpty() ? creative.tagline : brand).simplified();
+/// Whole pixels, with each edge at the nearest one.
+QRect snapped(const QRectF& box) {
+    const QPoint topLeft(qRound(box.left()), qRound(box.top()));
+    return {topLeft, QSize(qRound(box.right()) - topLeft.x(), qRound(box.bottom()) - topLeft.y())};
 }
 
 } // namespace
 
-NotchPill::NotchPill(QWidget* parent)
-    : QWidget(parent) {}
+NotchPill::NotchPill(const CreativeEnvironment& environment, QWidget* parent)
+    : QWidget(parent)
+    , m_mark(environment.images, kMarkSize)
+    , m_line(lineStyle(), environment.clock, environment.reduceMotion) {
+    // It paints all of its pixels, the transparent ones too, so nothing behind it is painted again.
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    connect(&m_mark, &CreativeMark::changed, this, qOverload<>(&QWidget::update));
+    connect(&m_line, &CarRadioLine::changed, this, [this] { update(lineBox()); });
+    connect(&m_line, &CarRadioLine::moved, this, [this] {
+        const auto [first, end] = m_line.rowsOfText();
+        repaint(lineBox().x(), lineBox().y() + first, lineBox().width(), end - first);
+    });
+}
 
 void NotchPill::setCreative(const std::optional<SlotCreative>& creative, bool isClickable) {
-    m_isClickable = isClickable;
-    if (m_creative == creative) {
+    if (m_creative == creative && m_isClickable == isClickable) {
         return;
     }
     m_creative = creative;
-    setAccessibleName(creative ? restingText(*creative) : QString());
-    update();
+    m_isClickable = isClickable;
+    setToolTip(asPlainToolTip(destination()));
+    if (!isClickable) {
+        setCursor(Qt::ArrowCursor);
+    }
+    if (creative) {
+        m_mark.setCreative(creative->assetURL, creative->brandName);
+        m_line.setTexts(creative->brandName, creative->tagline);
+    } else {
+        m_mark.clear();
+    }
+    QAccessibleEvent renamed(this, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&renamed);
+}
+
+// What is drawn in a pill of 108 by 24 points, or of 36 without text:
+//
+//   |<-7->[ mark 16 ]<-5->[ line, what is left ]<-7->|
+
+QRect NotchPill::markBox() const {
+    return {kHorizontalPadding, (height() - kMarkSize) / 2, kMarkSize, kMarkSize};
+}
+
+QRect NotchPill::lineBox() const {
+    // Two points stay free above and below, where the capsule's ends curve.
+    constexpr int kFree = 2;
+    const int x = kHorizontalPadding + kMarkSize + kSpacing;
+    return {x, kFree, width() - x - kHorizontalPadding, height() - 2 * kFree};
 }
 
 QRegion NotchPill::capsule() const {
-    return QRegion(capsulePath(rect()).toFillPolygon().toPolygon()).translated(pos());
+    return QRegion(capsulePath(QRectF(rect())).toFillPolygon().toPolygon()).translated(pos());
 }
 
-void NotchPill::paintEvent(QPaintEvent* /*event*/) {
-    if (!m_creative) {
-        return;
-    }
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QPainterPath capsule = capsulePath(rect());
-    painter.fillPath(capsule, QColor::fromRgbF(0, 0, 0, 0.96F));
-    // The rim is stroked on the outline and clipped to the capsule, which leaves its inner half.
-    painter.setClipPath(capsule);
-    painter.strokePath(capsule, QPen(QColor::fromRgbF(1, 1, 1, 0.14F), 0.5));
+QString NotchPill::spokenText() const {
+    return m_creative ? spokenTextOf(*m_creative) : QString();
+}
 
-    const QRect line = rect().adjusted(kHorizontalPadding, 0, -kHorizontalPadding, 0);
-    painter.setFont(NotchFont::pill());
-    painter.setPen(Qt::white);
-    const QString text =
-        painter.fontMetrics().elidedText(restingText(*m_creative), Qt::ElideRight, line.width());
-    painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
+QString NotchPill::destination() const {
+    return m_isClickable ? toolTipOf(*m_creative) : QString();
+}
+
+void NotchPill::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    // From here on in whole pixels of the screen, whatever its scale: sharp edges, plain copies.
+    const QTransform toScreen = painter.deviceTransform();
+    const auto onScreen = [&](const QRect& box) { return snapped(toScreen.mapRect(QRectF(box))); };
+    painter.setWorldTransform(toScreen.inverted());
+    const double ratio = toScreen.m11(); // pixels of what is painted on to a point
+
+    if (!lineBox().contains(event->rect())) {
+        paintGround(painter, onScreen(rect()), ratio);
+        m_mark.paint(painter, onScreen(markBox()), ratio);
+    }
+    m_line.setDevicePixelRatio(ratio);
+    m_line.paint(painter, onScreen(lineBox()));
+}
+
+void NotchPill::paintGround(QPainter& painter, const QRect& box, double devicePixelRatio) {
+    if (m_ground.size() != box.size()) {
+        m_ground = capsulePicture(box.size(), devicePixelRatio);
+    }
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.drawImage(box.topLeft(), m_ground);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+}
+
+void NotchPill::resizeEvent(QResizeEvent* /*event*/) {
+    m_line.setContainerWidth(lineBox().width());
+}
+
+void NotchPill::showEvent(QShowEvent* /*event*/) {
+    m_mark.appear();
+    m_line.appear();
+}
+
+void NotchPill::hideEvent(QHideEvent* /*event*/) {
+    m_mark.disappear();
+    m_line.disappear();
+}
+
+void NotchPill::enterEvent(QEnterEvent* /*event*/) {
+    if (m_isClickable) {
+        setCursor(Qt::PointingHandCursor);
+    }
+}
+
+void NotchPill::leaveEvent(QEvent* /*event*/) {
+    setCursor(Qt::ArrowCursor);
 }
 
 void NotchPill::mousePressEvent(QMouseEvent* event) {

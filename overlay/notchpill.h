@@ -1,36 +1,60 @@
 #pragma once
 
+#include "creative/carradioline.h"
+#include "creative/creativeenvironment.h"
+#include "creative/creativemark.h"
 #include "host/assignment.h"
 
 #include <QWidget>
 
 namespace brimlet {
 
-/// One black capsule beside the notch, showing one creative's text.
+/// One black capsule beside the notch: a creative's mark and its line of text. It works while it is
+/// on screen and rests while it is not.
 class NotchPill final : public QWidget {
     Q_OBJECT
 
 public:
-    explicit NotchPill(QWidget* parent);
+    NotchPill(const CreativeEnvironment& environment, QWidget* parent);
 
-    /// What it shows; absent shows nothing. Only a clickable pill takes clicks.
+    /// What it shows; absent empties it. Only a clickable pill takes clicks.
     void setCreative(const std::optional<SlotCreative>& creative, bool isClickable);
 
+    [[nodiscard]] const std::optional<SlotCreative>& creative() const { return m_creative; }
     [[nodiscard]] bool isClickable() const { return m_isClickable; }
-    /// The capsule's shape in the parent's pixels.
+    /// The capsule's shape in the parent's coordinates.
     [[nodiscard]] QRegion capsule() const;
+    /// What a screen reader says.
+    [[nodiscard]] QString spokenText() const;
+    /// Where a click leads, as the tooltip has it; empty for a pill that takes none.
+    [[nodiscard]] QString destination() const;
+    [[nodiscard]] const CreativeMark& mark() const { return m_mark; }
+    [[nodiscard]] const CarRadioLine& line() const { return m_line; }
 
 Q_SIGNALS:
+    /// The creative that it shows was clicked, by pointer or by a screen reader.
     void clicked();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    void paintGround(QPainter& painter, const QRect& box, double devicePixelRatio);
+    [[nodiscard]] QRect markBox() const;
+    [[nodiscard]] QRect lineBox() const;
+
     std::optional<SlotCreative> m_creative;
     bool m_isClickable = false;
+    CreativeMark m_mark;
+    CarRadioLine m_line;
+    QImage m_ground; ///< The capsule, drawn once for each size.
 };
 
 } // namespace brimlet

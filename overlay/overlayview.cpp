@@ -2,6 +2,7 @@
 
 #include "overlay/notchpill.h"
 #include "overlay/overlaylayout.h"
+#include "overlay/pillaccessibility.h"
 
 namespace brimlet {
 namespace {
@@ -10,19 +11,18 @@ QRect pixels(const PillFrame& frame) {
     return {qRound(frame.x), qRound(frame.y), qRound(frame.width), qRound(frame.height)};
 }
 
-bool isClickable(const std::optional<SlotCreative>& creative) {
-    return creative && creative->brandURL && OverlayRuntime::canOpen(*creative->brandURL);
-}
-
 } // namespace
 
-OverlayView::OverlayView(OverlayRuntime& runtime)
+OverlayView::OverlayView(OverlayRuntime& runtime, const CreativeEnvironment& environment)
     : m_runtime(runtime)
-    , m_left(new NotchPill(this))
-    , m_right(new NotchPill(this)) {
+    , m_left(new NotchPill(environment, this))
+    , m_right(new NotchPill(environment, this)) {
+    describePillsToScreenReaders();
     connect(&runtime, &OverlayRuntime::objectWillChange, this, &OverlayView::runtimeWillChange);
-    connect(m_left, &NotchPill::clicked, this, [this] { m_runtime.open(m_runtime.left()); });
-    connect(m_right, &NotchPill::clicked, this, [this] { m_runtime.open(m_runtime.right()); });
+    for (const NotchPill* const each : {m_left, m_right}) {
+        connect(each, &NotchPill::clicked, this,
+                [this, each] { m_runtime.open(each->creative()); });
+    }
     rebuild();
 }
 
@@ -36,11 +36,22 @@ void OverlayView::runtimeWillChange() {
 
 void OverlayView::rebuild() {
     m_isRebuildDue = false;
-    m_left->setCreative(m_runtime.left(), isClickable(m_runtime.left()));
-    m_right->setCreative(m_runtime.right(), isClickable(m_runtime.right()));
-    m_left->setVisible(m_runtime.visible());
-    m_right->setVisible(m_runtime.visible());
+    pill(*m_left, m_runtime.left());
+    pill(*m_right, m_runtime.right());
     placeRow();
+    m_left->setVisible(m_runtime.visible() && m_runtime.left());
+    m_right->setVisible(m_runtime.visible() && m_runtime.right());
+}
+
+/// Nothing, a pill that opens its brand's page, or one for show only.
+void OverlayView::pill(NotchPill& view, const std::optional<SlotCreative>& creative) {
+    if (!creative) {
+        view.setCreative(std::nullopt, false);
+    } else if (creative->brandURL && OverlayRuntime::canOpen(*creative->brandURL)) {
+        view.setCreative(creative, true);
+    } else {
+        view.setCreative(creative, false);
+    }
 }
 
 void OverlayView::placeRow() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "creative/creativeenvironment.h"
 #include "overlay/overlayruntime.h"
 
 #include <QRegion>
@@ -17,14 +18,15 @@ class OverlayView final : public QWidget {
 
 public:
     /// The runtime outlives the view.
-    explicit OverlayView(OverlayRuntime& runtime);
+    OverlayView(OverlayRuntime& runtime, const CreativeEnvironment& environment);
 
-    /// The clickable capsules' shape in the view's pixels.
+    /// The clickable capsules' shape in the view's coordinates.
     [[nodiscard]] const QRegion& clickable() const { return m_clickable; }
     /// The shape of everything painted.
     [[nodiscard]] const QRegion& painted() const { return m_painted; }
 
 Q_SIGNALS:
+    /// One of the two shapes is another one now.
     void regionsChanged();
 
 protected:
@@ -33,6 +35,7 @@ protected:
 private:
     void runtimeWillChange();
     void rebuild();
+    static void pill(NotchPill& view, const std::optional<SlotCreative>& creative);
     void placeRow();
     void updateRegions();
 

@@ -1,51 +1,100 @@
+#include "creative/creativeimagecache.h"
 #include "overlay/notchpill.h"
 #include "overlay/overlayview.h"
 #include "tests/support/hostfixture.h"
+#include "tests/support/pngbytes.h"
 
+#include <QAccessible>
+#include <QPaintEvent>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace brimlet;
+using namespace std::chrono_literals;
 
 namespace {
 
-const QByteArray kBoth =
-    "{\"weekStatus\":\"live\",\"creatives\":["
-    "{\"slotId\":\"left\",\"brandName\":\"Left\",\"brandUrl\":\"https://l.test/\"},"
-    "{\"slotId\":\"right\",\"brandName\":\"Right\",\"brandUrl\":\"http://r.test/\"}]}";
+constexpr const char* kLeft =
+    "{\"slotId\":\"left\",\"brandName\":\"Left\",\"tagline\":\"A tagline much too wide for it\","
+    "\"assetUrl\":\"https://l.test/l.png\",\"brandUrl\":\"https://l.test/\"}";
+constexpr const char* kRight =
+    "{\"slotId\":\"right\",\"brandName\":\"Right\",\"brandUrl\":\"http://r.test/\"}";
+
+QByteArray reply(std::initializer_list<const char*> creatives) {
+    QByteArrayList list;
+    for (const char* creative : creatives) {
+        list << creative;
+    }
+    return "{\"weekStatus\":\"live\",\"creatives\":[" + list.join(',') + "]}";
+}
+
+const QByteArray kBoth = reply({kLeft, kRight});
 
 /// A view of 428 by 40 over a runtime that follows a store.
 struct ViewFixture final {
-    ViewFixture() { view.resize(428, 40); }
+    ViewFixture() {
+        caches.folder = folder.path();
+        host.http.answer(QStringLiteral("l.png"), 200, pngOf(Qt::red));
+        view.resize(428, 40);
+        view.show();
+    }
 
     void show(const QByteArray& reply) {
         host.http.answer(QStringLiteral("/api/display"), 200, reply);
         startTask(store->refreshDisplay());
+        render();
+    }
+    void render() {
         runtime.apply(*store, 184, 32);
         QCoreApplication::sendPostedEvents(&view);
     }
+    [[nodiscard]] NotchPill* left() const { return view.findChildren<NotchPill*>().at(0); }
+    [[nodiscard]] NotchPill* right() const { return view.findChildren<NotchPill*>().at(1); }
 
+    QTemporaryDir folder;
+    FakeCachesFolder caches;
+    FakeReduceMotion reduceMotion;
     HostFixture host;
+    CreativeImageCache images{{host.http, caches}, 1};
     std::shared_ptr<HostStore> store = host.makeStore();
     OverlayRuntime runtime{host.workspace};
-    OverlayView view{runtime};
+    OverlayView view{runtime, {images, host.clock, reduceMotion}};
 };
 
-int paintsOf(OverlayView& view) {
-    struct Counter final : QObject {
-        bool eventFilter(QObject* /*watched*/, QEvent* event) override {
-            count += event->type() == QEvent::UpdateRequest || event->type() == QEvent::Paint;
-            return false;
+/// The areas painted from now on, each with the class of the widget that painted it.
+class PaintLog final : public QObject {
+public:
+    explicit PaintLog(OverlayView& view) {
+        (void)QTest::qWaitForWindowExposed(&view);
+        QCoreApplication::processEvents(); // what is due already
+        view.installEventFilter(this);
+        for (NotchPill* pill : view.findChildren<NotchPill*>()) {
+            pill->installEventFilter(this);
         }
-        int count = 0;
-    } counter;
-    view.installEventFilter(&counter);
-    for (NotchPill* pill : view.findChildren<NotchPill*>()) {
-        pill->installEventFilter(&counter);
     }
-    QCoreApplication::sendPostedEvents();
-    return counter.count;
-}
+    /// What was painted since the last call.
+    QStringList take() {
+        QCoreApplication::processEvents(); // what is rebuilt
+        QCoreApplication::processEvents(); // is painted then
+        return std::exchange(m_paints, {});
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint) {
+            const QRect area = static_cast<QPaintEvent*>(event)->region().boundingRect();
+            m_paints << QStringLiteral("%1 %2,%3 %4x%5")
+                            .arg(QLatin1StringView(watched->metaObject()->className()))
+                            .arg(area.x())
+                            .arg(area.y())
+                            .arg(area.width())
+                            .arg(area.height());
+        }
+        return false;
+    }
+
+private:
+    QStringList m_paints;
+};
 
 } // namespace
 
@@ -56,83 +105,301 @@ private Q_SLOTS:
     void twoCapsulesStandBesideTheGap() {
         ViewFixture f;
         f.show(kBoth);
-        const QImage image = f.view.grab().toImage();
-        // Inside the capsules it is nearly black, in the gap and around it nothing is painted.
+        QCOMPARE(f.left()->geometry(), QRect(8, 1, 108, 24));
+        QCOMPARE(f.right()->geometry(), QRect(312, 1, 108, 24));
+        // Nothing is painted in the gap, the margins and the corners that the capsules leave out.
         QVERIFY(f.view.painted().contains(QPoint(8 + 54, 13)));
         QVERIFY(f.view.painted().contains(QPoint(312 + 54, 13)));
         QVERIFY(!f.view.painted().contains(QPoint(214, 13)));
-        QVERIFY(!f.view.painted().contains(QPoint(8, 1))); // a corner that the capsule leaves out
+        QVERIFY(!f.view.painted().contains(QPoint(8, 1)));
         QCOMPARE(f.view.painted().boundingRect(), QRect(8, 1, 412, 24));
-        QVERIFY(image.pixelColor(8 + 100, 13).lightness() < 20);
+    }
+
+    void unequalSlotsMoveTheGapOffTheNotch() {
+        ViewFixture f;
+        f.show(reply({kRight}));
+        // The row of 36, gap and 108 is centred as a whole: the gap sits 36 points to the left.
+        QCOMPARE(f.right()->geometry().left(), 428 / 2 - 36 + 92 + 6);
+        QVERIFY(!f.left()->isVisible());
+        QVERIFY(f.right()->isVisible());
+    }
+
+    void aCreativeWithoutTextIsACompactPillWithItsMarkAlone() {
+        ViewFixture f;
+        f.show(reply({"{\"slotId\":\"left\",\"assetUrl\":\"https://l.test/l.png\"}"}));
+        QCOMPARE(f.left()->size(), QSize(36, 24));
+        QVERIFY(f.left()->mark().image());
+        QCOMPARE(f.left()->line().line(), QString());
+        QCOMPARE(f.left()->line().containerWidth(), 1.0);
+    }
+
+    void theLineTakesWhatTheMarkLeaves() {
+        ViewFixture f;
+        f.show(kBoth);
+        QCOMPARE(f.left()->line().containerWidth(), 108.0 - 7 - 16 - 5 - 7);
+        QCOMPARE(f.left()->mark().size(), 16.0);
     }
 
     void onlyAllowedLinksTakeClicks() {
         ViewFixture f;
         f.show(kBoth);
         QCOMPARE(f.view.clickable().boundingRect(), QRect(8, 1, 108, 24));
-        const auto pills = f.view.findChildren<NotchPill*>();
-        QTest::mouseClick(pills.at(0), Qt::LeftButton);
+        QTest::mouseClick(f.left(), Qt::LeftButton);
         QCOMPARE(f.host.workspace.opened, std::vector<QString>{QStringLiteral("https://l.test/")});
-        QTest::mouseClick(pills.at(1), Qt::LeftButton);
-        QTest::mouseClick(pills.at(0), Qt::RightButton);
+        QTest::mouseClick(f.right(), Qt::LeftButton);
+        QTest::mouseClick(f.left(), Qt::RightButton);
         QCOMPARE(f.host.workspace.opened.size(), std::size_t{1});
     }
 
     void aClickReleasedOutsideOpensNothing() {
         ViewFixture f;
         f.show(kBoth);
-        auto* const pill = f.view.findChildren<NotchPill*>().at(0);
-        QTest::mousePress(pill, Qt::LeftButton);
-        QTest::mouseRelease(pill, Qt::LeftButton, {}, QPoint(300, 10));
+        QTest::mousePress(f.left(), Qt::LeftButton);
+        QTest::mouseRelease(f.left(), Qt::LeftButton, {}, QPoint(300, 10));
         QVERIFY(f.host.workspace.opened.empty());
+    }
+
+    void aRefusedLinkMakesAPillForShowOnly_data() {
+        QTest::addColumn<QByteArray>("link");
+        QTest::newRow("not encrypted") << QByteArray("\"brandUrl\":\"http://r.test/\"");
+        QTest::newRow("in capitals") << QByteArray("\"brandUrl\":\"HTTPS://r.test/\"");
+        QTest::newRow("a script") << QByteArray("\"brandUrl\":\"javascript:alert(1)\"");
+        QTest::newRow("none") << QByteArray("\"copy\":\"\"");
+    }
+    void aRefusedLinkMakesAPillForShowOnly() {
+        QFETCH(QByteArray, link);
+        ViewFixture f;
+        f.show(reply({("{\"slotId\":\"left\",\"brandName\":\"B\"," + link + "}").constData()}));
+        QVERIFY(f.left()->isVisible());
+        QVERIFY(!f.left()->isClickable());
+        QVERIFY(f.view.clickable().isEmpty());
+        QCOMPARE(f.left()->toolTip(), QString());
+        QEnterEvent enter({5, 5}, {5, 5}, {5, 5});
+        QCoreApplication::sendEvent(f.left(), &enter);
+        QCOMPARE(f.left()->cursor().shape(), Qt::ArrowCursor);
+        QTest::mouseClick(f.left(), Qt::LeftButton);
+        QVERIFY(f.host.workspace.opened.empty());
+    }
+
+    void hoveringSetsTheHandAndLeavingTheArrow() {
+        ViewFixture f;
+        f.show(kBoth);
+        QEnterEvent enter({5, 5}, {5, 5}, {5, 5});
+        QCoreApplication::sendEvent(f.left(), &enter);
+        QCOMPARE(f.left()->cursor().shape(), Qt::PointingHandCursor);
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(f.left(), &leave);
+        QCOMPARE(f.left()->cursor().shape(), Qt::ArrowCursor);
+        // A link that is withdrawn under the pointer takes the hand with it.
+        QCoreApplication::sendEvent(f.left(), &enter);
+        f.show(reply({"{\"slotId\":\"left\",\"brandName\":\"Left\"}", kRight}));
+        QCOMPARE(f.left()->cursor().shape(), Qt::ArrowCursor);
+    }
+
+    void theTooltipNamesTheHost() {
+        ViewFixture f;
+        f.show(kBoth);
+        QVERIFY(f.left()->toolTip().contains(QStringLiteral(">l.test<")));
     }
 
     void withoutCreativesNothingIsPaintedOrClickable() {
         ViewFixture f;
-        f.show(R"({"weekStatus":"live"})");
+        f.show(reply({}));
         QVERIFY(f.runtime.visible());
         QVERIFY(f.view.painted().isEmpty());
         QVERIFY(f.view.clickable().isEmpty());
+        // Two slots of 36 beside the gap.
+        QCOMPARE(f.left()->geometry(), QRect(428 / 2 - 92 - 6 - 36, 1, 36, 24));
+        QCOMPARE(f.right()->geometry(), QRect(428 / 2 + 92 + 6, 1, 36, 24));
     }
 
     void hiddenAdsAreNeitherPaintedNorClickable() {
         ViewFixture f;
         f.show(kBoth);
         f.store->pause24h();
-        f.runtime.apply(*f.store, 184, 32);
-        QCoreApplication::sendPostedEvents(&f.view);
+        f.render();
         QVERIFY(f.view.painted().isEmpty());
         QVERIFY(f.view.clickable().isEmpty());
-        QVERIFY(f.view.findChildren<NotchPill*>().at(0)->isHidden());
+        QVERIFY(!f.left()->isVisible());
+        QCOMPARE(f.left()->geometry(), QRect(8, 1, 108, 24)); // laid out all the same
+    }
+
+    void nothingRunsWhileThePanelIsOut() {
+        ViewFixture f;
+        f.show(kBoth);
+        f.host.clock.advance(18s);
+        QVERIFY(f.left()->line().offsetOnScreen() < 0);
+        f.view.hide();
+        QCOMPARE(f.host.clock.runningSleeps(), 0);
+        f.show(reply({"{\"slotId\":\"left\",\"brandName\":\"X\",\"tagline\":\"Y\"}"}));
+        QCOMPARE(f.host.clock.runningSleeps(), 0);
+        f.view.show();
+        QCOMPARE(f.host.clock.runningSleeps(), 1);
+        QCOMPARE(f.left()->line().line(), QStringLiteral("X"));
+    }
+
+    void nothingRunsUnderReduceMotion() {
+        ViewFixture f;
+        f.reduceMotion.set(true);
+        f.show(kBoth);
+        QCOMPARE(f.host.clock.runningSleeps(), 0);
+        PaintLog paints(f.view);
+        (void)paints.take();
+        f.host.clock.advance(1h);
+        QCOMPARE(paints.take(), QStringList());
+    }
+
+    void anEmptiedSlotForgetsItsPicture() {
+        ViewFixture f;
+        f.show(kBoth);
+        QVERIFY(f.left()->mark().image());
+        f.show(reply({kRight}));
+        QVERIFY(!f.left()->mark().image());
+        f.show(reply({"{\"slotId\":\"left\",\"brandName\":\"New\"}", kRight}));
+        QVERIFY(!f.left()->mark().image());
+    }
+
+    void aSlotsNewCreativeKeepsTheOldPictureUntilItsOwnIsThere() {
+        ViewFixture f;
+        f.show(kBoth);
+        f.show(reply({"{\"slotId\":\"left\",\"brandName\":\"New\","
+                      "\"assetUrl\":\"https://l.test/slow.png\"}"}));
+        QVERIFY(f.left()->mark().image());
+        f.host.http.resolve(f.host.http.requests().size() - 1, HttpReply{404, {}});
+        QVERIFY(!f.left()->mark().image());
+    }
+
+    void aHundredPollsFetchAnImageOnce() {
+        ViewFixture f;
+        for (int poll = 0; poll < 100; ++poll) {
+            f.show(kBoth);
+        }
+        QCOMPARE(f.host.http.log().count(QStringLiteral("GET /l.png")), 1);
     }
 
     void aRenderThatChangesNothingPaintsNothing() {
         ViewFixture f;
-        f.view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&f.view));
         f.show(kBoth);
-        (void)paintsOf(f.view);
+        PaintLog paints(f.view);
+        (void)paints.take();
         const QSignalSpy regions(&f.view, &OverlayView::regionsChanged);
         f.show(kBoth);
-        QCOMPARE(paintsOf(f.view), 0);
+        QCOMPARE(paints.take(), QStringList());
         QCOMPARE(regions.count(), 0);
-        // While a change does paint.
+        // While a change does paint, and only where it is.
         QByteArray other = kBoth;
         f.show(other.replace("\"Left\"", "\"Else\""));
-        QVERIFY(paintsOf(f.view) > 0);
+        QCOMPARE(paints.take(), QStringList{QStringLiteral("brimlet::NotchPill 28,2 73x20")});
+    }
+
+    void betweenSwapsNothingIsPainted() {
+        ViewFixture f;
+        f.show(kBoth);
+        PaintLog paints(f.view);
+        (void)paints.take();
+        f.host.clock.advance(15s);
+        QCOMPARE(paints.take(), QStringList());
+        f.host.clock.advance(1s);
+        QCOMPARE(paints.take(), QStringList{QStringLiteral("brimlet::NotchPill 28,2 73x20")});
+        f.host.clock.advance(1500ms);
+        QCOMPARE(paints.take(), QStringList());
+    }
+
+    void aScrollPaintsTheRowsOfItsTextAlone() {
+        ViewFixture f;
+        f.show(kBoth);
+        f.host.clock.advance(17600ms);
+        PaintLog paints(f.view);
+        (void)paints.take();
+        for (int step = 0; step < 20; ++step) {
+            f.host.clock.advance(46ms);
+            const QStringList painted = paints.take();
+            QVERIFY(painted.size() <= 1);
+            for (const QString& area : painted) {
+                const auto [first, end] = f.left()->line().rowsOfText();
+                QVERIFY(first > 0 && end < 20 && end - first >= 8);
+                QCOMPARE(area, QStringLiteral("brimlet::NotchPill 28,%1 73x%2")
+                                   .arg(2 + first)
+                                   .arg(end - first));
+            }
+        }
+        QCOMPARE(f.left()->line().offsetOnScreen(), -20);
     }
 
     void changesAreDrawnOncePerTurn() {
         ViewFixture f;
         f.show(kBoth);
+        PaintLog paints(f.view);
+        (void)paints.take();
         const QSignalSpy regions(&f.view, &OverlayView::regionsChanged);
-        f.host.http.answer(QStringLiteral("/api/display"), 200, R"({"weekStatus":"live"})");
+        for (const char* brand : {"\"One\"", "\"Two\"", "\"Three\""}) {
+            QByteArray other = kBoth;
+            f.host.http.answer(QStringLiteral("/api/display"), 200,
+                               other.replace("\"Left\"", brand).replace("http:", "https:"));
+            startTask(f.store->refreshDisplay());
+            f.runtime.apply(*f.store, 184, 32);
+            QCOMPARE(regions.count(), 0);
+            QCOMPARE(f.left()->line().line(), QStringLiteral("Left"));
+        }
+        QCOMPARE(paints.take(), QStringList{QStringLiteral("brimlet::NotchPill 28,2 73x20")});
+        QCOMPARE(regions.count(), 1); // the right one can be clicked now
+        QCOMPARE(f.left()->line().line(), QStringLiteral("Three"));
+    }
+
+    void aLinkWithoutAHostIsAButtonNamedByItsBrand() {
+        ViewFixture f;
+        f.show(
+            reply({"{\"slotId\":\"left\",\"brandName\":\"Acme\",\"brandUrl\":\"https:///page\"}"}));
+        QVERIFY(f.left()->isClickable());
+        QVERIFY(f.left()->toolTip().contains(QStringLiteral(">Acme<")));
+    }
+
+    void aClickOpensWhatThePillShows() {
+        ViewFixture f;
+        f.show(kBoth);
+        QByteArray other = kBoth;
+        f.host.http.answer(QStringLiteral("/api/display"), 200,
+                           other.replace("https://l.test/\"", "https://new.test/\""));
         startTask(f.store->refreshDisplay());
         f.runtime.apply(*f.store, 184, 32);
-        f.runtime.apply(*f.store, 184, 32);
-        QCOMPARE(regions.count(), 0);
-        QCoreApplication::sendPostedEvents(&f.view);
-        QCOMPARE(regions.count(), 1);
+        // The new creative has arrived, but the old one is still on screen.
+        QTest::mouseClick(f.left(), Qt::LeftButton);
+        QCOMPARE(f.host.workspace.opened, std::vector<QString>{QStringLiteral("https://l.test/")});
+    }
+
+    void screenReadersFindALinkAndAText() {
+        ViewFixture f;
+        f.show(kBoth);
+        QAccessibleInterface* const row = QAccessible::queryAccessibleInterface(&f.view);
+        QCOMPARE(row->childCount(), 2);
+        QAccessibleInterface* const link = row->child(0);
+        QCOMPARE(link->role(), QAccessible::Link);
+        QCOMPARE(link->text(QAccessible::Name),
+                 QStringLiteral("Left, A tagline much too wide for it"));
+        QCOMPARE(row->indexOfChild(link), 0);
+        QCOMPARE(link->actionInterface()->actionNames(),
+                 QStringList{QAccessibleActionInterface::pressAction()});
+        link->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QCOMPARE(f.host.workspace.opened, std::vector<QString>{QStringLiteral("https://l.test/")});
+
+        QAccessibleInterface* const text = row->child(1);
+        QCOMPARE(text->role(), QAccessible::StaticText);
+        QCOMPARE(text->text(QAccessible::Name), QStringLiteral("Right"));
+        QCOMPARE(text->actionInterface()->actionNames(), QStringList());
+        text->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QCOMPARE(f.host.workspace.opened.size(), std::size_t{1});
+        QVERIFY(!row->child(2));
+    }
+
+    void hiddenPillsAreGoneForScreenReaders() {
+        ViewFixture f;
+        f.show(reply({kRight}));
+        QAccessibleInterface* const row = QAccessible::queryAccessibleInterface(&f.view);
+        QCOMPARE(row->childCount(), 1);
+        QCOMPARE(row->child(0)->text(QAccessible::Name), QStringLiteral("Right"));
+        f.store->pause24h();
+        f.render();
+        QCOMPARE(row->childCount(), 0);
     }
 };
 

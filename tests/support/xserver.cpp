@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include <xcb/shape.h>
+#include <xcb/xfixes.h>
 
 namespace brimlet {
 namespace {
@@ -91,17 +92,45 @@ xcb_window_t XServer::focus() const {
     return reply ? reply->focus : xcb_window_t{XCB_WINDOW_NONE};
 }
 
-QColor XServer::pixel(QPoint position) const {
+QImage XServer::cursor() const {
     auto* const x = m_connection.get();
-    const auto cookie =
-        xcb_get_image(x, XCB_IMAGE_FORMAT_Z_PIXMAP, m_root, static_cast<std::int16_t>(position.x()),
-                      static_cast<std::int16_t>(position.y()), 1, 1, ~std::uint32_t{0});
-    const Owned<xcb_get_image_reply_t> reply(xcb_get_image_reply(x, cookie, nullptr));
-    if (!reply || xcb_get_image_data_length(reply.get()) < 4) {
+    const Owned<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(
+        x, xcb_xfixes_query_version(x, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION),
+        nullptr));
+    const Owned<xcb_xfixes_get_cursor_image_reply_t> reply(
+        xcb_xfixes_get_cursor_image_reply(x, xcb_xfixes_get_cursor_image(x), nullptr));
+    if (!version || !reply) {
         return {};
     }
-    const std::uint8_t* const bytes = xcb_get_image_data(reply.get()); // blue, green, red, unused
-    return {bytes[2], bytes[1], bytes[0]};
+    QImage image(reply->width, reply->height, QImage::Format_ARGB32_Premultiplied);
+    const std::uint32_t* pixels = xcb_xfixes_get_cursor_image_cursor_image(reply.get());
+    for (int y = 0; y < image.height(); ++y) {
+        for (int i = 0; i < image.width(); ++i) {
+            image.setPixel(i, y, *pixels++);
+        }
+    }
+    return image;
+}
+
+QImage XServer::picture(const QRect& area) const {
+    auto* const x = m_connection.get();
+    const auto cookie =
+        xcb_get_image(x, XCB_IMAGE_FORMAT_Z_PIXMAP, m_root, static_cast<std::int16_t>(area.x()),
+                      static_cast<std::int16_t>(area.y()), static_cast<std::uint16_t>(area.width()),
+                      static_cast<std::uint16_t>(area.height()), ~std::uint32_t{0});
+    const Owned<xcb_get_image_reply_t> reply(xcb_get_image_reply(x, cookie, nullptr));
+    const int bytes = 4 * area.width() * area.height(); // blue, green, red, unused
+    if (!reply || xcb_get_image_data_length(reply.get()) < bytes) {
+        return {};
+    }
+    return QImage(xcb_get_image_data(reply.get()), area.width(), area.height(), 4 * area.width(),
+                  QImage::Format_RGB32)
+        .copy();
+}
+
+QColor XServer::pixel(QPoint position) const {
+    const QImage image = picture({position, QSize(1, 1)});
+    return image.isNull() ? QColor() : image.pixelColor(0, 0);
 }
 
 } // namespace brimlet

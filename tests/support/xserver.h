@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QImage>
 #include <QRect>
 
 #include <memory>
@@ -28,6 +29,10 @@ public:
     [[nodiscard]] std::vector<QRect> boundingShape(xcb_window_t window) const;
     /// The window that has the keyboard.
     [[nodiscard]] xcb_window_t focus() const;
+    /// The pointer's picture as it is shown.
+    [[nodiscard]] QImage cursor() const;
+    /// A part of the screen as it is shown, without the pointer.
+    [[nodiscard]] QImage picture(const QRect& area) const;
     /// A pixel of the screen as it is shown.
     [[nodiscard]] QColor pixel(QPoint position) const;
 

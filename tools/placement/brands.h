@@ -16,8 +16,8 @@ struct Brand {
 
 /// The right brand's tagline is wider than a 108-point capsule on purpose, so that it scrolls.
 inline constexpr std::array<Brand, 2> sampleBrands{{
-    {"quiet-bicycle", "left", "Quiet Bicycle", "Home before the bell"},
-    {"palindrome-tea", "right", "Palindrome Tea",
+    {"quiet-bicycle", "left", "Quiet Bike", "Home before the bell"},
+    {"palindrome-tea", "right", "Palindrome",
      "Never odd or even: loose-leaf tea that tastes the same forwards and backwards"},
 }};
 

@@ -1,0 +1,36 @@
+#include "overlay/pilltexts.h"
+
+#include "creative/marqueetext.h"
+
+#include <QStringList>
+
+namespace brimlet {
+
+QString toolTipOf(const SlotCreative& creative) {
+    if (creative.brandURL && creative.brandURL->host()) {
+        return *creative.brandURL->host();
+    }
+    return creative.brandName;
+}
+
+QString spokenTextOf(const SlotCreative& creative) {
+    QStringList parts{singleLine(creative.brandName.trimmed()),
+                      singleLine(creative.tagline.trimmed())};
+    parts.removeAll(QString());
+    parts.removeDuplicates();
+    return parts.isEmpty() ? toolTipOf(creative) : parts.join(QStringLiteral(", "));
+}
+
+QString asPlainToolTip(const QString& text) {
+    constexpr qsizetype kLongest = 120;
+    QString line = singleLine(text, kLongest);
+    if (line.size() < text.size()) {
+        line += QChar(0x2026);
+    }
+    // Tooltips guess whether a text is markup. This one is, and all it holds is the text.
+    return line.isEmpty() ? line
+                          : QStringLiteral("<span style='white-space:pre'>%1</span>")
+                                .arg(line.toHtmlEscaped());
+}
+
+} // namespace brimlet

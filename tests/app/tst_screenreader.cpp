@@ -1,0 +1,99 @@
+#include "tests/support/processes.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace brimlet;
+
+namespace {
+
+constexpr int kPatience = 15'000;
+
+struct Heard final {
+    int exitCode = -1;
+    QByteArray output;
+};
+
+/// Runs the screen reader of the tests, a client of the accessibility bus like any other.
+Heard screenReader(const QStringList& arguments) {
+    QProcess reader;
+    reader.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    reader.start(QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/screen-reader"),
+                 arguments);
+    reader.waitForFinished(kPatience);
+    return {reader.exitCode(), reader.readAllStandardOutput()};
+}
+
+/// What is there, as "role: name (action)".
+QStringList elements() {
+    QStringList lines;
+    for (const QByteArray& line : screenReader({QStringLiteral("tree")}).output.split('\n')) {
+        const QJsonObject element = QJsonDocument::fromJson(line).object();
+        if (!element.isEmpty()) {
+            const QJsonArray actions = element.value(QStringLiteral("actions")).toArray();
+            QString text = element.value(QStringLiteral("role")).toString() + QStringLiteral(": ") +
+                           element.value(QStringLiteral("name")).toString();
+            for (const QJsonValue& action : actions) {
+                text += QStringLiteral(" (%1)").arg(action.toString());
+            }
+            lines << text;
+        }
+    }
+    return lines;
+}
+
+QJsonObject creative(const char* slot, const char* brand, const char* tagline, const char* link) {
+    return {{QStringLiteral("slotId"), QString::fromLatin1(slot)},
+            {QStringLiteral("brandName"), QString::fromUtf8(brand)},
+            {QStringLiteral("tagline"), QString::fromUtf8(tagline)},
+            {QStringLiteral("brandUrl"), QString::fromLatin1(link)}};
+}
+
+} // namespace
+
+/// The capsules as somebody finds them who does not see the screen.
+class TestScreenReader final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void capsulesAreLinksOrTextsWhileTheyAreShown() {
+        QTemporaryDir folder;
+        const QString openedFile = folder.filePath(QStringLiteral("opened"));
+        QCOMPARE(QProcess::execute(
+                     QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/recording-browser"),
+                     {openedFile}),
+                 0);
+        const PlacementProcess service;
+        service.setScenario(
+            {{QStringLiteral("creatives"),
+              QJsonArray{creative("left", "Acme", "Fresh every day", "https://acme.test/"),
+                         creative("right", "Plain", "Not for clicking", "http://plain.test/")}}});
+        SimulatorProcess program(
+            {{QStringLiteral("infoDictionary"),
+              QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}}});
+        const QString link = QStringLiteral("link: Acme, Fresh every day (Press)");
+        const QString text = QStringLiteral("label: Plain, Not for clicking");
+        QTRY_COMPARE_WITH_TIMEOUT(elements(), (QStringList{link, text}), kPatience);
+
+        QCOMPARE(screenReader({QStringLiteral("press"), QStringLiteral("Acme, Fresh every day")})
+                     .exitCode,
+                 0);
+        const auto opened = [&openedFile] {
+            QFile file(openedFile);
+            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(opened(), QByteArray("https://acme.test/\n"), kPatience);
+
+        service.setScenario({{QStringLiteral("creatives"),
+                              QJsonArray{creative("right", "Plain", "", "http://plain.test/")}}});
+        QTRY_COMPARE_WITH_TIMEOUT(elements(), QStringList{QStringLiteral("label: Plain")},
+                                  kPatience);
+        (void)program.ask("pause");
+        QTRY_COMPARE_WITH_TIMEOUT(elements(), QStringList(), kPatience);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestScreenReader)
+#include "tst_screenreader.moc"

@@ -1,0 +1,216 @@
+#include "creative/textline.h"
+#include "tests/overlay/paintedview.h"
+
+#include <QDir>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QTest>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr const char* kLeft = "{\"slotId\":\"left\",\"brandName\":\"Quiet "
+                              "Bicycle\",\"tagline\":\"Home before the bell rings\","
+                              "\"assetUrl\":\"https://brand.test/picture.png\"}";
+constexpr const char* kRight =
+    "{\"slotId\":\"right\",\"brandName\":\"Palindrome\",\"tagline\":\"Never odd\","
+    "\"assetUrl\":\"https://brand.test/picture.png\"}";
+constexpr const char* kLeftWithoutText =
+    "{\"slotId\":\"left\",\"assetUrl\":\"https://brand.test/picture.png\"}";
+constexpr const char* kRightWithoutText =
+    "{\"slotId\":\"right\",\"assetUrl\":\"https://brand.test/picture.png\"}";
+constexpr const char* kLeftWithoutPicture = "{\"slotId\":\"left\",\"brandName\":\"Quiet Bicycle\","
+                                            "\"assetUrl\":\"https://brand.test/none.png\"}";
+constexpr const char* kRightWithoutPicture = "{\"slotId\":\"right\",\"brandName\":\"Palindrome\"}";
+
+QByteArray list(std::initializer_list<const char*> creatives) {
+    QByteArrayList all;
+    for (const char* creative : creatives) {
+        all << creative;
+    }
+    return '[' + all.join(',') + ']';
+}
+
+/// Four colours, so that a turned one shows.
+QImage fourColours() {
+    QImage image(64, 64, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QPainter painter(&image);
+    painter.fillRect(32, 0, 32, 32, Qt::green);
+    painter.fillRect(0, 32, 32, 32, Qt::blue);
+    painter.fillRect(32, 32, 32, 32, Qt::yellow);
+    return image;
+}
+
+/// The share of pixels, from 0 to 1, in which two pictures of one size differ clearly. Where
+/// letters are smoothed in another way they differ by up to 26 levels.
+double clearDifference(const QImage& picture, const QImage& other) {
+    constexpr int kClear = 32;
+    const auto differ = [](int level, int otherLevel) {
+        return std::abs(level - otherLevel) > kClear;
+    };
+    int count = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QRgb a = picture.pixel(x, y);
+            const QRgb b = other.pixel(x, y);
+            if (differ(qRed(a), qRed(b)) || differ(qGreen(a), qGreen(b)) ||
+                differ(qBlue(a), qBlue(b))) {
+                ++count;
+            }
+        }
+    }
+    return double(count) / (double(picture.width()) * picture.height());
+}
+
+/// Half of what a mark makes at scale 2 that is out of place by one pixel.
+constexpr double kTolerance = 0.0005;
+
+bool looksTheSame(const QImage& picture, const QImage& other) {
+    return picture.size() == other.size() && clearDifference(picture, other) <= kTolerance;
+}
+
+/// The picture with what is in the box moved.
+QImage withMoved(const QImage& picture, const QRect& box, const QPoint& by) {
+    QImage moved = picture;
+    moved.setDevicePixelRatio(1);
+    QImage piece = picture.copy(box);
+    piece.setDevicePixelRatio(1);
+    QPainter(&moved).drawImage(box.topLeft() + by, piece);
+    return moved;
+}
+
+/// Slight hinting whatever the desktop prefers: full hinting moves letters.
+QFont inter(QFont::HintingPreference hinting) {
+    QFont font(QStringLiteral("Inter"));
+    font.setHintingPreference(hinting);
+    return font;
+}
+
+constexpr QColor kGround(160, 160, 160);
+
+} // namespace
+
+/// What the overlay looks like, compared with pictures that were found right by eye. They are made
+/// anew by running this test with BRIMLET_UPDATE_REFERENCES=1; look at them before you keep them.
+class TestReference final : public QObject {
+    Q_OBJECT
+
+private:
+    static void scales() {
+        QTest::addColumn<double>("ratio");
+        QTest::newRow("scale 1") << 1.0;
+        QTest::newRow("scale 1.5") << 1.5;
+        QTest::newRow("scale 2") << 2.0;
+    }
+
+private Q_SLOTS:
+    void initTestCase() {
+        if (!QFontDatabase::hasFamily(QStringLiteral("Inter"))) {
+            QSKIP("The font Inter, in which the reference pictures are set, is not installed.");
+        }
+        // Before anything uses the overlay's fonts, which are made once.
+        QGuiApplication::setFont(inter(QFont::PreferVerticalHinting));
+    }
+
+    void looksLikeItsReference_data() {
+        QTest::addColumn<QByteArray>("creatives");
+        QTest::addColumn<bool>("isScrolling");
+        QTest::addColumn<double>("ratio");
+        QTest::addColumn<QString>("file");
+        const auto atEachScale = [](const char* name, const QByteArray& creatives,
+                                    bool isScrolling = false) {
+            for (const double ratio : {1.0, 1.5, 2.0}) {
+                const QString file =
+                    QStringLiteral("%1-%2x.png").arg(QLatin1StringView(name)).arg(ratio);
+                QTest::newRow(qPrintable(file)) << creatives << isScrolling << ratio << file;
+            }
+        };
+        atEachScale("both", list({kLeft, kRight}));
+        atEachScale("one-slot", list({kRight}));
+        atEachScale("compact", list({kLeftWithoutText, kRightWithoutText}));
+        atEachScale("fallback", list({kLeftWithoutPicture, kRightWithoutPicture}));
+        atEachScale("scroll", list({kLeft, kRight}), true);
+    }
+    void looksLikeItsReference() {
+        QFETCH(QByteArray, creatives);
+        QFETCH(bool, isScrolling);
+        QFETCH(double, ratio);
+        QFETCH(QString, file);
+        PaintedView view(creatives, fourColours());
+        if (isScrolling) {
+            (void)view.picture(ratio); // tells it the scale
+            view.advance(16s + 1600ms);
+            view.advance(1800ms);
+        }
+        const QImage actual = view.pictureOver(kGround, ratio);
+
+        const QDir folder(QStringLiteral(BRIMLET_SOURCE_DIR "/tests/overlay/reference"));
+        const QString path = folder.filePath(file);
+        if (qEnvironmentVariable("BRIMLET_UPDATE_REFERENCES") == QLatin1StringView("1")) {
+            QVERIFY(QDir().mkpath(folder.path()));
+            QVERIFY(actual.save(path));
+        }
+        const QImage reference = QImage(path).convertToFormat(actual.format());
+        QVERIFY2(!reference.isNull(), qPrintable(path));
+        if (!looksTheSame(actual, reference)) {
+            keep(actual, reference, file);
+        }
+        QCOMPARE(actual.size(), reference.size());
+        QCOMPARE_LE(clearDifference(actual, reference), kTolerance);
+    }
+
+    void onePixelOutOfPlaceIsNoticed_data() { scales(); }
+    void onePixelOutOfPlaceIsNoticed() {
+        QFETCH(double, ratio);
+        PaintedView view(list({kLeft, kRight}), fourColours());
+        const QImage picture = view.pictureOver(kGround, ratio);
+        const auto onScreen = [&](const QRectF& points) {
+            return QRectF(points.topLeft() * ratio, points.size() * ratio).toRect();
+        };
+        const QRect mark = onScreen({14, 4, 18, 18});
+        const QRect line = onScreen({36, 4, 73, 18});
+        for (const QPoint& by : {QPoint(1, 0), QPoint(0, 1), QPoint(-1, 0), QPoint(0, -1)}) {
+            QVERIFY(!looksTheSame(picture, withMoved(picture, picture.rect(), by)));
+            QVERIFY(!looksTheSame(picture, withMoved(picture, mark, by)));
+            QVERIFY(!looksTheSame(picture, withMoved(picture, line, by)));
+        }
+        QVERIFY(looksTheSame(picture, withMoved(picture, picture.rect(), {})));
+    }
+
+    void anotherSmoothingOfLettersIsNot_data() { scales(); }
+    void anotherSmoothingOfLettersIsNot() {
+        QFETCH(double, ratio);
+        const auto picture = [&](QFont::HintingPreference hinting) {
+            QFont font = inter(hinting);
+            font.setPixelSize(12);
+            font.setWeight(QFont::DemiBold);
+            return TextLine(QStringLiteral("Quiet Bicycle, Palindrome"), font)
+                .picture(Qt::white, Qt::black, ratio, 0, PaintedView::size * ratio);
+        };
+        QVERIFY(
+            looksTheSame(picture(QFont::PreferNoHinting), picture(QFont::PreferVerticalHinting)));
+    }
+
+private:
+    /// Leaves what was seen, and how it differs, beside the test and says where.
+    static void keep(const QImage& actual, const QImage& reference, const QString& file) {
+        QImage difference = actual;
+        difference.setDevicePixelRatio(1);
+        QPainter painter(&difference);
+        painter.setCompositionMode(QPainter::CompositionMode_Difference);
+        painter.drawImage(0, 0, reference);
+        painter.end();
+        const QDir folder(QCoreApplication::applicationDirPath());
+        const QString actualPath = folder.filePath(QStringLiteral("actual-") + file);
+        const QString differencePath = folder.filePath(QStringLiteral("difference-") + file);
+        QVERIFY(actual.save(actualPath));
+        QVERIFY(difference.save(differencePath));
+        qInfo("seen: %s\ndifference: %s", qPrintable(actualPath), qPrintable(differencePath));
+    }
+};
+
+QTEST_MAIN(TestReference)
+#include "tst_reference.moc"
