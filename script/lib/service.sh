@@ -1,13 +1,13 @@
 # Shared by the scripts that show Brimlet: starting and ending the placement service and the
-# simulated program. Expects $machine, BRIMLET_BIN and BRIMLET_RUN_FOLDER.
-# shellcheck shell=bash
+# simulated program. Expects the machine file as $1, BRIMLET_BIN and BRIMLET_RUN_FOLDER.
+# shellcheck shell=bash disable=SC2317 # functions called by way of an argument
 
 machine=$1
 out=$BRIMLET_RUN_FOLDER
 service='' simulator=''
 
 fail() {
-  printf 'run: %s\n' "$*" >&2
+  printf '%s: %s\n' "${BRIMLET_CALLER:-run}" "$*" >&2
   local log
   for log in service simulator; do
     if [ -s "$out/$log.log" ]; then sed "s/^/  $log: /" "$out/$log.log" >&2; fi
@@ -16,10 +16,19 @@ fail() {
 }
 
 stop() {
-  local process
-  for process in $simulator $service; do
-    if kill "$process" 2>/dev/null; then wait "$process" 2>/dev/null || true; fi
-  done
+  end "$simulator"
+  end "$service"
+}
+stop_simulator() {
+  end "$simulator"
+  simulator=''
+}
+# end PROCESS: no matter whether it runs; empty for none.
+end() {
+  if [ -n "$1" ] && kill "$1" 2>/dev/null; then
+    kill -CONT "$1" 2>/dev/null || true # a stopped one takes notice only then
+    wait "$1" 2>/dev/null || true
+  fi
 }
 
 # within SECONDS COMMAND...: tries until it succeeds or the time is up.
@@ -32,9 +41,11 @@ within() {
   done
 }
 
-# Starts the service on a free port and writes the machine file that points to it.
+# Starts the service on a free port and writes the machine file that points to it; further arguments
+# are the service's own.
 start_service() {
-  "$BRIMLET_BIN/brimlet-placement" --port 0 --log "$out/requests.jsonl" >"$out/service.log" 2>&1 &
+  "$BRIMLET_BIN/brimlet-placement" --port 0 --log "$out/requests.jsonl" "$@" \
+    >"$out/service.log" 2>&1 &
   service=$!
   listening() { grep -q '^Listening on ' "$out/service.log"; }
   within 10 listening || fail "the placement service did not start"
