@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include <sys/types.h>
 
@@ -11,12 +12,22 @@ struct ProcessFigures final {
     std::int64_t pssKib = 0;          ///< Proportional share of memory.
     std::int64_t ussKib = 0;          ///< Memory of its own, clean and dirty.
     std::int64_t privateDirtyKib = 0; ///< What it wrote itself.
-    double cpuMilliseconds = 0;       ///< User and system, since its start.
-    std::int64_t contextSwitches = 0; ///< Over all threads, since their start.
+    double cpuMilliseconds = 0;       ///< User and system, since its start, ended threads too.
+    double childrenMilliseconds = 0;  ///< The same of its ended and awaited child processes.
+    std::int64_t wakeUps = 0;         ///< Voluntary context switches of its living threads.
+    std::int64_t contextSwitches = 0; ///< Those and the involuntary ones.
     int threads = 0;
+
+    ProcessFigures& operator+=(const ProcessFigures& other);
 };
 
 /// Reads /proc; all zero when the process is gone.
 [[nodiscard]] ProcessFigures readProcessFigures(pid_t process);
+
+/// The process and its living descendants.
+[[nodiscard]] std::vector<pid_t> processTree(pid_t root);
+
+/// The sum over these processes.
+[[nodiscard]] ProcessFigures readProcessFigures(const std::vector<pid_t>& processes);
 
 } // namespace brimlet
