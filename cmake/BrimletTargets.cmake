@@ -71,6 +71,14 @@ function(brimlet_test name)
     BRIMLET_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
     BRIMLET_BIN_DIR="${CMAKE_BINARY_DIR}/bin")
   target_link_libraries(${target} PRIVATE brimlet_options Qt6::Test ${arg_LINK})
+  brimlet_test_again(${name} ${name} ${ARGN})
+endfunction()
+
+# brimlet_test_again(AREA.TOPIC-VARIANT AREA.TOPIC [ENVIRONMENT var=value...] [SESSION])
+# The program of a test once more, in another environment.
+function(brimlet_test_again name original)
+  cmake_parse_arguments(arg "SESSION" "TIMEOUT" "SOURCES;LINK;ENVIRONMENT" ${ARGN})
+  string(REPLACE "." "_" target "tst_${original}")
   if(arg_SESSION)
     add_test(NAME ${name}
       COMMAND ${CMAKE_SOURCE_DIR}/script/desktop-session $<TARGET_FILE:${target}>)

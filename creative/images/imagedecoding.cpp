@@ -26,7 +26,7 @@ std::optional<QImage> decodeFirstFrame(const SiftedImage& image, const WorkBudge
 } // namespace
 
 std::optional<QImage> decodeImage(const QByteArray& bytes) {
-    return decodeImage(bytes, threadTime(180ms));
+    return decodeImage(bytes, threadTime(170ms));
 }
 
 std::optional<QImage> decodeImage(const QByteArray& bytes, const WorkBudget& budget) {
