@@ -92,9 +92,13 @@ void CarRadioLine::disappear() {
     m_scroll.reset();
 }
 
+QString CarRadioLine::taskID() const {
+    return marqueeTaskID(m_brand, m_tagline, m_containerWidth, m_taglineWidth,
+                         m_reduceMotion.isOn());
+}
+
 void CarRadioLine::update() {
-    if (m_isOnScreen && m_taskID != marqueeTaskID(m_brand, m_tagline, m_containerWidth,
-                                                  m_taglineWidth, m_reduceMotion.isOn())) {
+    if (m_isOnScreen && m_taskID != taskID()) {
         restart();
     }
 }
@@ -102,8 +106,7 @@ void CarRadioLine::update() {
 void CarRadioLine::restart() {
     m_task.request_stop();
     m_task = std::stop_source();
-    m_taskID =
-        marqueeTaskID(m_brand, m_tagline, m_containerWidth, m_taglineWidth, m_reduceMotion.isOn());
+    m_taskID = taskID();
     startTask(cycle(m_task.get_token()));
 }
 
@@ -180,6 +183,7 @@ void CarRadioLine::paint(QPainter& painter, const QRect& box) {
     if (!isPictureOf(box)) {
         if (!m_text) {
             m_text = std::make_unique<TextLine>(line(), m_style.font);
+            m_rowsOfText = {};
         }
         m_pictureFrom = m_scroll.pixels();
         // Two more than its width, since the last offset is rounded, too.
@@ -189,7 +193,11 @@ void CarRadioLine::paint(QPainter& painter, const QRect& box) {
             {std::max(box.width(), m_showingTagline ? std::min(rest, kPictureWidth) : 0),
              box.height()});
         const auto [first, end] = inkedRows(m_picture);
-        m_rowsOfText = {qFloor(first / m_devicePixelRatio), qCeil(end / m_devicePixelRatio)};
+        // With those of the piece before, which is still on screen outside what is painted now.
+        const bool isFirstPiece = m_rowsOfText.first == m_rowsOfText.second;
+        const int top = qFloor(first / m_devicePixelRatio);
+        m_rowsOfText = {isFirstPiece ? top : std::min(m_rowsOfText.first, top),
+                        std::max(m_rowsOfText.second, qCeil(end / m_devicePixelRatio))};
         ++m_pictures;
     }
     const int from = m_scroll.pixels() - m_pictureFrom;

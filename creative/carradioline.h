@@ -80,6 +80,7 @@ private:
     /// How often text was drawn into a picture is a figure that tests look at.
     friend class TestCarRadioLine;
 
+    [[nodiscard]] QString taskID() const;
     void update();
     void restart();
     void setState(bool showingTagline, double offset);

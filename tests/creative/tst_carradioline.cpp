@@ -490,6 +490,23 @@ private Q_SLOTS:
         QCOMPARE(*std::max_element(widths.cbegin(), widths.cend()), 2048);
     }
 
+    void theNextPieceKeepsTheRowsOfTheOneBefore() {
+        // Tall letters first, low ones beyond the first picture.
+        LineFixture f(60, kBrand, QString(300, QChar(0xc4)) + QString(600, u'a'));
+        f.line->setContainerWidth(73);
+        f.clock.advance(17600ms);
+        (void)drawn(*f.line);
+        const auto tall = f.line->rowsOfText();
+        f.clock.advance(160s);
+        (void)drawn(*f.line);
+        QVERIFY(f.line->m_pictures >= 2);
+        QCOMPARE(f.line->rowsOfText().first, tall.first);
+        QVERIFY(f.line->rowsOfText().second >= tall.second);
+        f.line->setTexts(QStringLiteral("aaa"), QString());
+        (void)drawn(*f.line);
+        QVERIFY(f.line->rowsOfText().first > tall.first);
+    }
+
     void textsOfEveryScriptBeginAtTheLeft_data() {
         QTest::addColumn<QString>("text");
         QTest::newRow("Latin") << QStringLiteral("Fresh");
