@@ -112,7 +112,9 @@ QCoro::Task<std::optional<QImage>> CreativeImageCache::image(std::optional<Url> 
 QCoro::Task<std::optional<QImage>> CreativeImageCache::find(std::shared_ptr<State> state, Url url) {
     const QString& key = url.absoluteString();
     if (const auto known = state->memory.find(key); known != state->memory.end()) {
-        co_return known->second;
+        // A copy by name: what a coroutine returns is moved from, and the memory keeps its own.
+        std::optional<QImage> kept = known->second;
+        co_return kept;
     }
     if (const auto running = state->inflight.find(key); running != state->inflight.end()) {
         const Deferred<std::optional<QImage>> result;

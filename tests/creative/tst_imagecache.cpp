@@ -132,6 +132,18 @@ private Q_SLOTS:
         QVERIFY(!QDir(f.folder()).exists());
     }
 
+    void whatMemoryHasItKeepsHoweverOftenItIsAsked() {
+        CacheFixture f;
+        f.http.answer(kPath, 200, pngOf(Qt::red));
+        for (int i = 0; i < 5; ++i) {
+            const auto answer = f.ask();
+            QVERIFY(answer->isThere);
+            QVERIFY(answer->image);
+            QCOMPARE(answer->image->pixelColor(5, 5), QColor(Qt::red));
+        }
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+    }
+
     void theRequestNamesNothingButTheAddress() {
         CacheFixture f;
         (void)f.ask();
