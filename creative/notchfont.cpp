@@ -3,7 +3,6 @@
 #include <QGuiApplication>
 
 namespace brimlet {
-namespace {
 
 QFont systemFont(int size, QFont::Weight weight) {
     QFont font = QGuiApplication::font();
@@ -11,8 +10,6 @@ QFont systemFont(int size, QFont::Weight weight) {
     font.setWeight(weight);
     return font;
 }
-
-} // namespace
 
 const QFont& NotchFont::pill() {
     static const QFont font = systemFont(12, QFont::DemiBold);

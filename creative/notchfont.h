@@ -4,8 +4,11 @@
 
 namespace brimlet {
 
-/// The three fonts of the overlay, from the system's own font, each made once. Sizes are in points
-/// of the desktop's geometry, which are Qt's logical pixels.
+/// The desktop's own font in a size of the program's own: points of the desktop's geometry, which
+/// are Qt's logical pixels.
+[[nodiscard]] QFont systemFont(int size, QFont::Weight weight);
+
+/// The three fonts of the overlay, from the system's own font, each made once.
 class NotchFont final {
 public:
     /// The line of text in a pill: 12, semibold.

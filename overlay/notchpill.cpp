@@ -1,6 +1,8 @@
 #include "overlay/notchpill.h"
 
+#include "creative/continuouspaths.h"
 #include "creative/notchfont.h"
+#include "creative/pixelgrid.h"
 #include "overlay/capsule.h"
 #include "overlay/pilltexts.h"
 
@@ -23,12 +25,6 @@ CarRadioStyle lineStyle() {
             .holdStart = 1.6,
             .pointsPerSecond = 22,
             .holdEnd = 1.4};
-}
-
-/// Whole pixels, with each edge at the nearest one.
-QRect snapped(const QRectF& box) {
-    const QPoint topLeft(qRound(box.left()), qRound(box.top()));
-    return {topLeft, QSize(qRound(box.right()) - topLeft.x(), qRound(box.bottom()) - topLeft.y())};
 }
 
 } // namespace
