@@ -5,7 +5,9 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace brimlet {
 
@@ -16,7 +18,9 @@ bool isInternalConnector(const QString& name) {
                        [&](QLatin1StringView prefix) { return name.startsWith(prefix); });
 }
 
-QtScreens::QtScreens() {
+QtScreens::QtScreens(QString root)
+    : m_root(std::move(root))
+    , m_panel(notchedPanel(readCompatible(m_root))) {
     connect(qGuiApp, &QGuiApplication::screenAdded, this, [this](QScreen* screen) {
         watch(screen);
         announce();
@@ -29,7 +33,11 @@ QtScreens::QtScreens() {
 }
 
 void QtScreens::watch(QScreen* screen) {
+    // Moved, resized or rescaled. A new scale is told first, while the geometry is still the old
+    // one, and alone where the points stay the same after rounding; all other signals come with
+    // these.
     connect(screen, &QScreen::geometryChanged, this, &QtScreens::announce);
+    connect(screen, &QScreen::logicalDotsPerInchChanged, this, &QtScreens::announce);
 }
 
 void QtScreens::announce() {
@@ -49,11 +57,19 @@ void QtScreens::announce() {
 
 std::vector<Screen> QtScreens::list() const {
     const QRectF primary = primaryGeometry();
+    // The driver's setting may be changed at any time.
+    const std::optional<bool> showNotch = m_panel ? readShowNotch(m_root) : std::nullopt;
     std::vector<Screen> screens;
     for (const QScreen* screen : QGuiApplication::screens()) {
         Screen facts;
         facts.number = static_cast<std::uint32_t>(screens.size() + 1);
         facts.frame = fromQt(screen->geometry(), primary);
+        const auto strips =
+            m_panel ? notchStrips(*m_panel, showNotch, screen->name(), facts.frame) : std::nullopt;
+        if (strips) {
+            facts.auxiliaryTopLeftArea = strips->left;
+            facts.auxiliaryTopRightArea = strips->right;
+        }
         screens.push_back(facts);
     }
     return screens;
@@ -61,8 +77,12 @@ std::vector<Screen> QtScreens::list() const {
 
 bool QtScreens::isBuiltIn(std::uint32_t displayNumber) const {
     const auto screens = QGuiApplication::screens();
-    return displayNumber >= 1 && displayNumber <= static_cast<std::uint32_t>(screens.size()) &&
-           isInternalConnector(screens.at(static_cast<qsizetype>(displayNumber) - 1)->name());
+    if (displayNumber < 1 || displayNumber > static_cast<std::uint32_t>(screens.size())) {
+        return false;
+    }
+    const QScreen* const screen = screens.at(static_cast<qsizetype>(displayNumber) - 1);
+    return isInternalConnector(screen->name()) ||
+           (m_panel && showsBand(*m_panel, screen->name(), fromQt(screen->geometry(), {})));
 }
 
 ObserverToken QtScreens::observeChanges(std::function<void()> changed) {

@@ -1,10 +1,14 @@
 #pragma once
 
+#include "platform/linux/appledisplay.h"
 #include "platform/observers.h"
 #include "platform/screens.h"
 
 #include <QObject>
 #include <QRectF>
+#include <QString>
+
+#include <optional>
 
 class QScreen;
 
@@ -14,13 +18,14 @@ namespace brimlet {
 [[nodiscard]] bool isInternalConnector(const QString& name);
 
 /// The screens Qt sees, the primary one first. A screen's number is its place in that list,
-/// counted from 1. No screen has strips beside a notch here.
+/// counted from 1. Only the panel of an Apple laptop that shows its band has strips beside a notch.
 class QtScreens final : public QObject, public Screens {
     Q_OBJECT
 
 public:
-    /// Needs the application object.
-    QtScreens();
+    /// Needs the application object. `root` is the folder that holds the kernel's "proc" and "sys";
+    /// after the construction nothing is read there unless the machine has a notch.
+    explicit QtScreens(QString root = QStringLiteral("/"));
 
     [[nodiscard]] std::vector<Screen> list() const override;
     [[nodiscard]] bool isBuiltIn(std::uint32_t displayNumber) const override;
@@ -33,6 +38,8 @@ private:
     void watch(QScreen* screen);
     void announce();
 
+    QString m_root;
+    std::optional<NotchedPanel> m_panel;
     Observers m_observers;
     bool m_isAnnounceDue = false;
 };
