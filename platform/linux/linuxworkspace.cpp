@@ -14,6 +14,7 @@
 namespace brimlet {
 namespace {
 
+const QString logindName = QStringLiteral("org.freedesktop.login1");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString mutterName = QStringLiteral("org.gnome.Mutter.DisplayConfig");
 const QString mutterPath = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
@@ -51,16 +52,20 @@ const QString powerSaveMode = QStringLiteral("PowerSaveMode");
 
 LinuxWorkspace::LinuxWorkspace(QString drmFolder)
     : m_drmFolder(std::move(drmFolder))
+    , m_logindWatcher(logindName, QDBusConnection::systemBus(),
+                      QDBusServiceWatcher::WatchForUnregistration)
     , m_mutterWatcher(mutterName, QDBusConnection::sessionBus(),
                       QDBusServiceWatcher::WatchForRegistration |
                           QDBusServiceWatcher::WatchForUnregistration) {
-    QDBusConnection::systemBus().connect(
-        QStringLiteral("org.freedesktop.login1"), QStringLiteral("/org/freedesktop/login1"),
-        QStringLiteral("org.freedesktop.login1.Manager"), QStringLiteral("PrepareForSleep"), this,
-        SLOT(machineGoesToSleep(bool)));
+    QDBusConnection::systemBus().connect(logindName, QStringLiteral("/org/freedesktop/login1"),
+                                         QStringLiteral("org.freedesktop.login1.Manager"),
+                                         QStringLiteral("PrepareForSleep"), this,
+                                         SLOT(machineGoesToSleep(bool)));
     QDBusConnection::sessionBus().connect(mutterName, mutterPath, propertiesInterface,
                                           QStringLiteral("PropertiesChanged"), this,
                                           SLOT(mutterChanged(QString, QVariantMap, QStringList)));
+    connect(&m_logindWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
+            [this] { machineGoesToSleep(false); });
     connect(&m_mutterWatcher, &QDBusServiceWatcher::serviceRegistered, this,
             &LinuxWorkspace::askMutter);
     connect(&m_mutterWatcher, &QDBusServiceWatcher::serviceUnregistered, this,

@@ -45,6 +45,7 @@ private:
     void update();
 
     QString m_drmFolder;
+    QDBusServiceWatcher m_logindWatcher;
     QDBusServiceWatcher m_mutterWatcher;
     Observers m_sleepObservers;
     Observers m_wakeObservers;

@@ -105,6 +105,37 @@ private Q_SLOTS:
         QTRY_COMPARE(log(), QStringLiteral("sleep wake"));
     }
 
+    void aLogindThatGoesTakesItsSignAlong() {
+        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        record(workspace);
+        FakeLogind logind;
+        {
+            const BusService service(QStringLiteral("org.freedesktop.login1"),
+                                     QStringLiteral("/org/freedesktop/login1"), logind);
+            Q_EMIT logind.PrepareForSleep(true);
+            QTRY_COMPARE(log(), QStringLiteral("sleep"));
+        }
+        QTRY_COMPARE(log(), QStringLiteral("sleep wake"));
+    }
+
+    void onlyLogindsWordCounts() {
+        FakeLogind logind;
+        FakeLogind stranger;
+        const BusService service(QStringLiteral("org.freedesktop.login1"),
+                                 QStringLiteral("/org/freedesktop/login1"), logind);
+        const BusService other(QStringLiteral("app.brimlet.test.Stranger"),
+                               QStringLiteral("/org/freedesktop/login1"), stranger);
+        QVERIFY(other.isThere());
+        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        record(workspace);
+        Q_EMIT stranger.PrepareForSleep(true);
+        Q_EMIT stranger.PrepareForSleep(false);
+        Q_EMIT logind.PrepareForSleep(true);
+        Q_EMIT logind.PrepareForSleep(false);
+        QTRY_VERIFY(log().endsWith(QStringLiteral("wake")));
+        QCOMPARE(log(), QStringLiteral("sleep wake"));
+    }
+
     void twoHundredPairsAreAllTold() {
         FakeLogind logind;
         const BusService service(QStringLiteral("org.freedesktop.login1"),
