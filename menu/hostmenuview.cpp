@@ -1,0 +1,160 @@
+#include "menu/hostmenuview.h"
+
+#include "creative/notchfont.h"
+#include "host/statusline.h"
+#include "menu/agreementtext.h"
+#include "menu/amounttext.h"
+#include "menu/hostbuttons.h"
+#include "menu/hosttheme.h"
+#include "menu/livedot.h"
+#include "menu/menurows.h"
+#include "menu/menutext.h"
+#include "menu/menutexts.h"
+#include "menu/statuscard.h"
+#include "menu/tokenfield.h"
+#include "platform/starttask.h"
+
+#include <QVBoxLayout>
+
+namespace brimlet {
+namespace {
+
+constexpr int kWidth = 320;
+
+MenuText* dimText(const QString& text = {}) {
+    return new MenuText(NotchFont::tagline(), HostTheme::dim(), text);
+}
+
+MenuText* faintText(const QString& text = {}) {
+    return new MenuText(NotchFont::tagline(), HostTheme::faint(), text);
+}
+
+/// The same colours in every state and role, so that nothing of the desktop's look comes through.
+QPalette darkPalette() {
+    QPalette palette(Qt::white, HostTheme::card(), Qt::white, Qt::black, Qt::gray, Qt::white,
+                     Qt::white, HostTheme::card(), HostTheme::bg());
+    palette.setColor(QPalette::Highlight, HostTheme::accent());
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::PlaceholderText, HostTheme::faint());
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, HostTheme::faint());
+    palette.setColor(QPalette::Disabled, QPalette::Text, HostTheme::faint());
+    return palette;
+}
+
+} // namespace
+
+HostMenuView::HostMenuView(std::shared_ptr<HostStore> store, const CreativeEnvironment& environment)
+    : m_store(std::move(store))
+    , m_live(new LiveDot(false, false))
+    , m_amount(new AmountText)
+    , m_earnings(dimText())
+    , m_notchedOnly(dimText(statusline::notchedOnly()))
+    , m_moveToApplications(
+          dimText(QStringLiteral("Drag this app into Applications. Time only counts from there, so "
+                                 "a copy in Downloads cannot farm the pool.")))
+    , m_card(new StatusCard(environment))
+    , m_statusLine(dimText())
+    , m_recorded(faintText())
+    , m_split(faintText())
+    , m_banked(dimText())
+    , m_agreement(new AgreementText)
+    , m_agree(new HostPrimaryButton(QStringLiteral("I agree · not a guarantee")))
+    , m_draftToken(new TokenField)
+    , m_saveToken(new HostPrimaryButton(QStringLiteral("Save token")))
+    , m_pause(new HostGhostButton(QStringLiteral("Pause ads 24h")))
+    , m_quit(new HostGhostButton(QStringLiteral("Quit"))) {
+    setAccessibleName(QStringLiteral("Brimlet"));
+    setPalette(darkPalette());
+    buildLayout();
+    buildActions();
+    connect(m_store.get(), &HostStore::objectWillChange, this, &HostMenuView::storeWillChange);
+    rebuild();
+}
+
+void HostMenuView::buildLayout() {
+    auto* const title = new QHBoxLayout;
+    title->addWidget(
+        new MenuText(systemFont(15, QFont::DemiBold), Qt::white, QStringLiteral("Brimlet")));
+    title->addStretch();
+    title->addWidget(m_live, 0, Qt::AlignVCenter);
+
+    auto* const earnings = new QVBoxLayout;
+    earnings->setSpacing(6);
+    earnings->addWidget(m_amount);
+    earnings->addWidget(m_earnings);
+    earnings->addWidget(faintText(QStringLiteral("Estimate, not a guarantee")));
+
+    auto* const column = new QVBoxLayout(this);
+    column->setSizeConstraint(QLayout::SetNoConstraint); // it sizes itself
+    column->setContentsMargins(16, 16, 16, 16);
+    column->setSpacing(14);
+    column->addLayout(title);
+    column->addLayout(earnings);
+    for (QWidget* const each : std::initializer_list<QWidget*>{
+             m_notchedOnly, m_moveToApplications, m_card, m_statusLine, m_recorded, m_split,
+             m_banked, m_agreement, m_agree, m_draftToken, m_saveToken, m_pause, m_quit}) {
+        column->addWidget(each);
+    }
+    const std::initializer_list<QWidget*> tabOrder{m_agreement, m_agree, m_draftToken,
+                                                   m_saveToken, m_pause, m_quit};
+    for (const auto* each = tabOrder.begin(); each + 1 != tabOrder.end(); ++each) {
+        setTabOrder(*each, *(each + 1));
+    }
+}
+
+void HostMenuView::buildActions() {
+    connect(m_agree, &QAbstractButton::clicked, this, [this] { startTask(m_store->agree()); });
+    connect(m_saveToken, &QAbstractButton::clicked, this,
+            [this] { m_store->saveToken(m_draftToken->text()); });
+    connect(m_pause, &QAbstractButton::clicked, this, [this] { m_store->pause24h(); });
+    connect(m_quit, &QAbstractButton::clicked, this, &HostMenuView::quitRequested);
+}
+
+void HostMenuView::showEvent(QShowEvent* /*event*/) {
+    m_draftToken->setText(m_store->token());
+    rebuild();
+}
+
+void HostMenuView::hideEvent(QHideEvent* /*event*/) {
+    // Nothing keeps a token that was typed and not saved.
+    m_draftToken->clear();
+}
+
+void HostMenuView::storeWillChange() {
+    if (m_isRebuildDue || !isVisible()) {
+        return;
+    }
+    m_isRebuildDue = true;
+    QMetaObject::invokeMethod(this, &HostMenuView::rebuild, Qt::QueuedConnection);
+}
+
+void HostMenuView::rebuild() {
+    m_isRebuildDue = false;
+    const Assignment& week = m_store->assignment();
+    const MenuRows rows = menuRows(week, m_store->hasNotch());
+    const bool live = m_store->adsVisible();
+    m_live->setLive(live);
+    m_amount->setAmount(eurosShort(week.estimatedCents));
+    m_earnings->setWording(earningsText(week.estimatedCents));
+    m_notchedOnly->setVisible(rows.notchedOnly);
+    m_moveToApplications->setVisible(rows.moveToApplications);
+    m_card->setWeek(week, rows, live);
+    m_statusLine->setWording(m_store->statusLine());
+    m_recorded->setWording(
+        recordedText(week.liveBucketsToday, week.liveBucketsNeeded, week.liveDaysThisWeek));
+    m_split->setWording(splitText(week.liveHostCount));
+    m_split->setVisible(rows.split);
+    m_banked->setWording(bankedText(week.pendingStipendCents));
+    m_banked->setVisible(rows.banked);
+    m_agreement->setWording(week.agreementText);
+    m_agreement->setVisible(rows.agreement && !week.agreementText.isEmpty());
+    m_agree->setVisible(rows.agreement);
+    fitHeight();
+}
+
+void HostMenuView::fitHeight() {
+    layout()->activate();
+    resize(kWidth, layout()->totalHeightForWidth(kWidth));
+}
+
+} // namespace brimlet

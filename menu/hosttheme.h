@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QColor>
+
+namespace brimlet {
+
+/// The menu's own dark colours, whatever the desktop's look; each is made once, on first use.
+class HostTheme final {
+public:
+    /// The ground of the panel.
+    [[nodiscard]] static const QColor& bg();
+    /// The fill of cards, of the token field and of ghost buttons.
+    [[nodiscard]] static const QColor& card();
+    /// Hairlines and outlines.
+    [[nodiscard]] static const QColor& line();
+    /// Secondary text.
+    [[nodiscard]] static const QColor& dim();
+    /// Tertiary text and the idle dot.
+    [[nodiscard]] static const QColor& faint();
+    /// The fill of primary buttons.
+    [[nodiscard]] static const QColor& accent();
+    /// The live indicator.
+    [[nodiscard]] static const QColor& live();
+
+    HostTheme() = delete;
+};
+
+} // namespace brimlet

@@ -1,0 +1,60 @@
+#include "menu/markview.h"
+
+#include "creative/pixelgrid.h"
+#include "menu/hosttheme.h"
+
+#include <QPainter>
+
+namespace brimlet {
+namespace {
+
+constexpr int kMark = 18;
+constexpr int kSquare = 22;
+
+} // namespace
+
+MarkView::MarkView(const CreativeEnvironment& environment)
+    : m_mark(environment.images, kMark) {
+    setFixedSize(kSquare, kSquare);
+    connect(&m_mark, &CreativeMark::changed, this, qOverload<>(&QWidget::update));
+}
+
+void MarkView::setCreative(const std::optional<SlotCreative>& creative) {
+    if (creative) {
+        m_mark.setCreative(creative->assetURL, creative->brandName);
+    } else {
+        m_mark.clear();
+    }
+    if (m_hasCreative != creative.has_value()) {
+        m_hasCreative = creative.has_value();
+        update();
+    }
+}
+
+void MarkView::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(m_hasCreative ? HostTheme::accent() : HostTheme::line());
+    constexpr double kCorner = 6;
+    painter.drawRoundedRect(QRectF(rect()), kCorner, kCorner);
+    if (!m_hasCreative) {
+        return;
+    }
+    // The mark is drawn in whole pixels of the screen, whatever its scale.
+    const QTransform toScreen = painter.deviceTransform();
+    painter.setWorldTransform(toScreen.inverted());
+    constexpr int kMargin = (kSquare - kMark) / 2;
+    const QRectF box(kMargin, kMargin, kMark, kMark);
+    m_mark.paint(painter, snapped(toScreen.mapRect(box)), toScreen.m11());
+}
+
+void MarkView::showEvent(QShowEvent* /*event*/) {
+    m_mark.appear();
+}
+
+void MarkView::hideEvent(QHideEvent* /*event*/) {
+    m_mark.disappear();
+}
+
+} // namespace brimlet

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QScrollArea>
+
+namespace brimlet {
+
+/// The menu for a window that may have less height than it needs, on a small screen: then it
+/// scrolls, and the control with the keyboard is always in sight. Its size hint is the menu's own
+/// size.
+class MenuScroll final : public QScrollArea {
+    Q_OBJECT
+
+public:
+    /// Takes the menu, whose palette becomes its own.
+    explicit MenuScroll(QWidget* menu);
+
+    [[nodiscard]] QSize sizeHint() const override { return widget()->size(); }
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* object, QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+};
+
+} // namespace brimlet

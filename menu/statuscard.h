@@ -1,0 +1,35 @@
+#pragma once
+
+#include "creative/creativeenvironment.h"
+#include "host/assignment.h"
+#include "menu/menurows.h"
+
+#include <QWidget>
+
+namespace brimlet {
+
+class StatusRow;
+
+/// The card that tells which brand is in which slot and whether it shows.
+class StatusCard final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit StatusCard(const CreativeEnvironment& environment);
+
+    /// `rows` says which rows there are; `live`, whether ads show.
+    void setWeek(const Assignment& week, const MenuRows& rows, bool live);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    static void statusRow(StatusRow& row, bool isThere, const std::optional<SlotCreative>& slot,
+                          bool live);
+
+    StatusRow* m_left;
+    StatusRow* m_right;
+    StatusRow* m_noBrand;
+};
+
+} // namespace brimlet

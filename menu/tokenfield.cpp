@@ -1,0 +1,77 @@
+#include "menu/tokenfield.h"
+
+#include "creative/notchfont.h"
+#include "menu/hosttheme.h"
+#include "menu/textlines.h"
+
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QPainter>
+
+namespace brimlet {
+namespace {
+
+constexpr int kHorizontalPadding = 10;
+constexpr int kVerticalPadding = 8;
+/// What Qt keeps free on either side of the text besides.
+constexpr int kOwnMargin = 2;
+
+} // namespace
+
+TokenField::TokenField() {
+    const QString name = QStringLiteral("Host token");
+    setPlaceholderText(name);
+    setAccessibleName(name);
+    setFont(NotchFont::tagline());
+    setFrame(false);
+    QPalette ownGround;
+    ownGround.setColor(QPalette::Base, Qt::transparent);
+    setPalette(ownGround);
+    setEchoMode(Password);
+    // Nothing of it goes into a dictionary.
+    setInputMethodHints(Qt::ImhSensitiveData | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
+    setTextMargins(kHorizontalPadding - kOwnMargin, 0, kHorizontalPadding - kOwnMargin, 0);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+QSize TokenField::sizeHint() const {
+    return {0, lineHeight(font()) + 2 * kVerticalPadding};
+}
+
+QSize TokenField::minimumSizeHint() const {
+    return sizeHint();
+}
+
+void TokenField::paintEvent(QPaintEvent* event) {
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setBrush(HostTheme::card());
+        painter.setPen(QPen(hasFocus() ? HostTheme::accent() : HostTheme::line(), 1));
+        constexpr double kCorner = 10;
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kCorner, kCorner);
+    }
+    QLineEdit::paintEvent(event);
+}
+
+void TokenField::focusInEvent(QFocusEvent* event) {
+    setEchoMode(Normal);
+    QLineEdit::focusInEvent(event);
+}
+
+void TokenField::focusOutEvent(QFocusEvent* event) {
+    // Its own menu takes the keyboard only for a moment.
+    if (event->reason() != Qt::PopupFocusReason) {
+        setEchoMode(Password);
+    }
+    QLineEdit::focusOutEvent(event);
+}
+
+void TokenField::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu* const menu = createStandardContextMenu();
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setPalette(palette());
+    menu->popup(event->globalPos());
+}
+
+} // namespace brimlet

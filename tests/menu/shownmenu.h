@@ -1,0 +1,129 @@
+#pragma once
+
+#include "creative/creativeimagecache.h"
+#include "menu/hostmenuview.h"
+#include "tests/support/hostfixture.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLabel>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace brimlet {
+
+/// A menu over a store whose every port is a fake. The service's replies are what a test says.
+class ShownMenu final {
+public:
+    ShownMenu() {
+        m_caches.folder = m_folder.filePath(QStringLiteral("caches"));
+        reply(liveWeek());
+    }
+
+    HostFixture host;
+
+    /// A host's reply in the middle of a good week.
+    [[nodiscard]] static QJsonObject liveWeek() {
+        return {{QStringLiteral("weekStatus"), QStringLiteral("live")},
+                {QStringLiteral("estimatedCents"), 1234},
+                {QStringLiteral("pendingStipendCents"), 1500},
+                {QStringLiteral("liveHostCount"), 42},
+                {QStringLiteral("liveDaysThisWeek"), 3},
+                {QStringLiteral("liveBucketsToday"), 2},
+                {QStringLiteral("liveBucketsNeeded"), 4},
+                {QStringLiteral("agreed"), true},
+                {QStringLiteral("fromApplications"), true},
+                {QStringLiteral("creatives"),
+                 QJsonArray{creative("left", "Quiet Bicycle"), creative("right", "Palindrome")}}};
+    }
+    [[nodiscard]] static QJsonObject creative(const char* slot, const QString& brand) {
+        return {{QStringLiteral("slotId"), QString::fromLatin1(slot)},
+                {QStringLiteral("brandName"), brand}};
+    }
+    [[nodiscard]] static QJsonObject creative(const char* slot, const char* brand) {
+        return creative(slot, QString::fromUtf8(brand));
+    }
+    [[nodiscard]] static QJsonObject with(QJsonObject week, const char* key,
+                                          const QJsonValue& value) {
+        week[QString::fromLatin1(key)] = value;
+        return week;
+    }
+
+    /// What the service answers from now on.
+    void reply(const QJsonObject& week) {
+        const QByteArray body = QJsonDocument(week).toJson(QJsonDocument::Compact);
+        for (const char* path :
+             {"/api/display", "/api/host/heartbeat", "/api/host/me", "/api/host/agree"}) {
+            host.http.answer(QString::fromLatin1(path), 200, body);
+        }
+    }
+    /// The store, with a token unless told otherwise, made at the first use.
+    [[nodiscard]] const std::shared_ptr<HostStore>& store() {
+        if (!m_store) {
+            if (hasToken) {
+                host.keepToken("kept-token");
+            }
+            m_store = host.makeStore();
+        }
+        return m_store;
+    }
+    /// Fetches what the service answers.
+    void poll() { startTask(store()->refreshEstimate()); }
+    /// The view as it is after a poll, shown.
+    HostMenuView& show() {
+        poll();
+        view().show();
+        m_window.show();
+        return view();
+    }
+    [[nodiscard]] HostMenuView& view() {
+        if (!m_view) {
+            m_view = new HostMenuView(store(),
+                                      CreativeEnvironment{m_images, host.clock, m_reduceMotion});
+            m_view->setParent(&m_window);
+        }
+        return *m_view;
+    }
+
+    bool hasToken = true;
+
+    /// The texts that are shown, from top to bottom.
+    [[nodiscard]] QStringList texts() {
+        QStringList texts;
+        for (const QLabel* const label : view().findChildren<QLabel*>()) {
+            if (label->isVisibleTo(&view())) {
+                texts << label->accessibleName();
+            }
+        }
+        return texts;
+    }
+    template <typename Widget>
+    [[nodiscard]] Widget* named(const QString& name) {
+        for (Widget* const each : view().findChildren<Widget*>()) {
+            if (each->accessibleName() == name) {
+                return each;
+            }
+        }
+        return nullptr;
+    }
+    [[nodiscard]] QImage picture(double devicePixelRatio) {
+        QImage image(view().size() * devicePixelRatio, QImage::Format_RGB32);
+        image.setDevicePixelRatio(devicePixelRatio);
+        image.fill(view().palette().color(QPalette::Window));
+        view().render(&image, {}, {}, QWidget::DrawChildren);
+        return image;
+    }
+
+private:
+    QTemporaryDir m_folder;
+    FakeCachesFolder m_caches;
+    FakeReduceMotion m_reduceMotion;
+    CreativeImageCache m_images{{host.http, m_caches}, 1};
+    std::shared_ptr<HostStore> m_store;
+    QWidget m_window;
+    HostMenuView* m_view = nullptr; ///< The window's.
+};
+
+} // namespace brimlet

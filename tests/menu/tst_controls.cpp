@@ -1,0 +1,295 @@
+#include "creative/notchfont.h"
+#include "menu/amounttext.h"
+#include "menu/hostbuttons.h"
+#include "menu/hosttheme.h"
+#include "menu/livedot.h"
+#include "menu/menutext.h"
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QTest>
+
+using namespace brimlet;
+
+namespace {
+
+/// The widget as it looks on the menu's ground, or on another.
+QImage pictureOf(QWidget& widget, double devicePixelRatio = 1,
+                 const QColor& ground = HostTheme::bg()) {
+    QImage image(widget.size() * devicePixelRatio, QImage::Format_RGB32);
+    image.setDevicePixelRatio(devicePixelRatio);
+    image.fill(ground);
+    widget.render(&image, {}, {}, QWidget::DrawChildren);
+    return image;
+}
+
+QColor over(const QColor& top, const QColor& ground) {
+    QImage image(1, 1, QImage::Format_RGB32);
+    image.fill(ground);
+    QPainter(&image).fillRect(image.rect(), top);
+    return image.pixelColor(0, 0);
+}
+
+QColor withOpacity(QColor color, float opacity) {
+    color.setAlphaF(opacity);
+    return color;
+}
+
+bool isAbout(const QColor& a, const QColor& b) {
+    return qAbs(a.red() - b.red()) <= 2 && qAbs(a.green() - b.green()) <= 2 &&
+           qAbs(a.blue() - b.blue()) <= 2;
+}
+
+/// Columns from the first to the last that differ from the ground in this row.
+std::pair<int, int> extent(const QImage& image, int row) {
+    int first = -1;
+    int last = -1;
+    for (int x = 0; x < image.width(); ++x) {
+        if (!isAbout(image.pixelColor(x, row), image.pixelColor(0, 0))) {
+            first = first < 0 ? x : first;
+            last = x;
+        }
+    }
+    return {first, last};
+}
+
+void press(HostButton& button) {
+    button.resize(288, button.sizeHint().height());
+    button.setDown(true);
+}
+
+} // namespace
+
+class TestControls final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void thePaletteIsTheMenusOwn_data() {
+        QTest::addColumn<QColor>("color");
+        QTest::addColumn<QColor>("wanted");
+        QTest::newRow("bg") << HostTheme::bg() << QColor::fromRgbF(0.07F, 0.07F, 0.07F);
+        QTest::newRow("card") << HostTheme::card() << QColor::fromRgbF(0.1F, 0.1F, 0.1F);
+        QTest::newRow("line") << HostTheme::line() << QColor::fromRgbF(1, 1, 1, 0.08F);
+        QTest::newRow("dim") << HostTheme::dim() << QColor::fromRgbF(1, 1, 1, 0.55F);
+        QTest::newRow("faint") << HostTheme::faint() << QColor::fromRgbF(1, 1, 1, 0.42F);
+        QTest::newRow("accent") << HostTheme::accent() << QColor::fromRgbF(0.24F, 0.42F, 1);
+        QTest::newRow("live") << HostTheme::live() << QColor::fromRgbF(0.19F, 0.82F, 0.35F);
+    }
+    void thePaletteIsTheMenusOwn() {
+        QFETCH(QColor, color);
+        QFETCH(QColor, wanted);
+        QCOMPARE(color, wanted);
+    }
+
+    void theDotTellsItsState_data() {
+        QTest::addColumn<bool>("live");
+        QTest::addColumn<bool>("compact");
+        QTest::addColumn<QString>("word");
+        QTest::addColumn<int>("size");
+        const QString live = QStringLiteral("Live");
+        const QString unfilled = QStringLiteral("Unfilled");
+        QTest::newRow("live") << true << false << live << 12;
+        QTest::newRow("live, compact") << true << true << live << 11;
+        QTest::newRow("unfilled") << false << false << unfilled << 12;
+        QTest::newRow("unfilled, compact") << false << true << unfilled << 11;
+    }
+    void theDotTellsItsState() {
+        QFETCH(bool, live);
+        QFETCH(bool, compact);
+        QFETCH(QString, word);
+        QFETCH(int, size);
+        LiveDot dot(live, compact);
+        QCOMPARE(dot.accessibleName(), word);
+        QCOMPARE(dot.font().pixelSize(), size);
+        QCOMPARE(dot.font().weight(), QFont::Medium);
+        dot.resize(dot.sizeHint());
+        QCOMPARE(dot.width(), 7 + 5 + qCeil(QFontMetricsF(dot.font()).horizontalAdvance(word)));
+        // A circle of seven points, centred upright, then five points of nothing.
+        const QImage picture = pictureOf(dot, 4);
+        const QColor wanted = live ? HostTheme::live() : over(HostTheme::faint(), HostTheme::bg());
+        QVERIFY(isAbout(picture.pixelColor(14, picture.height() / 2), wanted));
+        const auto [first, last] =
+            extent(picture.copy(0, 0, 4 * 12, picture.height()), picture.height() / 2);
+        QVERIFY(first <= 1);
+        QVERIFY(last == 27 || last == 28);
+    }
+
+    void aDotThatIsNotLiveIsGreyWhiteWithADimSmallWord() {
+        LiveDot dot(false, true);
+        dot.resize(dot.sizeHint());
+        const QImage picture = pictureOf(dot, 8);
+        QVERIFY(isAbout(picture.pixelColor(28, picture.height() / 2),
+                        over(HostTheme::faint(), HostTheme::bg())));
+        // The brightest of the word is its colour.
+        int brightest = 0;
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 12 * 8; x < picture.width(); ++x) {
+                brightest = qMax(brightest, picture.pixelColor(x, y).red());
+            }
+        }
+        QVERIFY(qAbs(brightest - over(HostTheme::dim(), HostTheme::bg()).red()) <= 2);
+        QCOMPARE(dot.font().pixelSize(), 11);
+    }
+
+    void aDotThatChangesIsItsNewState() {
+        LiveDot dot(false, false);
+        dot.setLive(true);
+        QVERIFY(dot.live());
+        QCOMPARE(dot.accessibleName(), QStringLiteral("Live"));
+        const LiveDot fresh(true, false);
+        QCOMPARE(dot.sizeHint(), fresh.sizeHint());
+    }
+
+    void buttonsAreCapsulesInTheirColours() {
+        HostPrimaryButton primary(QStringLiteral("I"));
+        HostGhostButton ghost(QStringLiteral("I"));
+        QCOMPARE(primary.font().weight(), QFont::DemiBold);
+        QCOMPARE(ghost.font().weight(), QFont::Medium);
+        for (HostButton* const button : std::initializer_list<HostButton*>{&primary, &ghost}) {
+            QCOMPARE(button->font().pixelSize(), 13);
+            const int text = qCeil(QFontMetricsF(button->font()).lineSpacing());
+            QCOMPARE(button->sizeHint().height(), text + 18);
+            button->resize(288, button->sizeHint().height());
+            const QImage picture = pictureOf(*button);
+            QVERIFY(isAbout(picture.pixelColor(0, 0), HostTheme::bg()));
+            QVERIFY(isAbout(picture.pixelColor(287, picture.height() - 1), HostTheme::bg()));
+        }
+        QVERIFY(isAbout(pictureOf(primary).pixelColor(40, 10), HostTheme::accent()));
+        QVERIFY(isAbout(pictureOf(ghost).pixelColor(40, 10), HostTheme::card()));
+        // The ghost's outline, one point wide.
+        QVERIFY(isAbout(pictureOf(ghost).pixelColor(40, 0),
+                        over(HostTheme::line(), HostTheme::card())));
+        QVERIFY(isAbout(pictureOf(ghost).pixelColor(40, 1), HostTheme::card()));
+    }
+
+    void aPressedButtonIsFainterAndSmaller() {
+        HostPrimaryButton primary(QStringLiteral("I"));
+        HostGhostButton ghost(QStringLiteral("I"));
+        press(primary);
+        press(ghost);
+        const QColor ground = Qt::black;
+        const QImage picture = pictureOf(primary, 1, ground);
+        QVERIFY(isAbout(picture.pixelColor(40, 10),
+                        over(withOpacity(HostTheme::accent(), 0.85F), ground)));
+        QVERIFY(isAbout(pictureOf(ghost, 1, ground).pixelColor(40, 10),
+                        over(withOpacity(HostTheme::card(), 0.7F), ground)));
+        // 0.96 of 288 points about the centre: 5.76 points stay free at either end.
+        const auto [first, last] = extent(picture, picture.height() / 2);
+        QVERIFY2(qAbs(first - 6) <= 1 && qAbs(last - 281) <= 1,
+                 qPrintable(QStringLiteral("%1 %2").arg(first).arg(last)));
+        primary.setDown(false);
+        QVERIFY(isAbout(pictureOf(primary, 1, ground).pixelColor(40, 10), HostTheme::accent()));
+        QCOMPARE(extent(pictureOf(primary, 1, ground), picture.height() / 2).first, 0);
+    }
+
+    void buttonsSideBySideShareTheWidthEqually() {
+        QWidget row;
+        auto* const layout = new QHBoxLayout(&row);
+        layout->setContentsMargins({});
+        layout->setSpacing(8);
+        auto* const primary = new HostPrimaryButton(QStringLiteral("A rather long label"));
+        auto* const ghost = new HostGhostButton(QStringLiteral("Short"));
+        layout->addWidget(primary);
+        layout->addWidget(ghost);
+        row.resize(408, 40);
+        layout->activate();
+        QCOMPARE(primary->width(), 200);
+        QCOMPARE(ghost->width(), 200);
+    }
+
+    void focusCanBeSeen() {
+        for (const bool isPrimary : {true, false}) {
+            std::unique_ptr<HostButton> button;
+            if (isPrimary) {
+                button = std::make_unique<HostPrimaryButton>(QStringLiteral("I"));
+            } else {
+                button = std::make_unique<HostGhostButton>(QStringLiteral("I"));
+            }
+            button->resize(288, button->sizeHint().height());
+            const QImage before = pictureOf(*button);
+            button->show();
+            QVERIFY(QTest::qWaitForWindowActive(button.get()));
+            button->setFocus();
+            QVERIFY(pictureOf(*button).pixelColor(40, 3).red() >
+                    before.pixelColor(40, 3).red() + 100);
+            QVERIFY(pictureOf(*button) != before);
+        }
+    }
+
+    void theAmountsDigitsAreEquallyWide() {
+        AmountText amount;
+        QCOMPARE(amount.font().pixelSize(), 44);
+        QCOMPARE(amount.font().weight(), QFont::Bold);
+        const auto widthOf = [&amount](const char* text) {
+            amount.setAmount(QString::fromUtf8(text));
+            return amount.sizeHint().width();
+        };
+        QCOMPARE(widthOf("€11.11"), widthOf("€88.88"));
+        QVERIFY(widthOf("€111.11") > widthOf("€11.11"));
+        // Letters stand 1.2 points closer than they would.
+        const QFontMetricsF metrics(amount.font());
+        double widestDigit = 0;
+        for (char digit = '0'; digit <= '9'; ++digit) {
+            widestDigit = qMax(widestDigit, metrics.horizontalAdvance(QLatin1Char(digit)));
+        }
+        const double euro = metrics.horizontalAdvance(QChar(0x20AC));
+        QCOMPARE(widthOf("€15"), qCeil(euro + 2 * widestDigit - 3 * 1.2));
+    }
+
+    void anAmountWiderThanTheMenuGoesOnBelow() {
+        AmountText amount;
+        amount.setAmount(QStringLiteral("€12.34"));
+        const int line = amount.heightForWidth(288);
+        amount.setAmount(QStringLiteral("€92233720368547760.00"));
+        const int height = amount.heightForWidth(288);
+        QVERIFY(height >= 2 * line);
+        QCOMPARE(height % line, 0);
+        amount.resize(288, height);
+        // Its last line has something on it, and nothing goes over the edge.
+        const QImage picture = pictureOf(amount);
+        QVERIFY(extent(picture, height - line / 2).first >= 0);
+        for (int y = 0; y < height; ++y) {
+            QVERIFY(extent(picture, y).second < 287);
+        }
+    }
+
+    void theAmountIsOnePhraseToAScreenReader() {
+        AmountText amount;
+        amount.setAmount(QStringLiteral("€12.34"));
+        QAccessibleInterface* const heard = QAccessible::queryAccessibleInterface(&amount);
+        QCOMPARE(heard->text(QAccessible::Name), QStringLiteral("€12.34"));
+        QCOMPARE(heard->role(), QAccessible::StaticText);
+        QCOMPARE(heard->childCount(), 0);
+    }
+
+    void buttonsAndDotsHaveNameAndRole() {
+        HostGhostButton quit(QStringLiteral("Quit"));
+        QAccessibleInterface* const button = QAccessible::queryAccessibleInterface(&quit);
+        QCOMPARE(button->role(), QAccessible::Button);
+        QCOMPARE(button->text(QAccessible::Name), QStringLiteral("Quit"));
+        QVERIFY(button->actionInterface()->actionNames().contains(
+            QAccessibleActionInterface::pressAction()));
+        LiveDot dot(true, false);
+        QAccessibleInterface* const state = QAccessible::queryAccessibleInterface(&dot);
+        QCOMPARE(state->role(), QAccessible::StaticText);
+        QCOMPARE(state->text(QAccessible::Name), QStringLiteral("Live"));
+    }
+
+    void aTextLongerThanItsLinesEndsWithAnEllipsis() {
+        MenuText text(systemFont(12, QFont::DemiBold), Qt::white,
+                      QStringLiteral("some words ").repeated(100));
+        const int line = MenuText(text.font(), Qt::white, QStringLiteral("A")).heightForWidth(200);
+        text.setMostLines(2);
+        QCOMPARE(text.heightForWidth(200), 2 * line);
+        text.resize(200, 2 * line);
+        const QImage cut = pictureOf(text);
+        MenuText whole(text.font(), Qt::white, QStringLiteral("some words ").repeated(100));
+        whole.resize(200, 2 * line);
+        QVERIFY(cut != pictureOf(whole));
+        QCOMPARE(cut.copy(0, 0, 200, line), pictureOf(whole).copy(0, 0, 200, line));
+    }
+};
+
+QTEST_MAIN(TestControls)
+#include "tst_controls.moc"

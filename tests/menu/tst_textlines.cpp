@@ -1,0 +1,130 @@
+#include "menu/textlines.h"
+
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QTest>
+
+using namespace brimlet;
+
+namespace {
+
+QFont font() {
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(11);
+    return font;
+}
+
+QStringList linesOf(const QString& text, int width) {
+    QStringList lines;
+    for (const TextSpan& line : wrapText(text, font(), width)) {
+        lines << text.mid(line.start, line.length);
+    }
+    return lines;
+}
+
+} // namespace
+
+class TestTextLines final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void breaksAndControlsAreMadePlain_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("plain");
+        const auto row = [](const char* name, const QString& text, const QString& plain) {
+            QTest::newRow(name) << text << plain;
+        };
+        row("nothing", QString(), QString());
+        row("words", QStringLiteral("a b"), QStringLiteral("a b"));
+        row("line feed", QStringLiteral("a\nb"), QStringLiteral("a\nb"));
+        row("carriage return", QStringLiteral("a\rb"), QStringLiteral("a\nb"));
+        row("both", QStringLiteral("a\r\n\r\nb"), QStringLiteral("a\n\nb"));
+        row("separators", QStringLiteral("a\u2028b\u2029c"), QStringLiteral("a\nb\nc"));
+        row("tabulator and bell", QStringLiteral("a\tb\ac"), QStringLiteral("a b c"));
+        row("null", QStringLiteral("a") + QChar(QChar::Null) + QStringLiteral("b"),
+            QStringLiteral("a b"));
+        row("C1", QStringLiteral("a\u0085b"), QStringLiteral("a b"));
+    }
+    void breaksAndControlsAreMadePlain() {
+        QFETCH(QString, text);
+        QFETCH(QString, plain);
+        QCOMPARE(wrappableText(text), plain);
+    }
+
+    void wordsStayWholeWhereTheyCan() {
+        const QStringList lines = linesOf(QStringLiteral("one two three four five six"), 60);
+        QVERIFY(lines.size() > 1);
+        for (const QString& line : lines) {
+            QVERIFY(QStringLiteral("one two three four five six ").contains(line.trimmed() + u' '));
+            QVERIFY(QFontMetricsF(font()).horizontalAdvance(line.trimmed()) <= 60);
+        }
+        QCOMPARE(lines.join(QString()), QStringLiteral("one two three four five six"));
+    }
+
+    void aWordWiderThanALineIsBroken() {
+        const QString word(200, u'W');
+        const QStringList lines = linesOf(word, 100);
+        QVERIFY(lines.size() > 10);
+        QCOMPARE(lines.join(QString()), word);
+        for (const QString& line : lines) {
+            QVERIFY(QFontMetricsF(font()).horizontalAdvance(line) <= 100);
+        }
+    }
+
+    void paragraphsBeginALineEach() {
+        QCOMPARE(linesOf(QStringLiteral("one\n\ntwo\n"), 100),
+                 (QStringList{QStringLiteral("one"), QString(), QStringLiteral("two"), QString()}));
+        QCOMPARE(linesOf(QString(), 100), QStringList{QString()});
+    }
+
+    void aParagraphIsReadFromItsOwnSide() {
+        const auto lines = wrapText(QStringLiteral("left\nשלום עולם"), font(), 200);
+        QCOMPARE(lines.size(), std::size_t{2});
+        QVERIFY(!lines.at(0).isRightToLeft);
+        QVERIFY(lines.at(1).isRightToLeft);
+    }
+
+    void aLongParagraphBreaksAsIfLaidOutAtOnce() {
+        // Longer than what is laid out at a time, so that pieces are joined in the middle of it.
+        QString text;
+        for (int i = 0; text.size() < 20'000; ++i) {
+            text += QStringLiteral("word%1 ").arg(i * i);
+        }
+        const QStringList lines = linesOf(text, 288);
+        QCOMPARE(lines.join(QString()), text);
+        const QFontMetricsF metrics(font());
+        for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
+            QVERIFY(metrics.horizontalAdvance(lines.at(i).trimmed()) <= 288);
+            // The next line's first word would not have fitted any more.
+            const QString more = lines.at(i) + lines.at(i + 1).section(u' ', 0, 0);
+            QVERIFY2(metrics.horizontalAdvance(more) > 286, qPrintable(more));
+        }
+    }
+
+    void itEndsEarlyWhenThatIsEnough() {
+        const QString text = QStringLiteral("some words ").repeated(100'000);
+        const auto lines = wrapText(text, font(), 288, 7);
+        QVERIFY(lines.size() >= 7);
+        // One piece of two thousand characters, not the million.
+        QVERIFY(lines.size() < 100);
+    }
+
+    void noTextAtAllHangsIt() {
+        const QString zalgo = QStringLiteral("Z") + QString(5000, QChar(0x0321));
+        for (const QString& text :
+             {zalgo, QString(5000, QChar(0x200B)), QString(5000, QChar(0x202E)),
+              QString(3000, QChar(0xD800)), QString(5000, u' '), QString(5000, u'\n')}) {
+            for (const int width : {1, 60, 288}) {
+                qsizetype total = 0;
+                for (const TextSpan& line : wrapText(text, font(), width)) {
+                    QVERIFY(line.start >= 0 && line.start + line.length <= text.size());
+                    total += line.length;
+                }
+                QVERIFY(total <= text.size());
+            }
+        }
+    }
+};
+
+QTEST_MAIN(TestTextLines)
+#include "tst_textlines.moc"
