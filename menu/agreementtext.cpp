@@ -11,6 +11,8 @@ namespace brimlet {
 namespace {
 
 constexpr int kHighest = 90;
+/// Lines that are made at a time: far more than an agreement has that was written to be read.
+constexpr int kLines = 300;
 /// Between the text and the bar.
 constexpr int kGap = 4;
 
@@ -19,7 +21,7 @@ constexpr int kGap = 4;
 AgreementText::AgreementText()
     : m_text(new MenuText(NotchFont::tagline(), HostTheme::dim()))
     , m_bar(new SlimScrollBar) {
-    setAccessibleName(QStringLiteral("Host agreement"));
+    setAccessibleName(tr("Host agreement"));
     setFrameShape(NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBar(m_bar);
@@ -29,12 +31,14 @@ AgreementText::AgreementText()
     setSizePolicy(policy);
     setWidget(m_text);
     m_text->setAutoFillBackground(false);
+    connect(m_bar, &QScrollBar::valueChanged, this, &AgreementText::growAtTheEnd);
 }
 
 void AgreementText::setWording(const QString& text) {
     if (text == m_text->accessibleName()) {
         return;
     }
+    m_text->setFirstLines(kLines);
     m_text->setWording(text);
     m_bar->setValue(0);
     fitText();
@@ -56,6 +60,13 @@ void AgreementText::fitText() {
     setFocusPolicy(isLong ? Qt::StrongFocus : Qt::NoFocus);
     setVerticalScrollBarPolicy(isLong ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
     m_text->resize(column, m_text->heightForWidth(column));
+}
+
+void AgreementText::growAtTheEnd() {
+    if (m_bar->maximum() > 0 && m_bar->value() + kHighest >= m_bar->maximum()) {
+        m_text->growBy(kLines);
+        m_text->resize(m_text->width(), m_text->heightForWidth(m_text->width()));
+    }
 }
 
 void AgreementText::resizeEvent(QResizeEvent* event) {

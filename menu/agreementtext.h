@@ -8,7 +8,8 @@ class MenuText;
 class SlimScrollBar;
 
 /// The host agreement: wrapped, at most 90 points high, and scrolled beyond. It takes the keyboard
-/// only while there is something to scroll.
+/// only while there is something to scroll. A text without end is shown at once, and goes on as it
+/// is scrolled through.
 class AgreementText final : public QScrollArea {
     Q_OBJECT
 
@@ -30,6 +31,7 @@ protected:
 
 private:
     void fitText();
+    void growAtTheEnd();
 
     MenuText* m_text;
     SlimScrollBar* m_bar;

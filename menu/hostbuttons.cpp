@@ -48,7 +48,7 @@ void HostButton::paintEvent(QPaintEvent* /*event*/) {
         painter.translate(-box.center());
     }
     paintCapsule(painter, capsulePath(box));
-    if (hasFocus()) {
+    if (hasFocus() && m_isFocusMarked) {
         painter.setBrush(Qt::NoBrush);
         painter.strokePath(capsulePath(box.adjusted(3, 3, -3, -3)), QPen(Qt::white, 1.5));
     }
@@ -57,7 +57,16 @@ void HostButton::paintEvent(QPaintEvent* /*event*/) {
     painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
 }
 
+void HostButton::focusInEvent(QFocusEvent* event) {
+    m_isFocusMarked = event->reason() != Qt::MouseFocusReason;
+    QAbstractButton::focusInEvent(event);
+}
+
 void HostButton::keyPressEvent(QKeyEvent* event) {
+    if (!m_isFocusMarked) {
+        m_isFocusMarked = true;
+        update();
+    }
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         if (!event->isAutoRepeat()) {
             click();

@@ -5,7 +5,8 @@
 namespace brimlet {
 
 /// A button of the menu: as wide as it can be, a capsule with its label in the middle, smaller
-/// while it is pressed. Space, Enter and a click press it.
+/// while it is pressed. Space, Enter and a click press it. A ring shows that it has the keyboard,
+/// unless a click gave it that.
 class HostButton : public QAbstractButton {
     Q_OBJECT
 
@@ -20,7 +21,11 @@ protected:
     virtual void paintCapsule(QPainter& painter, const QPainterPath& capsule) const = 0;
 
     void paintEvent(QPaintEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    bool m_isFocusMarked = true;
 };
 
 /// What the host should do.

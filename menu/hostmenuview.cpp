@@ -50,20 +50,20 @@ HostMenuView::HostMenuView(std::shared_ptr<HostStore> store, const CreativeEnvir
     , m_earnings(dimText())
     , m_notchedOnly(dimText(statusline::notchedOnly()))
     , m_moveToApplications(
-          dimText(QStringLiteral("Drag this app into Applications. Time only counts from there, so "
-                                 "a copy in Downloads cannot farm the pool.")))
+          dimText(tr("Drag this app into Applications. Time only counts from there, so "
+                     "a copy in Downloads cannot farm the pool.")))
     , m_card(new StatusCard(environment))
     , m_statusLine(dimText())
     , m_recorded(faintText())
     , m_split(faintText())
     , m_banked(dimText())
     , m_agreement(new AgreementText)
-    , m_agree(new HostPrimaryButton(QStringLiteral("I agree · not a guarantee")))
+    , m_agree(new HostPrimaryButton(tr("I agree · not a guarantee")))
     , m_draftToken(new TokenField)
-    , m_saveToken(new HostPrimaryButton(QStringLiteral("Save token")))
-    , m_pause(new HostGhostButton(QStringLiteral("Pause ads 24h")))
-    , m_quit(new HostGhostButton(QStringLiteral("Quit"))) {
-    setAccessibleName(QStringLiteral("Brimlet"));
+    , m_saveToken(new HostPrimaryButton(tr("Save token")))
+    , m_pause(new HostGhostButton(tr("Pause ads 24h")))
+    , m_quit(new HostGhostButton(tr("Quit"))) {
+    setAccessibleName(tr("Brimlet"));
     setPalette(darkPalette());
     buildLayout();
     buildActions();
@@ -73,8 +73,7 @@ HostMenuView::HostMenuView(std::shared_ptr<HostStore> store, const CreativeEnvir
 
 void HostMenuView::buildLayout() {
     auto* const title = new QHBoxLayout;
-    title->addWidget(
-        new MenuText(systemFont(15, QFont::DemiBold), Qt::white, QStringLiteral("Brimlet")));
+    title->addWidget(new MenuText(systemFont(15, QFont::DemiBold), Qt::white, tr("Brimlet")));
     title->addStretch();
     title->addWidget(m_live, 0, Qt::AlignVCenter);
 
@@ -82,7 +81,7 @@ void HostMenuView::buildLayout() {
     earnings->setSpacing(6);
     earnings->addWidget(m_amount);
     earnings->addWidget(m_earnings);
-    earnings->addWidget(faintText(QStringLiteral("Estimate, not a guarantee")));
+    earnings->addWidget(faintText(tr("Estimate, not a guarantee")));
 
     auto* const column = new QVBoxLayout(this);
     column->setSizeConstraint(QLayout::SetNoConstraint); // it sizes itself
@@ -117,7 +116,7 @@ void HostMenuView::showEvent(QShowEvent* /*event*/) {
 
 void HostMenuView::hideEvent(QHideEvent* /*event*/) {
     // Nothing keeps a token that was typed and not saved.
-    m_draftToken->clear();
+    m_draftToken->setText(QString()); // unlike clear() it cannot be undone
 }
 
 void HostMenuView::storeWillChange() {
@@ -146,7 +145,7 @@ void HostMenuView::rebuild() {
     m_split->setVisible(rows.split);
     m_banked->setWording(bankedText(week.pendingStipendCents));
     m_banked->setVisible(rows.banked);
-    m_agreement->setWording(week.agreementText);
+    m_agreement->setWording(rows.agreement ? week.agreementText : QString());
     m_agreement->setVisible(rows.agreement && !week.agreementText.isEmpty());
     m_agree->setVisible(rows.agreement);
     fitHeight();

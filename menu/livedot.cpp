@@ -15,7 +15,7 @@ constexpr int kDot = 7;
 constexpr int kSpacing = 5;
 
 QString wordFor(bool live) {
-    return live ? QStringLiteral("Live") : QStringLiteral("Unfilled");
+    return live ? LiveDot::tr("Live") : LiveDot::tr("Unfilled");
 }
 
 } // namespace

@@ -2,19 +2,24 @@
 
 #include "menu/slimscrollbar.h"
 
+#include <QApplication>
 #include <QEvent>
+#include <QScrollBar>
 
 namespace brimlet {
 
 MenuScroll::MenuScroll(QWidget* menu) {
     setPalette(menu->palette());
     setFrameShape(NoFrame);
-    setFocusPolicy(Qt::NoFocus);
+    setFocusPolicy(Qt::ClickFocus);
+    horizontalScrollBar()->setEnabled(false); // what the bar hides on the right is margin
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBar(new SlimScrollBar);
     viewport()->setAutoFillBackground(false);
     setWidget(menu);
     menu->setAutoFillBackground(false);
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget* /*before*/, QWidget* now) { follow(now); });
 }
 
 void MenuScroll::showEvent(QShowEvent* event) {
@@ -29,13 +34,11 @@ bool MenuScroll::eventFilter(QObject* object, QEvent* event) {
     return QScrollArea::eventFilter(object, event);
 }
 
-bool MenuScroll::focusNextPrevChild(bool next) {
-    const bool isMoved = QScrollArea::focusNextPrevChild(next);
-    if (QWidget* const focused = focusWidget()) {
+void MenuScroll::follow(QWidget* focused) {
+    if (focused != nullptr && widget()->isAncestorOf(focused)) {
         constexpr int kMargin = 16;
         ensureWidgetVisible(focused, 0, kMargin);
     }
-    return isMoved;
 }
 
 } // namespace brimlet

@@ -19,7 +19,9 @@ public:
 protected:
     void showEvent(QShowEvent* event) override;
     bool eventFilter(QObject* object, QEvent* event) override;
-    bool focusNextPrevChild(bool next) override;
+
+private:
+    void follow(QWidget* focused);
 };
 
 } // namespace brimlet

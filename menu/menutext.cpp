@@ -5,15 +5,18 @@
 #include <QTextLayout>
 
 #include <algorithm>
-#include <limits>
 
 namespace brimlet {
 namespace {
 
 /// Draws one line where its upper left corner is; a line of a paragraph that is read from the right
-/// stands at the left like the others.
+/// stands at the left like the others, without the blanks that follow its last word.
 void drawLine(QPainter& painter, const QString& text, bool isRightToLeft, QPointF at) {
-    QTextLayout layout(text, painter.font());
+    qsizetype length = text.size();
+    while (length > 0 && text.at(length - 1).isSpace()) {
+        --length;
+    }
+    QTextLayout layout(text.left(length), painter.font());
     QTextOption option;
     option.setWrapMode(QTextOption::NoWrap);
     option.setTextDirection(isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
@@ -44,30 +47,44 @@ void MenuText::setWording(const QString& text) {
     }
     setAccessibleName(text);
     m_text = wrappableText(text);
-    m_linesWidth = -1;
+    m_wrapped = {};
     updateGeometry();
     update();
 }
 
-const std::vector<TextSpan>& MenuText::linesFor(int width) const {
-    if (m_linesWidth != width) {
-        // One more than is shown tells whether that is all.
-        const auto enough = m_mostLines > 0 ? static_cast<std::size_t>(m_mostLines) + 1
-                                            : std::numeric_limits<std::size_t>::max();
-        m_lines = wrapText(m_text, font(), std::max(1, width), enough);
-        m_linesWidth = width;
+void MenuText::setMostLines(int lines) {
+    m_mostLines = lines;
+    m_enoughLines = lines + 1; // one more tells whether that is all
+}
+
+void MenuText::setFirstLines(int lines) {
+    m_enoughLines = lines;
+}
+
+void MenuText::growBy(int lines) {
+    m_enoughLines = static_cast<int>(m_wrapped.lines.size()) + lines;
+}
+
+const WrappedText& MenuText::wrappedFor(int width) const {
+    if (m_wrappedWidth != width) {
+        m_wrapped = {};
+        m_wrappedWidth = width;
     }
-    return m_lines;
+    wrapText(m_wrapped, m_text, font(), std::max(1, width),
+             static_cast<std::size_t>(m_enoughLines));
+    return m_wrapped;
 }
 
 bool MenuText::isHigher(int width, int height) const {
-    const auto fitting = static_cast<std::size_t>(height / lineHeight(font()));
-    return wrapText(m_text, font(), std::max(1, width), fitting + 1).size() > fitting;
+    const int enough = height / lineHeight(font()) + 1;
+    WrappedText start;
+    wrapText(start, m_text, font(), std::max(1, width), static_cast<std::size_t>(enough));
+    return static_cast<int>(start.lines.size()) >= enough;
 }
 
 int MenuText::heightForWidth(int width) const {
-    const int lines = static_cast<int>(linesFor(width).size());
-    return lineHeight(font()) * (m_mostLines > 0 ? std::min(lines, m_mostLines) : lines);
+    const int lines = static_cast<int>(wrappedFor(width).lines.size());
+    return lineHeight(font()) * std::min(lines, m_mostLines);
 }
 
 QSize MenuText::sizeHint() const {
@@ -75,7 +92,9 @@ QSize MenuText::sizeHint() const {
     constexpr int kWidest = 288;
     const QString start = m_text.left(kWidest);
     const int width = std::min(kWidest, qCeil(QFontMetricsF(font()).horizontalAdvance(start)));
-    return {width, heightForWidth(width)};
+    // The height follows from the width that it gets. A scroll area asks for this hint each time
+    // the text grows, when lines for another width would cost all those that are there.
+    return {width, lineHeight(font())};
 }
 
 QSize MenuText::minimumSizeHint() const {
@@ -86,7 +105,7 @@ void MenuText::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setFont(font());
     painter.setPen(m_color);
-    const auto& lines = linesFor(width());
+    const auto& lines = wrappedFor(width()).lines;
     const int height = lineHeight(font());
     const int count = heightForWidth(width()) / height;
     const int first = std::max(0, event->rect().top() / height);

@@ -4,6 +4,8 @@
 
 #include <QLabel>
 
+#include <limits>
+
 namespace brimlet {
 
 /// A text of the menu: plain whatever it holds, wrapped to the width it is given. A screen reader
@@ -17,9 +19,14 @@ public:
     /// Nothing happens when it is the same text.
     void setWording(const QString& text);
     /// Of a text with more lines the last one shown ends with an ellipsis.
-    void setMostLines(int lines) { m_mostLines = lines; }
+    void setMostLines(int lines);
+    /// Of a longer text only so many lines or some more are there until `growBy`, so that a text of
+    /// any length is shown at once.
+    void setFirstLines(int lines);
+    /// Has that many lines more, if the text has them.
+    void growBy(int lines);
 
-    /// Whether it needs more height than that at this width; quick even for a text of any length.
+    /// Whether it is higher than that at this width; looks at no more lines than it takes to tell.
     [[nodiscard]] bool isHigher(int width, int height) const;
 
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }
@@ -31,13 +38,14 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    [[nodiscard]] const std::vector<TextSpan>& linesFor(int width) const;
+    [[nodiscard]] const WrappedText& wrappedFor(int width) const;
 
     QColor m_color;
-    QString m_text;      ///< As it is laid out.
-    int m_mostLines = 0; ///< None set: as many as there are.
-    mutable std::vector<TextSpan> m_lines;
-    mutable int m_linesWidth = -1; ///< The width that the lines were made for.
+    QString m_text; ///< As it is laid out.
+    int m_mostLines = std::numeric_limits<int>::max();
+    int m_enoughLines = std::numeric_limits<int>::max();
+    mutable WrappedText m_wrapped;
+    mutable int m_wrappedWidth = -1; ///< The width that the lines were made for.
 };
 
 } // namespace brimlet

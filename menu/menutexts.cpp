@@ -2,7 +2,17 @@
 
 #include "host/money.h"
 
+#include <QCoreApplication>
+
 namespace brimlet {
+namespace {
+
+/// In the user's language, where there is a translation.
+QString localized(const char* text) {
+    return QCoreApplication::translate("HostMenuView", text);
+}
+
+} // namespace
 
 QString eurosShort(std::int64_t cents) {
     if (cents % 100 == 0) {
@@ -12,26 +22,25 @@ QString eurosShort(std::int64_t cents) {
 }
 
 QString earningsText(std::int64_t estimatedCents) {
-    return QStringLiteral("You'll earn ") + eurosShort(estimatedCents) +
-           QStringLiteral(" this week");
+    return localized("You'll earn %1 this week").arg(eurosShort(estimatedCents));
 }
 
 QString recordedText(std::int64_t liveBucketsToday, std::int64_t liveBucketsNeeded,
                      std::int64_t liveDaysThisWeek) {
-    return QStringLiteral("Recorded ") + QString::number(liveBucketsToday) + QStringLiteral("/") +
-           QString::number(liveBucketsNeeded) + QStringLiteral(" live windows today · ") +
-           QString::number(liveDaysThisWeek) + QStringLiteral(" live days this week");
+    return localized("Recorded %1/%2 live windows today · %3 live days this week")
+        .arg(QString::number(liveBucketsToday), QString::number(liveBucketsNeeded),
+             QString::number(liveDaysThisWeek));
 }
 
 QString splitText(std::int64_t liveHostCount) {
-    const QString text = QStringLiteral("Split with ") + QString::number(liveHostCount) +
-                         QStringLiteral(" live host");
-    return liveHostCount == 1 ? text : text + QStringLiteral("s");
+    return (liveHostCount == 1 ? localized("Split with %1 live host")
+                               : localized("Split with %1 live hosts"))
+        .arg(QString::number(liveHostCount));
 }
 
 QString bankedText(std::int64_t pendingStipendCents) {
-    return QStringLiteral("Banked ") + eurosWithCents(pendingStipendCents) +
-           QStringLiteral(". Cash-out at €15 via Stripe or PayPal.");
+    return localized("Banked %1. Cash-out at €15 via Stripe or PayPal.")
+        .arg(eurosWithCents(pendingStipendCents));
 }
 
 } // namespace brimlet

@@ -3,13 +3,57 @@
 #include "menu/hosttheme.h"
 
 #include <QPainter>
-#include <QStyle>
+#include <QProxyStyle>
 #include <QStyleOptionSlider>
 
 namespace brimlet {
+namespace {
+
+/// The bar from end to end, without arrows.
+class SlimStyle final : public QProxyStyle {
+public:
+    [[nodiscard]] QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option,
+                                       SubControl part, const QWidget* widget) const override {
+        const auto* const bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+        if (control != CC_ScrollBar || bar == nullptr) {
+            return QProxyStyle::subControlRect(control, option, part, widget);
+        }
+        const QRect whole = bar->rect;
+        const qint64 content = qint64{bar->maximum} - bar->minimum + bar->pageStep;
+        constexpr int kShortest = 24;
+        const int length =
+            qMin(whole.height(),
+                 qMax(kShortest, static_cast<int>(qint64{whole.height()} * bar->pageStep /
+                                                  qMax(qint64{1}, content))));
+        const int start =
+            whole.y() + sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition,
+                                                whole.height() - length);
+        switch (part) {
+        case SC_ScrollBarGroove:
+            return whole;
+        case SC_ScrollBarSlider:
+            return {whole.x(), start, whole.width(), length};
+        case SC_ScrollBarSubPage:
+            return {whole.x(), whole.y(), whole.width(), start - whole.y()};
+        case SC_ScrollBarAddPage:
+            return {whole.x(), start + length, whole.width(),
+                    whole.y() + whole.height() - start - length};
+        default:
+            return {};
+        }
+    }
+};
+
+QStyle* slimStyle() {
+    static auto* const style = new SlimStyle; // until the process ends, as the application's own
+    return style;
+}
+
+} // namespace
 
 SlimScrollBar::SlimScrollBar(QWidget* parent)
     : QScrollBar(Qt::Vertical, parent) {
+    setStyle(slimStyle());
     setFixedWidth(kWidth);
 }
 

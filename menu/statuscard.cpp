@@ -12,14 +12,14 @@
 namespace brimlet {
 
 StatusCard::StatusCard(const CreativeEnvironment& environment)
-    : m_left(new StatusRow(QStringLiteral("Left panel"), environment))
-    , m_right(new StatusRow(QStringLiteral("Right panel"), environment))
-    , m_noBrand(new StatusRow(QStringLiteral("No brand this week"), environment)) {
+    : m_left(new StatusRow(tr("Left panel"), environment))
+    , m_right(new StatusRow(tr("Right panel"), environment))
+    , m_noBrand(new StatusRow(tr("No brand this week"), environment)) {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(10, 10, 10, 10);
     column->setSpacing(8);
-    column->addWidget(new MenuText(systemFont(11, QFont::Medium), HostTheme::faint(),
-                                   QStringLiteral("Ad status")));
+    column->addWidget(
+        new MenuText(systemFont(11, QFont::Medium), HostTheme::faint(), tr("Ad status")));
     column->addWidget(m_left);
     column->addWidget(m_right);
     column->addWidget(m_noBrand);

@@ -13,7 +13,7 @@ namespace brimlet {
 namespace {
 
 QString nameOf(const SlotCreative& creative) {
-    return creative.brandName.isEmpty() ? QStringLiteral("Brand") : singleLine(creative.brandName);
+    return creative.brandName.isEmpty() ? StatusRow::tr("Brand") : singleLine(creative.brandName);
 }
 
 } // namespace
@@ -41,7 +41,7 @@ StatusRow::StatusRow(const QString& label, const CreativeEnvironment& environmen
 
 void StatusRow::setSlot(const std::optional<SlotCreative>& slot, bool live) {
     m_mark->setCreative(slot);
-    m_name->setWording(slot ? nameOf(*slot) : QStringLiteral("Unfilled"));
+    m_name->setWording(slot ? nameOf(*slot) : tr("Unfilled"));
     m_dot->setLive(live);
     m_dot->setVisible(slot.has_value());
     layout()->activate(); // so that its height is known at once

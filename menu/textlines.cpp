@@ -53,24 +53,23 @@ QString wrappableText(const QString& text) {
     return result;
 }
 
-std::vector<TextSpan> wrapText(const QString& text, const QFont& font, int width,
-                               std::size_t enough) {
-    std::vector<TextSpan> lines;
-    for (qsizetype start = 0; start <= text.size() && lines.size() < enough;) {
+void wrapText(WrappedText& wrapped, const QString& text, const QFont& font, int width,
+              std::size_t enough) {
+    while (!wrapped.isWhole(text) && wrapped.lines.size() < enough) {
+        const qsizetype start = wrapped.next;
         const qsizetype feed = text.indexOf(QChar::LineFeed, start);
         const qsizetype end = feed < 0 ? text.size() : feed;
-        const bool isRightToLeft = QStringView(text).mid(start, end - start).isRightToLeft();
-        do {
-            const qsizetype length = std::min(kPiece, end - start);
-            const auto wrapped =
-                wrapPiece(text, {start, length, isRightToLeft}, start + length == end, font, width);
-            lines.insert(lines.end(), wrapped.begin(), wrapped.end());
-            // A paragraph without text is a line all the same, and ends here.
-            start = wrapped.empty() ? end : wrapped.back().start + wrapped.back().length;
-        } while (start < end && lines.size() < enough);
-        start = end + 1;
+        const qsizetype paragraph =
+            start == 0 ? 0 : text.lastIndexOf(QChar::LineFeed, start - 1) + 1;
+        const bool isRightToLeft =
+            QStringView(text).mid(paragraph, end - paragraph).isRightToLeft();
+        const qsizetype length = std::min(kPiece, end - start);
+        const bool isLast = start + length == end;
+        const auto lines = wrapPiece(text, {start, length, isRightToLeft}, isLast, font, width);
+        wrapped.lines.insert(wrapped.lines.end(), lines.begin(), lines.end());
+        // Over the line feed, or over the end, once a paragraph is through.
+        wrapped.next = isLast ? end + 1 : lines.back().start + lines.back().length;
     }
-    return lines;
 }
 
 } // namespace brimlet

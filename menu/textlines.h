@@ -17,6 +17,14 @@ struct TextSpan final {
     bool operator==(const TextSpan&) const = default;
 };
 
+/// A text that has been wrapped up to a point, from which it can go on.
+struct WrappedText final {
+    std::vector<TextSpan> lines;
+    qsizetype next = 0; ///< Where the first line that is missing begins.
+
+    [[nodiscard]] bool isWhole(const QString& text) const { return next > text.size(); }
+};
+
 /// How high a line of text is, in whole points.
 [[nodiscard]] int lineHeight(const QFont& font);
 
@@ -24,11 +32,11 @@ struct TextSpan final {
 /// characters as blanks.
 [[nodiscard]] QString wrappableText(const QString& text);
 
-/// Where the lines of a text break that is to be `width` points wide: between words, and inside a
-/// word that is wider than a line. `text` is one that `wrappableText` made. It may end early, but
-/// not before it has `enough` lines. The layout's own memory is bounded, however long the text is.
-[[nodiscard]] std::vector<TextSpan>
-wrapText(const QString& text, const QFont& font, int width,
-         std::size_t enough = std::numeric_limits<std::size_t>::max());
+/// Goes on wrapping a text that is to be `width` points wide until there are `enough` lines or
+/// more, or the text ends. Lines break between words, and inside a word that is wider than a line.
+/// `text` is one that `wrappableText` made. The cost is that of the new lines, however long the
+/// text is.
+void wrapText(WrappedText& wrapped, const QString& text, const QFont& font, int width,
+              std::size_t enough = std::numeric_limits<std::size_t>::max());
 
 } // namespace brimlet

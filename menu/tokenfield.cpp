@@ -8,6 +8,8 @@
 #include <QMenu>
 #include <QPainter>
 
+#include <limits>
+
 namespace brimlet {
 namespace {
 
@@ -19,7 +21,7 @@ constexpr int kOwnMargin = 2;
 } // namespace
 
 TokenField::TokenField() {
-    const QString name = QStringLiteral("Host token");
+    const QString name = tr("Host token");
     setPlaceholderText(name);
     setAccessibleName(name);
     setFont(NotchFont::tagline());
@@ -27,9 +29,8 @@ TokenField::TokenField() {
     QPalette ownGround;
     ownGround.setColor(QPalette::Base, Qt::transparent);
     setPalette(ownGround);
-    setEchoMode(Password);
-    // Nothing of it goes into a dictionary.
-    setInputMethodHints(Qt::ImhSensitiveData | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
+    setMaxLength(std::numeric_limits<int>::max());
+    display(Password);
     setTextMargins(kHorizontalPadding - kOwnMargin, 0, kHorizontalPadding - kOwnMargin, 0);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
@@ -42,27 +43,37 @@ QSize TokenField::minimumSizeHint() const {
     return sizeHint();
 }
 
+void TokenField::display(EchoMode mode) {
+    setEchoMode(mode);
+    // Nothing of it goes into a dictionary, in either mode.
+    setInputMethodHints(Qt::ImhSensitiveData | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
+}
+
 void TokenField::paintEvent(QPaintEvent* event) {
     {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setBrush(HostTheme::card());
-        painter.setPen(QPen(hasFocus() ? HostTheme::accent() : HostTheme::line(), 1));
         constexpr double kCorner = 10;
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kCorner, kCorner);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(HostTheme::card());
+        painter.drawRoundedRect(QRectF(rect()), kCorner, kCorner);
+        painter.setPen(QPen(hasFocus() ? HostTheme::accent() : HostTheme::line(), 1));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kCorner - 0.5,
+                                kCorner - 0.5);
     }
     QLineEdit::paintEvent(event);
 }
 
 void TokenField::focusInEvent(QFocusEvent* event) {
-    setEchoMode(Normal);
+    display(Normal);
     QLineEdit::focusInEvent(event);
 }
 
 void TokenField::focusOutEvent(QFocusEvent* event) {
     // Its own menu takes the keyboard only for a moment.
     if (event->reason() != Qt::PopupFocusReason) {
-        setEchoMode(Password);
+        display(Password);
     }
     QLineEdit::focusOutEvent(event);
 }

@@ -20,6 +20,9 @@ protected:
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+
+private:
+    void display(EchoMode mode);
 };
 
 } // namespace brimlet

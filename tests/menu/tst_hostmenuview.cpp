@@ -1,4 +1,5 @@
 #include "menu/hosttheme.h"
+#include "menu/textlines.h"
 #include "tests/menu/shownmenu.h"
 
 #include <QAbstractButton>
@@ -424,8 +425,34 @@ private Q_SLOTS:
                  agreement->verticalScrollBar()->maximum());
         QTest::keyClick(agreement, Qt::Key_Home);
         QCOMPARE(agreement->verticalScrollBar()->value(), 0);
+        // The bar itself goes from end to end.
+        auto* const bar = agreement->verticalScrollBar();
+        QTest::mouseClick(bar, Qt::LeftButton, {}, QPoint(4, 88));
+        QCOMPARE(bar->value(), qMin(bar->pageStep(), bar->maximum()));
+        bar->setValue(0);
         // Nothing is hidden: the text is as high as what can be scrolled over.
         QCOMPARE(agreement->widget()->height(), 90 + agreement->verticalScrollBar()->maximum());
+    }
+
+    void anAgreementWithoutEndIsShownAtOnceAndCanBeReadToItsEnd() {
+        const QString text = QStringLiteral("Line.\n").repeated(2000) + QStringLiteral("The end.");
+        ShownMenu menu;
+        menu.reply(ShownMenu::with(week("agreed", false), "agreementText", text));
+        menu.show();
+        auto* const agreement = menu.named<QScrollArea>(QStringLiteral("Host agreement"));
+        QCOMPARE(agreement->height(), 90);
+        const int first = agreement->widget()->height();
+        int last = -1;
+        for (int i = 0; i < 100 && agreement->verticalScrollBar()->value() != last; ++i) {
+            last = agreement->verticalScrollBar()->value();
+            QTest::keyClick(agreement, Qt::Key_End);
+        }
+        const int line = lineHeight(agreement->widget()->font());
+        QCOMPARE(agreement->widget()->height(), 2001 * line);
+        QVERIFY(first < 400 * line);
+        QCOMPARE(agreement->verticalScrollBar()->value(), 2001 * line - 90);
+        // A screen reader has it whole from the start.
+        QVERIFY(menu.texts().contains(text));
     }
 
     void itIsAlways320PointsWideAndAsHighAsItsContent() {

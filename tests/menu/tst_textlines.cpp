@@ -14,9 +14,15 @@ QFont font() {
     return font;
 }
 
+std::vector<TextSpan> wrapped(const QString& text, int width) {
+    WrappedText whole;
+    wrapText(whole, text, font(), width);
+    return whole.lines;
+}
+
 QStringList linesOf(const QString& text, int width) {
     QStringList lines;
-    for (const TextSpan& line : wrapText(text, font(), width)) {
+    for (const TextSpan& line : wrapped(text, width)) {
         lines << text.mid(line.start, line.length);
     }
     return lines;
@@ -78,7 +84,7 @@ private Q_SLOTS:
     }
 
     void aParagraphIsReadFromItsOwnSide() {
-        const auto lines = wrapText(QStringLiteral("left\nשלום עולם"), font(), 200);
+        const auto lines = wrapped(QStringLiteral("left\nשלום עולם"), 200);
         QCOMPARE(lines.size(), std::size_t{2});
         QVERIFY(!lines.at(0).isRightToLeft);
         QVERIFY(lines.at(1).isRightToLeft);
@@ -101,12 +107,28 @@ private Q_SLOTS:
         }
     }
 
-    void itEndsEarlyWhenThatIsEnough() {
-        const QString text = QStringLiteral("some words ").repeated(100'000);
-        const auto lines = wrapText(text, font(), 288, 7);
-        QVERIFY(lines.size() >= 7);
-        // One piece of two thousand characters, not the million.
-        QVERIFY(lines.size() < 100);
+    void itEndsEarlyWhenThatIsEnoughAndGoesOn_data() {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("one paragraph") << QStringLiteral("some words ").repeated(3000);
+        QTest::newRow("many paragraphs") << QStringLiteral("some words\n").repeated(3000);
+        QTest::newRow("both") << QStringLiteral("שלום some words ").repeated(700) + u'\n' +
+                                     QStringLiteral("words ").repeated(900);
+        QTest::newRow("one word") << QString(30'000, u'W');
+    }
+    void itEndsEarlyWhenThatIsEnoughAndGoesOn() {
+        QFETCH(QString, text);
+        WrappedText growing;
+        wrapText(growing, text, font(), 288, 7);
+        QVERIFY(growing.lines.size() >= 7);
+        // One piece of two thousand characters, not the whole.
+        QVERIFY(growing.lines.size() < 120);
+        QVERIFY(!growing.isWhole(text));
+        while (!growing.isWhole(text)) {
+            const std::size_t before = growing.lines.size();
+            wrapText(growing, text, font(), 288, before + 1);
+            QVERIFY(growing.lines.size() > before);
+        }
+        QCOMPARE(growing.lines, wrapped(text, 288));
     }
 
     void noTextAtAllHangsIt() {
@@ -116,7 +138,7 @@ private Q_SLOTS:
               QString(3000, QChar(0xD800)), QString(5000, u' '), QString(5000, u'\n')}) {
             for (const int width : {1, 60, 288}) {
                 qsizetype total = 0;
-                for (const TextSpan& line : wrapText(text, font(), width)) {
+                for (const TextSpan& line : wrapped(text, width)) {
                     QVERIFY(line.start >= 0 && line.start + line.length <= text.size());
                     total += line.length;
                 }
