@@ -1,3 +1,4 @@
+#include "tests/support/pointer.h"
 #include "tests/support/processes.h"
 #include "tests/support/xserver.h"
 
@@ -43,17 +44,6 @@ protected:
     }
     void mousePressEvent(QMouseEvent* /*event*/) override { ++clicks; }
 };
-
-void pointer(QPoint at, const QStringList& more = {}) {
-    QProcess::execute(QStringLiteral("xdotool"),
-                      QStringList{QStringLiteral("mousemove"), QString::number(at.x() * scale()),
-                                  QString::number(at.y() * scale())} +
-                          more);
-}
-
-void click(QPoint at) {
-    pointer(at, {QStringLiteral("click"), QStringLiteral("1")});
-}
 
 bool isAbout(const QColor& a, const QColor& b) {
     return qAbs(a.red() - b.red()) < 16 && qAbs(a.green() - b.green()) < 16 &&
@@ -118,7 +108,7 @@ private Q_SLOTS:
     void init() {
         QDir(cachesFolder()).removeRecursively();
         QFile::remove(m_openedFile);
-        pointer({756, 600});
+        moveTo(QPoint(756, 600) * scale());
     }
 
     void aClickOpensItsBrandsPageOnceAndLeavesTheFocus() {
@@ -128,10 +118,10 @@ private Q_SLOTS:
         const PlacementProcess service;
         SimulatorProcess program(machineAt(service));
         QTRY_VERIFY_WITH_TIMEOUT(isLeftCapsuleDrawn(), kPatience);
-        click(kLeftCapsule);
+        click(kLeftCapsule * scale());
         const QString left = service.root() + QStringLiteral("/brands/quiet-bicycle");
         QTRY_COMPARE_WITH_TIMEOUT(opened(), QStringList{left}, kPatience);
-        click(kRightCapsule);
+        click(kRightCapsule * scale());
         const QString right = service.root() + QStringLiteral("/brands/palindrome-tea");
         QTRY_COMPARE_WITH_TIMEOUT(opened(), (QStringList{left, right}), kPatience);
         QCOMPARE(m_x.focus(), focus);
@@ -156,15 +146,15 @@ private Q_SLOTS:
         SimulatorProcess program(machineAt(service));
         QTRY_VERIFY_WITH_TIMEOUT(isLeftCapsuleDrawn(), kPatience);
         for (const QPoint capsule : {kLeftCapsule, kRightCapsule}) {
-            pointer(capsule);
+            moveTo(capsule * scale());
             QTRY_COMPARE_WITH_TIMEOUT(m_x.cursor(), hand, kPatience);
-            pointer({756, 600});
+            moveTo(QPoint(756, 600) * scale());
             QTRY_COMPARE_WITH_TIMEOUT(m_x.cursor(), arrow, kPatience);
         }
         // Into the gap between them, which is no part of the window for the pointer.
-        pointer(kLeftCapsule);
+        moveTo(kLeftCapsule * scale());
         QTRY_COMPARE_WITH_TIMEOUT(m_x.cursor(), hand, kPatience);
-        pointer({664, 35});
+        moveTo(QPoint(664, 35) * scale());
         QTRY_COMPARE_WITH_TIMEOUT(m_x.cursor(), arrow, kPatience);
     }
 
@@ -188,7 +178,7 @@ private Q_SLOTS:
                                  kPatience);
         QVERIFY(m_x.picture({(kLeftLine.topLeft() + kMoved) * scale(),
                              kLeftLine.size() * scale()}) != before);
-        click(kLeftCapsule + kMoved);
+        click((kLeftCapsule + kMoved) * scale());
         QTRY_COMPARE_WITH_TIMEOUT(
             opened(), QStringList{service.root() + QStringLiteral("/brands/palindrome-tea")},
             kPatience);

@@ -1,8 +1,7 @@
 #include "tests/support/xserver.h"
 
-#include <QByteArrayView>
-
 #include <cstdlib>
+#include <cstring>
 
 #include <xcb/shape.h>
 #include <xcb/xfixes.h>
@@ -15,6 +14,18 @@ struct Free {
 };
 template <typename Reply>
 using Owned = std::unique_ptr<Reply, Free>;
+
+/// The numbers in a property that holds some.
+std::vector<qint32> numbers(const QByteArray& property) {
+    constexpr qsizetype kSize = sizeof(qint32);
+    std::vector<qint32> numbers;
+    for (qsizetype at = 0; at + kSize <= property.size(); at += kSize) {
+        qint32 number = 0;
+        std::memcpy(&number, property.constData() + at, kSize);
+        numbers.push_back(number);
+    }
+    return numbers;
+}
 
 } // namespace
 
@@ -29,24 +40,73 @@ bool XServer::isConnected() const {
     return xcb_connection_has_error(m_connection.get()) == 0;
 }
 
-std::optional<xcb_window_t> XServer::windowNamed(const char* title) const {
+xcb_atom_t XServer::atom(const char* name) const {
+    auto* const x = m_connection.get();
+    const auto cookie = xcb_intern_atom(x, 1, static_cast<std::uint16_t>(std::strlen(name)), name);
+    const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(x, cookie, nullptr));
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+QByteArray XServer::property(xcb_window_t window, xcb_atom_t name) const {
+    auto* const x = m_connection.get();
+    const auto cookie = xcb_get_property(x, 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, 256);
+    const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(x, cookie, nullptr));
+    return reply ? QByteArray(static_cast<const char*>(xcb_get_property_value(reply.get())),
+                              xcb_get_property_value_length(reply.get()))
+                 : QByteArray();
+}
+
+std::vector<xcb_window_t> XServer::children(xcb_window_t window) const {
     auto* const x = m_connection.get();
     const Owned<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(x, xcb_query_tree(x, m_root), nullptr));
+        xcb_query_tree_reply(x, xcb_query_tree(x, window), nullptr));
     if (!tree) {
-        return std::nullopt;
+        return {};
     }
-    const xcb_window_t* const children = xcb_query_tree_children(tree.get());
-    for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
-        const auto cookie =
-            xcb_get_property(x, 0, children[i], XCB_ATOM_WM_NAME, XCB_GET_PROPERTY_TYPE_ANY, 0, 64);
-        const Owned<xcb_get_property_reply_t> name(xcb_get_property_reply(x, cookie, nullptr));
-        if (name && QByteArrayView(static_cast<const char*>(xcb_get_property_value(name.get())),
-                                   xcb_get_property_value_length(name.get())) == title) {
-            return children[i];
+    const xcb_window_t* const first = xcb_query_tree_children(tree.get());
+    return {first, first + xcb_query_tree_children_length(tree.get())};
+}
+
+std::optional<xcb_window_t> XServer::windowNamed(const char* title) const {
+    for (const xcb_window_t child : children(m_root)) {
+        if (property(child, XCB_ATOM_WM_NAME) == title) {
+            return child;
         }
     }
     return std::nullopt;
+}
+
+std::vector<ClientWindow> XServer::windowsOf(qint64 pid) const {
+    auto* const x = m_connection.get();
+    const xcb_atom_t pidName = atom("_NET_WM_PID");
+    const xcb_atom_t titleName = atom("_NET_WM_NAME");
+    std::vector<ClientWindow> found;
+    std::vector<xcb_window_t> pending{m_root}; // the next one last
+    while (!pending.empty()) {
+        const xcb_window_t window = pending.back();
+        pending.pop_back();
+        const std::vector<xcb_window_t> below = children(window);
+        pending.insert(pending.end(), below.rbegin(), below.rend());
+        if (const auto owner = numbers(property(window, pidName));
+            owner.empty() || owner[0] != pid) {
+            continue;
+        }
+        const auto cookie = xcb_translate_coordinates(x, window, m_root, 0, 0);
+        const Owned<xcb_translate_coordinates_reply_t> origin(
+            xcb_translate_coordinates_reply(x, cookie, nullptr));
+        const QSize size = geometry(window).size();
+        if (origin && size.isValid()) { // else it has gone meanwhile
+            found.push_back({window, QString::fromUtf8(property(window, titleName)),
+                             QRect(QPoint(origin->dst_x, origin->dst_y), size), isMapped(window)});
+        }
+    }
+    return found;
+}
+
+QRect XServer::workArea() const {
+    // Four numbers for each desktop.
+    const auto area = numbers(property(m_root, atom("_NET_WORKAREA")));
+    return area.size() >= 4 ? QRect(area[0], area[1], area[2], area[3]) : QRect();
 }
 
 QRect XServer::geometry(xcb_window_t window) const {
@@ -123,8 +183,8 @@ QImage XServer::picture(const QRect& area) const {
     if (!reply || xcb_get_image_data_length(reply.get()) < bytes) {
         return {};
     }
-    return QImage(xcb_get_image_data(reply.get()), area.width(), area.height(), 4 * area.width(),
-                  QImage::Format_RGB32)
+    return QImage(xcb_get_image_data(reply.get()), area.width(), area.height(),
+                  qsizetype{4} * area.width(), QImage::Format_RGB32)
         .copy();
 }
 
