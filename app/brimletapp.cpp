@@ -13,8 +13,9 @@ std::shared_ptr<HostStore> sharedStore(const HostPorts& host, const OverlayPorts
 
 } // namespace
 
-BrimletApp::BrimletApp(const HostPorts& host, const OverlayPorts& overlay)
-    : m_store(sharedStore(host, overlay)) {
+BrimletApp::BrimletApp(const HostPorts& host, const OverlayPorts& overlay, const MenuPorts& menu)
+    : m_store(sharedStore(host, overlay))
+    , m_menuBarExtra(m_store, menu) {
     const auto render = [] { OverlayController::shared().refresh(); };
     QObject::connect(m_store.get(), &HostStore::overlayNeedsRender, &m_appDelegate, render,
                      Qt::DirectConnection);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/brimletappdelegate.h"
+#include "app/menubarextra.h"
 #include "host/hoststore.h"
 #include "overlay/overlaycontroller.h"
 
@@ -8,20 +9,23 @@
 
 namespace brimlet {
 
-/// The application: the one store, the one overlay, and what joins them. At most one per process.
+/// The application: the one store, the one overlay, the menu-bar extra, and what joins them. At
+/// most one per process.
 class BrimletApp final {
 public:
     /// The ports outlive the process's main loop.
-    BrimletApp(const HostPorts& host, const OverlayPorts& overlay);
+    BrimletApp(const HostPorts& host, const OverlayPorts& overlay, const MenuPorts& menu);
 
     /// Launches and runs the main loop until the program is asked to quit; returns its exit code.
     [[nodiscard]] int run();
 
     [[nodiscard]] const std::shared_ptr<HostStore>& store() const { return m_store; }
+    [[nodiscard]] MenuBarExtra& menuBarExtra() { return m_menuBarExtra; }
 
 private:
     BrimletAppDelegate m_appDelegate;
     std::shared_ptr<HostStore> m_store;
+    MenuBarExtra m_menuBarExtra;
 };
 
 } // namespace brimlet

@@ -1,17 +1,23 @@
 #include "app/linuxapp.h"
 
-#include "host/hoststore.h"
+#include "app/brimletapp.h"
+#include "menu/hostmenuview.h"
+#include "menu/menuscroll.h"
 #include "overlay/overlayview.h"
 #include "platform/linux/linuxworkspace.h"
+#include "platform/linux/singleinstance.h"
 #include "platform/linux/startmemory.h"
-#include "platform/linux/terminationsignals.h"
+#include "platform/linux/unixsignals.h"
+#include "platform/linux/x11.h"
+#include "platform/linux/x11menuwindow.h"
 #include "platform/linux/x11overlaywindow.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
+#include <QSessionManager>
 #include <QTimer>
 
 #include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <memory>
 #include <utility>
@@ -29,6 +35,8 @@ void setForQt(const char* name, const QByteArray& value) {
     qputenv(name, value);
 }
 
+constexpr const char* kNoAnswer = "brimlet: Brimlet is running already but does not answer.\n";
+
 /// The browser that a click starts should find the user's own settings.
 void restoreEnvironment() {
     for (const auto& [name, value] : std::exchange(environmentBefore, {})) {
@@ -40,21 +48,24 @@ void restoreEnvironment() {
     }
 }
 
-void print(FILE* stream, const QString& text) {
-    std::fputs(text.toUtf8().constData(), stream);
-}
-
 } // namespace
 
-void prepareLinuxApplication() {
+bool prepareLinuxApplication() {
     const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
-    const bool isOpen = platform.isEmpty() || platform.startsWith("wayland");
-    if (isOpen && qEnvironmentVariableIsSet("DISPLAY")) {
+    if (platform.isEmpty() || platform.startsWith("wayland") || platform.startsWith("xcb")) {
+        if (!x11::canConnect()) {
+            std::fputs("brimlet: There is no X server to show anything on. (Under Wayland that is "
+                       "XWayland.)\n",
+                       stderr);
+            return false;
+        }
         setForQt("QT_QPA_PLATFORM", "xcb");
     }
+    QApplication::setStyle(QStringLiteral("Fusion"));
     // Through shared memory each paint would wait for the X server to have read the one before it.
     // What a scroll paints is a few kilobytes, which are sent faster than waited for.
     setForQt("QT_XCB_NO_MITSHM", "1");
+    return true;
 }
 
 void configureLinuxApplication() {
@@ -64,6 +75,10 @@ void configureLinuxApplication() {
     // Hiding the overlay is everyday life, not the end.
     QGuiApplication::setQuitOnLastWindowClosed(false);
     quitOnTerminationSignals();
+    // The desktop's autostart entry starts it with the next session, not the session manager.
+    QObject::connect(qApp, &QGuiApplication::saveStateRequest, qApp, [](QSessionManager& manager) {
+        manager.setRestartHint(QSessionManager::RestartNever);
+    });
     // By then the capsules are shown and fonts and pictures found.
     constexpr std::chrono::seconds kStartIsOver{2};
     QTimer::singleShot(kStartIsOver, Qt::VeryCoarseTimer, qApp, giveBackStartMemory);
@@ -83,6 +98,56 @@ OverlayWindowFactory overlayWindowFactory(const std::function<QRectF()>& primary
     };
 }
 
+MenuWindowFactory menuWindowFactory(const std::function<QRectF()>& primaryGeometry,
+                                    const CreativeEnvironment& environment) {
+    return [primaryGeometry, environment](const std::shared_ptr<HostStore>& store) {
+        auto menu = std::make_unique<HostMenuView>(store, environment);
+        QObject::connect(menu.get(), &HostMenuView::quitRequested, qApp, &QCoreApplication::quit);
+        return std::make_unique<X11MenuWindow>(std::make_unique<MenuScroll>(menu.release()),
+                                               primaryGeometry);
+    };
+}
+
+std::optional<int> claimSession(SingleInstance& instance) {
+    switch (instance.claim()) {
+    case SingleInstance::Claim::First:
+        return std::nullopt;
+    case SingleInstance::Claim::Second:
+        return 0;
+    case SingleInstance::Claim::NoAnswer:
+        break;
+    }
+    std::fputs(kNoAnswer, stderr);
+    return 1;
+}
+
+void obeyRequests(const SingleInstance& instance, BrimletApp& app) {
+    QObject::connect(&instance, &SingleInstance::requested, qApp, [&app](InstanceRequest request) {
+        switch (request) {
+        case InstanceRequest::Open:
+            app.menuBarExtra().open();
+            break;
+        case InstanceRequest::Pause:
+            app.store()->pause24h();
+            break;
+        case InstanceRequest::Quit:
+            QCoreApplication::quit();
+            break;
+        }
+    });
+}
+
+void askRunningProgram(const SingleInstance& instance, InstanceRequest request) {
+    const SingleInstance::Answer answer = instance.ask(request);
+    if (answer == SingleInstance::Answer::Nobody) {
+        std::fputs("brimlet: Brimlet is not running.\n", stderr);
+    } else if (answer == SingleInstance::Answer::None) {
+        std::fputs(kNoAnswer, stderr);
+    }
+    // Without the usual farewell, in which Qt's bus thread may stumble over what is gone already.
+    std::quick_exit(answer == SingleInstance::Answer::Done ? 0 : 1);
+}
+
 void followPanelPower(const HostStore& store, LinuxWorkspace& workspace) {
     // Once for the many changes of one reply, and after them: what is found may change the store.
     QObject::connect(&store, &HostStore::objectWillChange, &workspace,
@@ -97,69 +162,6 @@ void followPanelPower(const HostStore& store, LinuxWorkspace& workspace) {
                                  Qt::QueuedConnection);
                          }
                      });
-}
-
-QStringList argumentsOf(int argc, char* argv[]) {
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i) {
-        arguments << QString::fromLocal8Bit(argv[i]);
-    }
-    return arguments;
-}
-
-std::optional<int> readCommandLine(const QStringList& arguments, bool isSimulator,
-                                   CommandLine& commandLine) {
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        isSimulator ? QStringLiteral("Runs Brimlet on a machine described in a file.")
-                    : QStringLiteral("Shows the week's brands beside the camera notch."));
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Print this help."));
-    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
-                                     QStringLiteral("Print the version."));
-    const QCommandLineOption machine(QStringLiteral("machine"),
-                                     QStringLiteral("The machine to run on, a JSON file."),
-                                     QStringLiteral("file"));
-    const QCommandLineOption console(
-        QStringLiteral("console"),
-        QStringLiteral("Read commands from standard input and answer in JSON lines."));
-    parser.addOptions({help, version});
-    if (isSimulator) {
-        parser.addOptions({machine, console});
-    }
-    const bool isParsed = parser.parse(arguments);
-    const QString program =
-        isSimulator ? QStringLiteral("brimlet-simulator") : QStringLiteral("brimlet");
-    const QString usage =
-        isSimulator ? QStringLiteral("Usage: %1 --machine FILE [--console]\n").arg(program)
-                    : QStringLiteral("Usage: %1 [--help | --version]\n").arg(program);
-    const auto refuse = [&](const QString& complaint) {
-        print(stderr, QStringLiteral("%1: %2\n%3").arg(program, complaint, usage));
-        return 2;
-    };
-    if (!isParsed) {
-        return refuse(parser.errorText());
-    }
-    if (parser.isSet(help)) {
-        print(stdout, parser.helpText());
-        return 0;
-    }
-    if (parser.isSet(version)) {
-        print(stdout, QStringLiteral("%1 %2\n").arg(program, QStringLiteral(BRIMLET_VERSION)));
-        return 0;
-    }
-    if (!parser.positionalArguments().isEmpty()) {
-        return refuse(QStringLiteral("Unknown argument '%1'.")
-                          .arg(parser.positionalArguments().constFirst()));
-    }
-    if (isSimulator) {
-        commandLine.machineFile = parser.value(machine);
-        commandLine.isConsoleWanted = parser.isSet(console);
-        if (commandLine.machineFile.isEmpty()) {
-            return refuse(QStringLiteral("A machine file is needed."));
-        }
-    }
-    return std::nullopt;
 }
 
 } // namespace brimlet

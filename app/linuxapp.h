@@ -1,22 +1,25 @@
 #pragma once
 
+#include "app/menubarextra.h"
 #include "creative/creativeenvironment.h"
 #include "overlay/overlaypanel.h"
+#include "platform/linux/freedesktopapplication.h"
 
 #include <QRectF>
-#include <QStringList>
 
 #include <functional>
 #include <optional>
 
 namespace brimlet {
 
-class HostStore;
+class BrimletApp;
 class LinuxWorkspace;
+class SingleInstance;
 
 /// What both programs do before the application object: choose the X11 platform, where windows can
-/// be placed, also under Wayland.
-void prepareLinuxApplication();
+/// be placed, also under Wayland, and the plainest widget style, whatever the desktop's. False, and
+/// a line on stderr, where there is no display to show anything on.
+[[nodiscard]] bool prepareLinuxApplication();
 
 /// What both programs do right after it.
 void configureLinuxApplication();
@@ -27,23 +30,24 @@ void configureLinuxApplication();
 overlayWindowFactory(const std::function<QRectF()>& primaryGeometry,
                      const CreativeEnvironment& environment);
 
+/// Makes the menu-bar panel's window on the X server with the menu inside, whose "Quit" ends the
+/// main loop.
+[[nodiscard]] MenuWindowFactory menuWindowFactory(const std::function<QRectF()>& primaryGeometry,
+                                                  const CreativeEnvironment& environment);
+
+/// Makes this the session's one running program. With an exit code the program ends: another one
+/// runs and has opened its panel, or does not answer, which is said on stderr.
+[[nodiscard]] std::optional<int> claimSession(SingleInstance& instance);
+
+/// Has the application do what is asked of it over the desktop.
+void obeyRequests(const SingleInstance& instance, BrimletApp& app);
+
+/// The whole of a program that only asks the running one: ends the process with 0 once that has
+/// been asked, else with a line on stderr and 1.
+[[noreturn]] void askRunningProgram(const SingleInstance& instance, InstanceRequest request);
+
 /// Has the workspace look at the built-in panel's power after each change of the store: every reply
 /// and every failed request is one, so that happens every few seconds anyway.
 void followPanelPower(const HostStore& store, LinuxWorkspace& workspace);
-
-/// What the command line asks of a program that goes on.
-struct CommandLine final {
-    QString machineFile;
-    bool isConsoleWanted = false;
-};
-
-/// The program's arguments, decoded.
-[[nodiscard]] QStringList argumentsOf(int argc, char* argv[]);
-
-/// Reads the command line. `--help` and `--version` print to stdout and give exit code 0; anything
-/// unknown prints one line and the usage to stderr and gives 2. Without an exit code the program
-/// goes on. The simulator's options are known only with `isSimulator`.
-[[nodiscard]] std::optional<int> readCommandLine(const QStringList& arguments, bool isSimulator,
-                                                 CommandLine& commandLine);
 
 } // namespace brimlet

@@ -1,4 +1,5 @@
 #include "app/brimletapp.h"
+#include "app/commandline.h"
 #include "app/linuxapp.h"
 #include "creative/creativeimagecache.h"
 #include "platform/curl/curlhttpclient.h"
@@ -7,6 +8,8 @@
 #include "platform/linux/linuxreducemotion.h"
 #include "platform/linux/linuxworkspace.h"
 #include "platform/linux/qtscreens.h"
+#include "platform/linux/singleinstance.h"
+#include "platform/linux/traystatusitem.h"
 #include "platform/linux/xdgcachesfolder.h"
 #include "platform/qt/qtclock.h"
 
@@ -19,9 +22,19 @@ int main(int argc, char* argv[]) {
     if (const auto exitCode = readCommandLine(argumentsOf(argc, argv), false, commandLine)) {
         return *exitCode;
     }
-    prepareLinuxApplication();
+    SingleInstance instance(QStringLiteral("app.brimlet.host"));
+    if (commandLine.request) {
+        const QCoreApplication application(argc, argv);
+        askRunningProgram(instance, *commandLine.request);
+    }
+    if (!prepareLinuxApplication()) {
+        return 1;
+    }
     const QApplication application(argc, argv);
     configureLinuxApplication();
+    if (const auto exitCode = claimSession(instance)) {
+        return *exitCode;
+    }
 
     QtScreens screens;
     LinuxWorkspace workspace;
@@ -31,12 +44,15 @@ int main(int argc, char* argv[]) {
     LinuxReduceMotion reduceMotion;
     QtClock clock;
     CurlHttpClient http;
+    TrayStatusItem statusItem;
 
     CreativeImageCache::setSharedPorts({http, cachesFolder});
     const CreativeEnvironment environment{CreativeImageCache::shared(), clock, reduceMotion};
     BrimletApp app(
         {screens, workspace, secrets, http, bundle, clock},
-        {screens, workspace, overlayWindowFactory(QtScreens::primaryGeometry, environment)});
+        {screens, workspace, overlayWindowFactory(QtScreens::primaryGeometry, environment)},
+        {statusItem, clock, menuWindowFactory(QtScreens::primaryGeometry, environment)});
+    obeyRequests(instance, app);
     followPanelPower(*HostStore::shared(), workspace);
     return app.run();
 }

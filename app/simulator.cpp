@@ -1,4 +1,5 @@
 #include "app/brimletapp.h"
+#include "app/commandline.h"
 #include "app/linuxapp.h"
 #include "app/simulatorconsole.h"
 #include "creative/creativeimagecache.h"
@@ -9,6 +10,8 @@
 #include "platform/linux/linuxreducemotion.h"
 #include "platform/linux/linuxworkspace.h"
 #include "platform/linux/qtscreens.h"
+#include "platform/linux/singleinstance.h"
+#include "platform/linux/traystatusitem.h"
 #include "platform/linux/xdgcachesfolder.h"
 #include "platform/qt/qtclock.h"
 #include "platform/simulated/memorysecretstore.h"
@@ -54,9 +57,16 @@ int main(int argc, char* argv[]) {
         say(complaint);
         return 2;
     }
-    prepareLinuxApplication();
+    if (!prepareLinuxApplication()) {
+        return 1;
+    }
     const QApplication application(argc, argv);
     configureLinuxApplication();
+    // A name of its own, so that it does not keep the user's own Brimlet from running.
+    SingleInstance instance(QStringLiteral("app.brimlet.host.Simulator"));
+    if (const auto exitCode = claimSession(instance)) {
+        return *exitCode;
+    }
 
     MachineFile file(commandLine.machineFile);
     QObject::connect(&file, &MachineFile::complained, &file, say);
@@ -80,6 +90,7 @@ int main(int argc, char* argv[]) {
     QtClock realClock;
     SimulatedClock clock(realClock, file.machine().speed);
     CurlHttpClient http;
+    TrayStatusItem statusItem;
 
     NotchWindow notch;
     const auto redrawNotch = [&] { drawNotch(notch, file.machine(), screens); };
@@ -90,7 +101,9 @@ int main(int argc, char* argv[]) {
     const CreativeEnvironment environment{CreativeImageCache::shared(), clock, reduceMotion};
     const auto primary = [&file] { return simulatedPrimaryGeometry(file.machine()); };
     BrimletApp app({screens, workspace, *secrets, http, bundle, clock},
-                   {screens, workspace, overlayWindowFactory(primary, environment)});
+                   {screens, workspace, overlayWindowFactory(primary, environment)},
+                   {statusItem, clock, menuWindowFactory(QtScreens::primaryGeometry, environment)});
+    obeyRequests(instance, app);
 
     // No window stands above a real notch.
     QObject::connect(app.store().get(), &HostStore::overlayNeedsRender, &notch,
@@ -98,7 +111,7 @@ int main(int argc, char* argv[]) {
 
     std::unique_ptr<SimulatorConsole> console;
     if (commandLine.isConsoleWanted) {
-        console = std::make_unique<SimulatorConsole>(cachesFolder, reduceMotion);
+        console = std::make_unique<SimulatorConsole>(app, cachesFolder, reduceMotion);
     }
     followPanelPower(*HostStore::shared(), realWorkspace);
     return app.run();

@@ -1,6 +1,6 @@
 #include "app/simulatorconsole.h"
 
-#include "host/hoststore.h"
+#include "app/brimletapp.h"
 #include "overlay/notchpill.h"
 #include "overlay/overlaycontroller.h"
 #include "platform/starttask.h"
@@ -82,9 +82,10 @@ QJsonObject describe(const Assignment& assignment) {
 
 } // namespace
 
-SimulatorConsole::SimulatorConsole(const CachesFolder& cachesFolder,
+SimulatorConsole::SimulatorConsole(BrimletApp& app, const CachesFolder& cachesFolder,
                                    const ReduceMotion& reduceMotion)
-    : m_cachesFolder(cachesFolder)
+    : m_app(app)
+    , m_cachesFolder(cachesFolder)
     , m_reduceMotion(reduceMotion)
     , m_notifier(STDIN_FILENO, QSocketNotifier::Read) {
     connect(&m_notifier, &QSocketNotifier::activated, this, &SimulatorConsole::readInput);
@@ -121,10 +122,12 @@ void SimulatorConsole::execute(const QByteArray& line) {
         store->pause24h();
     } else if (line == "agree") {
         startTask(store->agree());
+    } else if (line == "open") {
+        m_app.menuBarExtra().open();
     } else if (line == "quit") {
         QCoreApplication::quit();
     } else {
-        answer(R"({"error":"commands: state, save-token TOKEN, agree, pause, quit"})");
+        answer(R"({"error":"commands: state, save-token TOKEN, agree, pause, open, quit"})");
         return;
     }
     answer(R"({"ok":true})");
@@ -147,6 +150,7 @@ QByteArray SimulatorConsole::state() const {
         {QStringLiteral("assignment"), describe(store->assignment())},
         {QStringLiteral("panel"), describePanel()},
         {QStringLiteral("pills"), describePills()},
+        {QStringLiteral("isMenuOpen"), m_app.menuBarExtra().isOpen()},
         {QStringLiteral("cachesFolder"), m_cachesFolder.path().value_or(QString())},
         {QStringLiteral("reduceMotion"), m_reduceMotion.isOn()}};
     return QJsonDocument(state).toJson(QJsonDocument::Compact);

@@ -2,14 +2,19 @@
 // window, and inside a view that repaints everything sixty times a second.
 
 #include "app/brimletapp.h"
+#include "app/commandline.h"
 #include "app/linuxapp.h"
 #include "bench/naiveview.h"
+#include "creative/creativeimagecache.h"
 #include "host/notch.h"
 #include "platform/curl/curlhttpclient.h"
 #include "platform/linux/linuxbundle.h"
+#include "platform/linux/linuxreducemotion.h"
 #include "platform/linux/linuxworkspace.h"
 #include "platform/linux/qtscreens.h"
+#include "platform/linux/traystatusitem.h"
 #include "platform/linux/x11overlaywindow.h"
+#include "platform/linux/xdgcachesfolder.h"
 #include "platform/qt/qtclock.h"
 #include "platform/simulated/memorysecretstore.h"
 #include "platform/simulated/notchwindow.h"
@@ -40,7 +45,9 @@ int main(int argc, char* argv[]) {
     if (const auto exitCode = readCommandLine(argumentsOf(argc, argv), true, commandLine)) {
         return *exitCode;
     }
-    prepareLinuxApplication();
+    if (!prepareLinuxApplication()) {
+        return 1;
+    }
     const QApplication application(argc, argv);
     configureLinuxApplication();
     MachineFile file(commandLine.machineFile);
@@ -59,11 +66,18 @@ int main(int argc, char* argv[]) {
     QtClock clock;
     CurlHttpClient http;
 
+    TrayStatusItem statusItem;
+    const XdgCachesFolder cachesFolder;
+    LinuxReduceMotion reduceMotion;
+    CreativeImageCache::setSharedPorts({http, cachesFolder});
+    const CreativeEnvironment environment{CreativeImageCache::shared(), clock, reduceMotion};
+
     const auto primary = [&file] { return simulatedPrimaryGeometry(file.machine()); };
     NotchWindow notch;
     notch.place(notchOf(builtInScreen(screens)), primary());
     BrimletApp app({screens, workspace, secrets, http, bundle, clock},
-                   {screens, workspace, naiveWindowFactory(primary)});
+                   {screens, workspace, naiveWindowFactory(primary)},
+                   {statusItem, clock, menuWindowFactory(QtScreens::primaryGeometry, environment)});
     followPanelPower(*HostStore::shared(), realWorkspace);
     return app.run();
 }

@@ -6,8 +6,8 @@
 #include <xcb/xcb.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace brimlet::x11 {
@@ -24,18 +24,39 @@ xcb_connection_t* connection() {
     return x11 == nullptr ? nullptr : x11->connection();
 }
 
+xcb_atom_t atomNamed(xcb_connection_t* x, std::string_view name) {
+    const auto cookie = xcb_intern_atom(x, 0, static_cast<std::uint16_t>(name.size()), name.data());
+    const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(x, cookie, nullptr));
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+// The selections of screen 0, the only one that desktops use today.
+
 xcb_atom_t compositorSelection(xcb_connection_t* x) {
-    // The selection of screen 0, the only one that desktops use today.
-    static const xcb_atom_t atom = [x] {
-        constexpr char kName[] = "_NET_WM_CM_S0";
-        const auto cookie = xcb_intern_atom(x, 0, std::strlen(kName), kName);
-        const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(x, cookie, nullptr));
-        return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-    }();
+    static const xcb_atom_t atom = atomNamed(x, "_NET_WM_CM_S0");
     return atom;
 }
 
+xcb_atom_t traySelection(xcb_connection_t* x) {
+    static const xcb_atom_t atom = atomNamed(x, "_NET_SYSTEM_TRAY_S0");
+    return atom;
+}
+
+bool hasOwner(xcb_connection_t* x, xcb_atom_t selection) {
+    const auto cookie = xcb_get_selection_owner(x, selection);
+    const Owned<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(x, cookie, nullptr));
+    return reply && reply->owner != XCB_WINDOW_NONE;
+}
+
 } // namespace
+
+bool canConnect() {
+    xcb_connection_t* const x = xcb_connect(nullptr, nullptr);
+    const bool isConnected = xcb_connection_has_error(x) == 0;
+    xcb_disconnect(x);
+    return isConnected;
+}
 
 void setInputShape(WId window, const QRegion& region, qreal devicePixelRatio) {
     xcb_connection_t* const x = connection();
@@ -62,10 +83,41 @@ bool hasCompositor() {
     if (x == nullptr) {
         return true;
     }
-    const auto cookie = xcb_get_selection_owner(x, compositorSelection(x));
-    const Owned<xcb_get_selection_owner_reply_t> reply(
-        xcb_get_selection_owner_reply(x, cookie, nullptr));
-    return reply && reply->owner != XCB_WINDOW_NONE;
+    return hasOwner(x, compositorSelection(x));
+}
+
+void activate(WId window) {
+    xcb_connection_t* const x = connection();
+    if (x == nullptr) {
+        return;
+    }
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = static_cast<xcb_window_t>(window);
+    message.type = atomNamed(x, "_NET_ACTIVE_WINDOW");
+    message.data.data32[0] = 2; // the user's own wish
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
+    xcb_send_event(x, 0, root,
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&message)); // NOLINT(*-reinterpret-cast): X's way
+    xcb_flush(x);
+}
+
+bool hasSystemTray() {
+    xcb_connection_t* const x = connection();
+    return x != nullptr && hasOwner(x, traySelection(x));
+}
+
+bool announcesSystemTray(const void* event) {
+    xcb_connection_t* const x = connection();
+    const auto* const message = static_cast<const xcb_client_message_event_t*>(event);
+    constexpr std::uint8_t kSentByClient = 0x80;
+    if (x == nullptr || (message->response_type & ~kSentByClient) != XCB_CLIENT_MESSAGE) {
+        return false;
+    }
+    static const xcb_atom_t manager = atomNamed(x, "MANAGER");
+    return message->type == manager && message->data.data32[1] == traySelection(x);
 }
 
 } // namespace brimlet::x11

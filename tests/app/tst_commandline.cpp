@@ -39,6 +39,8 @@ private Q_SLOTS:
         QTest::newRow("help") << brimlet << QStringLiteral("--help") << QStringLiteral("Usage:");
         QTest::newRow("version") << brimlet << QStringLiteral("--version")
                                  << QStringLiteral("brimlet 0.1.0\n");
+        QTest::newRow("help names the requests")
+            << brimlet << QStringLiteral("--help") << QStringLiteral("--pause ");
         QTest::newRow("simulator's help")
             << simulator << QStringLiteral("--help") << QStringLiteral("--machine <file>");
         QTest::newRow("simulator's version") << simulator << QStringLiteral("--version")
@@ -65,6 +67,16 @@ private Q_SLOTS:
         QTest::newRow("nobody feigns a notch with the product")
             << brimlet << QStringList{QStringLiteral("--machine"), QStringLiteral("x.json")}
             << QStringLiteral("machine");
+        QTest::newRow("two requests at once")
+            << brimlet << QStringList{QStringLiteral("--pause"), QStringLiteral("--quit")}
+            << QStringLiteral("Either --pause or --quit, not both.");
+        QTest::newRow("a request and an argument")
+            << brimlet << QStringList{QStringLiteral("--pause"), QStringLiteral("24")}
+            << QStringLiteral("'24'");
+        QTest::newRow("a request with a value")
+            << brimlet << QStringList{QStringLiteral("--pause=24")} << QStringLiteral("pause");
+        QTest::newRow("the simulator is asked through its console")
+            << simulator << QStringList{QStringLiteral("--quit")} << QStringLiteral("quit");
         QTest::newRow("unknown argument")
             << brimlet << QStringList{QStringLiteral("file")} << QStringLiteral("'file'");
         QTest::newRow("simulator without a machine")

@@ -11,6 +11,9 @@ class TestLaunch final : public QObject {
 
     HostFixture m_host;
     FakeOverlayWindow::Record m_window;
+    FakeStatusItem m_statusItem;
+    FakeMenuWindow::Record m_menu;
+    std::shared_ptr<HostStore> m_menuStore;
     int m_windows = 0;
     std::size_t m_requestsAtWindow = 99;
     std::unique_ptr<BrimletApp> m_app;
@@ -20,11 +23,17 @@ private Q_SLOTS:
     void initTestCase() {
         m_host.keepToken("t");
         m_app = std::make_unique<BrimletApp>(
-            m_host.ports(), OverlayPorts{m_host.screens, m_host.workspace, [this](OverlayRuntime&) {
-                                             ++m_windows;
-                                             m_requestsAtWindow = m_host.http.requests().size();
-                                             return std::make_unique<FakeOverlayWindow>(m_window);
-                                         }});
+            m_host.ports(),
+            OverlayPorts{m_host.screens, m_host.workspace,
+                         [this](OverlayRuntime&) {
+                             ++m_windows;
+                             m_requestsAtWindow = m_host.http.requests().size();
+                             return std::make_unique<FakeOverlayWindow>(m_window);
+                         }},
+            MenuPorts{m_statusItem, m_host.clock, [this](const std::shared_ptr<HostStore>& store) {
+                          m_menuStore = store;
+                          return std::make_unique<FakeMenuWindow>(m_menu);
+                      }});
     }
 
     void buildingTheApplicationStartsNothing() {

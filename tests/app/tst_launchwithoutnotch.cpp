@@ -15,13 +15,18 @@ private Q_SLOTS:
         host.keepToken("t");
         host.screens.set({}, {});
         FakeOverlayWindow::Record window;
+        FakeStatusItem statusItem;
+        FakeMenuWindow::Record menu;
         // The launch touches the shared store first here, the application after it.
         HostStore::setSharedPorts(host.ports());
         const auto first = HostStore::shared();
-        const BrimletApp app(host.ports(),
-                             {host.screens, host.workspace, [&window](OverlayRuntime&) {
-                                  return std::make_unique<FakeOverlayWindow>(window);
-                              }});
+        const BrimletApp app(
+            host.ports(),
+            {host.screens, host.workspace,
+             [&window](OverlayRuntime&) { return std::make_unique<FakeOverlayWindow>(window); }},
+            {statusItem, host.clock, [&menu](const std::shared_ptr<HostStore>&) {
+                 return std::make_unique<FakeMenuWindow>(menu);
+             }});
         BrimletAppDelegate delegate;
         delegate.applicationDidFinishLaunching();
         QCoreApplication::sendPostedEvents(&delegate);

@@ -1,7 +1,7 @@
 #include "tests/support/processes.h"
+#include "tests/support/screenreader.h"
 
 #include <QFile>
-#include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -11,35 +11,16 @@ namespace {
 
 constexpr int kPatience = 15'000;
 
-struct Heard final {
-    int exitCode = -1;
-    QByteArray output;
-};
-
-/// Runs the screen reader of the tests, a client of the accessibility bus like any other.
-Heard screenReader(const QStringList& arguments) {
-    QProcess reader;
-    reader.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    reader.start(QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/screen-reader"),
-                 arguments);
-    reader.waitForFinished(kPatience);
-    return {reader.exitCode(), reader.readAllStandardOutput()};
-}
-
 /// What is there, as "role: name (action)".
 QStringList elements() {
     QStringList lines;
-    for (const QByteArray& line : screenReader({QStringLiteral("tree")}).output.split('\n')) {
-        const QJsonObject element = QJsonDocument::fromJson(line).object();
-        if (!element.isEmpty()) {
-            const QJsonArray actions = element.value(QStringLiteral("actions")).toArray();
-            QString text = element.value(QStringLiteral("role")).toString() + QStringLiteral(": ") +
-                           element.value(QStringLiteral("name")).toString();
-            for (const QJsonValue& action : actions) {
-                text += QStringLiteral(" (%1)").arg(action.toString());
-            }
-            lines << text;
+    for (const QJsonObject& element : ScreenReader::elements({QStringLiteral("tree")})) {
+        QString text = element.value(QStringLiteral("role")).toString() + QStringLiteral(": ") +
+                       element.value(QStringLiteral("name")).toString();
+        for (const QJsonValue& action : element.value(QStringLiteral("actions")).toArray()) {
+            text += QStringLiteral(" (%1)").arg(action.toString());
         }
+        lines << text;
     }
     return lines;
 }
@@ -77,9 +58,8 @@ private Q_SLOTS:
         const QString text = QStringLiteral("label: Plain, Not for clicking");
         QTRY_COMPARE_WITH_TIMEOUT(elements(), (QStringList{link, text}), kPatience);
 
-        QCOMPARE(screenReader({QStringLiteral("press"), QStringLiteral("Acme, Fresh every day")})
-                     .exitCode,
-                 0);
+        QVERIFY(
+            ScreenReader::does({QStringLiteral("press"), QStringLiteral("Acme, Fresh every day")}));
         const auto opened = [&openedFile] {
             QFile file(openedFile);
             return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();

@@ -2,11 +2,13 @@
 
 #include "platform/bundle.h"
 #include "platform/cachesfolder.h"
+#include "platform/menuwindow.h"
 #include "platform/observers.h"
 #include "platform/overlaywindow.h"
 #include "platform/reducemotion.h"
 #include "platform/screens.h"
 #include "platform/secretstore.h"
+#include "platform/statusitem.h"
 #include "platform/workspace.h"
 
 #include <QHash>
@@ -167,6 +169,65 @@ public:
 
 private:
     Record& m_record;
+};
+
+/// A status item that a test shows and presses.
+class FakeStatusItem final : public StatusItem {
+public:
+    [[nodiscard]] bool isShown() const override { return shown; }
+    [[nodiscard]] std::optional<Rect> place() const override { return itsPlace; }
+    void setToolTip(const QString& text) override { toolTips << text; }
+    ObserverToken observePresses(std::function<void(std::optional<Rect>)> pressed) override {
+        m_pressed.push_back(std::move(pressed));
+        return ObserverToken{m_pressed.size()};
+    }
+
+    void press() const {
+        for (const auto& pressed : m_pressed) {
+            pressed(itsPlace);
+        }
+    }
+
+    bool shown = true;
+    std::optional<Rect> itsPlace = Rect{1400, 950, 24, 24};
+    /// All that it was told, in order.
+    QStringList toolTips;
+
+private:
+    std::vector<std::function<void(std::optional<Rect>)>> m_pressed;
+};
+
+/// Remembers where it was presented, and can go away by itself.
+class FakeMenuWindow final : public MenuWindow {
+public:
+    /// What is left to see after the window is gone; the test owns it.
+    struct Record {
+        FakeMenuWindow* window = nullptr;
+        std::vector<std::optional<Rect>> presentations;
+        bool isPresented = false;
+    };
+
+    explicit FakeMenuWindow(Record& record)
+        : m_record(record) {
+        record.window = this;
+    }
+
+    void present(const std::optional<Rect>& item) override {
+        m_record.presentations.push_back(item);
+        m_record.isPresented = true;
+    }
+    void dismiss() override {
+        m_record.isPresented = false;
+        m_dismissals.notify();
+    }
+    [[nodiscard]] bool isPresented() const override { return m_record.isPresented; }
+    ObserverToken observeDismissals(std::function<void()> dismissed) override {
+        return m_dismissals.add(std::move(dismissed));
+    }
+
+private:
+    Record& m_record;
+    Observers m_dismissals;
 };
 
 } // namespace brimlet

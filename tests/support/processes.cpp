@@ -142,7 +142,18 @@ QByteArray SimulatorProcess::complaints() {
 
 int SimulatorProcess::endBySignal(int signal) {
     ::kill(static_cast<pid_t>(m_process.processId()), signal);
-    if (!m_process.waitForFinished(kPatience) || m_process.exitStatus() != QProcess::NormalExit) {
+    return exitCode();
+}
+
+int SimulatorProcess::startAgain() const {
+    return QProcess::execute(
+        programPath("brimlet-simulator"),
+        {QStringLiteral("--machine"), m_folder.filePath(QStringLiteral("machine.json"))});
+}
+
+int SimulatorProcess::exitCode() {
+    if ((m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(kPatience)) ||
+        m_process.exitStatus() != QProcess::NormalExit) {
         return -1;
     }
     return m_process.exitCode();

@@ -49,6 +49,11 @@ public:
     [[nodiscard]] bool isPanelShown();
     [[nodiscard]] QString statusLine();
 
+    [[nodiscard]] qint64 pid() const { return m_process.processId(); }
+    /// Starts the program once more on the same machine; returns the second one's exit code.
+    [[nodiscard]] int startAgain() const;
+    /// Waits for the program's end; -1 when it crashed or did not end in time.
+    [[nodiscard]] int exitCode();
     /// Sends the signal and returns the exit code, or -1 when it crashed or did not end in time.
     [[nodiscard]] int endBySignal(int signal);
     /// What it has printed to standard error so far.

@@ -1,0 +1,35 @@
+#include "platform/linux/freedesktopapplication.h"
+
+#include <utility>
+
+namespace brimlet {
+
+FreedesktopApplication::FreedesktopApplication(QObject* object,
+                                               std::function<void(InstanceRequest)> requested)
+    : QDBusAbstractAdaptor(object)
+    , m_requested(std::move(requested)) {}
+
+void FreedesktopApplication::Activate(const QVariantMap& /*platformData*/) {
+    request(InstanceRequest::Open);
+}
+
+void FreedesktopApplication::Open(const QStringList& /*uris*/,
+                                  const QVariantMap& /*platformData*/) {
+    request(InstanceRequest::Open);
+}
+
+void FreedesktopApplication::ActivateAction(const QString& name, const QVariantList& /*parameter*/,
+                                            const QVariantMap& /*platformData*/) {
+    if (name == QLatin1StringView("pause")) {
+        request(InstanceRequest::Pause);
+    } else if (name == QLatin1StringView("quit")) {
+        request(InstanceRequest::Quit);
+    }
+}
+
+void FreedesktopApplication::request(InstanceRequest request) {
+    QMetaObject::invokeMethod(
+        this, [this, request] { m_requested(request); }, Qt::QueuedConnection);
+}
+
+} // namespace brimlet

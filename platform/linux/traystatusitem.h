@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/linux/traywatch.h"
+#include "platform/statusitem.h"
+
+#include <QRectF>
+#include <QSystemTrayIcon>
+
+#include <memory>
+#include <vector>
+
+namespace brimlet {
+
+/// The status item in a desktop's tray, as soon as there is one.
+class TrayStatusItem final : public QObject, public StatusItem {
+    Q_OBJECT
+
+public:
+    TrayStatusItem();
+
+    [[nodiscard]] bool isShown() const override { return m_icon != nullptr; }
+    /// Trays on the bus do not tell where they show it.
+    [[nodiscard]] std::optional<Rect> place() const override;
+    void setToolTip(const QString& text) override;
+    ObserverToken observePresses(std::function<void(std::optional<Rect>)> pressed) override;
+
+private:
+    void showIcon();
+    void pressed(QSystemTrayIcon::ActivationReason reason);
+
+    TrayWatch m_watch;
+    std::unique_ptr<QSystemTrayIcon> m_icon;
+    QString m_toolTip;
+    std::vector<std::function<void(std::optional<Rect>)>> m_observers;
+};
+
+} // namespace brimlet

@@ -1,0 +1,104 @@
+#include "platform/linux/x11menuwindow.h"
+
+#include "platform/linux/desktopgeometry.h"
+#include "platform/linux/menuplacement.h"
+#include "platform/linux/x11.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QScreen>
+
+namespace brimlet {
+
+X11MenuWindow::X11MenuWindow(std::unique_ptr<QWidget> content,
+                             std::function<QRectF()> primaryGeometry)
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
+    , m_content(content.release())
+    , m_primaryGeometry(std::move(primaryGeometry)) {
+    setAttribute(Qt::WA_TranslucentBackground);
+    setWindowTitle(QStringLiteral("Brimlet panel"));
+    m_content->setParent(this);
+}
+
+void X11MenuWindow::present(const std::optional<Rect>& item) {
+    if (!isVisible()) {
+        m_item = item ? std::optional(toQt(*item, m_primaryGeometry()).toRect()) : std::nullopt;
+        // The keyboard begins above the first control, so that no key presses one by accident.
+        m_content->setFocus();
+    }
+    m_isRound = x11::hasCompositor();
+    show();
+    raise();
+    activateWindow();
+    x11::activate(winId());
+}
+
+void X11MenuWindow::dismiss() {
+    hide();
+    // Qt notes only a moment later that a hidden window has lost the keyboard; shown again by then,
+    // the window would never be told that it has it, nor that it loses it. One that is made anew
+    // is, and meanwhile nothing is kept for it. Later, since this may be the window's own event.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (!isVisible()) {
+                destroy();
+            }
+        },
+        Qt::QueuedConnection);
+}
+
+ObserverToken X11MenuWindow::observeDismissals(std::function<void()> dismissed) {
+    return m_dismissals.add(std::move(dismissed));
+}
+
+void X11MenuWindow::fit() {
+    const QScreen* const itsScreen = m_item ? QGuiApplication::screenAt(m_item->center()) : nullptr;
+    const QScreen* const screen = itsScreen ? itsScreen : QGuiApplication::primaryScreen();
+    if (screen == nullptr) {
+        return;
+    }
+    const QRect available = screen->availableGeometry();
+    const QSize size = m_content->sizeHint().boundedTo(available.size());
+    m_content->resize(size);
+    setGeometry(QRect(menuOrigin(size, m_item, available), size));
+}
+
+bool X11MenuWindow::event(QEvent* event) {
+    if (event->type() == QEvent::WindowDeactivate) {
+        dismiss();
+    } else if (event->type() == QEvent::LayoutRequest) {
+        fit();
+    }
+    return QWidget::event(event);
+}
+
+void X11MenuWindow::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(m_content->palette().window());
+    const double corner = m_isRound ? 12 : 0;
+    painter.drawRoundedRect(QRectF(rect()), corner, corner);
+}
+
+void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
+    fit(); // what it shows has been brought up to date by now
+}
+
+void X11MenuWindow::hideEvent(QHideEvent* event) {
+    if (!event->spontaneous()) {
+        m_dismissals.notify();
+    }
+}
+
+void X11MenuWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Cancel)) {
+        dismiss();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+} // namespace brimlet

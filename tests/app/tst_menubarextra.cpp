@@ -1,0 +1,148 @@
+#include "app/menubarextra.h"
+
+#include "tests/support/hostfixture.h"
+
+#include <QTest>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+/// The status item, the panel and what opens and closes it, all but the desktop.
+class TestMenuBarExtra final : public QObject {
+    Q_OBJECT
+
+    /// One extra over fakes.
+    struct Scene final {
+        explicit Scene(bool isShown = true) {
+            item.shown = isShown;
+            extra.emplace(store, MenuPorts{item, host.clock, [this](const auto& its) {
+                                               ++windows;
+                                               storeOfWindow = its;
+                                               return std::make_unique<FakeMenuWindow>(window);
+                                           }});
+        }
+
+        HostFixture host;
+        std::shared_ptr<HostStore> store = host.makeStore();
+        FakeStatusItem item;
+        FakeMenuWindow::Record window;
+        int windows = 0;
+        std::shared_ptr<HostStore> storeOfWindow;
+        std::optional<MenuBarExtra> extra;
+    };
+
+private Q_SLOTS:
+    void thePanelIsMadeWhenItIsFirstOpened() {
+        Scene scene;
+        QCOMPARE(scene.windows, 0);
+        QVERIFY(!scene.extra->isOpen());
+        scene.item.press();
+        QCOMPARE(scene.windows, 1);
+        QVERIFY(scene.storeOfWindow == scene.store);
+        QVERIFY(scene.extra->isOpen());
+    }
+
+    void aPressOpensItBesideTheItemAndAnotherClosesIt() {
+        Scene scene;
+        scene.item.press();
+        QVERIFY(scene.window.isPresented);
+        QCOMPARE(scene.window.presentations.back().value_or(Rect{}), (Rect{1400, 950, 24, 24}));
+        scene.item.press();
+        QVERIFY(!scene.window.isPresented);
+        scene.host.clock.advance(1s);
+        scene.item.press();
+        QVERIFY(scene.window.isPresented);
+        QCOMPARE(scene.windows, 1);
+    }
+
+    void theClickThatTookTheKeyboardAwayDoesNotOpenItAgain() {
+        Scene scene;
+        scene.item.press();
+        scene.window.window->dismiss(); // the desktop gave the keyboard to the bar
+        scene.host.clock.advance(199ms);
+        scene.item.press(); // and now tells of the click
+        QVERIFY(!scene.window.isPresented);
+        scene.host.clock.advance(1ms);
+        scene.item.press();
+        QVERIFY(scene.window.isPresented);
+    }
+
+    void aWallClockThatJumpsDoesNotMatter() {
+        Scene scene;
+        scene.item.press();
+        scene.window.window->dismiss();
+        scene.host.clock.jump(-24h);
+        scene.host.clock.advance(200ms);
+        scene.item.press();
+        QVERIFY(scene.window.isPresented);
+    }
+
+    void aSecondStartOpensItWhateverWasBefore() {
+        Scene scene;
+        scene.extra->open();
+        QVERIFY(scene.window.isPresented);
+        scene.extra->open(); // to the front
+        QVERIFY(scene.window.isPresented);
+        QCOMPARE(scene.window.presentations.size(), std::size_t{2});
+        scene.window.window->dismiss();
+        scene.extra->open(); // at once: nobody clicked the item
+        QVERIFY(scene.window.isPresented);
+    }
+
+    void anItemThatDoesNotTellItsPlaceLeavesThatToTheWindow() {
+        Scene scene;
+        scene.item.itsPlace.reset();
+        scene.extra->open();
+        QVERIFY(!scene.window.presentations.back().has_value());
+    }
+
+    void withoutABarItOpensByItself() {
+        Scene scene(false);
+        scene.host.clock.advance(2999ms);
+        QVERIFY(!scene.extra->isOpen());
+        scene.host.clock.advance(1ms);
+        QVERIFY(scene.extra->isOpen());
+    }
+
+    void withABarThatComesInTimeItStaysClosed() {
+        Scene scene(false);
+        scene.host.clock.advance(2s);
+        scene.item.shown = true;
+        scene.host.clock.advance(1h);
+        QCOMPARE(scene.windows, 0);
+    }
+
+    void onceOpenedItDoesNotOpenByItself() {
+        Scene scene(false);
+        scene.extra->open();
+        scene.window.window->dismiss();
+        scene.host.clock.advance(1h);
+        QVERIFY(!scene.extra->isOpen());
+        QCOMPARE(scene.window.presentations.size(), std::size_t{1});
+    }
+
+    void anExtraThatIsGoneOpensNothing() {
+        Scene scene(false);
+        scene.extra.reset();
+        scene.host.clock.advance(1h);
+        QCOMPARE(scene.windows, 0);
+    }
+
+    void theToolTipIsTheStatusLine() {
+        Scene scene;
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(scene.item.toolTips, QStringList{QStringLiteral("Loading the live placement…")});
+        scene.store->pause24h();
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(scene.item.toolTips.last(), scene.store->statusLine());
+        QCOMPARE(scene.item.toolTips.size(), 2);
+        // Fields that leave the line as it is tell the bar nothing.
+        scene.host.workspace.screensDidSleep();
+        scene.store->saveToken(QString());
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(scene.item.toolTips.size(), 2);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestMenuBarExtra)
+#include "tst_menubarextra.moc"

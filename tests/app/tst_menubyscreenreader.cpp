@@ -1,0 +1,147 @@
+#include "tests/support/processes.h"
+#include "tests/support/screenreader.h"
+
+#include <QTest>
+
+using namespace brimlet;
+
+namespace {
+
+constexpr int kPatience = 5'000; // tried every 50 ms, not counting what a try takes
+const QString kPanel = QStringLiteral("Brimlet panel");
+
+/// What the panel says, as "role: name", from top to bottom.
+QStringList heard() {
+    QStringList lines;
+    for (const QJsonObject& element : ScreenReader::elements({QStringLiteral("window"), kPanel})) {
+        const QString name = element.value(QStringLiteral("name")).toString();
+        if (!name.isEmpty()) {
+            lines << element.value(QStringLiteral("role")).toString() + QStringLiteral(": ") + name;
+        }
+    }
+    return lines;
+}
+
+bool press(const char* name) {
+    return ScreenReader::does({QStringLiteral("press"), QString::fromUtf8(name)});
+}
+
+QString label(const char* text) {
+    return QStringLiteral("label: ") + QString::fromUtf8(text);
+}
+
+} // namespace
+
+/// The whole program through the accessibility bus alone, as somebody uses it who sees nothing.
+class TestMenuByScreenReader final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aHostOpensReadsTypesSignsPausesAndQuits() {
+        const PlacementProcess service;
+        service.setScenario({{QStringLiteral("agreementText"),
+                              QStringLiteral("You show ads.\nWe share what they earn.")}});
+        SimulatorProcess program({{QStringLiteral("infoDictionary"),
+                                   QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}},
+                                  {QStringLiteral("secretStore"), QStringLiteral("memory")}});
+        QTRY_VERIFY_WITH_TIMEOUT(program.isPanelShown(), kPatience);
+        QCOMPARE(heard(), QStringList());
+
+        // Opened by a second start.
+        QCOMPARE(program.startAgain(), 0);
+        const QStringList welcome{
+            QStringLiteral("filler: Brimlet"),
+            label("Brimlet"),
+            label("Live"),
+            label("€0"),
+            label("You'll earn €0 this week"),
+            label("Estimate, not a guarantee"),
+            label("Ad status"),
+            label("Quiet Bike"),
+            label("Left panel"),
+            label("Live"),
+            label("Palindrome"),
+            label("Right panel"),
+            label("Live"),
+            label("Ads on. Add your approved host token to qualify for payouts."),
+            label("Recorded 0/4 live windows today · 0 live days this week"),
+            QStringLiteral("push button: I agree · not a guarantee"),
+            QStringLiteral("password text: Host token"),
+            QStringLiteral("push button: Save token"),
+            QStringLiteral("push button: Pause ads 24h"),
+            QStringLiteral("push button: Quit")};
+        QTRY_COMPARE_WITH_TIMEOUT(heard(), welcome, kPatience);
+
+        // The token goes to the service, and the panel to the host's own figures.
+        QVERIFY(ScreenReader::does({QStringLiteral("type"), QStringLiteral("Host token"),
+                                    QStringLiteral("demo-host-token")}));
+        QVERIFY(press("Save token"));
+        QTRY_VERIFY_WITH_TIMEOUT(
+            service.requestLines().contains(QStringLiteral("POST /api/host/heartbeat")), kPatience);
+        const qsizetype index =
+            service.requestLines().indexOf(QStringLiteral("POST /api/host/heartbeat"));
+        QCOMPARE(service.requests()
+                     .at(index)
+                     .toObject()
+                     .value(QStringLiteral("authorization"))
+                     .toObject()
+                     .value(QStringLiteral("token"))
+                     .toString(),
+                 QStringLiteral("known"));
+        const QString wanted =
+            label("Sign the host agreement. Pay is an estimate, not a guarantee.");
+        QTRY_VERIFY_WITH_TIMEOUT(heard().contains(wanted), kPatience);
+        QVERIFY(heard().contains(label("You show ads.\nWe share what they earn.")));
+
+        // Signed, it is gone, and the week is worth something.
+        QVERIFY(press("I agree · not a guarantee"));
+        QTRY_VERIFY_WITH_TIMEOUT(
+            service.requestLines().contains(QStringLiteral("POST /api/host/agree")), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            !heard().contains(QStringLiteral("push button: I agree · not a guarantee")), kPatience);
+        QCOMPARE(heard().filter(QStringLiteral("We share")), QStringList());
+        QTRY_COMPARE_WITH_TIMEOUT(heard().filter(QStringLiteral("Ads on. This week ~€")).size(), 1,
+                                  kPatience);
+        QVERIFY(!heard().contains(label("€0")));
+        QCOMPARE(heard().filter(QStringLiteral("Split with ")).size(), 1);
+
+        // Paused, nothing is live and the capsules are gone.
+        QVERIFY(press("Pause ads 24h"));
+        QTRY_COMPARE_WITH_TIMEOUT(heard().count(label("Unfilled")), 3, kPatience);
+        QVERIFY(!heard().contains(label("Live")));
+        QTRY_VERIFY_WITH_TIMEOUT(!program.isPanelShown(), kPatience);
+
+        QVERIFY(press("Quit"));
+        QCOMPARE(program.exitCode(), 0);
+    }
+
+    void everyControlCanBeReachedAndTellsWhatItIs() {
+        const PlacementProcess service;
+        SimulatorProcess program(
+            {{QStringLiteral("infoDictionary"),
+              QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}}});
+        QTRY_VERIFY_WITH_TIMEOUT(program.isPanelShown(), kPatience);
+        QCOMPARE(program.startAgain(), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(heard().contains(QStringLiteral("push button: Quit")), kPatience);
+        for (const QJsonObject& element :
+             ScreenReader::elements({QStringLiteral("window"), kPanel})) {
+            const QString role = element.value(QStringLiteral("role")).toString();
+            if (role == QStringLiteral("push button") || role.endsWith(QStringLiteral("text"))) {
+                const auto states = element.value(QStringLiteral("states")).toVariant();
+                QVERIFY2(states.toStringList().contains(QStringLiteral("focusable")),
+                         qPrintable(role));
+                QVERIFY(!element.value(QStringLiteral("name")).toString().isEmpty());
+            }
+        }
+        QVERIFY(ScreenReader::does({QStringLiteral("focus"), QStringLiteral("Pause ads 24h")}));
+        const auto focused = [] {
+            const auto elements = ScreenReader::elements({QStringLiteral("focused")});
+            return elements.isEmpty() ? QString()
+                                      : elements.first().value(QStringLiteral("name")).toString();
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(focused(), QStringLiteral("Pause ads 24h"), kPatience);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestMenuByScreenReader)
+#include "tst_menubyscreenreader.moc"

@@ -1,0 +1,310 @@
+#include "platform/linux/desktopgeometry.h"
+#include "platform/linux/qtscreens.h"
+#include "platform/linux/traystatusitem.h"
+#include "platform/linux/x11.h"
+#include "tests/platform/linux/busservice.h"
+#include "tests/support/pointer.h"
+#include "tests/support/xserver.h"
+
+#include <QApplication>
+#include <QDBusConnectionInterface>
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <unistd.h>
+
+using namespace brimlet;
+
+namespace {
+
+constexpr int kPatience = 15'000;
+
+/// Where the older kind of tray shows its icons.
+constexpr QRect kBar(1212, 954, 300, 28);
+
+const QString xembed = QStringLiteral("xembed");
+const QString notifier = QStringLiteral("notifier");
+const QString watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString trayName = QStringLiteral("app.brimlet.test.Tray");
+
+[[nodiscard]] bool hasNotifier() {
+    return QDBusConnection::sessionBus().interface()->isServiceRegistered(watcherName);
+}
+
+/// A tray of a kind, which goes with this.
+class Tray final {
+public:
+    explicit Tray(const QString& kind)
+        : m_kind(kind) {
+        m_process.start(QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/tray-host"),
+                        {kind});
+    }
+    ~Tray() {
+        m_process.terminate();
+        if (!m_process.waitForFinished()) {
+            m_process.kill();
+            m_process.waitForFinished();
+        }
+    }
+    Tray(const Tray&) = delete;
+    Tray& operator=(const Tray&) = delete;
+
+    [[nodiscard]] bool isThere() const {
+        return m_kind == xembed ? x11::hasSystemTray() : hasNotifier();
+    }
+
+private:
+    QString m_kind;
+    QProcess m_process;
+};
+
+/// Asks the newer kind of tray, which meanwhile asks this process.
+[[nodiscard]] QDBusMessage ask(const char* method, const QVariantList& arguments = {}) {
+    auto question = QDBusMessage::createMethodCall(trayName, QStringLiteral("/tray"), trayName,
+                                                   QString::fromLatin1(method));
+    question.setArguments(arguments);
+    const QDBusPendingCall call = QDBusConnection::sessionBus().asyncCall(question, kPatience);
+    [&call] { QTRY_VERIFY_WITH_TIMEOUT(call.isFinished(), kPatience); }();
+    return call.reply();
+}
+
+[[nodiscard]] QJsonArray items() {
+    const QDBusMessage reply = ask("Items");
+    return QJsonDocument::fromJson(reply.arguments().value(0).toString().toUtf8()).array();
+}
+
+[[nodiscard]] QJsonObject item() {
+    const QJsonArray all = items();
+    return all.size() == 1 ? all.at(0).toObject() : QJsonObject();
+}
+
+} // namespace
+
+/// The status item in trays that come and go. Qt chooses the kind of tray once in a process, so
+/// each kind has a process of its own: BRIMLET_TEST_TRAY names it. The steps share one item and run
+/// in this order.
+class TestTrayStatusItem final : public QObject {
+    Q_OBJECT
+
+    XServer m_x;
+    QString m_kind = qEnvironmentVariable("BRIMLET_TEST_TRAY", notifier);
+    std::unique_ptr<TrayStatusItem> m_item;
+    std::unique_ptr<Tray> m_tray;
+    QList<std::optional<Rect>> m_presses;
+    QElapsedTimer m_lastClick;
+
+    [[nodiscard]] bool isNotifier() const { return m_kind == notifier; }
+    /// On the root window; empty while no tray shows the icon.
+    [[nodiscard]] QRect iconPlace() const {
+        for (const ClientWindow& window : m_x.windowsOf(getpid())) {
+            if (window.isViewable) {
+                return window.geometry;
+            }
+        }
+        return {};
+    }
+    /// Whether the tray itself has it, and in its final place.
+    [[nodiscard]] bool isInTray() const {
+        return isNotifier() ? !item().isEmpty()
+                            : kBar.contains(iconPlace()) && placeOf(m_item->place()) == iconPlace();
+    }
+    /// Clicks until a press is told: a bar that puts its icons in order may lose a click.
+    [[nodiscard]] bool canBePressed() {
+        if (m_presses.isEmpty()) {
+            clickWith(QStringLiteral("1"));
+        }
+        return !m_presses.isEmpty();
+    }
+    void pressWith(const QString& button, int times = 1) {
+        m_presses.clear();
+        clickWith(button, times);
+    }
+    void clickWith(const QString& button, int times = 1) {
+        if (isNotifier()) {
+            moveTo(QPoint(700, 500));
+            const char* const method = button == QStringLiteral("1")   ? "Activate"
+                                       : button == QStringLiteral("2") ? "SecondaryActivate"
+                                                                       : "ContextMenu";
+            for (int i = 0; i < times; ++i) {
+                QCOMPARE(ask(method, {700, 500}).type(), QDBusMessage::ReplyMessage);
+            }
+        } else {
+            const QPoint at = iconPlace().center();
+            xdotool({QStringLiteral("mousemove"), QString::number(at.x()), QString::number(at.y()),
+                     QStringLiteral("click"), QStringLiteral("--repeat"), QString::number(times),
+                     QStringLiteral("--delay"), QStringLiteral("40"), button});
+        }
+    }
+    [[nodiscard]] static QRect placeOf(const std::optional<Rect>& press) {
+        return press ? toQt(*press, QtScreens::primaryGeometry()).toRect() : QRect();
+    }
+
+    void startTray(const QString& kind) {
+        m_presses.clear();
+        m_tray = std::make_unique<Tray>(kind);
+        QTRY_VERIFY_WITH_TIMEOUT(m_tray->isThere(), kPatience);
+    }
+    void endTray() {
+        m_tray.reset();
+        if (isNotifier()) {
+            QTRY_VERIFY_WITH_TIMEOUT(!hasNotifier(), kPatience);
+        } else {
+            QTRY_VERIFY_WITH_TIMEOUT(iconPlace().isEmpty(), kPatience);
+        }
+    }
+
+private Q_SLOTS:
+    void initTestCase() {
+        QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session");
+        QVERIFY(QDBusConnection::sessionBus().isConnected());
+        m_item = std::make_unique<TrayStatusItem>();
+        m_item->observePresses([this](const std::optional<Rect>& place) { m_presses << place; });
+        m_item->setToolTip(QStringLiteral("Before the tray"));
+    }
+
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".?"))); }
+
+    void withoutATrayItIsNotShown() {
+        settle(QDBusConnection::sessionBus());
+        QCoreApplication::processEvents();
+        QVERIFY(!m_item->isShown());
+        QVERIFY(!m_item->place());
+        QVERIFY(iconPlace().isEmpty());
+    }
+
+    void aTrayThatComesLateShowsIt() {
+        startTray(m_kind);
+        QTRY_VERIFY_WITH_TIMEOUT(m_item->isShown(), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(isInTray(), kPatience);
+    }
+
+    void itTellsItsPlaceWhereTheTrayTells() {
+        if (isNotifier()) {
+            QVERIFY(!m_item->place());
+            return;
+        }
+        QCOMPARE(placeOf(m_item->place()), iconPlace());
+        QVERIFY(kBar.contains(iconPlace()));
+    }
+
+    void eachClickIsOnePressWithItsPlace_data() {
+        QTest::addColumn<QString>("button");
+        QTest::newRow("left") << QStringLiteral("1");
+        QTest::newRow("middle") << QStringLiteral("2");
+        QTest::newRow("right") << QStringLiteral("3");
+    }
+    void eachClickIsOnePressWithItsPlace() {
+        QFETCH(QString, button);
+        for (int click = 0; click < 2; ++click) {
+            pressWith(button);
+            QTRY_COMPARE_WITH_TIMEOUT(m_presses.size(), 1, kPatience);
+            QCOMPARE(placeOf(m_presses.constFirst()),
+                     isNotifier() ? QRect(700, 500, 1, 1) : iconPlace());
+            // The next one is not the second of a double click.
+            m_lastClick.start();
+            const int apart = isNotifier() ? 0 : QApplication::doubleClickInterval();
+            QTRY_VERIFY_WITH_TIMEOUT(m_lastClick.hasExpired(apart), kPatience);
+            QCOMPARE(m_presses.size(), 1);
+        }
+    }
+
+    void aDoubleClickIsOnePress() {
+        if (isNotifier()) {
+            return; // such trays tell of two clicks
+        }
+        pressWith(QStringLiteral("1"), 2);
+        QTRY_COMPARE_WITH_TIMEOUT(m_presses.size(), 1, kPatience);
+        m_lastClick.start();
+        QTRY_VERIFY_WITH_TIMEOUT(m_lastClick.hasExpired(QApplication::doubleClickInterval()),
+                                 kPatience);
+        QCOMPARE(m_presses.size(), 1);
+    }
+
+    void underWaylandThePointersPlaceIsUnknown() {
+        if (!isNotifier()) {
+            return;
+        }
+        QVERIFY(qputenv("WAYLAND_DISPLAY", "wayland-0"));
+        pressWith(QStringLiteral("1"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_presses.size(), 1, kPatience);
+        QVERIFY(!m_presses.constFirst());
+        QVERIFY(qunsetenv("WAYLAND_DISPLAY"));
+    }
+
+    void theTrayKnowsItsToolTip() {
+        if (!isNotifier()) {
+            return; // shown by this process itself
+        }
+        QCOMPARE(item().value(QStringLiteral("ToolTipTitle")).toString(),
+                 QStringLiteral("Before the tray"));
+        m_item->setToolTip(QStringLiteral("Open · <b>plain</b>"));
+        QTRY_COMPARE_WITH_TIMEOUT(item().value(QStringLiteral("ToolTipTitle")).toString(),
+                                  QStringLiteral("Open · <b>plain</b>"), kPatience);
+    }
+
+    void itIsAPictureUnderTheProgramsName() {
+        if (isNotifier()) {
+            const QJsonObject itsItem = item();
+            // Hosts want one for their own lists and screen readers: the program's name.
+            QCOMPARE(itsItem.value(QStringLiteral("Title")).toString(),
+                     QCoreApplication::applicationName());
+            QCOMPARE(itsItem.value(QStringLiteral("Id")).toString(),
+                     QCoreApplication::applicationName());
+            QVERIFY(!itsItem.value(QStringLiteral("IconPixmap")).toArray().isEmpty());
+            QCOMPARE(itsItem.value(QStringLiteral("Status")).toString(), QStringLiteral("Active"));
+            QCOMPARE(itsItem.value(QStringLiteral("Category")).toString(),
+                     QStringLiteral("ApplicationStatus"));
+            QCOMPARE(itsItem.value(QStringLiteral("ItemIsMenu")).toBool(), false);
+            const QTemporaryDir folder;
+            const QString file = folder.filePath(QStringLiteral("icon.png"));
+            QCOMPARE(ask("SaveIcon", {file}).type(), QDBusMessage::ReplyMessage);
+            const QImage icon(file);
+            QVERIFY(icon.width() >= 22);
+            QVERIFY(icon.pixelColor(icon.width() / 2, icon.height() * 13 / 16).lightness() > 200);
+            return;
+        }
+        const QImage shown = m_x.picture(iconPlace());
+        int bright = 0;
+        for (int y = 0; y < shown.height(); ++y) {
+            for (int x = 0; x < shown.width(); ++x) {
+                bright += shown.pixelColor(x, y).lightness() > 200 ? 1 : 0;
+            }
+        }
+        QVERIFY2(bright >= shown.width() * shown.height() / 8, QByteArray::number(bright));
+    }
+
+    void aTrayThatComesBackShowsItAgain() {
+        for (int times = 0; times < 2; ++times) {
+            endTray();
+            startTray(m_kind);
+            QTRY_VERIFY_WITH_TIMEOUT(isInTray(), kPatience);
+            QTRY_VERIFY_WITH_TIMEOUT(canBePressed(), kPatience);
+        }
+        if (isNotifier()) {
+            QCOMPARE(item().value(QStringLiteral("ToolTipTitle")).toString(),
+                     QStringLiteral("Open · <b>plain</b>"));
+        }
+    }
+
+    void aTrayOfTheOtherKindDoesNotHinderItsReturn() {
+        endTray();
+        startTray(isNotifier() ? xembed : notifier);
+        QVERIFY(!m_item->place()); // Qt has chosen
+        m_tray.reset();
+        startTray(m_kind);
+        QTRY_VERIFY_WITH_TIMEOUT(isInTray(), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(canBePressed(), kPatience);
+    }
+
+    void cleanupTestCase() {
+        m_item.reset();
+        m_tray.reset();
+    }
+};
+
+QTEST_MAIN(TestTrayStatusItem)
+#include "tst_traystatusitem.moc"

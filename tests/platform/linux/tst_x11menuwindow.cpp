@@ -1,0 +1,316 @@
+#include "platform/linux/desktopgeometry.h"
+#include "platform/linux/qtscreens.h"
+#include "platform/linux/x11.h"
+#include "platform/linux/x11menuwindow.h"
+#include "tests/support/pointer.h"
+#include "tests/support/xserver.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QTest>
+
+using namespace brimlet;
+
+namespace {
+
+constexpr int kPatience = 15'000;
+
+constexpr QRgb kGround = qRgb(40, 40, 60);
+constexpr QRgb kBehind = qRgb(200, 60, 20);
+
+/// As large as a test says. Counts its clicks.
+class Content final : public QWidget {
+public:
+    Content() {
+        QPalette colors = palette();
+        colors.setColor(QPalette::Window, QColor(kGround));
+        setPalette(colors);
+    }
+    [[nodiscard]] QSize sizeHint() const override { return m_size; }
+    void setHint(QSize size) {
+        m_size = size;
+        updateGeometry();
+    }
+    int clicks = 0;
+
+protected:
+    void mousePressEvent(QMouseEvent* /*event*/) override { ++clicks; }
+
+private:
+    QSize m_size{340, 400};
+};
+
+/// A window of one colour that counts its clicks.
+class Other final : public QWidget {
+public:
+    explicit Other(const QRect& place) {
+        setWindowFlag(Qt::FramelessWindowHint);
+        setGeometry(place);
+        QPalette colors = palette();
+        colors.setColor(QPalette::Window, QColor(kBehind));
+        setPalette(colors);
+    }
+    QList<QPoint> clicks;
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override {
+        clicks << event->globalPosition().toPoint();
+    }
+};
+
+/// The status item's place, given in Qt's space.
+[[nodiscard]] std::optional<Rect> itemAt(const QRect& place) {
+    return fromQt(QRectF(place), QtScreens::primaryGeometry());
+}
+
+} // namespace
+
+/// The panel's window on a real desktop, with whatever content.
+class TestX11MenuWindow final : public QObject {
+    Q_OBJECT
+
+    XServer m_x;
+    Content* m_content = nullptr;
+    std::unique_ptr<X11MenuWindow> m_window;
+    int m_dismissals = 0;
+    QProcess m_bar;
+
+    [[nodiscard]] xcb_window_t id() const { return static_cast<xcb_window_t>(m_window->winId()); }
+    /// Where the X server has it.
+    [[nodiscard]] QRect place() const {
+        for (const ClientWindow& window : m_x.windowsOf(QCoreApplication::applicationPid())) {
+            if (window.id == id() && window.isViewable) {
+                return window.geometry;
+            }
+        }
+        return {};
+    }
+    [[nodiscard]] bool hasKeyboard() const { return m_x.focus() == id(); }
+    void present(const std::optional<Rect>& item) {
+        m_window->present(item);
+        QTRY_VERIFY_WITH_TIMEOUT(m_window->isActiveWindow(), kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.focus(), id(), kPatience);
+    }
+    [[nodiscard]] QRgb pixel(QPoint at) const { return m_x.pixel(at).rgb(); }
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session"); }
+
+    void init() {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".?")));
+        moveTo(QPoint(5, 900));
+        auto content = std::make_unique<Content>();
+        m_content = content.get();
+        m_window = std::make_unique<X11MenuWindow>(std::move(content), QtScreens::primaryGeometry);
+        m_dismissals = 0;
+        m_window->observeDismissals([this] { ++m_dismissals; });
+    }
+    void cleanup() {
+        m_window.reset();
+        m_bar.terminate();
+        m_bar.waitForFinished();
+        QTRY_COMPARE_WITH_TIMEOUT(QGuiApplication::primaryScreen()->availableGeometry(),
+                                  QGuiApplication::primaryScreen()->geometry(), kPatience);
+    }
+
+    void itIsMadeHidden() {
+        QVERIFY(!m_window->isPresented());
+        QCOMPARE(m_dismissals, 0);
+        m_window->dismiss();
+        QCOMPARE(m_dismissals, 0);
+    }
+
+    void itOpensAtTheItemAndTakesTheKeyboard() {
+        present(itemAt(QRect(700, 0, 24, 24)));
+        QVERIFY(m_window->isPresented());
+        QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(542, 30, 340, 400), kPatience);
+        QCOMPARE(m_content->size(), QSize(340, 400));
+    }
+
+    void withoutAPlaceItOpensInTheCorner() {
+        present(std::nullopt);
+        QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(1166, 6, 340, 400), kPatience);
+    }
+
+    void theKeyboardBeginsAboveTheFirstControl() {
+        QLineEdit field(m_content);
+        present(std::nullopt);
+        key("x");
+        key("Tab");
+        QTRY_VERIFY_WITH_TIMEOUT(field.hasFocus(), kPatience);
+        key("y");
+        QTRY_COMPARE_WITH_TIMEOUT(field.text(), QStringLiteral("y"), kPatience);
+        // Opened anew, it begins there again.
+        m_window->dismiss();
+        QTRY_VERIFY_WITH_TIMEOUT(!m_x.isMapped(id()) && !hasKeyboard(), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(QGuiApplication::focusWindow() == nullptr, kPatience);
+        present(std::nullopt);
+        QVERIFY(!field.hasFocus());
+        field.setParent(nullptr);
+    }
+
+    void escapeClosesIt() {
+        QLineEdit field(m_content);
+        for (const bool isInField : {false, true}) {
+            m_dismissals = 0;
+            present(std::nullopt);
+            if (isInField) {
+                field.setFocus();
+            }
+            key("Escape");
+            QTRY_VERIFY_WITH_TIMEOUT(!m_window->isPresented(), kPatience);
+            QTRY_VERIFY_WITH_TIMEOUT(!m_x.isMapped(id()), kPatience);
+            QCOMPARE(m_dismissals, 1);
+        }
+        field.setParent(nullptr);
+    }
+
+    void aClickOnAnotherWindowClosesItAndReachesThatWindow() {
+        Other other(QRect(50, 300, 400, 400));
+        other.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&other));
+        present(std::nullopt);
+        click(QPoint(100, 350));
+        QTRY_VERIFY_WITH_TIMEOUT(!m_window->isPresented(), kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(other.clicks, QList<QPoint>{QPoint(100, 350)}, kPatience);
+        QCOMPARE(m_dismissals, 1);
+        // It can be opened again.
+        present(std::nullopt);
+        QVERIFY(m_window->isPresented());
+        m_window->dismiss();
+        QCOMPARE(m_dismissals, 2);
+    }
+
+    void aClickInsideDoesNotCloseIt() {
+        present(std::nullopt);
+        QTRY_VERIFY_WITH_TIMEOUT(place().isValid(), kPatience);
+        click(place().center());
+        QTRY_COMPARE_WITH_TIMEOUT(m_content->clicks, 1, kPatience);
+        QVERIFY(m_window->isPresented());
+        QVERIFY(hasKeyboard());
+    }
+
+    void theEdgeBesideTheItemStaysWhenTheContentChanges_data() {
+        QTest::addColumn<QRect>("item");
+        QTest::addColumn<QRect>("small");
+        QTest::addColumn<QRect>("large");
+        QTest::newRow("bar at the top")
+            << QRect(700, 0, 24, 24) << QRect(542, 30, 340, 200) << QRect(542, 30, 340, 600);
+        QTest::newRow("bar at the bottom")
+            << QRect(700, 954, 28, 28) << QRect(544, 748, 340, 200) << QRect(544, 348, 340, 600);
+    }
+    void theEdgeBesideTheItemStaysWhenTheContentChanges() {
+        QFETCH(QRect, item);
+        QFETCH(QRect, small);
+        QFETCH(QRect, large);
+        m_content->setHint(small.size());
+        present(itemAt(item));
+        QTRY_COMPARE_WITH_TIMEOUT(place(), small, kPatience);
+        m_content->setHint(large.size());
+        QTRY_COMPARE_WITH_TIMEOUT(place(), large, kPatience);
+        QCOMPARE(m_content->size(), large.size());
+        m_content->setHint(small.size());
+        QTRY_COMPARE_WITH_TIMEOUT(place(), small, kPatience);
+        QVERIFY(hasKeyboard());
+        QCOMPARE(m_dismissals, 0);
+    }
+
+    void aBarsPartOfTheScreenIsLeftFree() {
+        m_bar.start(QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/tray-host"),
+                    {QStringLiteral("xembed")});
+        const QRect whole = QGuiApplication::primaryScreen()->geometry();
+        QTRY_VERIFY_WITH_TIMEOUT(QGuiApplication::primaryScreen()->availableGeometry() != whole,
+                                 kPatience);
+        const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
+        QCOMPARE(available, m_x.workArea());
+        m_content->setHint(QSize(3000, 3000));
+        present(itemAt(QRect(1480, 956, 24, 24)));
+        QTRY_COMPARE_WITH_TIMEOUT(place(), available, kPatience);
+        QCOMPARE(m_content->size(), available.size());
+        m_content->setHint(QSize(340, 400));
+        QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(1172, 550, 340, 400), kPatience);
+    }
+
+    void aContentLargerThanTheScreenIsCutToIt() {
+        m_content->setHint(QSize(5000, 5000));
+        present(std::nullopt);
+        QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(0, 0, 1512, 982), kPatience);
+    }
+
+    void itsCornersAreRoundWhereACompositorRuns() {
+        Other behind(QRect(0, 0, 1512, 982));
+        behind.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&behind));
+        present(itemAt(QRect(700, 0, 24, 24)));
+        QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(542, 30, 340, 400), kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(pixel(place().center()), kGround, kPatience);
+        const QRgb corner = x11::hasCompositor() ? kBehind : kGround;
+        const QRect shown = place();
+        for (const QPoint& at :
+             {shown.topLeft(), shown.topRight(), shown.bottomLeft(), shown.bottomRight()}) {
+            QTRY_COMPARE_WITH_TIMEOUT(pixel(at), corner, kPatience);
+        }
+        // Between the corners it goes to the edge.
+        for (const QPoint& at :
+             {QPoint(shown.center().x(), shown.top()), QPoint(shown.center().x(), shown.bottom()),
+              QPoint(shown.left(), shown.center().y()),
+              QPoint(shown.right(), shown.center().y())}) {
+            QCOMPARE(pixel(at), kGround);
+        }
+    }
+
+    void itStaysAboveOtherWindows() {
+        present(itemAt(QRect(700, 0, 24, 24)));
+        QTRY_COMPARE_WITH_TIMEOUT(pixel(QPoint(712, 200)), kGround, kPatience);
+        Other other(QRect(400, 0, 600, 600));
+        other.setAttribute(Qt::WA_ShowWithoutActivating);
+        other.show();
+        other.raise();
+        QVERIFY(QTest::qWaitForWindowExposed(&other));
+        QTRY_COMPARE_WITH_TIMEOUT(pixel(QPoint(450, 200)), kBehind, kPatience);
+        QCOMPARE(pixel(QPoint(712, 200)), kGround);
+        QVERIFY(m_window->isPresented());
+    }
+
+    void presentedAgainItComesToTheFrontWhereItIs() {
+        present(itemAt(QRect(700, 0, 24, 24)));
+        QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(542, 30, 340, 400), kPatience);
+        Other other(QRect(400, 0, 600, 600));
+        other.setWindowFlag(Qt::WindowStaysOnTopHint);
+        other.setAttribute(Qt::WA_ShowWithoutActivating);
+        other.show();
+        other.raise();
+        QTRY_COMPARE_WITH_TIMEOUT(pixel(QPoint(712, 200)), kBehind, kPatience);
+        // The one who asks need not know the place that a click told before.
+        m_window->present(std::nullopt);
+        QTRY_COMPARE_WITH_TIMEOUT(pixel(QPoint(712, 200)), kGround, kPatience);
+        QVERIFY(hasKeyboard());
+        m_content->setHint(QSize(340, 500));
+        QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(542, 30, 340, 500), kPatience);
+        QCOMPARE(m_dismissals, 0);
+    }
+
+    void itTakesTheKeyboardFromAnotherProgram() {
+        // A person is busy elsewhere; opening the panel is a wish of theirs all the same.
+        QProcess editor;
+        editor.start(QStringLiteral("xev"),
+                     {QStringLiteral("-geometry"), QStringLiteral("300x300+20+20")});
+        QVERIFY(editor.waitForStarted());
+        const xcb_window_t before = m_x.focus();
+        QTRY_VERIFY_WITH_TIMEOUT(m_x.focus() != before, kPatience);
+        click(QPoint(150, 150));
+        const xcb_window_t editing = m_x.focus();
+        present(std::nullopt);
+        m_window->dismiss();
+        // And gives it back.
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.focus(), editing, kPatience);
+        editor.kill();
+        QVERIFY(editor.waitForFinished());
+    }
+};
+
+QTEST_MAIN(TestX11MenuWindow)
+#include "tst_x11menuwindow.moc"

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QList>
+#include <QProcess>
+#include <QStringList>
+
+/// The screen reader of the tests, a client of the accessibility bus like any other; its verbs are
+/// those of tests/support/session/screen-reader.
+namespace brimlet::ScreenReader {
+
+struct Heard final {
+    int exitCode = -1;
+    QByteArray output;
+};
+
+inline Heard run(const QStringList& arguments) {
+    constexpr int kPatience = 15'000;
+    QProcess reader;
+    reader.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    reader.start(QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/screen-reader"),
+                 arguments);
+    reader.waitForFinished(kPatience);
+    return {reader.exitStatus() == QProcess::NormalExit ? reader.exitCode() : -1,
+            reader.readAllStandardOutput()};
+}
+
+/// Whether that could be done.
+[[nodiscard]] inline bool does(const QStringList& arguments) {
+    return run(arguments).exitCode == 0;
+}
+
+/// What it is told, one object an element.
+[[nodiscard]] inline QList<QJsonObject> elements(const QStringList& arguments) {
+    QList<QJsonObject> elements;
+    for (const QByteArray& line : run(arguments).output.split('\n')) {
+        const QJsonObject element = QJsonDocument::fromJson(line).object();
+        if (!element.isEmpty()) {
+            elements << element;
+        }
+    }
+    return elements;
+}
+
+} // namespace brimlet::ScreenReader
