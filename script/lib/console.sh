@@ -21,6 +21,14 @@ state() {
   IFS= read -r -t 2 -u 8 answer && printf '%s\n' "$answer"
 }
 
+# tell COMMAND: has it done; the answer is that it is.
+tell() {
+  local answer=
+  echo "$1" >&7
+  IFS= read -r -t 2 -u 8 answer || true
+  [ "$answer" = '{"ok":true}' ] || fail "\"$1\" was answered: $answer"
+}
+
 # shows CONDITION: a jq condition on the state holds. A program that ended fails.
 shows() {
   running || fail "the program ended"
