@@ -23,6 +23,7 @@ X11MenuWindow::X11MenuWindow(std::unique_ptr<QWidget> content,
 
 void X11MenuWindow::present(const std::optional<Rect>& item) {
     if (!isVisible()) {
+        forgetNativeWindow();
         m_item = item ? std::optional(toQt(*item, m_primaryGeometry()).toRect()) : std::nullopt;
         // The keyboard begins above the first control, so that no key presses one by accident.
         m_content->setFocus();
@@ -36,17 +37,12 @@ void X11MenuWindow::present(const std::optional<Rect>& item) {
 
 void X11MenuWindow::dismiss() {
     hide();
-    // Qt notes only a moment later that a hidden window has lost the keyboard; shown again by then,
-    // the window would never be told that it has it, nor that it loses it. One that is made anew
-    // is, and meanwhile nothing is kept for it. Later, since this may be the window's own event.
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            if (!isVisible()) {
-                destroy();
-            }
-        },
-        Qt::QueuedConnection);
+}
+
+void X11MenuWindow::forgetNativeWindow() {
+    if (!isVisible()) {
+        destroy();
+    }
 }
 
 ObserverToken X11MenuWindow::observeDismissals(std::function<void()> dismissed) {
@@ -90,6 +86,8 @@ void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
 void X11MenuWindow::hideEvent(QHideEvent* event) {
     if (!event->spontaneous()) {
         m_dismissals.notify();
+        // Later, since this may be the native window's own event.
+        QMetaObject::invokeMethod(this, &X11MenuWindow::forgetNativeWindow, Qt::QueuedConnection);
     }
 }
 

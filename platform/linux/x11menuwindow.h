@@ -35,6 +35,10 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    /// Nothing is kept for a window that is not shown. Besides, Qt notes only a moment later that a
+    /// hidden window has lost the keyboard; shown again by then, it would never be told that it has
+    /// it, nor that it loses it.
+    void forgetNativeWindow();
     /// Takes the content's size and goes where that fits.
     void fit();
 
