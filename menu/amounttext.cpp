@@ -17,7 +17,7 @@ constexpr double kTracking = -1.2;
 AmountText::AmountText() {
     setTextFormat(Qt::PlainText);
     setFont(systemFont(44, QFont::Bold));
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred); // lines may be added
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     const QFontMetricsF metrics(font());

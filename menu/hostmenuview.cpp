@@ -7,6 +7,7 @@
 #include "menu/hostbuttons.h"
 #include "menu/hosttheme.h"
 #include "menu/livedot.h"
+#include "menu/menuaccessibility.h"
 #include "menu/menurows.h"
 #include "menu/menutext.h"
 #include "menu/menutexts.h"
@@ -63,6 +64,7 @@ HostMenuView::HostMenuView(std::shared_ptr<HostStore> store, const CreativeEnvir
     , m_saveToken(new HostPrimaryButton(tr("Save token")))
     , m_pause(new HostGhostButton(tr("Pause ads 24h")))
     , m_quit(new HostGhostButton(tr("Quit"))) {
+    describeMenuToScreenReaders();
     setAccessibleName(tr("Brimlet"));
     setPalette(darkPalette());
     buildLayout();

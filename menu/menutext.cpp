@@ -35,7 +35,7 @@ MenuText::MenuText(const QFont& font, const QColor& color, const QString& text)
     : m_color(color) {
     setTextFormat(Qt::PlainText);
     setFont(font);
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred); // lines may be added
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     setWording(text);

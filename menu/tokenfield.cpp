@@ -81,7 +81,8 @@ void TokenField::focusOutEvent(QFocusEvent* event) {
 void TokenField::contextMenuEvent(QContextMenuEvent* event) {
     QMenu* const menu = createStandardContextMenu();
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->setPalette(palette());
+    // Its own palette would hand on no more than what it has set itself.
+    menu->setPalette(parentWidget()->palette());
     menu->popup(event->globalPos());
 }
 

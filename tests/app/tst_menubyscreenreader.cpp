@@ -50,7 +50,7 @@ private Q_SLOTS:
         // Opened by a second start.
         QCOMPARE(program.startAgain(), 0);
         const QStringList welcome{
-            QStringLiteral("filler: Brimlet"),
+            QStringLiteral("panel: Brimlet"),
             label("Brimlet"),
             label("Live"),
             label("€0"),

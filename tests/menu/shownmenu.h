@@ -69,11 +69,18 @@ public:
         }
         return m_store;
     }
+    /// The week that the store holds, to be written by hand: a machine without a notch asks for
+    /// nothing, so no reply gets there.
+    [[nodiscard]] Assignment& week() { return const_cast<Assignment&>(store()->assignment()); }
     /// Fetches what the service answers.
     void poll() { startTask(store()->refreshEstimate()); }
     /// The view as it is after a poll, shown.
     HostMenuView& show() {
         poll();
+        return open();
+    }
+    /// The view as it is, shown.
+    HostMenuView& open() {
         view().show();
         m_window.show();
         return view();
@@ -88,6 +95,27 @@ public:
     }
 
     bool hasToken = true;
+
+    /// A slot filled with a brand that has no picture.
+    [[nodiscard]] static SlotCreative slot(const QString& brand) {
+        SlotCreative creative;
+        creative.brandName = brand;
+        return creative;
+    }
+    /// A machine without a notch, with everything on its menu that a menu can have.
+    HostMenuView& openWithEverything() {
+        host.screens.set({}, {});
+        Assignment& all = week();
+        all.estimatedCents = 1234;
+        all.pendingStipendCents = 1500;
+        all.liveHostCount = 42;
+        all.agreed = false;
+        all.fromApplications = false;
+        all.agreementText = QStringLiteral("Be kind.");
+        all.left = slot(QStringLiteral("Quiet Bicycle"));
+        all.right = slot(QStringLiteral("Palindrome"));
+        return open();
+    }
 
     /// The texts that are shown, from top to bottom.
     [[nodiscard]] QStringList texts() {
@@ -107,6 +135,10 @@ public:
             }
         }
         return nullptr;
+    }
+    /// Where a widget is in the view.
+    [[nodiscard]] QRect place(const QWidget& widget) {
+        return {widget.mapTo(&view(), QPoint()), widget.size()};
     }
     [[nodiscard]] QImage picture(double devicePixelRatio) {
         QImage image(view().size() * devicePixelRatio, QImage::Format_RGB32);

@@ -1,0 +1,222 @@
+#include "menu/menuscroll.h"
+#include "menu/slimscrollbar.h"
+#include "tests/menu/shownmenu.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QPalette>
+#include <QVBoxLayout>
+#include <QWheelEvent>
+
+using namespace brimlet;
+
+namespace {
+
+/// The menu in a window that is too low for it.
+struct LowWindow final {
+    LowWindow() {
+        menu.reply(ShownMenu::with(ShownMenu::with(ShownMenu::liveWeek(), "agreed", false),
+                                   "agreementText", QStringLiteral("Many words. ").repeated(100)));
+        menu.poll();
+        scroll = std::make_unique<MenuScroll>(&menu.view());
+        scroll->resize(320, 220);
+        scroll->show();
+    }
+
+    [[nodiscard]] bool isInSight(const QWidget& widget) const {
+        const QRect place(widget.mapTo(scroll->viewport(), QPoint()), widget.size());
+        return place.top() >= 0 && place.bottom() < scroll->viewport()->height();
+    }
+
+    ShownMenu menu;
+    std::unique_ptr<MenuScroll> scroll; ///< Goes first, with the menu.
+};
+
+void turnWheel(QWidget& widget, QPoint angle) {
+    const QPointF middle = widget.rect().center();
+    QWheelEvent event(middle, widget.mapToGlobal(middle), {}, angle, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&widget, &event);
+}
+
+/// A bar 90 points high that shows a part of what it scrolls over.
+struct BarAlone final {
+    BarAlone() {
+        bar.setRange(0, 90);
+        bar.setPageStep(90);
+        bar.resize(8, 90);
+        bar.show();
+    }
+
+    /// Its picture on black.
+    [[nodiscard]] QColor at(int y) {
+        QImage picture(bar.size(), QImage::Format_RGB32);
+        picture.fill(Qt::black);
+        bar.render(&picture, {}, {}, QWidget::DrawChildren);
+        return picture.pixelColor(4, y);
+    }
+    void drag(int from, int to) {
+        QTest::mousePress(&bar, Qt::LeftButton, {}, QPoint(4, from));
+        const QPoint end(4, to);
+        QMouseEvent move(QEvent::MouseMove, end, bar.mapToGlobal(QPointF(end)), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(&bar, &move);
+        QTest::mouseRelease(&bar, Qt::LeftButton, {}, end);
+    }
+
+    SlimScrollBar bar;
+};
+
+} // namespace
+
+/// The menu in a window with less height than it needs, and its scroll bar.
+class TestMenuScroll final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everythingCanBeReachedByTabAndIsInSight() {
+        LowWindow low;
+        QVERIFY(QTest::qWaitForWindowActive(low.scroll.get()));
+        QStringList visited;
+        for (int i = 0; i < 6; ++i) {
+            QWidget* const before = QApplication::focusWidget();
+            QTest::keyClick(before != nullptr ? before : low.scroll.get(), Qt::Key_Tab);
+            QWidget* const focused = QApplication::focusWidget();
+            QVERIFY(focused != nullptr);
+            visited << focused->accessibleName();
+            QVERIFY2(low.isInSight(*focused), qPrintable(focused->accessibleName()));
+        }
+        visited.sort();
+        QCOMPARE(visited,
+                 (QStringList{QStringLiteral("Host agreement"), QStringLiteral("Host token"),
+                              QStringLiteral("I agree · not a guarantee"),
+                              QStringLiteral("Pause ads 24h"), QStringLiteral("Quit"),
+                              QStringLiteral("Save token")}));
+    }
+
+    void whatOthersGiveTheKeyboardIsInSight() {
+        LowWindow low;
+        QVERIFY(QTest::qWaitForWindowActive(low.scroll.get()));
+        auto* const quit = low.menu.named<QAbstractButton>(QStringLiteral("Quit"));
+        QVERIFY(!low.isInSight(*quit));
+        quit->setFocus(Qt::OtherFocusReason);
+        QVERIFY(low.isInSight(*quit));
+        auto* const agreement = low.menu.named<QWidget>(QStringLiteral("Host agreement"));
+        QVERIFY(!low.isInSight(*agreement));
+        agreement->setFocus(Qt::OtherFocusReason);
+        QVERIFY(low.isInSight(*agreement));
+    }
+
+    void aWheelScrollsUprightAndNeverSideways() {
+        LowWindow low;
+        turnWheel(*low.scroll->viewport(), {-120, 0});
+        turnWheel(*low.scroll->viewport(), {-120, -120});
+        QCOMPARE(low.menu.view().x(), 0);
+        turnWheel(*low.scroll->viewport(), {0, -120});
+        QVERIFY(low.menu.view().y() < 0);
+        QCOMPARE(low.menu.view().x(), 0);
+        // Nor does what is wider than the window, once it has the keyboard.
+        QVERIFY(QTest::qWaitForWindowActive(low.scroll.get()));
+        low.menu.named<QWidget>(QStringLiteral("Save token"))->setFocus();
+        QCOMPARE(low.menu.view().x(), 0);
+    }
+
+    void pageDownScrollsFromTheStart() {
+        LowWindow low;
+        QVERIFY(QTest::qWaitForWindowActive(low.scroll.get()));
+        low.scroll->setFocus(); // as its window does
+        QCOMPARE(QApplication::focusWidget(), low.scroll.get());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown);
+        QVERIFY(low.scroll->verticalScrollBar()->value() > 100);
+    }
+
+    void itOpensAtTheTop() {
+        LowWindow low;
+        low.scroll->verticalScrollBar()->setValue(100);
+        low.scroll->hide();
+        low.scroll->show();
+        QCOMPARE(low.scroll->verticalScrollBar()->value(), 0);
+    }
+
+    void itsHintIsTheMenusSizeAndFollowsIt() {
+        ShownMenu menu;
+        menu.poll();
+        QWidget window;
+        auto* const holder = new QWidget(&window);
+        auto* const layout = new QVBoxLayout(holder);
+        layout->setContentsMargins({});
+        layout->setSizeConstraint(QLayout::SetFixedSize);
+        layout->addWidget(new MenuScroll(&menu.view()));
+        window.show();
+        QCOMPARE(holder->size(), menu.view().size());
+        QCOMPARE(holder->width(), 320);
+        const int before = holder->height();
+        menu.reply(ShownMenu::with(ShownMenu::liveWeek(), "creatives", QJsonArray()));
+        menu.poll();
+        QCoreApplication::sendPostedEvents();
+        QVERIFY(menu.view().height() < before);
+        QTRY_COMPARE(holder->size(), menu.view().size());
+    }
+
+    void itsColoursAreTheMenus() {
+        LowWindow low;
+        QCOMPARE(low.scroll->palette().color(QPalette::Window).rgb(), qRgb(18, 18, 18));
+        const QImage picture = low.scroll->grab().toImage();
+        QCOMPARE(picture.pixelColor(2, 2).rgb(), qRgb(18, 18, 18));
+    }
+
+    void theBarGoesFromEndToEnd() {
+        BarAlone alone;
+        QVERIFY(alone.at(1).red() > 80);
+        QVERIFY(alone.at(43).red() > 80);
+        QCOMPARE(alone.at(47).red(), 0);
+        QCOMPARE(alone.at(88).red(), 0);
+        alone.bar.setValue(90);
+        QCOMPARE(alone.at(1).red(), 0);
+        QCOMPARE(alone.at(42).red(), 0);
+        QVERIFY(alone.at(88).red() > 80);
+    }
+
+    void theHandleOfALongTextCanStillBeHit() {
+        BarAlone alone;
+        alone.bar.setRange(0, 10'000'000);
+        QVERIFY(alone.at(1).red() > 80);
+        QVERIFY(alone.at(22).red() > 80);
+        QCOMPARE(alone.at(25).red(), 0);
+        alone.bar.setValue(10'000'000);
+        QVERIFY(alone.at(88).red() > 80);
+    }
+
+    void theHandleCanBeDragged() {
+        BarAlone alone;
+        alone.drag(10, 32); // 22 of the 45 points there are
+        QVERIFY2(qAbs(alone.bar.value() - 44) <= 2, qPrintable(QString::number(alone.bar.value())));
+        alone.drag(40, 89);
+        QCOMPARE(alone.bar.value(), 90);
+    }
+
+    void aClickBesideTheHandlePages() {
+        BarAlone alone;
+        alone.bar.setRange(0, 360); // the handle is the shortest there is
+        QTest::mouseClick(&alone.bar, Qt::LeftButton, {}, QPoint(4, 88));
+        QCOMPARE(alone.bar.value(), 90);
+        QTest::mouseClick(&alone.bar, Qt::LeftButton, {}, QPoint(4, 88));
+        QCOMPARE(alone.bar.value(), 180);
+        QTest::mouseClick(&alone.bar, Qt::LeftButton, {}, QPoint(4, 1));
+        QCOMPARE(alone.bar.value(), 90);
+    }
+
+    void theBarShowsThatItsTextHasTheKeyboard() {
+        BarAlone alone;
+        QCOMPARE(alone.bar.width(), 8);
+        QVERIFY(qAbs(alone.at(20).red() - 107) <= 2); // white at 0.42
+        QCOMPARE(alone.at(20).red(), alone.at(20).blue());
+        alone.bar.setHighlighted(true);
+        QCOMPARE(alone.at(20).rgb(), qRgb(61, 107, 255));
+        alone.bar.setHighlighted(false);
+        QCOMPARE(alone.at(20).red(), alone.at(20).blue());
+    }
+};
+
+QTEST_MAIN(TestMenuScroll)
+#include "tst_menuscroll.moc"
