@@ -49,7 +49,7 @@ public:
         const QPointF corner(rect.x() + (rect.width() - side) / 2.0,
                              rect.y() + (rect.height() - side) / 2.0);
         const QSize size(side, side);
-        const QImage shade = silhouette(size, box, QColor(0, 0, 0, 110));
+        const QImage shade = silhouette(size, box, QColor(0, 0, 0, 160));
         for (const QPointF step :
              {QPointF(-edge, 0), QPointF(edge, 0), QPointF(0, -edge), QPointF(0, edge)}) {
             painter->drawImage(corner + step, shade);

@@ -19,6 +19,11 @@ X11MenuWindow::X11MenuWindow(std::unique_ptr<QWidget> content,
     setAttribute(Qt::WA_TranslucentBackground);
     setWindowTitle(QStringLiteral("Brimlet panel"));
     m_content->setParent(this);
+    // A window manager that is busy may take the keyboard away for a moment while it gives it.
+    constexpr std::chrono::milliseconds kMoment{100};
+    m_dismissal.setInterval(kMoment);
+    m_dismissal.setSingleShot(true);
+    connect(&m_dismissal, &QTimer::timeout, this, &X11MenuWindow::dismiss);
 }
 
 void X11MenuWindow::present(const std::optional<Rect>& item) {
@@ -63,7 +68,9 @@ void X11MenuWindow::fit() {
 
 bool X11MenuWindow::event(QEvent* event) {
     if (event->type() == QEvent::WindowDeactivate) {
-        dismiss();
+        m_dismissal.start();
+    } else if (event->type() == QEvent::WindowActivate) {
+        m_dismissal.stop();
     } else if (event->type() == QEvent::LayoutRequest) {
         fit();
     }
@@ -84,6 +91,7 @@ void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
 }
 
 void X11MenuWindow::hideEvent(QHideEvent* event) {
+    m_dismissal.stop();
     if (!event->spontaneous()) {
         m_dismissals.notify();
         // Later, since this may be the native window's own event.

@@ -4,6 +4,7 @@
 #include "platform/observers.h"
 
 #include <QRectF>
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
@@ -46,6 +47,7 @@ private:
     std::function<QRectF()> m_primaryGeometry;
     std::optional<QRect> m_item; ///< In Qt's space.
     bool m_isRound = true;
+    QTimer m_dismissal; ///< Runs while another window has the keyboard.
     Observers m_dismissals;
 };
 

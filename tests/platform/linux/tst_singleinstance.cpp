@@ -154,6 +154,16 @@ private Q_SLOTS:
         QVERIFY(first.isRunning());
     }
 
+    void aSignalOpensThePanelToo_data() { withAndWithoutABus(); }
+    void aSignalOpensThePanelToo() {
+        QFETCH(bool, hasBus);
+        useBus(hasBus);
+        Start first(m_environment);
+        QTRY_VERIFY_WITH_TIMEOUT(isUp(first), kPatience);
+        first.signal(SIGUSR1);
+        QTRY_VERIFY_WITH_TIMEOUT(hasPanelWithKeyboard(first), kPatience);
+    }
+
     void theRunningProgramCanBeAskedToPauseAndToQuit_data() { withAndWithoutABus(); }
     void theRunningProgramCanBeAskedToPauseAndToQuit() {
         QFETCH(bool, hasBus);
