@@ -54,9 +54,11 @@ bool prepareLinuxApplication() {
     const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
     if (platform.isEmpty() || platform.startsWith("wayland") || platform.startsWith("xcb")) {
         if (!x11::canConnect()) {
-            std::fputs("brimlet: There is no X server to show anything on. (Under Wayland that is "
-                       "XWayland.)\n",
-                       stderr);
+            const QByteArray display = qgetenv("DISPLAY");
+            std::fprintf(stderr,
+                         "brimlet: There is no X server at DISPLAY=%s. Start it from a desktop; "
+                         "under Wayland that needs XWayland.\n",
+                         display.constData());
             return false;
         }
         setForQt("QT_QPA_PLATFORM", "xcb");

@@ -484,8 +484,9 @@ private Q_SLOTS:
         Start start(m_environment);
         QCOMPARE(start.exitCode(), 1);
         QCOMPARE(start.complaints(),
-                 QStringLiteral("brimlet: There is no X server to show anything on. (Under Wayland "
-                                "that is XWayland.)\n"));
+                 QStringLiteral("brimlet: There is no X server at DISPLAY=%1. Start it from a "
+                                "desktop; under Wayland that needs XWayland.\n")
+                     .arg(display));
     }
 };
 
