@@ -23,7 +23,11 @@ MenuBarExtra::MenuBarExtra(std::shared_ptr<HostStore> store, MenuPorts ports)
     m_ports.statusItem.observePresses([this](const std::optional<Rect>& place) { pressed(place); });
     connect(m_store.get(), &HostStore::objectWillChange, this, &MenuBarExtra::storeWillChange);
     storeWillChange();
-    startTask(openUnlessShown(this));
+    startTask(openUnlessShown(m_end.get_token()));
+}
+
+MenuBarExtra::~MenuBarExtra() {
+    m_end.request_stop();
 }
 
 void MenuBarExtra::open() {
@@ -62,10 +66,11 @@ void MenuBarExtra::storeWillChange() {
         Qt::QueuedConnection);
 }
 
-QCoro::Task<> MenuBarExtra::openUnlessShown(QPointer<MenuBarExtra> self) {
-    co_await self->m_ports.clock.sleep(kWaitForBar, std::stop_token());
-    if (self && !self->m_ports.statusItem.isShown() && !self->m_window) {
-        self->open();
+QCoro::Task<> MenuBarExtra::openUnlessShown(std::stop_token end) {
+    co_await m_ports.clock.sleep(kWaitForBar, end);
+    // Whoever asked for the end is on the way out: nothing of it is touched any more.
+    if (!end.stop_requested() && !m_ports.statusItem.isShown() && !m_window) {
+        open();
     }
 }
 

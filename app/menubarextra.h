@@ -5,12 +5,12 @@
 #include "platform/statusitem.h"
 
 #include <QObject>
-#include <QPointer>
 
 #include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 
 namespace brimlet {
 
@@ -32,6 +32,8 @@ class MenuBarExtra final : public QObject {
 
 public:
     MenuBarExtra(std::shared_ptr<HostStore> store, MenuPorts ports);
+    ~MenuBarExtra() override;
+    Q_DISABLE_COPY_MOVE(MenuBarExtra)
 
     /// Opens the panel at the status item, or brings it to the front.
     void open();
@@ -42,7 +44,7 @@ private:
     void pressed(const std::optional<Rect>& place);
     void openAt(const std::optional<Rect>& place);
     void storeWillChange();
-    [[nodiscard]] static QCoro::Task<> openUnlessShown(QPointer<MenuBarExtra> self);
+    [[nodiscard]] QCoro::Task<> openUnlessShown(std::stop_token end);
 
     std::shared_ptr<HostStore> m_store;
     MenuPorts m_ports;
@@ -51,6 +53,7 @@ private:
     std::optional<std::chrono::nanoseconds> m_dismissedAt;
     QString m_toolTip;
     bool m_isToolTipDue = false;
+    std::stop_source m_end;
 };
 
 } // namespace brimlet

@@ -22,6 +22,11 @@ MenuScroll::MenuScroll(QWidget* menu) {
             [this](QWidget* /*before*/, QWidget* now) { follow(now); });
 }
 
+MenuScroll::~MenuScroll() {
+    // The control with the keyboard goes after this, and gives the keyboard away then.
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
 void MenuScroll::showEvent(QShowEvent* event) {
     QScrollArea::showEvent(event);
     verticalScrollBar()->setValue(0);

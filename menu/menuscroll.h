@@ -13,6 +13,8 @@ class MenuScroll final : public QScrollArea {
 public:
     /// Takes the menu, whose palette becomes its own.
     explicit MenuScroll(QWidget* menu);
+    ~MenuScroll() override;
+    Q_DISABLE_COPY_MOVE(MenuScroll)
 
     [[nodiscard]] QSize sizeHint() const override { return widget()->size(); }
 

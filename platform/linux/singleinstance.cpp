@@ -8,7 +8,6 @@
 #include <QDBusConnectionInterface>
 #include <QDBusError>
 #include <QDBusMessage>
-#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 
@@ -52,16 +51,15 @@ SingleInstance::Claim SingleInstance::claim() {
     // First, so that one who finds the lock held does not end its holder.
     catchSignals();
     const bool hasBus = QDBusConnection::sessionBus().isConnected();
-    // The one that runs may end just when it is asked; then this one takes over. One that hangs
-    // has used up the time after the first attempt.
+    // The one that runs may end just when it is asked; then this one takes over.
     constexpr int kAttempts = 3;
-    const QDeadlineTimer patience(kPatience);
-    for (int attempt = 0; attempt < kAttempts && !patience.hasExpired(); ++attempt) {
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
         if (hasBus ? ownName() : lock()) {
             return Claim::First;
         }
-        if (ask(InstanceRequest::Open) == Answer::Done) {
-            return Claim::Second;
+        const Answer answer = ask(InstanceRequest::Open);
+        if (answer != Answer::Nobody) {
+            return answer == Answer::Done ? Claim::Second : Claim::NoAnswer;
         }
     }
     return Claim::NoAnswer;

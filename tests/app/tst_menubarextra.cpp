@@ -123,7 +123,9 @@ private Q_SLOTS:
 
     void anExtraThatIsGoneOpensNothing() {
         Scene scene(false);
+        QCOMPARE(scene.host.clock.runningSleeps(), 1);
         scene.extra.reset();
+        QCOMPARE(scene.host.clock.runningSleeps(), 0); // nor does it leave anything waiting
         scene.host.clock.advance(1h);
         QCOMPARE(scene.windows, 0);
     }
