@@ -14,6 +14,8 @@ namespace {
 
 const QString notifierName = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString notifierPath = QStringLiteral("/StatusNotifierWatcher");
+/// Milliseconds; a watcher that hangs does not keep a tray of the other kind from being used.
+constexpr int kPatience = 3000;
 
 } // namespace
 
@@ -43,8 +45,8 @@ void TrayWatch::askNotifier() {
         QStringLiteral("Get"));
     question.setArguments({notifierName, QStringLiteral("IsStatusNotifierHostRegistered")});
     question.setAutoStartService(false);
-    auto* const watcher =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), this);
+    auto* const watcher = new QDBusPendingCallWatcher(
+        QDBusConnection::sessionBus().asyncCall(question, kPatience), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         const QDBusPendingReply<QDBusVariant> reply(*watcher);
         if (reply.isValid() && reply.value().variant().toBool()) {

@@ -170,7 +170,7 @@ private Q_SLOTS:
 
     void withoutATrayItIsNotShown() {
         settle(QDBusConnection::sessionBus());
-        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents();
         QVERIFY(!m_item->isShown());
         QVERIFY(!m_item->place());
         QVERIFY(iconPlace().isEmpty());
