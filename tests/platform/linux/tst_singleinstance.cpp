@@ -325,7 +325,7 @@ private Q_SLOTS:
         const qint64 waited = time.elapsed();
         QCOMPARE(second.complaints(),
                  QStringLiteral("brimlet: Brimlet is running already but does not answer.\n"));
-        QVERIFY2(waited >= 3000 && waited < 6000, QByteArray::number(waited).constData());
+        QVERIFY2(waited >= 2500 && waited < 6000, QByteArray::number(waited).constData());
         // What was asked of it comes true when it goes on.
         first.signal(SIGCONT);
         QTRY_VERIFY_WITH_TIMEOUT(hasPanelWithKeyboard(first), kPatience);
