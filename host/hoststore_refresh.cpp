@@ -114,6 +114,7 @@ QCoro::Task<> HostStore::ping(QString path, QByteArray method) {
 HttpRequest HostStore::authorisedRequest(const Url& url, const QString& path,
                                          const QByteArray& method) const {
     HttpRequest request{.url = url, .method = method};
+    request.mayRevalidate = method == "GET";
     request.headers.push_back({"Authorization", "Bearer " + m_token.toUtf8()});
     if (method == "POST") {
         request.headers.push_back({"Content-Type", "application/json"});
@@ -142,6 +143,7 @@ QCoro::Task<> HostStore::refreshDisplay() {
         co_return;
     }
     HttpRequest request{.url = *url};
+    request.mayRevalidate = true;
     request.mayFollow = mayFollowDisplay;
     const HttpResult result = co_await m_ports.http.send(std::move(request));
     const Reply reply = classified(result);

@@ -27,7 +27,7 @@ using RedirectRule = std::function<bool(const Url& from, const Url& to)>;
 [[nodiscard]] bool isSameOrigin(const Url& from, const Url& to);
 
 /// One request. Nothing is sent besides what is named here, a Host, a User-Agent of
-/// "Brimlet/0.1.0" and, with a body, its Content-Length.
+/// "Brimlet/0.1.0", with a body its Content-Length, and what `mayRevalidate` allows.
 struct HttpRequest final {
     Url url;
     QByteArray method = "GET";
@@ -43,6 +43,9 @@ struct HttpRequest final {
     qsizetype bodyLimit = qsizetype{1024} * 1024;
     /// From the start to the last byte, redirects included, however steadily bytes drip in.
     std::chrono::milliseconds timeout = std::chrono::seconds(60);
+    /// For a GET that is sent again and again: the client may keep the reply and ask the service
+    /// whether it still holds. One that does is the same outcome once more, a 200 with its body.
+    bool mayRevalidate = false;
 };
 
 struct HttpReply final {
@@ -65,7 +68,8 @@ enum class HttpError {
 using HttpResult = std::variant<HttpReply, HttpError>;
 
 /// Fetches over HTTP/1.1, keeping connections open between requests. No cookies, no remembered
-/// passwords, no cache. Main thread only; any number of requests may be under way.
+/// passwords, no reply that the service was not asked about. Main thread only; any number of
+/// requests may be under way.
 class HttpClient {
 public:
     virtual ~HttpClient() = default;

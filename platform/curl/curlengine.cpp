@@ -8,9 +8,8 @@
 namespace brimlet {
 namespace {
 
-/// Connections kept open between requests, and handles kept for the next ones.
+/// Connections kept open between requests.
 constexpr long kIdleConnections = 4;
-constexpr std::size_t kSpareHandles = 4;
 
 } // namespace
 
@@ -41,6 +40,7 @@ Deferred<HttpResult> CurlEngine::start(HttpRequest request) {
     } else if (!isSendable(exchange->request) || !curlAddress(exchange->request.url)) {
         outcome.resolve(HttpError::BadRequest);
     } else {
+        exchange->memo = m_replies.recall(exchange->request);
         startHop(std::move(exchange));
     }
     return outcome;
@@ -52,9 +52,9 @@ void CurlEngine::startHop(std::unique_ptr<CurlExchange> exchange) {
         finish(*exchange, HttpError::TimedOut);
         return;
     }
-    const HttpRequest& request = exchange->request;
-    auto hop = std::make_unique<CurlHop>(takeHandle(), request, curlAddress(request.url), left,
-                                         m_moreAuthorities);
+    const HttpRequest request = exchange->hopRequest();
+    auto hop = std::make_unique<CurlHop>(request, curlAddress(request.url), left, m_moreAuthorities,
+                                         m_connected);
     if (!hop->isReady() || curl_multi_add_handle(m_multi.get(), hop->handle()) != CURLM_OK) {
         finish(*exchange, HttpError::Unreachable);
         return;
@@ -92,17 +92,17 @@ void CurlEngine::collect() {
     struct Settled {
         std::unique_ptr<CurlExchange> exchange;
         HttpResult result;
-        QByteArray location;
+        CurlHead head;
     };
     std::vector<Settled> settled;
     for (const auto& hop : m_hops) {
         if (hop->exchange && hop->isSettled()) {
-            settled.push_back({std::move(hop->exchange), hop->takeResult(), hop->location()});
+            settled.push_back({std::move(hop->exchange), hop->takeResult(), hop->head()});
         }
     }
     dropSpent();
     for (Settled& one : settled) {
-        settle(std::move(one.exchange), std::move(one.result), one.location);
+        settle(std::move(one.exchange), std::move(one.result), one.head);
     }
 }
 
@@ -122,16 +122,17 @@ void CurlEngine::dropSpent() {
     std::erase_if(m_hops, [this](const auto& hop) {
         const bool isOver = !hop->exchange && hop->isSpent();
         if (isOver) {
-            recycle(*hop);
+            curl_multi_remove_handle(m_multi.get(), hop->handle());
         }
         return isOver;
     });
 }
 
 void CurlEngine::settle(std::unique_ptr<CurlExchange> exchange, HttpResult result,
-                        const QByteArray& location) {
+                        const CurlHead& head) {
+    result = m_replies.settled(exchange->memo, std::move(result), head.validators());
     const auto* const reply = std::get_if<HttpReply>(&result);
-    if (reply != nullptr && !m_isClosed && exchange->redirect(reply->status, location) &&
+    if (reply != nullptr && !m_isClosed && exchange->redirect(reply->status, head.location()) &&
         !m_isClosed) {
         startHop(std::move(exchange));
     } else {
@@ -155,23 +156,6 @@ void CurlEngine::deliver() {
         m_outcomes.pop_front();
         outcome.deferred.resolve(std::move(outcome.result));
     }
-}
-
-void CurlEngine::recycle(CurlHop& hop) {
-    curl_multi_remove_handle(m_multi.get(), hop.handle());
-    CurlEasy handle = hop.release();
-    if (m_spares.size() < kSpareHandles) {
-        m_spares.push_back(std::move(handle));
-    }
-}
-
-CurlEasy CurlEngine::takeHandle() {
-    if (m_spares.empty()) {
-        return CurlEasy(curl_easy_init());
-    }
-    CurlEasy handle = std::move(m_spares.back());
-    m_spares.pop_back();
-    return handle;
 }
 
 CurlEngine::Socket& CurlEngine::socketFor(curl_socket_t socket) {

@@ -10,7 +10,6 @@
 #include <list>
 #include <map>
 #include <memory>
-#include <vector>
 
 namespace brimlet {
 
@@ -46,12 +45,9 @@ private:
     void collect();
     void endHops();
     void dropSpent();
-    void settle(std::unique_ptr<CurlExchange> exchange, HttpResult result,
-                const QByteArray& location);
+    void settle(std::unique_ptr<CurlExchange> exchange, HttpResult result, const CurlHead& head);
     void finish(const CurlExchange& exchange, HttpResult result);
     void deliver();
-    void recycle(CurlHop& hop);
-    [[nodiscard]] CurlEasy takeHandle();
     Socket& socketFor(curl_socket_t socket);
 
     static int onSocketWanted(CURL* easy, curl_socket_t socket, int what, void* self, void* unused);
@@ -64,7 +60,8 @@ private:
     /// By descriptor, kept disabled when unused: descriptors come back, so there are few.
     std::map<curl_socket_t, std::unique_ptr<Socket>> m_sockets;
     QTimer m_timer;
-    std::vector<CurlEasy> m_spares;
+    ValidatorCache m_replies;
+    CurlSockets m_connected;
     CurlMulti m_multi;
     Hops m_hops;
 };

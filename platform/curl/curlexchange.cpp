@@ -44,6 +44,7 @@ bool CurlExchange::redirect(int status, const QByteArray& location) {
         return false;
     }
     --hopsLeft;
+    memo = {};
     request.url = *target;
     if (status == 303 || (request.method == "POST" && status < 303)) {
         request.method = "GET";
@@ -54,6 +55,14 @@ bool CurlExchange::redirect(int status, const QByteArray& location) {
         removeHeader(request, "Authorization");
     }
     return true;
+}
+
+HttpRequest CurlExchange::hopRequest() const {
+    HttpRequest asked = request;
+    if (auto header = ValidatorCache::question(memo)) {
+        asked.headers.push_back(*std::move(header));
+    }
+    return asked;
 }
 
 } // namespace brimlet

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/curl/validatorcache.h"
 #include "platform/deferred.h"
 #include "platform/httpclient.h"
 
@@ -22,8 +23,12 @@ struct CurlExchange final {
     /// Makes `request` the one that the redirect asks for. False, with nothing changed, when the
     /// reply is no redirect or one that is not to be followed.
     [[nodiscard]] bool redirect(int status, const QByteArray& location);
+    /// The request with the question that goes to its first address, if any.
+    [[nodiscard]] HttpRequest hopRequest() const;
 
     HttpRequest request;
+    /// Of the first address; elsewhere nothing is asked about, and nothing kept.
+    ValidatorCache::Memo memo;
     Url origin;
     QDeadlineTimer deadline;
     int hopsLeft = 3;

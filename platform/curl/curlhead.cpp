@@ -47,10 +47,16 @@ std::optional<HttpError> CurlHead::add(QByteArrayView line) {
         return m_contentLength ? std::nullopt : std::optional(HttpError::Broken);
     }
     if (isNamed(name, "Transfer-Encoding")) {
+        // In chunks or not at all. libcurl would also unpack what is compressed on the way, one
+        // layer in the other, in one go however long that takes.
+        const bool isChunked = !m_isCoded && isNamed(value, "chunked");
         m_isCoded = true;
-    } else if (isNamed(name, "Location") && m_location.isEmpty()) {
+        return isChunked ? std::nullopt : std::optional(HttpError::Broken);
+    }
+    if (isNamed(name, "Location") && m_location.isEmpty()) {
         m_location = value;
     }
+    m_validators.add(name, value);
     return std::nullopt;
 }
 
@@ -58,6 +64,7 @@ void CurlHead::startOver() {
     m_contentLength.reset();
     m_isCoded = false;
     m_location.clear();
+    m_validators = Validators();
 }
 
 std::optional<qint64> CurlHead::bodyLength() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/curl/validators.h"
 #include "platform/httpclient.h"
 
 #include <QByteArrayView>
@@ -21,12 +22,14 @@ public:
     [[nodiscard]] bool isCoded() const { return m_isCoded; }
     /// The first Location header's value, empty for none.
     [[nodiscard]] const QByteArray& location() const { return m_location; }
+    [[nodiscard]] const Validators& validators() const { return m_validators; }
 
 private:
     qsizetype m_bytes = 0;
     std::optional<qint64> m_contentLength;
     bool m_isCoded = false;
     QByteArray m_location;
+    Validators m_validators;
 };
 
 } // namespace brimlet

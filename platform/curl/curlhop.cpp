@@ -2,8 +2,6 @@
 
 #include "platform/curl/curlexchange.h"
 
-#include <fcntl.h>
-
 namespace brimlet {
 namespace {
 
@@ -51,15 +49,13 @@ void CurlHop::setCallbacks() {
     set(CURLOPT_WRITEFUNCTION, &CurlHop::onBody);
     set(CURLOPT_WRITEDATA, static_cast<void*>(this));
     set(CURLOPT_SOCKOPTFUNCTION, &CurlHop::onSocket);
+    set(CURLOPT_SOCKOPTDATA, static_cast<void*>(this));
+    set(CURLOPT_PREREQFUNCTION, &CurlHop::onConnected);
+    set(CURLOPT_PREREQDATA, static_cast<void*>(this));
     // Nothing is printed: this is where a body's bytes are seen before they are unwrapped.
     set(CURLOPT_DEBUGFUNCTION, &CurlHop::onDebug);
     set(CURLOPT_DEBUGDATA, static_cast<void*>(this));
     set(CURLOPT_VERBOSE, 1L);
-}
-
-CurlEasy CurlHop::release() {
-    curl_easy_reset(m_easy.get()); // forgets all that points in here
-    return std::move(m_easy);
 }
 
 void CurlHop::end(CURLcode code) {
@@ -122,7 +118,9 @@ bool CurlHop::endHead() {
     if (m_wantsBody) {
         return length > m_bodyLimit ? fail(HttpError::TooLarge) : true;
     }
-    m_isSpent = length > kDrainLimit;
+    // The length that a 204 or 304 names is not one of bytes to come.
+    const bool hasNoBody = status == 204 || status == 304;
+    m_isSpent = status == 101 || (length > kDrainLimit && !hasNoBody);
     return !m_isSpent;
 }
 
@@ -174,9 +172,20 @@ int CurlHop::onDebug(CURL* /*easy*/, curl_infotype kind, char* data, std::size_t
     return 0;
 }
 
-int CurlHop::onSocket(void* /*self*/, curl_socket_t socket, curlsocktype /*purpose*/) {
-    // Connections are not for the programs that this one starts.
-    return ::fcntl(socket, F_SETFD, FD_CLOEXEC) == 0 ? CURL_SOCKOPT_OK : CURL_SOCKOPT_ERROR;
+int CurlHop::onSocket(void* self, curl_socket_t socket, curlsocktype /*purpose*/) {
+    const bool isTaken = static_cast<CurlHop*>(self)->m_sockets.add(socket);
+    return isTaken ? CURL_SOCKOPT_OK : CURL_SOCKOPT_ERROR;
+}
+
+int CurlHop::onConnected(void* self, char* thereAddress, char* hereAddress, int therePort,
+                         int herePort) {
+    const auto* const hop = static_cast<CurlHop*>(self);
+    long newConnections = 0;
+    curl_easy_getinfo(hop->m_easy.get(), CURLINFO_NUM_CONNECTS, &newConnections);
+    if (newConnections == 0) {
+        hop->m_sockets.shutUnlessQuiet({hereAddress, herePort}, {thereAddress, therePort});
+    }
+    return CURL_PREREQFUNC_OK;
 }
 
 } // namespace brimlet

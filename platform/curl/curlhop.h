@@ -2,6 +2,7 @@
 
 #include "platform/curl/curladdress.h"
 #include "platform/curl/curlhead.h"
+#include "platform/curl/curlsockets.h"
 #include "platform/httpclient.h"
 
 #include <memory>
@@ -14,9 +15,9 @@ struct CurlExchange;
 /// Stays where it is: libcurl knows it by its address.
 class CurlHop final {
 public:
-    /// The handle is fresh or reset. `timeout` is what is left of the request's.
-    CurlHop(CurlEasy easy, const HttpRequest& request, CurlUrl address,
-            std::chrono::milliseconds timeout, const QByteArray& moreAuthorities);
+    /// `timeout` is what is left of the request's. The sockets outlive the hop.
+    CurlHop(const HttpRequest& request, CurlUrl address, std::chrono::milliseconds timeout,
+            const QByteArray& moreAuthorities, CurlSockets& sockets);
     CurlHop(const CurlHop&) = delete;
     CurlHop& operator=(const CurlHop&) = delete;
 
@@ -34,10 +35,7 @@ public:
     [[nodiscard]] bool isSpent() const { return m_isSpent || m_failure || m_end; }
     /// Call once, when settled.
     [[nodiscard]] HttpResult takeResult();
-    [[nodiscard]] const QByteArray& location() const { return m_head.location(); }
-
-    /// Gives the handle back, for another hop. It must not be in use by a multi handle.
-    [[nodiscard]] CurlEasy release();
+    [[nodiscard]] const CurlHead& head() const { return m_head; }
 
     /// What the hop is for; gone once its outcome was taken.
     std::unique_ptr<CurlExchange> exchange;
@@ -62,7 +60,10 @@ private:
     static std::size_t onBody(char* data, std::size_t one, std::size_t size, void* self);
     static int onDebug(CURL* easy, curl_infotype kind, char* data, std::size_t size, void* self);
     static int onSocket(void* self, curl_socket_t socket, curlsocktype purpose);
+    static int onConnected(void* self, char* thereAddress, char* hereAddress, int therePort,
+                           int herePort);
 
+    CurlSockets& m_sockets;
     CurlUrl m_address;
     CurlList m_lines;
     QByteArray m_upload;

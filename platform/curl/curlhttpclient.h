@@ -14,8 +14,9 @@ class CurlEngine;
 /// from the environment alone. A request that is under way when the client goes ends as Cancelled.
 class CurlHttpClient final : public HttpClient {
 public:
-    /// `moreAuthorities` names a PEM file of certificate authorities to trust besides the system's;
-    /// empty for none. Certificates are verified in any case.
+    /// `moreAuthorities` names a PEM file of certificate authorities to trust besides the system's,
+    /// or a folder of them, each by its hash, to trust in their place; empty for neither.
+    /// Certificates are verified in any case.
     explicit CurlHttpClient(const QByteArray& moreAuthorities = {});
     ~CurlHttpClient() override;
     CurlHttpClient(const CurlHttpClient&) = delete;

@@ -31,6 +31,27 @@ void anyOtherStatusIsAnOutcomeToo(HttpPeer& peer) {
     QVERIFY(result == HttpResult(HttpReply{404, {}}));
 }
 
+void anUnchangedReplyIsTheSameReply(HttpPeer& peer) {
+    HttpRequest request = get(peer, u"/poll"_qs);
+    request.mayRevalidate = true;
+    for (const QByteArray body : {"{\"a\":1}", "{\"a\":2}"}) {
+        peer.answerTagged(u"/poll"_qs, body);
+        for (int i = 0; i < 3; ++i) {
+            QVERIFY(fetch(peer.client(), request) == HttpResult(HttpReply{200, body}));
+        }
+    }
+    QCOMPARE(peer.log(), QStringList(6, u"GET /poll"_qs));
+}
+
+void a304NobodyAskedForIsAnyOtherStatus(HttpPeer& peer) {
+    peer.answer(u"/same"_qs, 304, {});
+    HttpRequest request = get(peer, u"/same"_qs);
+    request.mayRevalidate = true;
+    QVERIFY(fetch(peer.client(), request) == HttpResult(HttpReply{304, {}}));
+    request.mayRevalidate = false;
+    QVERIFY(fetch(peer.client(), request) == HttpResult(HttpReply{304, {}}));
+}
+
 void aBodyBeyondTheLimitIsNoReply(HttpPeer& peer) {
     peer.answer(u"/long"_qs, 200, "12345");
     HttpRequest request = get(peer, u"/long"_qs);
@@ -147,6 +168,8 @@ const std::vector<HttpCheck>& httpContract() {
     static const std::vector<HttpCheck> checks{
         {"a reply carries status and body", aReplyCarriesStatusAndBody},
         {"any other status is an outcome too", anyOtherStatusIsAnOutcomeToo},
+        {"an unchanged reply is the same reply", anUnchangedReplyIsTheSameReply},
+        {"a 304 nobody asked for is any other status", a304NobodyAskedForIsAnyOtherStatus},
         {"a body beyond the limit is no reply", aBodyBeyondTheLimitIsNoReply},
         {"silence ends at the deadline and not before", silenceEndsAtTheDeadlineAndNotBefore},
         {"requests overlap", requestsOverlap},

@@ -20,6 +20,9 @@ public:
     [[nodiscard]] virtual Url url(const QString& path) const = 0;
     /// From now on requests to the path get this.
     virtual void answer(const QString& path, int status, const QByteArray& body) = 0;
+    /// From now on requests to the path get a 200 with this, or a 304 where they ask whether it
+    /// still holds, if the peer has a wire to say so on.
+    virtual void answerTagged(const QString& path, const QByteArray& body) = 0;
     /// From now on requests to the path are never answered.
     virtual void hang(const QString& path) = 0;
     /// What reached the service, in that order, e.g. "GET /api/display".

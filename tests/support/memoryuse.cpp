@@ -6,11 +6,15 @@
 namespace brimlet {
 namespace {
 
-qint64 statusLine(const std::string& name) {
-    std::ifstream status("/proc/self/status");
+std::string folderOf(qint64 process) {
+    return "/proc/" + (process == kThisProcess ? "self" : std::to_string(process));
+}
+
+qint64 statusLine(qint64 process, const std::string& name) {
+    std::ifstream status(folderOf(process) + "/status");
     for (std::string line; std::getline(status, line);) {
         if (line.starts_with(name)) {
-            return std::stoll(line.substr(name.size())) * 1024;
+            return std::stoll(line.substr(name.size()));
         }
     }
     return 0;
@@ -18,16 +22,20 @@ qint64 statusLine(const std::string& name) {
 
 } // namespace
 
-qint64 memoryInUse() {
-    return statusLine("VmRSS:");
+qint64 memoryInUse(qint64 process) {
+    return statusLine(process, "VmRSS:") * 1024;
 }
 
-qint64 memoryPeak() {
-    return statusLine("VmHWM:");
+qint64 memoryPeak(qint64 process) {
+    return statusLine(process, "VmHWM:") * 1024;
 }
 
-bool forgetPeak() {
-    std::ofstream file("/proc/self/clear_refs");
+int threadCount(qint64 process) {
+    return static_cast<int>(statusLine(process, "Threads:"));
+}
+
+bool forgetPeak(qint64 process) {
+    std::ofstream file(folderOf(process) + "/clear_refs");
     file << '5';
     file.flush();
     return file.good();

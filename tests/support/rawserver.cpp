@@ -32,6 +32,21 @@ QByteArray RawRequest::header(const QByteArray& name) const {
     return {};
 }
 
+std::optional<RawRequest> RawRequest::take(QByteArray& bytes) {
+    const qsizetype end = bytes.indexOf("\r\n\r\n");
+    if (end < 0) {
+        return std::nullopt;
+    }
+    RawRequest request{.head = bytes.left(end + 4), .body = {}};
+    const qsizetype length = request.header("Content-Length").toLongLong();
+    if (bytes.size() < request.head.size() + length) {
+        return std::nullopt;
+    }
+    request.body = bytes.mid(request.head.size(), length);
+    bytes.remove(0, request.head.size() + length);
+    return request;
+}
+
 void RawConnection::send(const QByteArray& bytes) {
     m_socket.write(bytes);
     m_socket.flush();
@@ -144,28 +159,13 @@ void RawServer::read(RawConnection& connection) {
     const QByteArray bytes = connection.m_socket.readAll();
     m_received += bytes;
     connection.m_unread += bytes;
-    while (const auto request = takeRequest(connection.m_unread)) {
+    while (const auto request = RawRequest::take(connection.m_unread)) {
         m_requests.push_back(*request);
         const RawAnswer answer = m_answers.value(request->target(), m_answers.value({}));
         if (answer) {
             answer(connection, *request);
         }
     }
-}
-
-std::optional<RawRequest> RawServer::takeRequest(QByteArray& bytes) {
-    const qsizetype end = bytes.indexOf("\r\n\r\n");
-    if (end < 0) {
-        return std::nullopt;
-    }
-    RawRequest request{.head = bytes.left(end + 4), .body = {}};
-    const qsizetype length = request.header("Content-Length").toLongLong();
-    if (bytes.size() < request.head.size() + length) {
-        return std::nullopt;
-    }
-    request.body = bytes.mid(request.head.size(), length);
-    bytes.remove(0, request.head.size() + length);
-    return request;
 }
 
 QByteArray rawReply(int status, const QByteArray& body, const QByteArray& headers) {

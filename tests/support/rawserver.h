@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace brimlet {
@@ -27,6 +28,9 @@ struct RawRequest final {
     [[nodiscard]] QByteArray target() const;
     /// The value of a header, letter case of its name aside; null when it is missing.
     [[nodiscard]] QByteArray header(const QByteArray& name) const;
+
+    /// Takes the first whole request off the front; absent while there is none yet.
+    [[nodiscard]] static std::optional<RawRequest> take(QByteArray& bytes);
 };
 
 /// One accepted connection, at the mercy of whoever answers on it.
@@ -98,7 +102,6 @@ private:
     static std::size_t toIndex(int index) { return static_cast<std::size_t>(index); }
     void accept();
     void read(RawConnection& connection);
-    [[nodiscard]] static std::optional<RawRequest> takeRequest(QByteArray& bytes);
 
     bool m_isSecure;
     std::function<void(RawConnection&)> m_greet;

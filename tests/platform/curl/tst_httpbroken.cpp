@@ -44,6 +44,18 @@ private Q_SLOTS:
         QTest::newRow("cut between chunks") << inChunks + "2\r\n{}\r\n";
         QTest::newRow("cut in a chunk") << inChunks + "9\r\n{}";
         QTest::newRow("chunk longer than its size") << inChunks + "2\r\n{}{}\r\n0\r\n\r\n";
+        QTest::newRow("two lengths, one of them in chunks")
+            << ok + "Content-Length: 2\r\nContent-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n" +
+                   "2\r\n{}\r\n0\r\n\r\n";
+        QTest::newRow("compressed on the way")
+            << ok + "Transfer-Encoding: gzip\r\n\r\n\x1F\x8B\x08";
+        QTest::newRow("compressed in chunks")
+            << ok + "Transfer-Encoding: deflate, chunked\r\n\r\n2\r\n{}\r\n0\r\n\r\n";
+        QTest::newRow("compressed before, by an interim reply")
+            << "HTTP/1.1 103 Hints\r\nTransfer-Encoding: gzip\r\n\r\n" + rawReply(200, "{}");
+        QTest::newRow("in chunks twice")
+            << ok + "Transfer-Encoding: chunked\r\nTransfer-Encoding: chunked\r\n\r\n" +
+                   "2\r\n{}\r\n0\r\n\r\n";
         QTest::newRow("NUL in the head")
             << ok + QByteArray("X: \0\r\nContent-Length: 2\r\n\r\n{}", 29);
     }
@@ -130,6 +142,20 @@ private Q_SLOTS:
         QVERIFY(fetch(client, requestTo(url)) == HttpResult(HttpError::Unreachable));
     }
 
+    void anAddressWithoutARouteIsUnreachable() {
+        CurlHttpClient client;
+        const auto url = Url::fromString(u"http://255.255.255.255/"_qs);
+        QVERIFY(fetch(client, requestTo(url.value())) == HttpResult(HttpError::Unreachable));
+    }
+
+    void anotherProtocolIsNotSwitchedTo() {
+        RawServer server;
+        server.answer({}, "HTTP/1.1 101 Switching\r\nUpgrade: h2c\r\n\r\n" + rawReply(200, "x"));
+        CurlHttpClient client;
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpReply{101, {}}));
+        QTRY_COMPARE(server.openConnections(), 0);
+    }
+
     void interimRepliesAreNotTheReply_data() {
         QTest::addColumn<QByteArray>("interim");
         QTest::newRow("103") << QByteArray("HTTP/1.1 103 Early Hints\r\nLink: </x>\r\n\r\n");
@@ -158,12 +184,22 @@ private Q_SLOTS:
         QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpReply{200, "{}"}));
     }
 
+    void aCompressedBodyIsHandedOverAsItIs_data() {
+        QTest::addColumn<QByteArray>("coding");
+        for (const char* coding : {"gzip", "deflate", "br", "zstd", "gzip, gzip", "identity"}) {
+            QTest::newRow(coding) << QByteArray(coding);
+        }
+    }
+
     void aCompressedBodyIsHandedOverAsItIs() {
+        QFETCH(const QByteArray, coding);
+        // Four megabytes of zeros in four kilobytes.
+        const QByteArray packed = qCompress(QByteArray(4'000'000, '\0'), 9).sliced(4);
         RawServer server;
-        server.answer({}, rawReply(200, "\x1F\x8B\x08", "Content-Encoding: gzip\r\n"));
+        server.answer({}, rawReply(200, packed, "Content-Encoding: " + coding + "\r\n"));
         CurlHttpClient client;
         QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) ==
-                HttpResult(HttpReply{200, "\x1F\x8B\x08"}));
+                HttpResult(HttpReply{200, packed}));
     }
 
     void aRefusedPasswordIsNotAskedFor() {

@@ -21,6 +21,9 @@ public:
     void answer(const QString& path, int status, const QByteArray& body) override {
         m_client->answer(path, status, body);
     }
+    void answerTagged(const QString& path, const QByteArray& body) override {
+        answer(path, 200, body);
+    }
     void hang(const QString& path) override { m_client->hang(path); }
     QStringList log() const override { return m_client ? m_client->log() : m_log; }
     void pass(std::chrono::milliseconds time) override { m_clock.advance(time); }

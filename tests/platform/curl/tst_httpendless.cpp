@@ -1,0 +1,114 @@
+#include "platform/curl/curlhttpclient.h"
+#include "tests/support/httpcontract.h"
+#include "tests/support/memoryuse.h"
+#include "tests/support/rawserver.h"
+
+#include <QTest>
+
+using namespace brimlet;
+
+namespace {
+
+/// Bytes. A body at its limit of 1 MiB while it grows, and the server, which is in here too.
+constexpr qint64 kMostGrowth = qint64{6} * 1024 * 1024;
+
+} // namespace
+
+/// What comes without end, as fast as it is taken.
+class TestHttpEndless final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() {
+        // What is set up once does not count.
+        RawServer server;
+        server.answer({}, rawReply(200, QByteArray(100'000, 'x')));
+        CurlHttpClient client;
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))).has_value());
+    }
+
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+
+    void whatHasNoEndIsCutShort_data() {
+        QTest::addColumn<QByteArray>("start");
+        QTest::addColumn<QByteArray>("more");
+        const QByteArray ok = "HTTP/1.1 200 OK\r\n";
+        const QByteArray inChunks = ok + "Transfer-Encoding: chunked\r\n\r\n";
+        QTest::newRow("body") << ok + "\r\n" << QByteArray(100'000, 'x');
+        QTest::newRow("chunks") << inChunks << QByteArray("4\r\nxxxx\r\n").repeated(10'000);
+        QTest::newRow("chunk extension") << inChunks + "4;" << QByteArray(100'000, 'x');
+        QTest::newRow("trailers") << inChunks + "0\r\n" << QByteArray("A: b\r\n").repeated(10'000);
+        QTest::newRow("head") << ok << QByteArray("A: b\r\n").repeated(10'000);
+        QTest::newRow("header line") << ok + "A: " << QByteArray(100'000, 'x');
+        QTest::newRow("status line") << QByteArray("HTTP/1.1 200 ") << QByteArray(100'000, 'x');
+        QTest::newRow("100 without end")
+            << QByteArray() << QByteArray("HTTP/1.1 100 Continue\r\n\r\n").repeated(5'000);
+        QTest::newRow("103 without end")
+            << QByteArray()
+            << QByteArray("HTTP/1.1 103 Hints\r\nLink: </x>\r\n\r\n").repeated(3'000);
+    }
+
+    void whatHasNoEndIsCutShort() {
+        QFETCH(const QByteArray, start);
+        QFETCH(const QByteArray, more);
+        RawServer server;
+        server.answer({}, [&](RawConnection& connection, const RawRequest&) {
+            connection.send(start);
+            connection.flood(more);
+        });
+        CurlHttpClient client;
+        QVERIFY(forgetPeak());
+        const qint64 before = memoryInUse();
+        const auto result = fetch(client, requestTo(server.url(u"/"_qs)));
+        QVERIFY(result == HttpResult(HttpError::TooLarge));
+        const qint64 growth = memoryPeak() - before;
+        QVERIFY2(isMemoryDistorted() || growth < kMostGrowth,
+                 QByteArray::number(growth).constData());
+        QTRY_COMPARE(server.openConnections(), 0);
+    }
+
+    void aPicturesEndlessBodyIsCutAtItsOwnLimit() {
+        RawServer server;
+        server.answer({}, [](RawConnection& connection, const RawRequest&) {
+            connection.send("HTTP/1.1 200 OK\r\n\r\n");
+            connection.flood(QByteArray(100'000, 'x'));
+        });
+        CurlHttpClient client;
+        HttpRequest request = requestTo(server.url(u"/"_qs));
+        request.bodyLimit = qsizetype{4} * 1024 * 1024;
+        QVERIFY(forgetPeak());
+        const qint64 before = memoryInUse();
+        QVERIFY(fetch(client, request) == HttpResult(HttpError::TooLarge));
+        const qint64 growth = memoryPeak() - before;
+        QVERIFY2(isMemoryDistorted() || growth < kMostGrowth + 2 * request.bodyLimit,
+                 QByteArray::number(growth).constData());
+    }
+
+    void whatIsCompressedOnTheWayIsNotUnpacked_data() {
+        QTest::addColumn<QByteArray>("coding");
+        QTest::addColumn<QByteArray>("body");
+        const QByteArray bomb = qCompress(QByteArray(64'000'000, '\0'), 9).sliced(4);
+        QTest::newRow("once") << QByteArray("deflate") << bomb;
+        QTest::newRow("twice") << QByteArray("deflate, deflate") << qCompress(bomb, 9).sliced(4);
+        QTest::newRow("in chunks") << QByteArray("deflate, chunked")
+                                   << QByteArray::number(bomb.size(), 16) + "\r\n" + bomb;
+    }
+
+    void whatIsCompressedOnTheWayIsNotUnpacked() {
+        QFETCH(const QByteArray, coding);
+        QFETCH(const QByteArray, body);
+        RawServer server;
+        server.answerAndCut({},
+                            "HTTP/1.1 200 OK\r\nTransfer-Encoding: " + coding + "\r\n\r\n" + body);
+        CurlHttpClient client;
+        QVERIFY(forgetPeak());
+        const qint64 before = memoryInUse();
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpError::Broken));
+        const qint64 growth = memoryPeak() - before;
+        QVERIFY2(isMemoryDistorted() || growth < kMostGrowth,
+                 QByteArray::number(growth).constData());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHttpEndless)
+#include "tst_httpendless.moc"

@@ -1,0 +1,50 @@
+#include "platform/curl/curlhttpclient.h"
+#include "tests/support/httpcontract.h"
+#include "tests/support/rawserver.h"
+
+#include <QTest>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+/// Header lines that continue the one before, as they once were allowed to. libcurl 7.88 looks for
+/// that one even in the memory of an earlier request.
+class TestHttpFolded final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+
+    void aLineThatContinuesNothingIsHarmless_data() {
+        QTest::addColumn<QByteArray>("head");
+        QTest::addColumn<bool>("isReply");
+        QTest::newRow("after the status")
+            << QByteArray("HTTP/1.1 200 OK\r\n folded: y\r\n") << false;
+        QTest::newRow("a tab after the status")
+            << QByteArray("HTTP/1.1 200 OK\r\n\tfolded: y\r\n") << false;
+        QTest::newRow("after an interim reply")
+            << QByteArray("HTTP/1.1 103 Early Hints\r\n\r\nHTTP/1.1 200 OK\r\n folded: y\r\n")
+            << false;
+        QTest::newRow("after a header")
+            << QByteArray("HTTP/1.1 200 OK\r\nX-A: b\r\n folded: y\r\n") << true;
+    }
+    void aLineThatContinuesNothingIsHarmless() {
+        QFETCH(QByteArray, head);
+        QFETCH(bool, isReply);
+        const HttpResult good = HttpReply{200, "x"};
+        RawServer server;
+        CurlHttpClient client;
+        for (int round = 0; round < 5; ++round) {
+            HttpRequest request = requestTo(server.url(u"/"_qs));
+            request.timeout = 5s;
+            server.answer({}, rawReply(200, "x"));
+            QVERIFY(fetch(client, request) == good);
+            QVERIFY(fetch(client, request) == good);
+            server.answerAndCut({}, head + "Content-Length: 1\r\n\r\nx");
+            QVERIFY(fetch(client, request) == (isReply ? good : HttpResult(HttpError::Broken)));
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHttpFolded)
+#include "tst_httpfolded.moc"

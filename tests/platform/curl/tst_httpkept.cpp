@@ -1,0 +1,123 @@
+#include "platform/curl/curlhttpclient.h"
+#include "tests/support/httpcontract.h"
+#include "tests/support/rawserver.h"
+
+#include <QTest>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+namespace {
+
+const QByteArray kIntruder = "HTTP/1.1 200 OK\r\nContent-Length: 8\r\n\r\nintruder";
+
+} // namespace
+
+/// What happens on a connection that is kept from one request to the next.
+class TestHttpKept final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+
+    void whatComesUnaskedIsNeverTheNextReply_data() {
+        QTest::addColumn<QByteArray>("reply");
+        QTest::addColumn<int>("status");
+        const QByteArray inChunks = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+        QTest::newRow("after a body") << rawReply(200, "first") << 200;
+        QTest::newRow("after chunks") << inChunks + "5\r\nfirst\r\n0\r\n\r\n" << 200;
+        QTest::newRow("after no body") << rawReply(200, "") << 200;
+        QTest::newRow("after a body nobody asked for") << rawReply(404, "words") << 404;
+        QTest::newRow("after a 204") << QByteArray("HTTP/1.1 204 None\r\n\r\n") << 204;
+        QTest::newRow("after a 304") << QByteArray("HTTP/1.1 304 Same\r\n\r\n") << 304;
+        QTest::newRow("after a 304 with a length")
+            << QByteArray("HTTP/1.1 304 Same\r\nContent-Length: 5\r\n\r\n") << 304;
+    }
+
+    void whatComesUnaskedIsNeverTheNextReply() {
+        QFETCH(const QByteArray, reply);
+        QFETCH(const int, status);
+        RawServer server;
+        server.answer("/first", reply);
+        server.answer("/next", rawReply(200, "next"));
+        CurlHttpClient client;
+        const auto first = fetch(client, requestTo(server.url(u"/first"_qs)));
+        QVERIFY(first && std::holds_alternative<HttpReply>(*first));
+        QCOMPARE(std::get<HttpReply>(*first).status, status);
+        server.connection(0).send(kIntruder);
+        for (int i = 0; i < 3; ++i) {
+            QVERIFY(fetch(client, requestTo(server.url(u"/next"_qs))) ==
+                    HttpResult(HttpReply{200, "next"}));
+        }
+        QCOMPARE(server.connections(), 2);
+    }
+
+    void excessInTheSameReadIsNoReplyEither_data() { whatComesUnaskedIsNeverTheNextReply_data(); }
+
+    void excessInTheSameReadIsNoReplyEither() {
+        QFETCH(const QByteArray, reply);
+        RawServer server;
+        server.answer("/next", rawReply(200, "next"));
+        CurlHttpClient client;
+        // The second is longer than what is read at a time, so that a part stays behind.
+        for (const QByteArray& excess : {kIntruder, kIntruder.repeated(2000)}) {
+            server.answer("/first", reply + excess);
+            QVERIFY(fetch(client, requestTo(server.url(u"/first"_qs))).has_value());
+            for (int i = 0; i < 3; ++i) {
+                QVERIFY(fetch(client, requestTo(server.url(u"/next"_qs))) ==
+                        HttpResult(HttpReply{200, "next"}));
+            }
+        }
+    }
+
+    void aGetWhoseConnectionEndsAsItGoesOutIsSentOnceMore() {
+        RawServer server;
+        server.answer("/first", rawReply(200, "x"));
+        CurlHttpClient client;
+        QVERIFY(fetch(client, requestTo(server.url(u"/first"_qs))).has_value());
+        server.answer("/cut", [&server](RawConnection& connection, const RawRequest&) {
+            if (server.connections() == 1) {
+                connection.cut();
+            } else {
+                connection.send(rawReply(200, "y"));
+            }
+        });
+        QVERIFY(fetch(client, requestTo(server.url(u"/cut"_qs))) ==
+                HttpResult(HttpReply{200, "y"}));
+        QCOMPARE(server.requests().size(), 3U);
+    }
+
+    void aGetIsNotSentWithoutEnd() {
+        RawServer server;
+        server.answer("/first", rawReply(200, "x"));
+        CurlHttpClient client;
+        QVERIFY(fetch(client, requestTo(server.url(u"/first"_qs))).has_value());
+        server.answerAndCut("/cut", {});
+        QVERIFY(fetch(client, requestTo(server.url(u"/cut"_qs))) == HttpResult(HttpError::Broken));
+        QCOMPARE(server.requests().size(), 3U);
+    }
+
+    void aPostIsNeverSentTwice_data() {
+        QTest::addColumn<bool>("isReset");
+        QTest::newRow("closed") << false;
+        QTest::newRow("reset") << true;
+    }
+
+    void aPostIsNeverSentTwice() {
+        QFETCH(const bool, isReset);
+        RawServer server;
+        server.answer("/first", rawReply(200, "x"));
+        CurlHttpClient client;
+        QVERIFY(fetch(client, requestTo(server.url(u"/first"_qs))).has_value());
+        server.answer("/cut", [isReset](RawConnection& connection, const RawRequest&) {
+            isReset ? connection.reset() : connection.cut();
+        });
+        HttpRequest request = requestTo(server.url(u"/cut"_qs), "POST");
+        request.body = "{}";
+        QVERIFY(fetch(client, request) == HttpResult(HttpError::Broken));
+        QCOMPARE(server.requests().size(), 2U);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHttpKept)
+#include "tst_httpkept.moc"
