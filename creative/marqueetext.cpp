@@ -1,5 +1,7 @@
 #include "creative/marqueetext.h"
 
+#include "creative/boundedmarks.h"
+
 #include <QStringList>
 #include <QTextBoundaryFinder>
 
@@ -67,7 +69,7 @@ QString singleLine(const QString& text, qsizetype longest) {
         line.truncate(end > 0 ? end : longest);
     }
     std::replace_if(line.begin(), line.end(), isBreakOrControl, QChar(QChar::Space));
-    return line;
+    return withBoundedMarks(line);
 }
 
 } // namespace brimlet

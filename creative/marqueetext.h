@@ -37,7 +37,7 @@ struct TextWidthKey final : ReportedWidth {};
 [[nodiscard]] std::chrono::nanoseconds sleepLength(double seconds);
 
 /// How a text of strangers is laid out in the one line: control characters and breaks as blanks,
-/// and no more than the first `longest` UTF-16 units of it, cut between characters.
+/// bounded marks, and no more than the first `longest` UTF-16 units of it, cut between characters.
 [[nodiscard]] QString singleLine(const QString& text, qsizetype longest = 1024);
 
 } // namespace brimlet

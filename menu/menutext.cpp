@@ -1,5 +1,7 @@
 #include "menu/menutext.h"
 
+#include "creative/boundedmarks.h"
+
 #include <QPaintEvent>
 #include <QPainter>
 #include <QTextLayout>
@@ -46,8 +48,9 @@ void MenuText::setWording(const QString& text) {
         return;
     }
     setAccessibleName(text);
-    m_text = wrappableText(text);
+    m_text = wrappableText(withBoundedMarks(text));
     m_wrapped = {};
+    m_wrappedLines = -1;
     updateGeometry();
     update();
 }
@@ -69,9 +72,13 @@ const WrappedText& MenuText::wrappedFor(int width) const {
     if (m_wrappedWidth != width) {
         m_wrapped = {};
         m_wrappedWidth = width;
+        m_wrappedLines = -1;
     }
-    wrapText(m_wrapped, m_text, font(), std::max(1, width),
-             static_cast<std::size_t>(m_enoughLines));
+    if (m_wrappedLines != m_enoughLines) {
+        m_wrappedLines = m_enoughLines;
+        wrapText(m_wrapped, m_text, font(), std::max(1, width),
+                 static_cast<std::size_t>(m_enoughLines));
+    }
     return m_wrapped;
 }
 

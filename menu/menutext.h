@@ -46,6 +46,7 @@ private:
     int m_enoughLines = std::numeric_limits<int>::max();
     mutable WrappedText m_wrapped;
     mutable int m_wrappedWidth = -1; ///< The width that the lines were made for.
+    mutable int m_wrappedLines = -1; ///< How many were to be enough then.
 };
 
 } // namespace brimlet

@@ -10,6 +10,10 @@ namespace {
 
 /// How much is laid out at a time, in UTF-16 units; longer than any line.
 constexpr qsizetype kPiece = 2048;
+/// After so many units a few lines are enough: more than fill the menu, made of characters that
+/// hardly take any room.
+constexpr qsizetype kMuch = 32'768;
+constexpr std::size_t kFewLines = 20;
 
 /// The lines of a piece of a paragraph. Unless the paragraph ends with it, its last line may go on
 /// and is left to the next piece.
@@ -55,20 +59,29 @@ QString wrappableText(const QString& text) {
 
 void wrapText(WrappedText& wrapped, const QString& text, const QFont& font, int width,
               std::size_t enough) {
-    while (!wrapped.isWhole(text) && wrapped.lines.size() < enough) {
+    const qsizetype startOfAll = wrapped.next;
+    const std::size_t linesBefore = wrapped.lines.size();
+    const bool wantsAll = enough == std::numeric_limits<std::size_t>::max();
+    const auto isEnough = [&] {
+        return wrapped.lines.size() >= enough || (!wantsAll && wrapped.next - startOfAll >= kMuch &&
+                                                  wrapped.lines.size() - linesBefore >= kFewLines);
+    };
+    while (!wrapped.isWhole(text) && !isEnough()) {
+        // No more is looked at than the piece: a paragraph may be as long as the text.
         const qsizetype start = wrapped.next;
-        const qsizetype feed = text.indexOf(QChar::LineFeed, start);
-        const qsizetype end = feed < 0 ? text.size() : feed;
-        const qsizetype paragraph =
-            start == 0 ? 0 : text.lastIndexOf(QChar::LineFeed, start - 1) + 1;
-        const bool isRightToLeft =
-            QStringView(text).mid(paragraph, end - paragraph).isRightToLeft();
-        const qsizetype length = std::min(kPiece, end - start);
-        const bool isLast = start + length == end;
-        const auto lines = wrapPiece(text, {start, length, isRightToLeft}, isLast, font, width);
+        const QStringView ahead = QStringView(text).mid(start, kPiece + 1);
+        const qsizetype feed = ahead.indexOf(QChar::LineFeed);
+        const qsizetype length = feed < 0 ? std::min(kPiece, ahead.size()) : feed;
+        const bool isLast = feed >= 0 || start + length == text.size();
+        if (!wrapped.isInParagraph) {
+            wrapped.isRightToLeft = ahead.first(length).isRightToLeft();
+        }
+        wrapped.isInParagraph = !isLast;
+        const TextSpan piece{start, length, wrapped.isRightToLeft};
+        const auto lines = wrapPiece(text, piece, isLast, font, width);
         wrapped.lines.insert(wrapped.lines.end(), lines.begin(), lines.end());
         // Over the line feed, or over the end, once a paragraph is through.
-        wrapped.next = isLast ? end + 1 : lines.back().start + lines.back().length;
+        wrapped.next = isLast ? start + length + 1 : lines.back().start + lines.back().length;
     }
 }
 

@@ -20,7 +20,9 @@ struct TextSpan final {
 /// A text that has been wrapped up to a point, from which it can go on.
 struct WrappedText final {
     std::vector<TextSpan> lines;
-    qsizetype next = 0; ///< Where the first line that is missing begins.
+    qsizetype next = 0;         ///< Where the first line that is missing begins.
+    bool isInParagraph = false; ///< Whether that line goes on with the paragraph of the last one.
+    bool isRightToLeft = false; ///< The direction of that paragraph.
 
     [[nodiscard]] bool isWhole(const QString& text) const { return next > text.size(); }
 };
@@ -33,9 +35,10 @@ struct WrappedText final {
 [[nodiscard]] QString wrappableText(const QString& text);
 
 /// Goes on wrapping a text that is to be `width` points wide until there are `enough` lines or
-/// more, or the text ends. Lines break between words, and inside a word that is wider than a line.
-/// `text` is one that `wrappableText` made. The cost is that of the new lines, however long the
-/// text is.
+/// more, or the text ends; unless all of it is wanted, a few lines more will do after very many
+/// characters. Lines break between words, and inside a word that is wider than a line. `text` is
+/// one that `wrappableText` made. The cost is that of the new lines, however long the text and its
+/// paragraphs are; a paragraph's direction is told by its first two thousand characters.
 void wrapText(WrappedText& wrapped, const QString& text, const QFont& font, int width,
               std::size_t enough = std::numeric_limits<std::size_t>::max());
 

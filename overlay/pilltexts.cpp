@@ -10,7 +10,7 @@ QString toolTipOf(const SlotCreative& creative) {
     if (creative.brandURL && creative.brandURL->host()) {
         return *creative.brandURL->host();
     }
-    return creative.brandName;
+    return singleLine(creative.brandName);
 }
 
 QString spokenTextOf(const SlotCreative& creative) {
@@ -18,7 +18,7 @@ QString spokenTextOf(const SlotCreative& creative) {
                       singleLine(creative.tagline.trimmed())};
     parts.removeAll(QString());
     parts.removeDuplicates();
-    return parts.isEmpty() ? toolTipOf(creative) : parts.join(QStringLiteral(", "));
+    return parts.isEmpty() ? toolTipOf(creative).trimmed() : parts.join(QStringLiteral(", "));
 }
 
 QString asPlainToolTip(const QString& text) {

@@ -5,7 +5,7 @@
 namespace brimlet {
 
 /// What a clickable pill's tooltip says: the host its link leads to, as it is written in addresses,
-/// so that a look-alike shows for what it is; the brand's name where the link has no host.
+/// so that a look-alike shows for what it is; the brand's name on one line where the link has none.
 [[nodiscard]] QString toolTipOf(const SlotCreative& creative);
 
 /// What a screen reader says of a pill: brand and tagline, once where they are the same; of a pill

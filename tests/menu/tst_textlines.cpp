@@ -90,6 +90,17 @@ private Q_SLOTS:
         QVERIFY(lines.at(1).isRightToLeft);
     }
 
+    void aParagraphAsLongAsAPieceIsNotFollowedByAnEmptyLine() {
+        // Around what is laid out at a time; blanks never make a second line.
+        for (const int length : {2047, 2048, 2049, 4096}) {
+            const QString text = QString(length, u' ') + QStringLiteral("\nend");
+            const QStringList lines = linesOf(text, 288);
+            QCOMPARE(lines.join(QString()).size(), length + 3);
+            QVERIFY(!lines.contains(QString()));
+            QCOMPARE(lines.last(), QStringLiteral("end"));
+        }
+    }
+
     void aLongParagraphBreaksAsIfLaidOutAtOnce() {
         // Longer than what is laid out at a time, so that pieces are joined in the middle of it.
         QString text;
@@ -129,6 +140,22 @@ private Q_SLOTS:
             QVERIFY(growing.lines.size() > before);
         }
         QCOMPARE(growing.lines, wrapped(text, 288));
+    }
+
+    void ofCharactersThatTakeNoRoomAFewLinesAreMadeAtATime() {
+        const QString text(1'000'000, u' ');
+        WrappedText growing;
+        wrapText(growing, text, font(), 288, 300);
+        // As many as fill the menu, of a part of the text.
+        QVERIFY(growing.lines.size() >= 20 && growing.lines.size() < 40);
+        QVERIFY(growing.next < 65'536);
+        int calls = 1;
+        for (; !growing.isWhole(text); ++calls) {
+            const std::size_t before = growing.lines.size();
+            wrapText(growing, text, font(), 288, before + 300);
+            QVERIFY(growing.lines.size() > before);
+        }
+        QVERIFY(calls > 10);
     }
 
     void noTextAtAllHangsIt() {
