@@ -6,6 +6,7 @@
 #include "tests/support/pngbytes.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
@@ -107,6 +108,41 @@ void limitFileSizes(rlim_t bytes) {
     limit.rlim_cur = bytes;
     setrlimit(RLIMIT_FSIZE, &limit);
 }
+
+/// To root no folder is read-only: makes a folder and all in it another user's.
+bool giveToNobody(const QString& path) {
+    if (geteuid() != 0) {
+        return true;
+    }
+    constexpr uid_t kNobody = 65534;
+    QDirIterator each(path, QDir::AllEntries | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (each.hasNext()) {
+        if (chown(QFile::encodeName(each.next()).constData(), kNobody, kNobody) != 0) {
+            return false;
+        }
+    }
+    return chown(QFile::encodeName(path).constData(), kNobody, kNobody) == 0;
+}
+
+/// Root is that user as long as this lives.
+class Nobody final {
+public:
+    Nobody() {
+        if (m_isRoot && seteuid(65534) != 0) {
+            qFatal("root cannot be anybody else");
+        }
+    }
+    ~Nobody() {
+        if (m_isRoot && seteuid(0) != 0) {
+            qFatal("root cannot be root again");
+        }
+    }
+    Nobody(const Nobody&) = delete;
+    Nobody& operator=(const Nobody&) = delete;
+
+private:
+    bool m_isRoot = geteuid() == 0;
+};
 
 } // namespace
 
@@ -255,6 +291,28 @@ private Q_SLOTS:
         f.http.answer(kPath, 200, pngOf(Qt::red));
         QVERIFY(f.ask()->image);
         QCOMPARE(f.http.requests().size(), std::size_t{2});
+    }
+
+    void aBodyUpToTheLimitIsShownAndKept_data() {
+        QTest::addColumn<qsizetype>("size");
+        QTest::addColumn<bool>("isShown");
+        constexpr qsizetype limit = qsizetype{4} * 1024 * 1024;
+        QTest::newRow("just below") << limit - 1 << true;
+        QTest::newRow("at the limit") << limit << true;
+        QTest::newRow("just above") << limit + 1 << false;
+    }
+    void aBodyUpToTheLimitIsShownAndKept() {
+        QFETCH(qsizetype, size);
+        QFETCH(bool, isShown);
+        CacheFixture f;
+        const HttpReply reply{200, pngOf(Qt::red).leftJustified(size, ' ')};
+        CarelessClient http(reply); // not even a client that hands over too much matters
+        f.cache = std::make_unique<CreativeImageCache>(ImagePorts{http, f.caches}, 1);
+        QCOMPARE(f.ask()->image.has_value(), isShown);
+        QCOMPARE(f.files().size(), isShown ? 1 : 0);
+        f.forget(2);
+        f.http.answer(kPath, reply);
+        QCOMPARE(f.ask()->image.has_value(), isShown);
     }
 
     void anotherStatusIsNoImageWhateverItsBody_data() {
@@ -416,12 +474,14 @@ private Q_SLOTS:
             QVERIFY(file.open(QIODevice::WriteOnly));
         };
         const QString folder = f.folder();
+        std::optional<Nobody> nobody;
         if (fault == "read-only") {
-            if (geteuid() == 0) {
-                QSKIP("to root no folder is read-only");
-            }
             QVERIFY(QDir().mkpath(folder));
             QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+            QVERIFY(f.home.isValid() && giveToNobody(f.home.path()));
+            nobody.emplace();
+            QVERIFY(QDir(folder).isReadable());
+            QVERIFY(!QFile(folder + QStringLiteral("/file")).open(QIODevice::WriteOnly));
         } else if (fault == "a file in its place") {
             QVERIFY(QDir().mkpath(*f.caches.folder + QStringLiteral("/Brimlet")));
             fill(folder);
@@ -439,7 +499,8 @@ private Q_SLOTS:
         QVERIFY(f.ask()->image);
         QCOMPARE(f.http.requests().size(), std::size_t{1});
         limitFileSizes(RLIM_INFINITY);
-        QVERIFY(fault != "full" || f.files().isEmpty());
+        QVERIFY(fault == "missing" || fault == "a folder as the file" || f.files().isEmpty());
+        nobody.reset();
         QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
 

@@ -1,0 +1,163 @@
+#include "creative/images/imagedecoding.h"
+#include "creative/images/imagegate.h"
+#include "tests/support/memoryuse.h"
+#include "tests/support/samplepictures.h"
+
+#include <QTest>
+
+using namespace brimlet;
+
+namespace {
+
+constexpr qint64 kMebibyte = qint64{1024} * 1024;
+
+/// Bits as lossless WebP packs them: the first one is the lowest of the first byte.
+class Bits final {
+public:
+    void add(quint32 value, int count) {
+        for (int i = 0; i < count; ++i) {
+            if (m_used % 8 == 0) {
+                m_bytes.append('\0');
+            }
+            if ((value >> i & 1) != 0) {
+                m_bytes.back() = static_cast<char>(m_bytes.back() | 1 << m_used % 8);
+            }
+            ++m_used;
+        }
+    }
+    [[nodiscard]] const QByteArray& bytes() const { return m_bytes; }
+
+private:
+    QByteArray m_bytes;
+    int m_used = 0;
+};
+
+/// A code of one symbol, which then takes no bits at all: the shortest there is.
+void addSingleCode(Bits& bits) {
+    bits.add(1, 1); // simple
+    bits.add(0, 1); // one symbol
+    bits.add(0, 1); // of one bit
+    bits.add(0, 1); // which is 0
+}
+
+/// A code that gives the first 256 symbols eight bits each; or all but the last of these, while
+/// that one and the last symbol of all have nine.
+void addEvenCode(Bits& bits, int symbols) {
+    const bool hasNine = symbols > 256;
+    bits.add(0, 1); // not simple
+    // The lengths themselves are coded: 0 as 10, 8 as 0, 9 as 11, or 0 as 0 and 8 as 1.
+    bits.add(13 - 4, 4);
+    for (const int length : {17, 18, 0, 1, 2, 3, 4, 5, 16, 6, 7, 8, 9}) {
+        const quint32 other = length == 0 || length == 9 ? 2 : 0;
+        const quint32 plain = length == 0 ? 1 : 0;
+        bits.add(length == 8 ? 1 : hasNine ? other : plain, 3);
+    }
+    bits.add(0, 1); // lengths for all symbols follow
+    for (int i = 0; i < symbols; ++i) {
+        if (!hasNine) {
+            bits.add(1, 1);
+        } else if (i < 255) {
+            bits.add(0, 1);
+        } else {
+            bits.add(i == 255 || i == symbols - 1 ? 3 : 1, 2);
+        }
+    }
+}
+
+/// A code's bits are read from the highest down.
+void addCode(Bits& bits, quint32 code, int length) {
+    for (int i = length - 1; i >= 0; --i) {
+        bits.add(code >> i, 1);
+    }
+}
+
+/// A lossless picture of one colour whose tiles of 4 by 4 name so many sets of code tables one
+/// after the other, as far as there are tiles.
+QByteArray manyCodeTables(QSize size, quint32 sets) {
+    Bits bits;
+    bits.add(0x2f, 8);
+    bits.add(static_cast<quint32>(size.width() - 1), 14);
+    bits.add(static_cast<quint32>(size.height() - 1), 14);
+    bits.add(0, 1 + 3); // no alpha, version
+    bits.add(0, 1);     // no transforms
+    bits.add(0, 1);     // no colour cache
+    bits.add(1, 1);     // an image that tells which tile has which set
+    bits.add(0, 3);     // tiles of 4 by 4
+
+    bits.add(0, 1);         // that image has no colour cache
+    addEvenCode(bits, 280); // green, the set's lower byte, and lengths of copies
+    addEvenCode(bits, 256); // red, its upper byte
+    addSingleCode(bits);    // blue
+    addSingleCode(bits);    // alpha
+    addSingleCode(bits);    // distances
+    const int tiles = ((size.width() + 3) / 4) * ((size.height() + 3) / 4);
+    for (int tile = 0; tile < tiles;) {
+        const auto set = static_cast<quint32>(qMin(tile, int(sets) - 1));
+        constexpr int kLongestCopy = 4096;
+        if (tile >= int(sets) && tile + kLongestCopy <= tiles) {
+            addCode(bits, 511, 9); // the last length, with ten more bits, from the row above
+            bits.add(1023, 10);
+            tile += kLongestCopy;
+        } else {
+            const quint32 low = set & 0xff;
+            addCode(bits, low == 0xff ? 510 : low, low == 0xff ? 9 : 8);
+            addCode(bits, set >> 8, 8);
+            ++tile;
+        }
+    }
+    for (quint32 code = 0; code < 5 * sets; ++code) {
+        addSingleCode(bits);
+    }
+    return samples::webpFile(samples::webpChunk("VP8L", bits.bytes()));
+}
+
+} // namespace
+
+/// Lossless WebPs that ask for code tables without end before their first pixel.
+class TestCodeTables final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aFewTablesMakeAPicture() {
+        const auto picture = decodeImage(manyCodeTables(QSize(64, 64), 7));
+        QVERIFY(picture);
+        QCOMPARE(picture->size(), QSize(64, 64));
+    }
+
+    void memoryIsHeld_data() {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<quint32>("sets");
+        for (const quint32 sets : {1'000U, 8'000U, 10'000U, 11'000U, 12'000U, 16'000U}) {
+            QTest::addRow("%u in a small picture", sets) << QSize(512, 512) << sets;
+        }
+        for (const quint32 sets : {30'000U, 65'536U}) {
+            QTest::addRow("%u", sets) << QSize(1024, 1024) << sets;
+        }
+        for (const quint32 sets : {2'000U, 3'000U, 4'000U, 16'000U, 65'536U}) {
+            QTest::addRow("%u in the largest picture", sets) << QSize(4096, 2700) << sets;
+        }
+    }
+    void memoryIsHeld() {
+        if (isMemoryDistorted()) {
+            QSKIP("the sanitizer has memory of its own");
+        }
+        QFETCH(QSize, size);
+        QFETCH(quint32, sets);
+        const QByteArray bytes = manyCodeTables(size, sets);
+        QVERIFY(inspectImage(bytes)); // nothing is wrong with it on the surface
+        const qint64 before = memoryInUse();
+        QVERIFY(forgetPeak());
+        const bool isShown = decodeImage(bytes, [] { return false; }).has_value();
+        const QString figures = QStringLiteral("%1: %2 KiB, from %3 to %4, at most %5")
+                                    .arg(isShown ? u"shown"_qs : u"refused"_qs)
+                                    .arg(bytes.size() / 1024)
+                                    .arg(before)
+                                    .arg(memoryInUse())
+                                    .arg(memoryPeak());
+        QVERIFY2(memoryPeak() <= before + 80 * kMebibyte, qPrintable(figures));
+        QVERIFY2(memoryInUse() <= before + 8 * kMebibyte, qPrintable(figures));
+    }
+};
+
+QTEST_APPLESS_MAIN(TestCodeTables)
+#include "tst_codetables.moc"
