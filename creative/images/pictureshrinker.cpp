@@ -21,8 +21,11 @@ QSize keptSize(QSize source) {
 }
 
 PictureShrinker::PictureShrinker(QSize source)
+    : PictureShrinker(source, keptSize(source)) {}
+
+PictureShrinker::PictureShrinker(QSize source, QSize kept)
     : m_source(source)
-    , m_kept(keptSize(source))
+    , m_kept(kept)
     , m_columns(shares(source.width(), m_kept.width()))
     , m_rows(shares(source.height(), m_kept.height()))
     // One more each way, to take the empty shares beyond the edge.

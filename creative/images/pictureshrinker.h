@@ -21,6 +21,9 @@ class PictureShrinker final {
 public:
     /// Both sides at least 1.
     explicit PictureShrinker(QSize source);
+    /// For a source that was reduced before, whose proportions are no longer quite those it is to
+    /// be kept in. The kept size is at least 1 and at most the source's on both sides.
+    PictureShrinker(QSize source, QSize kept);
 
     /// Adds premultiplied pixels of row `y`, from column `first` on in steps of `step`.
     void add(int y, std::span<const QRgb> pixels, int first = 0, int step = 1);

@@ -63,11 +63,15 @@ std::optional<QImage> decode(const QByteArray& format, const SiftedImage& image,
         reader.setClipRect(QRect(QPoint(), size * divisor));
         reader.setScaledSize(size);
     }
+    QSize kept = keptSize(QSize(image.facts.width, image.facts.height));
+    if (reader.transformation() & QImageIOHandler::TransformationRotate90) {
+        kept.transpose();
+    }
     const QImage picture = reader.read();
-    if (picture.isNull() || bytes.hasStopped()) {
+    if (picture.isNull() || bytes.hasStopped() || kept.boundedTo(picture.size()) != kept) {
         return std::nullopt;
     }
-    PictureShrinker shrinker(picture.size());
+    PictureShrinker shrinker(picture.size(), kept);
     shrinker.add(picture);
     return shrinker.picture();
 }

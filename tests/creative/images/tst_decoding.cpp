@@ -90,6 +90,7 @@ private Q_SLOTS:
         QTest::newRow("a column") << QSize(1, 4096) << QSize(1, 128);
         QTest::newRow("large, of odd sides") << QSize(1531, 1123) << QSize(128, 93);
         QTest::newRow("large, of even sides") << QSize(1536, 1120) << QSize(128, 93);
+        QTest::newRow("far wider than high, of odd sides") << QSize(3624, 255) << QSize(128, 9);
     }
     void picturesAreScaledDownAndNeverUp() {
         QFETCH(QSize, source);

@@ -1,0 +1,6 @@
+#include "tests/fuzz/fuzzing.h"
+#include "tests/fuzz/urlcheck.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    return brimlet::judge(data, size, brimlet::checkUrl);
+}

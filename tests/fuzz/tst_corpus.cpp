@@ -1,0 +1,94 @@
+#include "tests/fuzz/imagecheck.h"
+#include "tests/fuzz/replycheck.h"
+#include "tests/fuzz/urlcheck.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTest>
+
+using namespace brimlet;
+
+namespace {
+
+const QString ownFiles = QStringLiteral(BRIMLET_SOURCE_DIR "/tests/fuzz/corpus/");
+const QString sampleFiles = QStringLiteral(BRIMLET_CORPORA "/");
+
+QByteArray contents(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QFileInfoList filesIn(const QString& folder) {
+    return QDir(folder).entryInfoList(QDir::Files);
+}
+
+void addRow(const QString& name, const QByteArray& bytes) {
+    QTest::newRow(qPrintable(name)) << bytes;
+}
+
+void addOwnFiles(const QString& folder) {
+    QTest::addColumn<QByteArray>("bytes");
+    for (const QFileInfo& file : filesIn(ownFiles + folder)) {
+        addRow(file.fileName(), contents(file.filePath()));
+    }
+}
+
+} // namespace
+
+/// Everything that fuzzing kept, and what others collected where that is at hand.
+class TestCorpus final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void repliesAreReadAsTheyStand_data() {
+        addOwnFiles(QStringLiteral("reply"));
+        for (const QFileInfo& file : filesIn(sampleFiles + QStringLiteral("json"))) {
+            for (const char endpoint : {'d', 'D', 'm', 'h'}) {
+                addRow(QChar::fromLatin1(endpoint) + u' ' + file.fileName(),
+                       endpoint + contents(file.filePath()));
+            }
+        }
+    }
+    void repliesAreReadAsTheyStand() {
+        QFETCH(QByteArray, bytes);
+        QCOMPARE(checkReply(bytes), QByteArray());
+    }
+
+    void addressesAreReadAlikeByAll_data() {
+        addOwnFiles(QStringLiteral("url"));
+        const QString samples = sampleFiles + QStringLiteral("url/urltestdata.json");
+        int number = 0;
+        for (const auto& entry : QJsonDocument::fromJson(contents(samples)).array()) {
+            const auto text = [&entry](const char* key) {
+                return entry[QLatin1StringView(key)].toString().toUtf8();
+            };
+            addRow(QString::number(number), text("input"));
+            addRow(QString::number(number) + QStringLiteral(" from its base"),
+                   text("base") + '\n' + text("input"));
+            ++number;
+        }
+    }
+    void addressesAreReadAlikeByAll() {
+        QFETCH(QByteArray, bytes);
+        QCOMPARE(checkUrl(bytes), QByteArray());
+    }
+
+    void picturesAreKeptOrRefused_data() {
+        addOwnFiles(QStringLiteral("image"));
+        for (const char* const folder : {"png/pngsuite", "png/libpng", "jpeg", "gif"}) {
+            for (const QFileInfo& file : filesIn(sampleFiles + QLatin1StringView(folder))) {
+                addRow(file.fileName(), contents(file.filePath()));
+            }
+        }
+    }
+    void picturesAreKeptOrRefused() {
+        QFETCH(QByteArray, bytes);
+        QCOMPARE(checkImage(bytes), QByteArray());
+    }
+};
+
+QTEST_APPLESS_MAIN(TestCorpus)
+#include "tst_corpus.moc"
