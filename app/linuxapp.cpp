@@ -5,6 +5,7 @@
 #include "menu/menuscroll.h"
 #include "overlay/overlayview.h"
 #include "platform/linux/linuxworkspace.h"
+#include "platform/linux/silentbuses.h"
 #include "platform/linux/singleinstance.h"
 #include "platform/linux/startmemory.h"
 #include "platform/linux/unixsignals.h"
@@ -63,6 +64,7 @@ bool prepareLinuxApplication() {
         }
         setForQt("QT_QPA_PLATFORM", "xcb");
     }
+    leaveOutSilentBuses();
     QApplication::setStyle(QStringLiteral("Fusion"));
     // Through shared memory each paint would wait for the X server to have read the one before it.
     // What a scroll paints is a few kilobytes, which are sent faster than waited for.
@@ -140,6 +142,7 @@ void obeyRequests(const SingleInstance& instance, BrimletApp& app) {
 }
 
 void askRunningProgram(const SingleInstance& instance, InstanceRequest request) {
+    leaveOutSilentBuses();
     const SingleInstance::Answer answer = instance.ask(request);
     if (answer == SingleInstance::Answer::Nobody) {
         std::fputs("brimlet: Brimlet is not running.\n", stderr);

@@ -6,7 +6,8 @@
 namespace brimlet {
 namespace {
 
-constexpr std::chrono::seconds readingTime(2);
+/// Leaves the start of the program, which waits for one, within two seconds.
+constexpr std::chrono::milliseconds readingTime(1500);
 
 [[nodiscard]] SecretItemName itemName(const QString& service, const QString& account) {
     return {service.toUtf8(), account.toUtf8()};

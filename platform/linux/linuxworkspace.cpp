@@ -1,5 +1,7 @@
 #include "platform/linux/linuxworkspace.h"
 
+#include "platform/linux/silentbuses.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -89,6 +91,7 @@ void LinuxWorkspace::open(const Url& url) {
     QProcess opener;
     opener.setProgram(QStringLiteral("xdg-open"));
     opener.setArguments({text});
+    opener.setProcessEnvironment(environmentForOthers());
     opener.setStandardOutputFile(QProcess::nullDevice());
     opener.setStandardErrorFile(QProcess::nullDevice());
     opener.startDetached();

@@ -1,12 +1,15 @@
 #include "tests/support/processes.h"
 
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QSaveFile>
 
 #include <csignal>
 #include <cstdio>
+
+#include <unistd.h>
 
 namespace brimlet {
 namespace {
@@ -46,6 +49,21 @@ void end(QProcess& process) {
 }
 
 } // namespace
+
+ProcessMeasures measuresOf(qint64 process) {
+    const QString folder = QStringLiteral("/proc/%1/").arg(process);
+    QFile statm(folder + QStringLiteral("statm"));
+    if (process <= 0 || !statm.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    const auto entries = [&folder](const char* name) {
+        return QDir(folder + QString::fromLatin1(name))
+            .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
+            .size();
+    };
+    const QList<QByteArray> pages = statm.readAll().split(' ');
+    return {pages.value(1).toLongLong() * ::sysconf(_SC_PAGESIZE), entries("fd"), entries("task")};
+}
 
 PlacementProcess::PlacementProcess() {
     setScenario({});
@@ -94,13 +112,23 @@ QStringList PlacementProcess::requestLines() const {
     return lines;
 }
 
-SimulatorProcess::SimulatorProcess(const QJsonObject& machine) {
+SimulatorProcess::SimulatorProcess(const QJsonObject& machine,
+                                   const EnvironmentChanges& environment) {
     QFile file(QStringLiteral(BRIMLET_SOURCE_DIR "/docs/machines/laptop-14.json"));
     if (!file.open(QIODevice::ReadOnly)) {
         qFatal("the 14-inch machine is missing");
     }
     m_machine = QJsonDocument::fromJson(file.readAll()).object();
     edit(machine);
+    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+    for (auto it = environment.begin(); it != environment.end(); ++it) {
+        if (it.value().isNull()) {
+            variables.remove(it.key());
+        } else {
+            variables.insert(it.key(), it.value());
+        }
+    }
+    m_process.setProcessEnvironment(variables);
     m_process.start(programPath("brimlet-simulator"),
                     {QStringLiteral("--machine"), m_folder.filePath(QStringLiteral("machine.json")),
                      QStringLiteral("--console")});
@@ -108,6 +136,7 @@ SimulatorProcess::SimulatorProcess(const QJsonObject& machine) {
 
 SimulatorProcess::~SimulatorProcess() {
     if (m_process.state() != QProcess::NotRunning) {
+        thaw(); // one that was stopped takes notice of no other signal
         end(m_process);
     }
     // Shown with the test's own output, where a sanitizer's report would be looked for.
@@ -124,7 +153,9 @@ void SimulatorProcess::edit(const QJsonObject& machine) {
 
 QJsonObject SimulatorProcess::ask(const QByteArray& command) {
     m_process.write(command + '\n');
-    return QJsonDocument::fromJson(nextLine(m_process)).object();
+    const QByteArray line = nextLine(m_process);
+    m_answers += line + '\n';
+    return QJsonDocument::fromJson(line).object();
 }
 
 bool SimulatorProcess::isPanelShown() {
@@ -138,6 +169,19 @@ QString SimulatorProcess::statusLine() {
 QByteArray SimulatorProcess::complaints() {
     m_complaints += m_process.readAllStandardError();
     return m_complaints;
+}
+
+void SimulatorProcess::freeze() const {
+    ::kill(static_cast<pid_t>(pid()), SIGSTOP);
+}
+
+void SimulatorProcess::thaw() const {
+    ::kill(static_cast<pid_t>(pid()), SIGCONT);
+}
+
+void SimulatorProcess::kill() {
+    m_process.kill();
+    m_process.waitForFinished();
 }
 
 int SimulatorProcess::endBySignal(int signal) {

@@ -2,10 +2,22 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QMap>
 #include <QProcess>
 #include <QTemporaryDir>
 
 namespace brimlet {
+
+/// What a program finds otherwise than this one: variables by name, null for one that it lacks.
+using EnvironmentChanges = QMap<QString, QString>;
+
+/// What the kernel counts of a process; all -1 when there is none.
+struct ProcessMeasures final {
+    qint64 residentBytes = -1;
+    qint64 descriptors = -1;
+    qint64 threads = -1;
+};
+[[nodiscard]] ProcessMeasures measuresOf(qint64 process);
 
 /// The development placement service as a process of its own, on a free port.
 class PlacementProcess final {
@@ -24,6 +36,8 @@ public:
     /// The same as "METHOD path".
     [[nodiscard]] QStringList requestLines() const;
 
+    [[nodiscard]] qint64 pid() const { return m_process.processId(); }
+
 private:
     QTemporaryDir m_folder;
     QProcess m_process;
@@ -34,7 +48,8 @@ private:
 class SimulatorProcess final {
 public:
     /// On the 14-inch machine, with these keys of the machine file replaced.
-    explicit SimulatorProcess(const QJsonObject& machine);
+    explicit SimulatorProcess(const QJsonObject& machine,
+                              const EnvironmentChanges& environment = {});
     ~SimulatorProcess();
     SimulatorProcess(const SimulatorProcess&) = delete;
     SimulatorProcess& operator=(const SimulatorProcess&) = delete;
@@ -50,6 +65,12 @@ public:
     [[nodiscard]] QString statusLine();
 
     [[nodiscard]] qint64 pid() const { return m_process.processId(); }
+    [[nodiscard]] ProcessMeasures measures() const { return measuresOf(pid()); }
+    /// Stops it as it stands, and has it go on.
+    void freeze() const;
+    void thaw() const;
+    /// Ends it without a warning.
+    void kill();
     /// Starts the program once more on the same machine; returns the second one's exit code.
     [[nodiscard]] int startAgain() const;
     /// Waits for the program's end; -1 when it crashed or did not end in time.
@@ -58,12 +79,15 @@ public:
     [[nodiscard]] int endBySignal(int signal);
     /// What it has printed to standard error so far.
     [[nodiscard]] QByteArray complaints();
+    /// All that it has answered so far.
+    [[nodiscard]] const QByteArray& answers() const { return m_answers; }
 
 private:
     QTemporaryDir m_folder;
     QJsonObject m_machine;
     QProcess m_process;
     QByteArray m_complaints;
+    QByteArray m_answers;
 };
 
 } // namespace brimlet
