@@ -17,6 +17,7 @@
 #include "platform/simulated/memorysecretstore.h"
 #include "platform/simulated/notchwindow.h"
 #include "platform/simulated/simulatedclock.h"
+#include "platform/simulated/simulatedhttpclient.h"
 #include "platform/simulated/simulatedports.h"
 
 #include <QApplication>
@@ -89,7 +90,8 @@ int main(int argc, char* argv[]) {
     const auto secrets = secretStoreOf(file.machine());
     QtClock realClock;
     SimulatedClock clock(realClock, file.machine().speed);
-    CurlHttpClient http;
+    CurlHttpClient realHttp;
+    SimulatedHttpClient http(realHttp, file.machine().speed);
     TrayStatusItem statusItem;
 
     NotchWindow notch;

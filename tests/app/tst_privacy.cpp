@@ -1,7 +1,7 @@
 #include "tests/app/privacydocument.h"
-#include "tests/app/processfacts.h"
-#include "tests/app/sessionfolders.h"
 #include "tests/support/processes.h"
+#include "tests/support/processfacts.h"
+#include "tests/support/sessionfolders.h"
 #include "tests/support/xserver.h"
 
 #include <QDir>

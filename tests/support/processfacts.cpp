@@ -1,4 +1,4 @@
-#include "tests/app/processfacts.h"
+#include "tests/support/processfacts.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "tests/app/sessionfolders.h"
+#include "tests/support/sessionfolders.h"
 
 #include <QDateTime>
 #include <QDirIterator>

@@ -1,0 +1,87 @@
+#include "tests/robustness/survival.h"
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+
+namespace brimlet {
+namespace {
+
+constexpr int kPatience = 20'000; // milliseconds
+/// So many requests show that the cadence goes on.
+constexpr qsizetype kSeveral = 6;
+
+bool hasPictures(WatchedProgram& watched) {
+    const QJsonArray pills = watched.program().state().value(QStringLiteral("pills")).toArray();
+    return pills.size() == 2 && std::all_of(pills.begin(), pills.end(), [](const QJsonValue& pill) {
+               return pill.toObject().value(QStringLiteral("hasImage")).toBool();
+           });
+}
+
+/// Waits until no request has come for the time of several polls.
+bool fallsSilent(WatchedProgram& watched) {
+    qsizetype seen = watched.requests();
+    QElapsedTimer since;
+    since.start();
+    return QTest::qWaitFor(
+        [&] {
+            if (const qsizetype now = watched.requests(); now != seen) {
+                seen = now;
+                since.restart();
+            }
+            return since.hasExpired(kSeveral * WatchedProgram::kPollMilliseconds);
+        },
+        kPatience);
+}
+
+} // namespace
+
+QString statusOf(Outcome outcome) {
+    switch (outcome) {
+    case Outcome::TransferFailed:
+        return QStringLiteral("Heartbeat failed. Will retry.");
+    case Outcome::Rejected:
+        return QStringLiteral("Server rejected the host token.");
+    case Outcome::Applied:
+        return WatchedProgram::otherStatus();
+    case Outcome::Nothing:
+        break;
+    }
+    return WatchedProgram::goodStatus();
+}
+
+void begin(WatchedProgram& watched) {
+    QVERIFY(watched.comesToSay(WatchedProgram::goodStatus()));
+    QTRY_VERIFY_WITH_TIMEOUT(hasPictures(watched), kPatience);
+    // Some rounds of what a start leaves to be done later.
+    QTRY_VERIFY_WITH_TIMEOUT(watched.requests() > 5 * kSeveral, kPatience);
+    watched.takeMeasure();
+}
+
+void survive(WatchedProgram& watched, const Fault& fault) {
+    const QString before = watched.content();
+    watched.forgetPeakMemory();
+    if (!fault.root.isNull()) {
+        watched.moveTo(fault.root);
+    }
+    watched.follow(fault.script);
+    watched.askAll();
+    QVERIFY(watched.comesToSay(statusOf(fault.outcome)));
+    if (fault.outcome == Outcome::Nothing) {
+        QVERIFY(fallsSilent(watched));
+        QCOMPARE(watched.program().statusLine(), statusOf(fault.outcome));
+    } else if (fault.root.isNull() && !fault.script.contains(QStringLiteral("greeting"))) {
+        QTRY_VERIFY_WITH_TIMEOUT(watched.requests() >= kSeveral, kPatience);
+    }
+    if (fault.outcome == Outcome::Applied) {
+        QVERIFY(watched.content() != before);
+    } else {
+        QCOMPARE(watched.content(), before);
+    }
+    watched.behave();
+    QVERIFY(watched.comesToSay(WatchedProgram::goodStatus()));
+    QTRY_COMPARE_WITH_TIMEOUT(watched.complaint(), QString(), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(watched.content(), before, kPatience);
+}
+
+} // namespace brimlet

@@ -1,0 +1,153 @@
+#include "creative/creativeimagecache.h"
+#include "platform/curl/curlhttpclient.h"
+#include "tests/support/faultserverprocess.h"
+#include "tests/support/hostfixture.h"
+#include "tests/support/memoryuse.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QRandomGenerator>
+#include <QTest>
+#include <QTestEventLoop>
+
+#include <functional>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr qint64 kMebibyte = qint64{1024} * 1024;
+
+const QByteArray kBody = R"({"weekStatus":"live","agreed":true,"estimatedCents":1234,
+    "agreementText":"Be kind.","creatives":[
+    {"slotId":"left","brandName":"Quiet Bicycle","copy":"Home before the bell"},
+    {"slotId":"right","brandName":"Palindrome Tea","copy":"Never odd or even"}]})";
+
+QByteArray picture() {
+    QImage image(64, 64, QImage::Format_RGB32);
+    image.fill(Qt::darkGreen);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    image.save(&buffer, "PNG");
+    return bytes;
+}
+
+qsizetype descriptorCount() {
+    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
+}
+
+/// Each endpoint in turn and, after some rounds, a picture that a cache does not know yet.
+QCoro::Task<> ask(std::shared_ptr<HostStore> store, ImagePorts images, Url pictureUrl,
+                  FakeWorkspace* workspace, int count, std::function<void()> done) {
+    for (int i = 0; i < count; ++i) {
+        switch (i % 8) {
+        case 0:
+            co_await store->refreshDisplay();
+            break;
+        case 1:
+            co_await store->agree();
+            break;
+        case 2: // a heartbeat that nobody waits for
+            workspace->screensDidWake();
+            co_await store->refreshEstimate();
+            break;
+        case 3: {
+            CreativeImageCache cache(images, 1);
+            (void)co_await cache.image(pictureUrl);
+            break;
+        }
+        default:
+            co_await store->refreshEstimate();
+        }
+    }
+    done();
+}
+
+} // namespace
+
+/// The core over weeks: thousands of replies, and days of ticks.
+class TestLongLife final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    // 41
+    void aHundredThousandRepliesLeaveNothingBehind() {
+        constexpr int kWarmUp = 10'000;
+        int replies = 100'000;
+        if (isMemoryDistorted()) {
+            // The memory, which needs the many, is not judged there.
+            replies = 20'000;
+            qInfo("%d replies only: a sanitizer makes each several times as slow", replies);
+        }
+        bool isGiven = false;
+        int seed = qEnvironmentVariableIntValue("BRIMLET_SEED", &isGiven);
+        seed = isGiven ? seed : static_cast<int>(QRandomGenerator::global()->bounded(1'000'000));
+        qInfo("BRIMLET_SEED=%d", seed);
+
+        FaultServerProcess service;
+        const auto script = [&](double share) {
+            return QJsonObject{
+                {QStringLiteral("answers"),
+                 QJsonObject{
+                     {QStringLiteral("/picture"), QJsonArray{faults::reply(200, picture())}},
+                     {QString(), QJsonArray{faults::reply(200, kBody)}}}},
+                {QStringLiteral("random"),
+                 QJsonObject{{QStringLiteral("seed"), seed}, {QStringLiteral("share"), share}}}};
+        };
+        HostFixture host;
+        host.bundle.info.insert(QStringLiteral("BrimletAPIURL"), service.root());
+        host.keepToken("demo-host-token");
+        FakeCachesFolder nowhere;
+        nowhere.folder = QStringLiteral("/proc/brimlet");
+        CurlHttpClient http;
+        HostPorts ports = host.ports();
+        const auto store = HostStore::create(
+            {ports.screens, ports.workspace, ports.secrets, http, ports.bundle, ports.clock});
+        store->watchScreens();
+        const Url pictureUrl = Url::fromString(service.root() + QStringLiteral("/picture")).value();
+        const auto run = [&](double share, int count) {
+            service.follow(script(share));
+            // Not qWaitFor, which sleeps between two looks.
+            QTestEventLoop loop;
+            startTask(ask(store, {http, nowhere}, pictureUrl, &host.workspace, count,
+                          [&loop] { loop.exitLoop(); }));
+            loop.enterLoop(600);
+            return !loop.timeout();
+        };
+
+        QVERIFY(run(0.5, kWarmUp));
+        QVERIFY(run(0, 100));
+        const qint64 memory = memoryInUse();
+        const int threads = threadCount();
+        const qsizetype descriptors = descriptorCount();
+        QVERIFY(run(0.5, replies));
+        QVERIFY(run(0, 100));
+        QCOMPARE(store->statusLine(), QStringLiteral("Ads on. This week ~€12.34 estimate."));
+        QCOMPARE(threadCount(), threads);
+        QCOMPARE(descriptorCount(), descriptors);
+        qInfo("%lld KiB more memory", (memoryInUse() - memory) / 1024);
+        if (!isMemoryDistorted()) {
+            QVERIFY(memoryInUse() <= memory + kMebibyte);
+        }
+    }
+
+    // 42
+    void aDayHasItsQueriesAndHeartbeatsAndNotOneMore() {
+        HostFixture host;
+        host.keepToken("demo-host-token");
+        for (const char* const path : {"/api/display", "/api/host/me", "/api/host/heartbeat"}) {
+            host.http.answer(QLatin1StringView(path), 200, kBody);
+        }
+        const auto store = host.makeStore();
+        store->startTimers();
+        host.clock.advance(24h);
+        const QStringList log = host.http.log();
+        QCOMPARE(log.count(QStringLiteral("GET /api/host/me")), 28'800);
+        QCOMPARE(log.count(QStringLiteral("POST /api/host/heartbeat")), 96 + 1);
+        QCOMPARE(log.count(QStringLiteral("GET /api/display")), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestLongLife)
+#include "tst_longlife.moc"

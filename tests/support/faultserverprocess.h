@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QProcess>
+#include <QSet>
+#include <QTemporaryDir>
+
+namespace brimlet {
+
+/// Steps for a server that misbehaves, as its scripts have them.
+namespace faults {
+
+[[nodiscard]] QJsonObject send(const QByteArray& bytes);
+/// A whole reply with the right length; `headers` are further lines, each with its line break.
+[[nodiscard]] QJsonObject reply(int status, const QByteArray& body, const QByteArray& headers = {});
+[[nodiscard]] QJsonObject drip(const QByteArray& text, int everyMs, bool isForEver = false);
+[[nodiscard]] QJsonObject flood(const QByteArray& text);
+[[nodiscard]] QJsonObject wait(int milliseconds);
+[[nodiscard]] QJsonObject cut();
+[[nodiscard]] QJsonObject reset();
+
+} // namespace faults
+
+/// A server that misbehaves as it is told, as a process of its own, on a free port.
+class FaultServerProcess final {
+public:
+    /// `arguments` besides those for the port and the log.
+    explicit FaultServerProcess(const QStringList& arguments = {});
+    ~FaultServerProcess();
+    FaultServerProcess(const FaultServerProcess&) = delete;
+    FaultServerProcess& operator=(const FaultServerProcess&) = delete;
+
+    /// "http://127.0.0.1:port", or https; empty when it did not start.
+    [[nodiscard]] const QString& root() const { return m_root; }
+    /// In force when this returns.
+    void follow(const QJsonObject& script);
+
+    /// Every byte of every connection, in the order of arrival.
+    [[nodiscard]] QByteArray received() const;
+    /// How often a line like "GET /api/display" began a request so far.
+    [[nodiscard]] qsizetype count(const QByteArray& methodAndTarget) const;
+    /// Stops and continues the whole process.
+    void stop() const;
+    void resume() const;
+
+private:
+    [[nodiscard]] QByteArray nextLine();
+
+    QTemporaryDir m_folder;
+    QProcess m_process;
+    QString m_root;
+};
+
+} // namespace brimlet
