@@ -1,5 +1,4 @@
 #include "tests/robustness/survival.h"
-#include "tests/support/rawserver.h"
 
 using namespace brimlet;
 using namespace brimlet::faults;
@@ -20,17 +19,6 @@ class TestHttp final : public QObject {
 
     static void addRow(const QString& name, const QJsonArray& steps, Outcome outcome) {
         QTest::newRow(qPrintable(name)) << Fault{WatchedProgram::everywhere(steps), outcome};
-    }
-
-    /// The requests since `start` bytes had come.
-    [[nodiscard]] std::vector<RawRequest> requestsSince(qsizetype start) {
-        QByteArray bytes = m_watched->service().received().mid(start);
-        // It may begin in the middle of a connection's request.
-        std::vector<RawRequest> requests;
-        while (const auto request = RawRequest::take(bytes)) {
-            requests.push_back(*request);
-        }
-        return requests;
     }
 
 private Q_SLOTS:
@@ -155,7 +143,7 @@ private Q_SLOTS:
         const qsizetype start = m_watched->service().received().size();
         m_watched->askAll();
         QTRY_VERIFY_WITH_TIMEOUT(m_watched->requests() > 10, kPatience);
-        for (const RawRequest& request : requestsSince(start)) {
+        for (const RawRequest& request : m_watched->service().requests(start)) {
             QVERIFY2(request.lines().at(0).endsWith(" HTTP/1.1"), request.head);
             QCOMPARE(request.header("User-Agent"), "Brimlet/0.1.0");
             for (const char* const name : {"Cookie", "Accept", "Accept-Language", "Accept-Encoding",

@@ -1,5 +1,4 @@
 #include "tests/robustness/survival.h"
-#include "tests/support/rawserver.h"
 
 #include <QProcess>
 
@@ -37,16 +36,6 @@ class TestToken final : public QObject {
     Q_OBJECT
 
     std::unique_ptr<WatchedProgram> m_watched;
-
-    /// All requests so far. A connection's requests are never interleaved: each fits one write.
-    [[nodiscard]] std::vector<RawRequest> requests() const {
-        QByteArray bytes = m_watched->service().received();
-        std::vector<RawRequest> requests;
-        while (const auto request = RawRequest::take(bytes)) {
-            requests.push_back(*request);
-        }
-        return requests;
-    }
 
 private Q_SLOTS:
     void initTestCase() {
@@ -114,7 +103,7 @@ private Q_SLOTS:
         QVERIFY(m_watched->stranger().received().contains("GET /take"));
         QVERIFY(!m_watched->stranger().received().contains("Authorization"));
         qsizetype pictures = 0;
-        for (const RawRequest& request : requests()) {
+        for (const RawRequest& request : m_watched->service().requests()) {
             const QByteArray target = request.target();
             if (target == "/left" || target == "/right" || target == "/api/display") {
                 pictures += target == "/api/display" ? 0 : 1;

@@ -93,6 +93,8 @@ private Q_SLOTS:
                 cut()});
         addRow("3: each connection is closed after its reply", {reply(200, whole), cut()},
                Outcome::Applied);
+        QTest::newRow("4: connections are not accepted")
+            << Fault{{{QStringLiteral("isAccepting"), false}}};
     }
     void itSurvives() {
         QFETCH(Fault, fault);

@@ -1,7 +1,5 @@
 #include "tests/support/faultserverprocess.h"
 
-#include "tests/support/rawserver.h"
-
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QJsonDocument>
@@ -84,8 +82,13 @@ QByteArray FaultServerProcess::received() const {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-qsizetype FaultServerProcess::count(const QByteArray& methodAndTarget) const {
-    return received().count(methodAndTarget + " HTTP/1.1\r\n");
+std::vector<RawRequest> FaultServerProcess::requests(qsizetype from) const {
+    QByteArray bytes = received().mid(from);
+    std::vector<RawRequest> requests;
+    while (const auto request = RawRequest::take(bytes)) {
+        requests.push_back(*request);
+    }
+    return requests;
 }
 
 void FaultServerProcess::stop() const {

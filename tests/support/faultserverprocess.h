@@ -1,10 +1,13 @@
 #pragma once
 
+#include "tests/support/rawserver.h"
+
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QProcess>
-#include <QSet>
 #include <QTemporaryDir>
+
+#include <vector>
 
 namespace brimlet {
 
@@ -38,8 +41,9 @@ public:
 
     /// Every byte of every connection, in the order of arrival.
     [[nodiscard]] QByteArray received() const;
-    /// How often a line like "GET /api/display" began a request so far.
-    [[nodiscard]] qsizetype count(const QByteArray& methodAndTarget) const;
+    /// The requests among those bytes from that place on, in the order of arrival. Each is small
+    /// enough to have come in one piece, so those of several connections do not mix.
+    [[nodiscard]] std::vector<RawRequest> requests(qsizetype from = 0) const;
     /// Stops and continues the whole process.
     void stop() const;
     void resume() const;
