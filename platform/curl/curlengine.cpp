@@ -54,7 +54,7 @@ void CurlEngine::startHop(std::unique_ptr<CurlExchange> exchange) {
     }
     const HttpRequest request = exchange->hopRequest();
     auto hop = std::make_unique<CurlHop>(request, curlAddress(request.url), left, m_moreAuthorities,
-                                         m_connected);
+                                         m_connected, m_held);
     if (!hop->isReady() || curl_multi_add_handle(m_multi.get(), hop->handle()) != CURLM_OK) {
         finish(*exchange, HttpError::Unreachable);
         return;

@@ -62,6 +62,7 @@ private:
     QTimer m_timer;
     ValidatorCache m_replies;
     CurlSockets m_connected;
+    qsizetype m_held = 0; ///< Bytes of bodies that are not yet handed over.
     CurlMulti m_multi;
     Hops m_hops;
 };

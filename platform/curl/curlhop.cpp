@@ -2,11 +2,21 @@
 
 #include "platform/curl/curlexchange.h"
 
+#include <openssl/ssl.h>
+
+#include <utility>
+
 namespace brimlet {
 namespace {
 
 /// Bytes of a body nobody asked for that are read to keep the connection.
 constexpr qint64 kDrainLimit = qint64{16} * 1024;
+
+/// Bytes of all bodies under way together: servers that send large ones and never end them would
+/// fill the memory. Small ones go on even so, since a poll is not to suffer for somebody's
+/// pictures.
+constexpr qsizetype kHeldLimit = qsizetype{16} * 1024 * 1024;
+constexpr qsizetype kSmallBody = qsizetype{256} * 1024;
 
 /// How many bytes on the wire one byte of a chunked body may take: a chunk of one byte takes six.
 /// What goes beyond is padding without end.
@@ -34,6 +44,19 @@ HttpError errorOf(CURLcode code) {
     default:
         return HttpError::Broken;
     }
+}
+
+/// Whether TLS holds bytes that were not asked for yet: what is left of a record that libcurl read
+/// the end of a body from is in no socket any more.
+bool hasUnreadRecord(CURL* easy) {
+    const curl_tlssessioninfo* session = nullptr;
+    if (curl_easy_getinfo(easy, CURLINFO_TLS_SSL_PTR, &session) != CURLE_OK ||
+        session->internals == nullptr) {
+        return false; // no TLS
+    }
+    // With another library nothing is known, and no connection is used twice.
+    return session->backend != CURLSSLBACKEND_OPENSSL ||
+           SSL_has_pending(static_cast<const SSL*>(session->internals)) != 0;
 }
 
 QByteArrayView viewOf(const char* data, std::size_t size) {
@@ -82,7 +105,8 @@ HttpResult CurlHop::takeResult() {
     if (m_status == 0) {
         return HttpError::Broken; // closed before the head was complete
     }
-    return HttpReply{m_status, std::move(m_body)};
+    m_held -= m_body.size();
+    return HttpReply{m_status, std::exchange(m_body, {})};
 }
 
 bool CurlHop::fail(HttpError error) {
@@ -131,6 +155,10 @@ bool CurlHop::addBody(QByteArrayView bytes) {
     if (bytes.size() > m_bodyLimit - m_body.size()) {
         return fail(HttpError::TooLarge);
     }
+    if (bytes.size() > kHeldLimit - m_held && m_body.size() + bytes.size() > kSmallBody) {
+        return fail(HttpError::TooLarge); // all those under way together hold too much
+    }
+    m_held += bytes.size();
     m_body += bytes;
     return true;
 }
@@ -183,7 +211,8 @@ int CurlHop::onConnected(void* self, char* thereAddress, char* hereAddress, int 
     long newConnections = 0;
     curl_easy_getinfo(hop->m_easy.get(), CURLINFO_NUM_CONNECTS, &newConnections);
     if (newConnections == 0) {
-        hop->m_sockets.shutUnlessQuiet({hereAddress, herePort}, {thereAddress, therePort});
+        hop->m_sockets.shutUnlessQuiet({hereAddress, herePort}, {thereAddress, therePort},
+                                       hasUnreadRecord(hop->m_easy.get()));
     }
     return CURL_PREREQFUNC_OK;
 }

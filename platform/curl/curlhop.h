@@ -15,9 +15,11 @@ struct CurlExchange;
 /// Stays where it is: libcurl knows it by its address.
 class CurlHop final {
 public:
-    /// `timeout` is what is left of the request's. The sockets outlive the hop.
+    /// `timeout` is what is left of the request's. `held` counts the bytes of all bodies that are
+    /// not yet handed over. It and the sockets outlive the hop.
     CurlHop(const HttpRequest& request, CurlUrl address, std::chrono::milliseconds timeout,
-            const QByteArray& moreAuthorities, CurlSockets& sockets);
+            const QByteArray& moreAuthorities, CurlSockets& sockets, qsizetype& held);
+    ~CurlHop() { m_held -= m_body.size(); }
     CurlHop(const CurlHop&) = delete;
     CurlHop& operator=(const CurlHop&) = delete;
 
@@ -72,6 +74,7 @@ private:
 
     CurlHead m_head;
     QByteArray m_body;
+    qsizetype& m_held;
     qint64 m_rawBytes = 0;
     int m_status = 0; ///< Of the final reply, 0 until its head is complete.
     bool m_isReady = true;

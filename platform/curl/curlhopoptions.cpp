@@ -31,11 +31,12 @@ bool hasHeader(const HttpRequest& request, const char* name) {
 // a header of the request before, even across a reset, and follows it when a header line begins
 // with a blank.
 CurlHop::CurlHop(const HttpRequest& request, CurlUrl address, std::chrono::milliseconds timeout,
-                 const QByteArray& moreAuthorities, CurlSockets& sockets)
+                 const QByteArray& moreAuthorities, CurlSockets& sockets, qsizetype& held)
     : m_sockets(sockets)
     , m_address(std::move(address))
     , m_lastStatusWithBody(request.lastStatusWithBody)
     , m_bodyLimit(request.bodyLimit)
+    , m_held(held)
     , m_easy(curl_easy_init()) {
     m_isReady = m_easy != nullptr;
     setRules(timeout, moreAuthorities);

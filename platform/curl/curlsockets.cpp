@@ -54,10 +54,14 @@ bool CurlSockets::add(curl_socket_t socket) {
     return ::fcntl(socket, F_SETFD, FD_CLOEXEC) == 0;
 }
 
-void CurlSockets::shutUnlessQuiet(const SocketEnd& here, const SocketEnd& there) const {
+void CurlSockets::shutUnlessQuiet(const SocketEnd& here, const SocketEnd& there,
+                                  bool hasMoreRead) const {
+    if (here.address.isEmpty() || there.address.isEmpty()) {
+        return; // ends without a name are no connection of ours
+    }
     for (const curl_socket_t socket : m_sockets) {
         if (endOf(socket, &::getsockname) == here && endOf(socket, &::getpeername) == there &&
-            !isQuiet(socket)) {
+            (hasMoreRead || !isQuiet(socket))) {
             ::shutdown(socket, SHUT_RDWR);
         }
     }

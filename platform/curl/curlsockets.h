@@ -22,9 +22,10 @@ class CurlSockets final {
 public:
     /// Takes a new descriptor; false when it cannot be kept from other programs.
     [[nodiscard]] bool add(curl_socket_t socket);
-    /// To be called before the connection between these ends is used again. One on which anything
-    /// has arrived is shut, so that sending fails and libcurl goes on with a connection of its own.
-    void shutUnlessQuiet(const SocketEnd& here, const SocketEnd& there) const;
+    /// To be called before the connection between these ends is used again, with whether more of it
+    /// was read than was asked for. One on which anything has arrived is shut, so that sending
+    /// fails and libcurl goes on with a connection of its own.
+    void shutUnlessQuiet(const SocketEnd& here, const SocketEnd& there, bool hasMoreRead) const;
 
 private:
     /// Some may be closed by now, or be others by now: what they are is asked each time.

@@ -6,6 +6,8 @@
 #include <QElapsedTimer>
 #include <QTest>
 
+#include <algorithm>
+
 using namespace brimlet;
 using namespace std::chrono_literals;
 
@@ -275,6 +277,42 @@ private Q_SLOTS:
         QVERIFY(timer.elapsed() < 1000);
         // Whatever is left of it ends with the request's own time.
         QTRY_COMPARE(server.openConnections(), 0);
+    }
+
+    void bodiesThatNeverEndHoldABoundedAmountTogether() {
+        constexpr qsizetype kMebibyte = qsizetype{1024} * 1024;
+        RawServer server;
+        const QByteArray most(4 * kMebibyte - 1, 'x');
+        const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 4194304\r\n\r\n";
+        server.answer("/stalls", head + most);
+        server.answer("/whole", head + most + 'x');
+        server.answer("/small", rawReply(200, QByteArray(256 * 1024, 's')));
+        CurlHttpClient client;
+        const auto requestOf = [&](const QString& path) {
+            HttpRequest request = requestTo(server.url(path));
+            request.bodyLimit = 4 * kMebibyte;
+            request.timeout = 5s;
+            return request;
+        };
+        std::vector<Awaited> stalled;
+        for (int i = 0; i < 12; ++i) {
+            stalled.emplace_back(client.send(requestOf(u"/stalls"_qs)));
+        }
+        const auto ended = [&] {
+            return std::count_if(stalled.cbegin(), stalled.cend(),
+                                 [](const Awaited& one) { return one.isDone(); });
+        };
+        // Four of them fit at the most; each of the others is given up as soon as it does not.
+        QTRY_VERIFY(ended() >= 8);
+        QVERIFY(ended() < 12);
+        for (const Awaited& one : stalled) {
+            QVERIFY(!one.isDone() || one.result() == HttpResult(HttpError::TooLarge));
+        }
+        QVERIFY(fetch(client, requestOf(u"/small"_qs)) ==
+                HttpResult(HttpReply{200, QByteArray(256 * 1024, 's')}));
+        // Once they have run out of time there is room again.
+        QTRY_COMPARE_WITH_TIMEOUT(ended(), 12, 10'000);
+        QVERIFY(fetch(client, requestOf(u"/whole"_qs)) == HttpResult(HttpReply{200, most + 'x'}));
     }
 };
 

@@ -199,6 +199,37 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), 2);
     }
 
+    void whatComesInTheSameRecordAsABodyIsNoReplyEither_data() {
+        QTest::addColumn<QByteArray>("head");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<HttpReply>("reply");
+        QTest::newRow("a body in a record of its own")
+            << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n") << QByteArray("first")
+            << HttpReply{200, "first"};
+        QTest::newRow("a body that nobody asked for")
+            << QByteArray("HTTP/1.1 404 No\r\nContent-Length: 5\r\n\r\n") << QByteArray("first")
+            << HttpReply{404, {}};
+    }
+    void whatComesInTheSameRecordAsABodyIsNoReplyEither() {
+        QFETCH(QByteArray, head);
+        QFETCH(QByteArray, body);
+        QFETCH(HttpReply, reply);
+        const Certificate certificate(kOurAddress);
+        RawServer server(certificate.configuration());
+        server.answer("/trap", [&](RawConnection& connection, const RawRequest&) {
+            connection.send(head);
+            connection.sendAfter(50ms, body + rawReply(200, "intruder"));
+        });
+        server.answer({}, rawReply(200, "x"));
+        CurlHttpClient client(QFile::encodeName(certificate.path()));
+        for (int i = 0; i < 3; ++i) {
+            const auto trapped = fetch(client, authorised(server.url(u"/trap"_qs)));
+            QVERIFY(trapped == HttpResult(reply) || trapped == HttpResult(HttpError::Broken));
+            QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) ==
+                    HttpResult(HttpReply{200, "x"}));
+        }
+    }
+
     void plainHttpOnATlsPortIsRefused() {
         RawServer server;
         server.onConnect([](RawConnection& connection) { connection.send(rawReply(200, "x")); });
