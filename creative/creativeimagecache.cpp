@@ -58,6 +58,12 @@ void writeAtomically(const QString& path, const QByteArray& bytes) {
     }
 }
 
+/// Stands for the whole address in the maps: an address of a stranger's may be longer than its
+/// picture.
+QByteArray keyOf(const Url& url) {
+    return QCryptographicHash::hash(url.absoluteString().toLatin1(), QCryptographicHash::Sha256);
+}
+
 HttpRequest requestFor(const Url& url) {
     HttpRequest request{url};
     request.mayFollow = [](const Url& /*from*/, const Url& to) { return isAllowedLink(to); };
@@ -68,13 +74,13 @@ HttpRequest requestFor(const Url& url) {
 
 } // namespace
 
-/// Both maps by the whole address.
+/// Both maps by the key of the whole address.
 struct CreativeImageCache::State final {
     ImagePorts ports;
     std::uint64_t seed;
-    std::map<QString, QImage> memory; ///< Never evicted; its pictures are small.
+    std::map<QByteArray, QImage> memory; ///< Never evicted; its pictures are small.
     /// Loads under way, each with those who wait for it besides the one who began it.
-    std::map<QString, std::vector<Deferred<std::optional<QImage>>>> inflight;
+    std::map<QByteArray, std::vector<Deferred<std::optional<QImage>>>> inflight;
 };
 
 CreativeImageCache::CreativeImageCache(const ImagePorts& ports, std::uint64_t seed)
@@ -110,7 +116,7 @@ QCoro::Task<std::optional<QImage>> CreativeImageCache::image(std::optional<Url> 
 }
 
 QCoro::Task<std::optional<QImage>> CreativeImageCache::find(std::shared_ptr<State> state, Url url) {
-    const QString& key = url.absoluteString();
+    const QByteArray key = keyOf(url);
     if (const auto known = state->memory.find(key); known != state->memory.end()) {
         // A copy by name: what a coroutine returns is moved from, and the memory keeps its own.
         std::optional<QImage> kept = known->second;
