@@ -17,6 +17,8 @@ namespace {
 
 /// A bus that lives answers within some milliseconds, also while a session starts.
 constexpr std::chrono::seconds kPatience(1);
+/// What a cancelled call takes to return, many times over.
+constexpr std::chrono::milliseconds kFarewell(200);
 
 /// Nothing is ever found there.
 constexpr const char* kNowhere = "unix:path=/dev/null/bus";
@@ -65,8 +67,15 @@ public:
     Question(const Question&) = delete;
     Question& operator=(const Question&) = delete;
 
+    /// Without an answer it is asked no longer, and as good as over when this returns: its thread
+    /// may read the environment, which is about to change.
     [[nodiscard]] bool isAnsweredBy(std::chrono::steady_clock::time_point deadline) {
-        return m_answer.wait_until(deadline) == std::future_status::ready && m_answer.get();
+        if (m_answer.wait_until(deadline) == std::future_status::ready) {
+            return m_answer.get();
+        }
+        g_cancellable_cancel(m_cancellable.get());
+        m_answer.wait_for(kFarewell);
+        return false;
     }
 
 private:
