@@ -1,5 +1,6 @@
 #include "tests/support/processes.h"
 #include "tests/support/processfacts.h"
+#include "tests/support/sanitized.h"
 #include "tests/support/sessionfolders.h"
 #include "tests/support/stubbus.h"
 
@@ -20,9 +21,9 @@ namespace {
 
 constexpr int kPatience = 20'000;
 /// Milliseconds from the start of the process to its first answer.
-constexpr qint64 kStart = 2000;
+constexpr qint64 kStart = kIsSanitized ? 4000 : 2000;
 /// Milliseconds to the end.
-constexpr qint64 kEnd = 1000;
+constexpr qint64 kEnd = kIsSanitized ? 3000 : 1000;
 
 const QString kSession = QStringLiteral("DBUS_SESSION_BUS_ADDRESS");
 const QString kSystem = QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS");

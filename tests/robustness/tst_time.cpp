@@ -1,4 +1,5 @@
 #include "tests/support/processes.h"
+#include "tests/support/sanitized.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -21,18 +22,6 @@ constexpr qint64 kSpacing = 3000 / kSpeed;
 const QString kToken = QStringLiteral("demo-host-token");
 const QString kHeartbeat = QStringLiteral("POST /api/host/heartbeat");
 const QString kEstimate = QStringLiteral("GET /api/host/me");
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kIsSanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr bool kIsSanitized = true;
-#else
-constexpr bool kIsSanitized = false;
-#endif
-#else
-constexpr bool kIsSanitized = false;
-#endif
 
 /// Sets a program's wall clock, from outside and while it runs.
 class WallClock final {

@@ -141,6 +141,7 @@ private Q_SLOTS:
         QVERIFY(isSent || !received.contains(token));
         m_watched->askAll();
         QVERIFY(m_watched->comesToSay(WatchedProgram::goodStatus()));
+        QTRY_COMPARE_WITH_TIMEOUT(m_watched->complaint(), QString(), kPatience);
     }
 
     void anOddRootSurvives_data() {
