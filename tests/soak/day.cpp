@@ -1,0 +1,111 @@
+#include "tests/soak/day.h"
+
+#include "tests/soak/failure.h"
+#include "tests/soak/programuse.h"
+#include "tests/soak/progress.h"
+#include "tests/soak/requesttimes.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+#include <sched.h>
+
+namespace brimlet {
+namespace {
+
+constexpr qint64 kHour = 3'600'000; // milliseconds
+constexpr qint64 kSecond = 1'000;
+
+void keepTokenInKeyring() {
+    QProcess tool;
+    tool.start(QStringLiteral("secret-tool"),
+               {QStringLiteral("store"), QStringLiteral("--label=Brimlet"),
+                QStringLiteral("service"), QStringLiteral("app.brimlet.host"),
+                QStringLiteral("account"), QStringLiteral("host-token")});
+    tool.write("demo-host-token");
+    tool.closeWriteChannel();
+    if (!tool.waitForFinished() || tool.exitCode() != 0) {
+        throw Failure("the token cannot be put into the keyring");
+    }
+}
+
+/// A host that has signed and has earned something.
+QJsonObject scenario() {
+    const QJsonObject change{
+        {QStringLiteral("merge"),
+         QJsonObject{{QStringLiteral("agreed"), true}, {QStringLiteral("estimatedCents"), 1234}}}};
+    return {{QStringLiteral("endpoints"),
+             QJsonObject{{QStringLiteral("/api/host/me"), change},
+                         {QStringLiteral("/api/host/heartbeat"), change}}}};
+}
+
+/// A tick that a busy machine is late for is not made up, and a request that the service is late
+/// for runs out of time, so nothing else is to go first.
+void putFirst(qint64 process) {
+    const sched_param priority{.sched_priority = 1};
+    const QDir threads(QStringLiteral("/proc/%1/task").arg(process));
+    bool isFirst = true;
+    for (const QString& thread : threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        isFirst = ::sched_setscheduler(thread.toInt(), SCHED_RR, &priority) == 0 && isFirst;
+    }
+    if (!isFirst) {
+        say(QStringLiteral("no program can be put before others: a busy machine misses ticks"));
+    }
+}
+
+/// When the first request arrived, which leaves as the timers start.
+qint64 startOf(const PlacementProcess& service) {
+    constexpr int kTries = 200;
+    for (int tries = 0; tries < kTries; ++tries) {
+        const RequestTimes times = timesOf(service.requests());
+        if (const auto display = times.value(QStringLiteral("GET /api/display"));
+            !display.empty()) {
+            return display.front();
+        }
+        sleepUntil(realTime() + kSecond / 10);
+    }
+    throw Failure("the program asks for nothing");
+}
+
+} // namespace
+
+void soakADay(const DaySettings& settings, Report& report) {
+    keepTokenInKeyring();
+    const PlacementProcess service;
+    service.setScenario(scenario());
+    SimulatorProcess program({{QStringLiteral("infoDictionary"),
+                               QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}},
+                              {QStringLiteral("secretStore"), QStringLiteral("system")},
+                              {QStringLiteral("speed"), settings.speed}});
+    putFirst(service.pid());
+    putFirst(program.pid());
+    const Stretch stretch{startOf(service), qRound64(settings.hours * kHour / settings.speed),
+                          settings.speed};
+    if (!program.state().value(QStringLiteral("hasToken")).toBool()) {
+        throw Failure("the program does not find the token");
+    }
+
+    const qint64 warmUp = std::min(kHour / settings.speed, stretch.length / 4);
+    const qint64 interval = std::min(30 * kSecond, (stretch.length - warmUp) / 4);
+    UseWatch use(program.pid());
+    for (qint64 passed = warmUp; passed <= stretch.length; passed += interval) {
+        sleepUntil(stretch.start + passed);
+        use.sample();
+        say(QStringLiteral("%1 of %2 s: %3")
+                .arg(passed / kSecond)
+                .arg(stretch.length / kSecond)
+                .arg(use.words()));
+    }
+    // Late enough for what is under way.
+    sleepUntil(stretch.start + stretch.length + kSecond);
+    use.sample();
+
+    report.begin(
+        QStringLiteral("%1 hours, %2 times as fast").arg(settings.hours).arg(settings.speed));
+    judgeRequests(report, timesOf(service.requests()), stretch, settings.isShort);
+    use.judge(report, settings.isShort);
+    judgeWords(report, program, QStringLiteral("Ads on. This week ~€12.34 estimate."));
+}
+
+} // namespace brimlet

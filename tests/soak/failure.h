@@ -1,0 +1,13 @@
+#pragma once
+
+#include <stdexcept>
+
+namespace brimlet {
+
+/// The run cannot go on; `what()` says why.
+class Failure final : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+} // namespace brimlet

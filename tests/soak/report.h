@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+
+namespace brimlet {
+
+/// A Markdown table on standard output, a line for each figure, printed as they come.
+class Report final {
+public:
+    void begin(const QString& title);
+
+    /// A figure that nothing is expected of.
+    void tell(const QString& what, qint64 seen);
+    void expect(const QString& what, const QString& due, const QString& seen);
+    void expect(const QString& what, qint64 due, qint64 seen);
+    void expectWithin(const QString& what, qint64 least, qint64 most, qint64 seen);
+    void expectAtLeast(const QString& what, qint64 least, qint64 seen);
+    void expectAtMost(const QString& what, qint64 most, qint64 seen);
+
+    /// Whether all figures so far were as expected.
+    [[nodiscard]] bool isAllWell() const { return m_isAllWell; }
+
+private:
+    void judge(const QString& what, const QString& due, const QString& seen, bool isWell);
+
+    bool m_isAllWell = true;
+};
+
+} // namespace brimlet
