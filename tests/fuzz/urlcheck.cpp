@@ -74,17 +74,30 @@ bool isLocalHost(const QByteArray& host) {
     return host == "127.0.0.1" || host == "localhost" || host == "::1";
 }
 
-/// What the opener is given cannot be taken for an option, and without encryption leads nowhere but
-/// to this machine.
+/// Hosts that Qt writes in another way although it means the same: numbers in place of the four of
+/// an IPv4 address, IPv6 addresses, encoded letters.
+bool isWrittenAnew(const QByteArray& host) {
+    return host.contains(':') || host.contains('%') ||
+           std::all_of(host.begin(), host.end(), [](char c) {
+               return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || c == '.' || c == 'x';
+           });
+}
+
+/// What the opener is given cannot be taken for an option, and leads where it was judged to lead:
+/// without encryption nowhere but to this machine.
 bool isOpenedAsRead(const Url& url) {
     const QString& text = url.absoluteString();
-    if (text.startsWith(QLatin1StringView("https:"))) {
-        return true;
-    }
     const QUrl opened(text, QUrl::StrictMode);
+    const QByteArray host = opened.host(QUrl::FullyEncoded).toLatin1();
+    if (text.startsWith(QLatin1StringView("https:"))) {
+        const bool isFetchable = curlAddress(url) != nullptr;
+        return !isFetchable || !opened.isValid() ||
+               (opened.scheme() == QLatin1StringView("https") &&
+                (plainHost(host) == plainHost(url) || isWrittenAnew(plainHost(url))));
+    }
     return text.startsWith(QLatin1StringView("http://")) && isLoopback(url) &&
-           (!opened.isValid() || (opened.scheme() == QLatin1StringView("http") &&
-                                  isLocalHost(opened.host(QUrl::FullyEncoded).toLatin1())));
+           (!opened.isValid() ||
+            (opened.scheme() == QLatin1StringView("http") && isLocalHost(host)));
 }
 
 QByteArray checkAddress(const Url& url) {
