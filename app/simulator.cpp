@@ -23,6 +23,7 @@
 #include <QApplication>
 
 #include <cstdio>
+#include <memory>
 
 namespace {
 
@@ -90,8 +91,7 @@ int main(int argc, char* argv[]) {
     const auto secrets = secretStoreOf(file.machine());
     QtClock realClock;
     SimulatedClock clock(realClock, file.machine().speed);
-    CurlHttpClient realHttp;
-    SimulatedHttpClient http(realHttp, file.machine().speed);
+    SimulatedHttpClient http(std::make_unique<CurlHttpClient>(), file.machine().speed);
     TrayStatusItem statusItem;
 
     NotchWindow notch;

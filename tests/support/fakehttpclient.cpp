@@ -54,7 +54,7 @@ QCoro::Task<HttpResult> FakeHttpClient::send(HttpRequest request) {
 }
 
 void FakeHttpClient::answer(const QString& path, HttpResult result, std::chrono::milliseconds lag) {
-    m_behaviours[path] = {std::move(result), lag, false};
+    m_behaviours.insert(path, {std::move(result), lag, false});
 }
 
 void FakeHttpClient::answer(const QString& path, int status, const QByteArray& body) {
@@ -62,7 +62,7 @@ void FakeHttpClient::answer(const QString& path, int status, const QByteArray& b
 }
 
 void FakeHttpClient::hang(const QString& path) {
-    m_behaviours[path] = {HttpError::TimedOut, {}, true};
+    m_behaviours.insert(path, {HttpError::TimedOut, {}, true});
 }
 
 void FakeHttpClient::resolve(std::size_t index, HttpResult result) {

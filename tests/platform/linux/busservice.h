@@ -14,14 +14,17 @@ public:
     BusService(const QString& name, const QString& path, QObject& object)
         : m_name(name)
         , m_path(path)
+        , m_object(object)
         , m_connection(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)) {
         const auto everything = QDBusConnection::ExportAllContents;
         m_isThere = m_connection.registerObject(path, &object, everything) &&
                     m_connection.registerService(name);
     }
     ~BusService() {
-        // Qt's bus thread would still look at the object while it closes the connection.
+        // Qt's bus thread would still look at the object while it closes the connection, and, as
+        // the connection listens to the object, when it deletes it some time later.
         m_connection.unregisterObject(m_path);
+        QObject::disconnect(&m_object, nullptr, nullptr, nullptr);
         m_connection.unregisterService(m_name);
         QDBusConnection::disconnectFromBus(m_name);
     }
@@ -34,6 +37,7 @@ public:
 private:
     QString m_name;
     QString m_path;
+    QObject& m_object;
     QDBusConnection m_connection;
     bool m_isThere = false;
 };

@@ -4,6 +4,9 @@
 
 #include <QTest>
 
+#include <memory>
+#include <vector>
+
 using namespace brimlet;
 using namespace std::chrono_literals;
 
@@ -25,14 +28,35 @@ private Q_SLOTS:
         QFETCH(std::chrono::milliseconds, asked);
         QFETCH(std::chrono::milliseconds, given);
         FakeClock clock;
-        FakeHttpClient real(clock);
-        SimulatedHttpClient client(real, speed);
+        auto real = std::make_unique<FakeHttpClient>(clock);
+        const FakeHttpClient& service = *real;
+        SimulatedHttpClient client(std::move(real), speed);
         HttpRequest request{Url::fromString(u"http://127.0.0.1/").value()};
         request.timeout = asked;
         startTask([](HttpClient& http, HttpRequest one) -> QCoro::Task<> {
             (void)co_await http.send(std::move(one));
         }(client, request));
-        QCOMPARE(real.requests().at(0).timeout, given);
+        QCOMPARE(service.requests().at(0).timeout, given);
+    }
+
+    void withItGoWhatIsUnderWayAndWhatFollows() {
+        FakeClock clock;
+        auto client =
+            std::make_unique<SimulatedHttpClient>(std::make_unique<FakeHttpClient>(clock), 1.0);
+        std::vector<HttpResult> results;
+        startTask([](HttpClient& http, std::vector<HttpResult>& all) -> QCoro::Task<> {
+            const HttpRequest request{Url::fromString(u"http://127.0.0.1/").value()};
+            for (int i = 0; i < 2; ++i) {
+                HttpResult result = co_await http.send(request);
+                all.push_back(std::move(result));
+            }
+        }(*client, results));
+        QVERIFY(results.empty());
+        client.reset();
+        QCOMPARE(results.size(), 2U);
+        for (const HttpResult& result : results) {
+            QCOMPARE(std::get<HttpError>(result), HttpError::Cancelled);
+        }
     }
 };
 
