@@ -3,8 +3,8 @@
 #include "tests/support/faultserverprocess.h"
 #include "tests/support/hostfixture.h"
 #include "tests/support/memoryuse.h"
+#include "tests/support/pngbytes.h"
 
-#include <QBuffer>
 #include <QDir>
 #include <QRandomGenerator>
 #include <QTest>
@@ -23,15 +23,6 @@ const QByteArray kBody = R"({"weekStatus":"live","agreed":true,"estimatedCents":
     "agreementText":"Be kind.","creatives":[
     {"slotId":"left","brandName":"Quiet Bicycle","copy":"Home before the bell"},
     {"slotId":"right","brandName":"Palindrome Tea","copy":"Never odd or even"}]})";
-
-QByteArray picture() {
-    QImage image(64, 64, QImage::Format_RGB32);
-    image.fill(Qt::darkGreen);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    image.save(&buffer, "PNG");
-    return bytes;
-}
 
 qsizetype descriptorCount() {
     return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size();
@@ -90,9 +81,9 @@ private Q_SLOTS:
         const auto script = [&](double share) {
             return QJsonObject{
                 {QStringLiteral("answers"),
-                 QJsonObject{
-                     {QStringLiteral("/picture"), QJsonArray{faults::reply(200, picture())}},
-                     {QString(), QJsonArray{faults::reply(200, kBody)}}}},
+                 QJsonObject{{QStringLiteral("/picture"),
+                              QJsonArray{faults::reply(200, pngOf(QColor(Qt::darkGreen)))}},
+                             {QString(), QJsonArray{faults::reply(200, kBody)}}}},
                 {QStringLiteral("random"),
                  QJsonObject{{QStringLiteral("seed"), seed}, {QStringLiteral("share"), share}}}};
         };

@@ -1,12 +1,11 @@
 #include "tests/robustness/watchedprogram.h"
 
 #include "tests/support/memoryuse.h"
+#include "tests/support/pngbytes.h"
 #include "tests/support/sessionfolders.h"
 
-#include <QBuffer>
 #include <QDir>
 #include <QFile>
-#include <QImage>
 #include <QJsonDocument>
 #include <QRegularExpression>
 #include <QTest>
@@ -40,15 +39,6 @@ const QRegularExpression& statusTexts() {
         "Sign the host agreement\\. Pay is an estimate, not a guarantee\\.|"
         "Ads (on|off)\\. This week ~€-?[0-9]+\\.[0-9][0-9] estimate\\.")));
     return texts;
-}
-
-QByteArray pictureBytes() {
-    QImage image(32, 32, QImage::Format_RGB32);
-    image.fill(Qt::darkGreen);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    image.save(&buffer, "PNG");
-    return bytes;
 }
 
 QJsonObject machineAt(const QString& root) {
@@ -116,7 +106,8 @@ void WatchedProgram::behave() {
 }
 
 QJsonObject WatchedProgram::everywhere(const QJsonArray& steps) {
-    const QJsonArray picture{faults::reply(200, pictureBytes(), "Content-Type: image/png\r\n")};
+    const QJsonArray picture{
+        faults::reply(200, pngOf(QColor(Qt::darkGreen)), "Content-Type: image/png\r\n")};
     QJsonObject answers{{QStringLiteral("/left"), picture}, {QStringLiteral("/right"), picture}};
     for (const QString& endpoint : kEndpoints) {
         answers[endpoint] = steps;

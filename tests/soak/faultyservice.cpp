@@ -4,11 +4,10 @@
 #include "tests/soak/programuse.h"
 #include "tests/soak/progress.h"
 #include "tests/support/faultserverprocess.h"
+#include "tests/support/pngbytes.h"
 #include "tests/support/sessionfolders.h"
 
-#include <QBuffer>
 #include <QFile>
-#include <QImage>
 #include <QJsonDocument>
 
 #include <algorithm>
@@ -28,15 +27,6 @@ constexpr double kShareOfFaults = 0.5;
 const QByteArray kToken = "canary-Zk3wq9Xb";
 const QString kNowhere = QStringLiteral("nowhere");
 const QByteArray kBadge = "Authorization: Bearer " + kToken + "\r\n";
-
-QByteArray picture() {
-    QImage image(32, 32, QImage::Format_RGB32);
-    image.fill(Qt::darkGreen);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    image.save(&buffer, "PNG");
-    return bytes;
-}
 
 /// Texts that fit, since ones that scroll keep a hurried program busy.
 QByteArray placement(const QString& root) {
@@ -103,7 +93,8 @@ private:
     void answer(bool isFaulty) {
         m_isFaulty = isFaulty;
         const QJsonArray api{faults::reply(200, placement(m_service.root()))};
-        const QJsonArray image{faults::reply(200, picture(), "Content-Type: image/png\r\n")};
+        const QJsonArray image{
+            faults::reply(200, pngOf(QColor(Qt::darkGreen)), "Content-Type: image/png\r\n")};
         QJsonObject answers{{QStringLiteral("/left"), image},
                             {QStringLiteral("/right"), image},
                             // What a fault made of a picture's address.
