@@ -107,9 +107,8 @@ int main(int argc, char* argv[]) {
                    {statusItem, clock, menuWindowFactory(QtScreens::primaryGeometry, environment)});
     obeyRequests(instance, app);
 
-    // No window stands above a real notch.
     QObject::connect(app.store().get(), &HostStore::overlayNeedsRender, &notch,
-                     [&notch] { notch.raise(); });
+                     &NotchWindow::bringForward);
 
     std::unique_ptr<SimulatorConsole> console;
     if (commandLine.isConsoleWanted) {

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <memory>
 #include <string_view>
-#include <vector>
 
 namespace brimlet::x11 {
 namespace {
@@ -30,12 +29,7 @@ xcb_atom_t atomNamed(xcb_connection_t* x, std::string_view name) {
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
-// The selections of screen 0, the only one that desktops use today.
-
-xcb_atom_t compositorSelection(xcb_connection_t* x) {
-    static const xcb_atom_t atom = atomNamed(x, "_NET_WM_CM_S0");
-    return atom;
-}
+// The selection of screen 0, the only one that desktops use today.
 
 xcb_atom_t traySelection(xcb_connection_t* x) {
     static const xcb_atom_t atom = atomNamed(x, "_NET_SYSTEM_TRAY_S0");
@@ -58,32 +52,21 @@ bool canConnect() {
     return isConnected;
 }
 
-void setInputShape(WId window, const QRegion& region, qreal devicePixelRatio) {
+void setInputShape(WId window, const std::vector<QRect>& rectangles) {
     xcb_connection_t* const x = connection();
     if (x == nullptr) {
         return;
     }
-    std::vector<xcb_rectangle_t> rectangles;
-    for (const QRect& part : region) {
-        const auto scaled = [&](int value) { return qRound(value * devicePixelRatio); };
-        const int left = scaled(part.x());
-        const int top = scaled(part.y());
-        rectangles.push_back({static_cast<std::int16_t>(left), static_cast<std::int16_t>(top),
-                              static_cast<std::uint16_t>(scaled(part.x() + part.width()) - left),
-                              static_cast<std::uint16_t>(scaled(part.y() + part.height()) - top)});
+    std::vector<xcb_rectangle_t> shape;
+    for (const QRect& each : rectangles) {
+        shape.push_back({static_cast<std::int16_t>(each.x()), static_cast<std::int16_t>(each.y()),
+                         static_cast<std::uint16_t>(each.width()),
+                         static_cast<std::uint16_t>(each.height())});
     }
     xcb_shape_rectangles(x, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
                          static_cast<xcb_window_t>(window), 0, 0,
-                         static_cast<std::uint32_t>(rectangles.size()), rectangles.data());
+                         static_cast<std::uint32_t>(shape.size()), shape.data());
     xcb_flush(x);
-}
-
-bool hasCompositor() {
-    xcb_connection_t* const x = connection();
-    if (x == nullptr) {
-        return true;
-    }
-    return hasOwner(x, compositorSelection(x));
 }
 
 void activate(WId window) {

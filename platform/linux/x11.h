@@ -1,22 +1,21 @@
 #pragma once
 
-#include <QRegion>
+#include <QRect>
 #include <QtGui/qwindowdefs.h>
+
+#include <vector>
 
 namespace brimlet::x11 {
 
 // What Qt does not offer of the X server. On another platform, such as the offscreen one, these do
-// nothing and report a compositor and no tray.
+// nothing and report no tray.
 
 /// Whether the X server that DISPLAY names takes connections. Needs no application object.
 [[nodiscard]] bool canConnect();
 
-/// Clicks on the window count only inside the region (logical pixels); elsewhere, and everywhere
-/// with an empty region, they reach what is underneath.
-void setInputShape(WId window, const QRegion& region, qreal devicePixelRatio);
-
-/// Whether somebody blends transparent windows with what is behind them.
-[[nodiscard]] bool hasCompositor();
+/// Clicks on the window count only inside the rectangles (pixels of the screen); elsewhere, and
+/// everywhere without any, they reach what is underneath.
+void setInputShape(WId window, const std::vector<QRect>& rectangles);
 
 /// Gives the window the keyboard, as a wish of the user's that window managers follow even when the
 /// user was last busy with another program.

@@ -3,6 +3,7 @@
 #include "platform/linux/desktopgeometry.h"
 #include "platform/linux/menuplacement.h"
 #include "platform/linux/x11.h"
+#include "platform/linux/x11watch.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -33,7 +34,7 @@ void X11MenuWindow::present(const std::optional<Rect>& item) {
         // The keyboard begins above the first control, so that no key presses one by accident.
         m_content->setFocus();
     }
-    m_isRound = x11::hasCompositor();
+    m_isRound = X11Watch::shared().hasCompositor();
     show();
     raise();
     activateWindow();

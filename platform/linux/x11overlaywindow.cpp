@@ -2,8 +2,23 @@
 
 #include "platform/linux/desktopgeometry.h"
 #include "platform/linux/x11.h"
+#include "platform/linux/x11watch.h"
 
 namespace brimlet {
+namespace {
+
+std::vector<QRect> onScreen(const QRegion& region, qreal devicePixelRatio) {
+    std::vector<QRect> rectangles;
+    for (const QRect& part : region) {
+        const auto scaled = [&](int value) { return qRound(value * devicePixelRatio); };
+        const QPoint topLeft(scaled(part.x()), scaled(part.y()));
+        const QPoint end(scaled(part.x() + part.width()), scaled(part.y() + part.height()));
+        rectangles.emplace_back(topLeft, QSize(end.x() - topLeft.x(), end.y() - topLeft.y()));
+    }
+    return rectangles;
+}
+
+} // namespace
 
 X11OverlayWindow::X11OverlayWindow(std::unique_ptr<QWidget> content,
                                    std::function<QRectF()> primaryGeometry)
@@ -25,6 +40,16 @@ void X11OverlayWindow::orderFrontRegardless() {
     create();
     applyInputShape();
     applyMask();
+    bringForward();
+}
+
+/// Nothing to do while it is shown and nobody else's window was touched since it came forward.
+void X11OverlayWindow::bringForward() {
+    const std::uint64_t arrangement = X11Watch::shared().arrangement();
+    if (isVisible() && arrangement == m_arrangement) {
+        return;
+    }
+    m_arrangement = arrangement;
     show();
     raise();
 }
@@ -52,17 +77,22 @@ void X11OverlayWindow::setShapes(const QRegion& clickable, const QRegion& painte
 }
 
 void X11OverlayWindow::applyInputShape() {
-    if (const WId window = internalWinId()) {
-        x11::setInputShape(window, m_ignoresMouseEvents ? QRegion() : m_clickable,
-                           devicePixelRatioF());
+    const WId window = internalWinId();
+    std::vector<QRect> shape =
+        onScreen(m_ignoresMouseEvents ? QRegion() : m_clickable, devicePixelRatioF());
+    if (window == 0 || (window == m_shapedWindow && shape == m_inputShape)) {
+        return;
     }
+    x11::setInputShape(window, shape);
+    m_shapedWindow = window;
+    m_inputShape = std::move(shape);
 }
 
 void X11OverlayWindow::applyMask() {
     // An empty mask would mean no mask, so "nothing painted" is a dot outside the window.
     constexpr QRect kOutside(-2, -2, 1, 1);
     const QRegion shown = m_painted.isEmpty() ? QRegion(kOutside) : m_painted;
-    const QRegion wanted = x11::hasCompositor() ? QRegion() : shown;
+    const QRegion wanted = X11Watch::shared().hasCompositor() ? QRegion() : shown;
     if (wanted == mask()) {
         return;
     }

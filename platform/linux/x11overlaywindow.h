@@ -5,7 +5,10 @@
 #include <QRegion>
 #include <QWidget>
 
+#include <cstdint>
 #include <functional>
+#include <memory>
+#include <vector>
 
 namespace brimlet {
 
@@ -34,12 +37,17 @@ protected:
 private:
     void applyInputShape();
     void applyMask();
+    void bringForward();
 
     QWidget* m_content;
     std::function<QRectF()> m_primaryGeometry;
     QRegion m_clickable;
     QRegion m_painted;
     bool m_ignoresMouseEvents = true;
+    // What the X server was told last, so that it hears nothing while nothing changes.
+    WId m_shapedWindow = 0;
+    std::vector<QRect> m_inputShape; ///< Pixels of the screen.
+    std::uint64_t m_arrangement = 0; ///< Of the windows, when this one was raised.
 };
 
 } // namespace brimlet

@@ -1,11 +1,13 @@
 #include "platform/simulated/notchwindow.h"
 
 #include "platform/linux/desktopgeometry.h"
+#include "platform/linux/x11watch.h"
 
 #include <QPainter>
 #include <QPainterPath>
 
 #include <algorithm>
+#include <utility>
 
 namespace brimlet {
 
@@ -25,6 +27,12 @@ void NotchWindow::place(const std::optional<Rect>& notch, const QRectF& primary)
     }
     setGeometry(toQt(*notch, primary).toRect());
     show();
+}
+
+void NotchWindow::bringForward() {
+    if (std::exchange(m_arrangement, X11Watch::shared().arrangement()) != m_arrangement) {
+        raise();
+    }
 }
 
 void NotchWindow::paintEvent(QPaintEvent* /*event*/) {

@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include <cstdint>
+
 namespace brimlet {
 
 /// The notch itself, painted where the described machine has one, so that a picture of the desktop
@@ -17,9 +19,14 @@ public:
     /// Where the notch is, in global points; absent hides the window. `primary` is the primary
     /// display in Qt's space.
     void place(const std::optional<Rect>& notch, const QRectF& primary);
+    /// No window stands above a real notch.
+    void bringForward();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    std::uint64_t m_arrangement = 0; ///< Of the windows, when this one was raised.
 };
 
 /// The gap between the strips of the built-in screen, down to their lower edge.

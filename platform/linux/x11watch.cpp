@@ -1,0 +1,120 @@
+#include "platform/linux/x11watch.h"
+
+#include <QGuiApplication>
+
+#include <xcb/xcb.h>
+#include <xcb/xfixes.h>
+
+#include <cstdlib>
+#include <string_view>
+
+namespace brimlet {
+namespace {
+
+struct Free {
+    void operator()(void* reply) const { std::free(reply); } // NOLINT(*-no-malloc)
+};
+template <typename Reply>
+using Owned = std::unique_ptr<Reply, Free>;
+
+/// The program's own connection; null where its windows are not the X server's.
+xcb_connection_t* connectionOfTheProgram() {
+    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 == nullptr ? nullptr : x11->connection();
+}
+
+} // namespace
+
+void X11Watch::Disconnect::operator()(xcb_connection_t* connection) const {
+    xcb_disconnect(connection);
+}
+
+X11Watch& X11Watch::shared() {
+    static X11Watch watch;
+    return watch;
+}
+
+X11Watch::X11Watch() {
+    xcb_connection_t* const program = connectionOfTheProgram();
+    if (program == nullptr) {
+        return;
+    }
+    m_connection.reset(xcb_connect(nullptr, nullptr));
+    xcb_connection_t* const x = m_connection.get();
+    if (xcb_connection_has_error(x) != 0) {
+        m_connection.reset();
+        return;
+    }
+    const xcb_setup_t* const setup = xcb_get_setup(program);
+    m_ownWindowsMask = ~setup->resource_id_mask;
+    m_ownWindows = setup->resource_id_base;
+
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
+    const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(x, root, XCB_CW_EVENT_MASK, &events);
+
+    // Of screen 0, the only one that desktops use today.
+    constexpr std::string_view kSelection("_NET_WM_CM_S0");
+    const auto nameCookie = xcb_intern_atom(x, 0, kSelection.size(), kSelection.data());
+    const auto versionCookie =
+        xcb_xfixes_query_version(x, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
+    const xcb_query_extension_reply_t* const fixes = xcb_get_extension_data(x, &xcb_xfixes_id);
+    const Owned<xcb_intern_atom_reply_t> name(xcb_intern_atom_reply(x, nameCookie, nullptr));
+    const Owned<xcb_xfixes_query_version_reply_t> version(
+        xcb_xfixes_query_version_reply(x, versionCookie, nullptr));
+    if (!name || !version || fixes == nullptr) {
+        m_connection.reset();
+        return;
+    }
+    const xcb_atom_t compositor = name->atom;
+    m_firstFixesEvent = fixes->first_event;
+    xcb_xfixes_select_selection_input(x, root, compositor,
+                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    // Asked after having been told to listen, so that no change falls between.
+    const Owned<xcb_get_selection_owner_reply_t> owner(
+        xcb_get_selection_owner_reply(x, xcb_get_selection_owner(x, compositor), nullptr));
+    m_hasCompositor = owner && owner->owner != XCB_WINDOW_NONE;
+}
+
+std::uint64_t X11Watch::arrangement() {
+    look();
+    return m_arrangement;
+}
+
+bool X11Watch::hasCompositor() {
+    look();
+    return m_hasCompositor;
+}
+
+void X11Watch::look() {
+    if (!m_connection) {
+        ++m_arrangement;
+        return;
+    }
+    const auto isOwn = [this](xcb_window_t window) {
+        return (window & m_ownWindowsMask) == m_ownWindows;
+    };
+    constexpr std::uint8_t kSentByClient = 0x80;
+    while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(m_connection.get())}) {
+        const int type = event->response_type & ~kSentByClient;
+        // NOLINTBEGIN(*-reinterpret-cast): X's way
+        if (type == XCB_MAP_NOTIFY || type == XCB_CONFIGURE_NOTIFY || type == XCB_REPARENT_NOTIFY ||
+            type == XCB_CIRCULATE_NOTIFY) {
+            // All four name the window at the same place.
+            const auto* const change = reinterpret_cast<xcb_map_notify_event_t*>(event.get());
+            if (!isOwn(change->window)) {
+                ++m_arrangement;
+            }
+        } else if (type == m_firstFixesEvent + XCB_XFIXES_SELECTION_NOTIFY) {
+            // The only selection that was asked for.
+            const auto* const owned =
+                reinterpret_cast<xcb_xfixes_selection_notify_event_t*>(event.get());
+            m_hasCompositor = owned->owner != XCB_WINDOW_NONE;
+        }
+        // NOLINTEND(*-reinterpret-cast)
+    }
+}
+
+} // namespace brimlet

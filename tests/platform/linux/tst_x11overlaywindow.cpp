@@ -1,0 +1,237 @@
+#include "platform/linux/x11overlaywindow.h"
+#include "platform/linux/x11watch.h"
+#include "tests/support/xserver.h"
+
+#include <QGuiApplication>
+#include <QTest>
+#include <QWindow>
+
+#include <algorithm>
+#include <cstdlib>
+#include <span>
+
+using namespace brimlet;
+
+namespace {
+
+constexpr int kPatience = 15'000;
+constexpr QRect kPanel(542, 0, 428, 40);
+
+struct FreeReply {
+    void operator()(void* reply) const { std::free(reply); }
+};
+
+/// Another program on the screen.
+class Stranger final {
+public:
+    Stranger()
+        : m_x(xcb_connect(nullptr, nullptr))
+        , m_root(xcb_setup_roots_iterator(xcb_get_setup(m_x)).data->root) {}
+    ~Stranger() { xcb_disconnect(m_x); }
+    Stranger(const Stranger&) = delete;
+    Stranger& operator=(const Stranger&) = delete;
+
+    /// Shows an unmanaged window there, above all others.
+    xcb_window_t show(const QRect& area) {
+        const xcb_window_t window = xcb_generate_id(m_x);
+        const std::uint32_t unmanaged = 1;
+        xcb_create_window(
+            m_x, XCB_COPY_FROM_PARENT, window, m_root, static_cast<std::int16_t>(area.x()),
+            static_cast<std::int16_t>(area.y()), static_cast<std::uint16_t>(area.width()),
+            static_cast<std::uint16_t>(area.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+            XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT, &unmanaged);
+        xcb_map_window(m_x, window);
+        raise(window);
+        return window;
+    }
+    void raise(xcb_window_t window) {
+        const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+        xcb_configure_window(m_x, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+        settle();
+    }
+    /// Whether the first of the two stands above the second.
+    [[nodiscard]] bool isAbove(xcb_window_t first, xcb_window_t second) {
+        const std::unique_ptr<xcb_query_tree_reply_t, FreeReply> tree(
+            xcb_query_tree_reply(m_x, xcb_query_tree(m_x, m_root), nullptr));
+        const std::span fromBelow(xcb_query_tree_children(tree.get()), tree->children_len);
+        return std::find(fromBelow.begin(), fromBelow.end(), first) >
+               std::find(fromBelow.begin(), fromBelow.end(), second);
+    }
+    /// Owns the compositor's selection, or no longer.
+    void actAsCompositor(bool isOne) {
+        const QByteArray name("_NET_WM_CM_S0");
+        const std::unique_ptr<xcb_intern_atom_reply_t, FreeReply> atom(xcb_intern_atom_reply(
+            m_x, xcb_intern_atom(m_x, 0, static_cast<std::uint16_t>(name.size()), name.constData()),
+            nullptr));
+        if (m_owner == XCB_WINDOW_NONE) {
+            m_owner = xcb_generate_id(m_x);
+            xcb_create_window(m_x, XCB_COPY_FROM_PARENT, m_owner, m_root, 0, 0, 1, 1, 0,
+                              XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+        }
+        xcb_set_selection_owner(m_x, isOne ? m_owner : xcb_window_t{XCB_WINDOW_NONE}, atom->atom,
+                                XCB_CURRENT_TIME);
+        settle();
+    }
+
+private:
+    /// Returns when the X server has done all it was asked for.
+    void settle() {
+        const std::unique_ptr<xcb_get_input_focus_reply_t, FreeReply> reply(
+            xcb_get_input_focus_reply(m_x, xcb_get_input_focus(m_x), nullptr));
+    }
+
+    xcb_connection_t* m_x;
+    xcb_window_t m_root;
+    xcb_window_t m_owner = XCB_WINDOW_NONE;
+};
+
+xcb_connection_t* connectionOfTheProgram() {
+    return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+}
+
+/// How many requests the program sends meanwhile: the X protocol numbers them.
+template <typename Action>
+unsigned requestsOf(const Action& action) {
+    xcb_connection_t* const x = connectionOfTheProgram();
+    const unsigned before = xcb_no_operation(x).sequence;
+    action();
+    return xcb_no_operation(x).sequence - before - 1;
+}
+
+} // namespace
+
+/// What the overlay's window tells the X server, and what it learns without asking.
+class TestX11OverlayWindow final : public QObject {
+    Q_OBJECT
+
+    XServer m_x;
+    Stranger m_stranger;
+
+    /// As the panel does with each reply.
+    static void render(X11OverlayWindow& window) {
+        window.setFrame({kPanel.x() + 0.0, 982.0 - kPanel.height(), kPanel.width() + 0.0,
+                         kPanel.height() + 0.0});
+        window.orderFrontRegardless();
+        window.setIgnoresMouseEvents(false);
+    }
+    static std::unique_ptr<X11OverlayWindow> makeWindow() {
+        auto window = std::make_unique<X11OverlayWindow>(std::make_unique<QWidget>(),
+                                                         [] { return QRectF(0, 0, 1512, 982); });
+        window->setShapes(QRect(8, 4, 108, 24), QRect(8, 4, 108, 24));
+        return window;
+    }
+    /// Shown, with all that follows from it behind it.
+    [[nodiscard]] bool isAtRest(X11OverlayWindow& window) const {
+        render(window);
+        const auto rests = [&] {
+            return requestsOf([&] {
+                       QCoreApplication::processEvents();
+                       render(window);
+                   }) == 0;
+        };
+        return QTest::qWaitForWindowExposed(&window) && m_x.isMapped(idOf(window)) &&
+               QTest::qWaitFor(rests, kPatience);
+    }
+    /// With one of the next renders, as soon as the X server has told of the others.
+    [[nodiscard]] bool comesAbove(X11OverlayWindow& window, xcb_window_t stranger) {
+        const auto isAbove = [&] {
+            render(window);
+            xcb_flush(connectionOfTheProgram()); // as the loop does before it waits
+            return m_stranger.isAbove(idOf(window), stranger);
+        };
+        return QTest::qWaitFor(isAbove, kPatience);
+    }
+    static xcb_window_t idOf(const QWidget& window) {
+        return static_cast<xcb_window_t>(window.internalWinId());
+    }
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session"); }
+
+    void anUnchangedRenderTellsTheXServerNothing() {
+        const auto window = makeWindow();
+        QVERIFY(isAtRest(*window));
+        QCOMPARE(requestsOf([&] {
+                     for (int i = 0; i < 10; ++i) {
+                         render(*window);
+                     }
+                 }),
+                 0U);
+    }
+
+    void aChangedShapeIsTold() {
+        const auto window = makeWindow();
+        QVERIFY(isAtRest(*window));
+        window->setShapes(QRect(312, 4, 108, 24), QRect(312, 4, 108, 24));
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.inputShape(idOf(*window)),
+                                  std::vector<QRect>{QRect(312, 4, 108, 24)}, kPatience);
+        window->setIgnoresMouseEvents(true);
+        QTRY_VERIFY_WITH_TIMEOUT(m_x.inputShape(idOf(*window)).empty(), kPatience);
+    }
+
+    void aNewNativeWindowIsShapedAgain() {
+        const auto window = makeWindow();
+        QVERIFY(isAtRest(*window));
+        const WId before = window->winId();
+        window->windowHandle()->destroy();
+        window->windowHandle()->create();
+        render(*window);
+        QVERIFY(window->winId() != before);
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.inputShape(idOf(*window)),
+                                  std::vector<QRect>{QRect(8, 4, 108, 24)}, kPatience);
+    }
+
+    void aStrangersWindowIsOvertakenWithTheNextRender() {
+        const auto window = makeWindow();
+        QVERIFY(isAtRest(*window));
+        const xcb_window_t film = m_stranger.show({0, 0, 1512, 982});
+        QVERIFY(m_stranger.isAbove(film, idOf(*window)));
+        QVERIFY(comesAbove(*window, film));
+        QVERIFY(isAtRest(*window));
+
+        m_stranger.raise(film);
+        QVERIFY(m_stranger.isAbove(film, idOf(*window)));
+        QVERIFY(comesAbove(*window, film));
+    }
+
+    void aWindowThatCameWhileItWasHiddenIsOvertaken() {
+        const auto window = makeWindow();
+        QVERIFY(isAtRest(*window));
+        window->orderOut();
+        const xcb_window_t film = m_stranger.show({0, 0, 1512, 982});
+        QVERIFY(m_stranger.isAbove(film, idOf(*window)));
+        QVERIFY(comesAbove(*window, film));
+    }
+
+    void windowsOfThisProgramDoNotCount() {
+        const auto window = makeWindow();
+        QVERIFY(isAtRest(*window));
+        const std::uint64_t before = X11Watch::shared().arrangement();
+        QWidget tip(nullptr, Qt::ToolTip | Qt::BypassWindowManagerHint);
+        tip.setGeometry(0, 100, 100, 20);
+        tip.show();
+        window->raise();
+        tip.raise();
+        xcb_flush(connectionOfTheProgram());
+        QTRY_VERIFY_WITH_TIMEOUT(m_stranger.isAbove(idOf(tip), idOf(*window)), kPatience);
+        QCOMPARE(X11Watch::shared().arrangement(), before);
+    }
+
+    void aCompositorIsNoticedComingAndGoing() {
+        X11Watch& watch = X11Watch::shared();
+        m_stranger.actAsCompositor(false);
+        QTRY_VERIFY_WITH_TIMEOUT(!watch.hasCompositor(), kPatience);
+        const auto window = makeWindow();
+        QVERIFY(isAtRest(*window));
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.boundingShape(idOf(*window)),
+                                  std::vector<QRect>{QRect(8, 4, 108, 24)}, kPatience);
+        m_stranger.actAsCompositor(true);
+        QTRY_VERIFY_WITH_TIMEOUT(watch.hasCompositor(), kPatience);
+        render(*window);
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.boundingShape(idOf(*window)),
+                                  std::vector<QRect>{QRect(QPoint(), kPanel.size())}, kPatience);
+    }
+};
+
+QTEST_MAIN(TestX11OverlayWindow)
+#include "tst_x11overlaywindow.moc"
