@@ -1,21 +1,23 @@
 #pragma once
 
 #include "platform/clock.h"
-#include "platform/deferred.h"
 
 #include <QTimer>
 
+#include <cstdint>
 #include <map>
 #include <utility>
 
 namespace brimlet {
 
-/// The system's clocks, with timers on the Qt event loop. All sleeps share one timer, so that those
-/// that end together wake the program once.
+/// The system's clocks, with timers on the Qt event loop. All timers and sleeps share one timer of
+/// Qt's, so that those that are due together wake the program once, and any number of them costs
+/// little.
 class QtClock final : public Clock {
 public:
     QtClock();
-    /// Sleeps under way never end of themselves then; they may still be stopped.
+    /// Timers tick no more then, and sleeps under way never end of themselves; they may still be
+    /// stopped.
     ~QtClock() override { *m_isAlive = false; }
     QtClock(const QtClock&) = delete;
     QtClock& operator=(const QtClock&) = delete;
@@ -30,12 +32,20 @@ public:
                                       std::stop_token stop) override;
 
 private:
-    void wakeThoseDue();
+    friend class QtRepeatingTimer;
+
+    /// The uptime at which something is due, and a number of its own.
+    using Key = std::pair<std::chrono::nanoseconds, std::uint64_t>;
+
+    [[nodiscard]] Key enter(std::chrono::nanoseconds due, std::function<void()> action);
+    void remove(const Key& key);
+    void actOnThoseDue();
     void startTimer();
 
-    /// By the uptime at which they end, and a number of their own.
-    std::map<std::pair<std::chrono::nanoseconds, int>, Deferred<bool>> m_sleepers;
-    int m_nextNumber = 0;
+    std::map<Key, std::function<void()>> m_due;
+    std::uint64_t m_nextNumber = 0;
+    bool m_isActing = false; ///< The timer is set once, when all that was due has been done.
+    std::chrono::nanoseconds m_timerEnd{}; ///< When the timer that runs will end.
     QTimer m_timer;
     std::shared_ptr<bool> m_isAlive = std::make_shared<bool>(true);
 };

@@ -5,6 +5,8 @@
 
 #include <QTest>
 
+#include <vector>
+
 using namespace brimlet;
 using namespace std::chrono_literals;
 
@@ -209,6 +211,43 @@ private Q_SLOTS:
         QCOMPARE(ticks, 20);
         QCOMPARE(clock.now() - start, std::chrono::nanoseconds(1min));
         QCOMPARE(clock.uptime() - uptime, std::chrono::nanoseconds(1min));
+    }
+
+    void aLateTimerDoesNotMakeUpForWhatItMissed() {
+        std::vector<std::chrono::nanoseconds> ticks;
+        const auto timer = m_real.repeat(5ms, [&] {
+            ticks.push_back(m_real.uptime());
+            while (ticks.size() == 1 && m_real.uptime() < ticks.front() + 22ms) {
+            }
+        });
+        QVERIFY(passForReal([&] { return ticks.size() >= 3; }));
+        QVERIFY(ticks[1] - ticks[0] >= 22ms);
+        QVERIFY(ticks[2] - ticks[1] >= 5ms);
+    }
+
+    void aTimerOfAClockThatIsGoneIsSilent() {
+        int ticks = 0;
+        auto clock = std::make_unique<QtClock>();
+        auto timer = clock->repeat(1ms, [&] { ++ticks; });
+        clock.reset();
+        int others = 0;
+        const auto other = m_real.repeat(5ms, [&] { ++others; });
+        QVERIFY(passForReal([&] { return others >= 2; }));
+        timer.reset();
+        QCOMPARE(ticks, 0);
+    }
+
+    void aTickMayEndItsClock() {
+        auto clock = std::make_unique<QtClock>();
+        int ticks = 0;
+        const auto tick = [&] {
+            ++ticks;
+            clock.reset();
+        };
+        const auto first = clock->repeat(1ms, tick);
+        const auto second = clock->repeat(1ms, tick);
+        QVERIFY(passForReal([&] { return ticks == 1; }));
+        QVERIFY(!clock);
     }
 
     void theRealWallClockIsTheSystems() {
