@@ -90,6 +90,12 @@ private Q_SLOTS:
     void garbageIsNotJson();
     void theScenariosPlacementIsSent();
     void aNewScenarioKeepsWhatHostsDid();
+    void anUnchangedReplyNeedsNoBody_data();
+    void anUnchangedReplyNeedsNoBody();
+    void aChangedReplyComesWhole();
+    void aTagOfTheScenariosIsUsed();
+    void onlyGoodAnswersHaveATag_data();
+    void onlyGoodAnswersHaveATag();
 };
 
 void RepliesTest::theDisplayReplyHasItsThreeKeys() {
@@ -412,6 +418,98 @@ void RepliesTest::aNewScenarioKeepsWhatHostsDid() {
     const json reply = object(made.answer(asHost("GET", "/api/host/me"), monday));
     QVERIFY(reply["agreed"] == true);
     QVERIFY(reply["liveHostCount"] == 7);
+}
+
+void RepliesTest::anUnchangedReplyNeedsNoBody_data() {
+    QTest::addColumn<QByteArray>("question"); // TAG stands for the tag
+    QTest::addColumn<int>("status");
+    QTest::newRow("no question") << QByteArray() << 200;
+    QTest::newRow("the tag") << QByteArray("TAG") << 304;
+    QTest::newRow("the tag, weakly") << QByteArray("W/TAG") << 304;
+    QTest::newRow("among others") << QByteArray("\"a\",  W/\"b\" ,TAG") << 304;
+    QTest::newRow("anything") << QByteArray("*") << 304;
+    QTest::newRow("another") << QByteArray("\"0123456789abcdef\"") << 200;
+    QTest::newRow("others") << QByteArray("\"a\",\"b\",") << 200;
+    QTest::newRow("no tag") << QByteArray("TAG2") << 200;
+    QTest::newRow("blanks") << QByteArray(" , ,") << 200;
+}
+
+void RepliesTest::anUnchangedReplyNeedsNoBody() {
+    QFETCH(QByteArray, question);
+    QFETCH(int, status);
+    for (const char* const method : {"GET", "HEAD"}) {
+        for (const char* const path : {"/api/display", "/api/host/me"}) {
+            Incoming request = asHost(method, path);
+            const Answer whole = answered("{}", request);
+            const QByteArray tag = header(whole, "ETag");
+            QVERIFY(tag.size() > 10 && tag.startsWith('"') && tag.endsWith('"'));
+            QCOMPARE(header(whole, "Cache-Control"), "private, no-cache");
+
+            request.ifNoneMatch = QByteArray(question).replace("TAG", tag).toStdString();
+            const Answer answer = answered("{}", request);
+            QCOMPARE(answer.reply.status, status);
+            QCOMPARE(header(answer, "ETag"), tag);
+            QCOMPARE(answer.reply.body, status == 304 ? std::string() : whole.reply.body);
+            QCOMPARE(header(answer, "Content-Length"),
+                     status == 304 ? QByteArray::number(qulonglong(whole.reply.body.size()))
+                                   : QByteArray());
+        }
+    }
+}
+
+void RepliesTest::aChangedReplyComesWhole() {
+    Incoming request = get("/api/display");
+    request.ifNoneMatch = header(answered("{}", request), "ETag").toStdString();
+    const Answer answer = answered(R"({"forceHide": true})", request);
+    QCOMPARE(answer.reply.status, 200);
+    QVERIFY(object(answer)["forceHide"] == true);
+    QVERIFY(header(answer, "ETag").toStdString() != request.ifNoneMatch);
+}
+
+void RepliesTest::aTagOfTheScenariosIsUsed() {
+    const char* const scenario =
+        R"({"endpoints": {"/api/display": {"headers": {"etag": "\"week 12\""}}}})";
+    Incoming request = get("/api/display");
+    const Answer whole = answered(scenario, request);
+    QCOMPARE(header(whole, "etag"), "\"week 12\"");
+    QCOMPARE(header(whole, "ETag"), QByteArray());
+    request.ifNoneMatch = "\"week 12\"";
+    QCOMPARE(answered(scenario, request).reply.status, 304);
+}
+
+void RepliesTest::onlyGoodAnswersHaveATag_data() {
+    QTest::addColumn<QByteArray>("scenario");
+    QTest::addColumn<QByteArray>("method");
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<bool>("isHost");
+    const auto rule = [](const QByteArray& keys) {
+        return R"({"endpoints": {"/api/host/me": {)" + keys + "}}}";
+    };
+    const QByteArray me("/api/host/me");
+    QTest::newRow("heartbeat") << QByteArray("{}") << QByteArray("POST")
+                               << QByteArray("/api/host/heartbeat") << true;
+    QTest::newRow("unknown host") << QByteArray("{}") << QByteArray("GET") << me << false;
+    QTest::newRow("failing") << rule(R"("status": 503)") << QByteArray("GET") << me << true;
+    QTest::newRow("cut") << rule(R"("fault": "cut")") << QByteArray("GET") << me << true;
+    QTest::newRow("garbage") << rule(R"("fault": "garbage")") << QByteArray("GET") << me << true;
+    QTest::newRow("picture") << QByteArray("{}") << QByteArray("GET")
+                             << QByteArray("/assets/quiet-bicycle.png") << true;
+}
+
+void RepliesTest::onlyGoodAnswersHaveATag() {
+    QFETCH(QByteArray, scenario);
+    QFETCH(QByteArray, method);
+    QFETCH(QByteArray, path);
+    QFETCH(bool, isHost);
+    Incoming request = asHost(method.toStdString(), path.toStdString(), goodBeat);
+    if (!isHost) {
+        request.authorization.reset();
+    }
+    request.ifNoneMatch = "*";
+    const Answer answer = answered(scenario.toStdString(), request);
+    QVERIFY(answer.reply.status != 304);
+    QVERIFY(!answer.reply.body.empty());
+    QCOMPARE(header(answer, "ETag"), QByteArray());
 }
 
 QTEST_APPLESS_MAIN(RepliesTest)

@@ -44,6 +44,7 @@ private Q_SLOTS:
     void everyEndpointAnswers();
     void picturesAreRealPictures();
     void aConnectionIsKeptAcrossManyPolls();
+    void anUnchangedPollIsShort();
     void requestsSentTogetherAreAnsweredInOrder();
     void onlyLoopbackIsListenedOn();
     void bodiesUpToTheLimitAreRead_data();
@@ -136,6 +137,24 @@ void ServiceTest::aConnectionIsKeptAcrossManyPolls() {
     // Held back by forty milliseconds each, as small packets are by default, it would take twenty.
     QVERIFY2(timer.elapsed() < 15'000, QByteArray::number(timer.elapsed()).constData());
     QVERIFY(client.isOpen());
+}
+
+void ServiceTest::anUnchangedPollIsShort() {
+    ServiceProcess service;
+    RawClient client(service.port());
+    const RawReply whole = client.ask("GET", "/api/display");
+    QCOMPARE(whole.status, 200);
+    const QByteArray request = RawClient::request("GET", "/api/display");
+    const QByteArray question = "If-None-Match: " + whole.header("ETag") + "\r\n\r\n";
+    for (int i = 0; i < 3; ++i) {
+        client.send(request.chopped(2) + question);
+        const RawReply same = client.receive(false);
+        QCOMPARE(same.status, 304);
+        QCOMPARE(same.header("Content-Length"), QByteArray::number(whole.body.size()));
+        QVERIFY2(same.head.size() <= 250, same.head.constData());
+        QVERIFY(same.body.isEmpty());
+    }
+    QCOMPARE(client.ask("GET", "/api/display").body, whole.body);
 }
 
 void ServiceTest::requestsSentTogetherAreAnsweredInOrder() {

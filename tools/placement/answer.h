@@ -17,6 +17,8 @@ struct Incoming {
     /// The Authorization header's value as sent; absent when there was none.
     std::optional<std::string> authorization;
     std::string body;
+    /// The If-None-Match header's value; empty when there was none.
+    std::string ifNoneMatch = {};
 };
 
 struct Reply {

@@ -55,6 +55,7 @@ Incoming incomingOf(const httplib::Request& request) {
         incoming.authorization = request.get_header_value("Authorization");
     }
     incoming.body = request.body;
+    incoming.ifNoneMatch = request.get_header_value("If-None-Match");
     return incoming;
 }
 
@@ -183,6 +184,9 @@ void HttpServer::send(const Answer& answer, httplib::Response& response) {
     }
     if (currentConnection->endsAfterReply()) {
         response.set_header("Connection", "close");
+    }
+    if (reply.status == 304) {
+        return;
     }
     if (answer.fault != Fault::Cut) {
         response.set_content(reply.body, reply.contentType);

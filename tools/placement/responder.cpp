@@ -5,6 +5,7 @@
 #include "tools/placement/brands.h"
 #include "tools/placement/jsonreader.h"
 #include "tools/placement/paths.h"
+#include "tools/placement/revalidation.h"
 
 #include <algorithm>
 
@@ -85,6 +86,7 @@ Answer Responder::answer(const Incoming& request, Instant now) {
     if (rule != m_scenario.endpoints.end()) {
         applyRule(rule->second, answer);
     }
+    revalidate(request, answer);
     return answer;
 }
 
@@ -119,7 +121,8 @@ Reply Responder::plainReply(const Incoming& request, Instant now) {
     } else {
         reply = hostReply(request, now);
     }
-    reply.headers.emplace_back("Cache-Control", "no-store");
+    // To be asked about each time, and by nobody on behalf of another.
+    reply.headers.emplace_back("Cache-Control", "private, no-cache");
     return reply;
 }
 
