@@ -1,7 +1,7 @@
 #include "platform/linux/desktopgeometry.h"
 #include "platform/linux/qtscreens.h"
-#include "platform/linux/x11.h"
 #include "platform/linux/x11menuwindow.h"
+#include "platform/linux/x11watch.h"
 #include "tests/support/pointer.h"
 #include "tests/support/xserver.h"
 
@@ -247,7 +247,7 @@ private Q_SLOTS:
         present(itemAt(QRect(700, 0, 24, 24)));
         QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(542, 30, 340, 400), kPatience);
         QTRY_COMPARE_WITH_TIMEOUT(pixel(place().center()), kGround, kPatience);
-        const QRgb corner = x11::hasCompositor() ? kBehind : kGround;
+        const QRgb corner = X11Watch::shared().hasCompositor() ? kBehind : kGround;
         const QRect shown = place();
         for (const QPoint& at :
              {shown.topLeft(), shown.topRight(), shown.bottomLeft(), shown.bottomRight()}) {
