@@ -79,7 +79,10 @@ QRect NotchPill::lineBox() const {
 }
 
 QRegion NotchPill::capsule() const {
-    return QRegion(capsulePath(QRectF(rect())).toFillPolygon().toPolygon()).translated(pos());
+    if (m_capsule.boundingRect().size() != size()) {
+        m_capsule = QRegion(capsulePath(QRectF(rect())).toFillPolygon().toPolygon());
+    }
+    return m_capsule.translated(pos());
 }
 
 QString NotchPill::spokenText() const {

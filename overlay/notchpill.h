@@ -54,7 +54,9 @@ private:
     bool m_isClickable = false;
     CreativeMark m_mark;
     CarRadioLine m_line;
-    QImage m_ground; ///< The capsule, drawn once for each size.
+    // The capsule's shape at the pill's own origin, and its picture: made once for each size.
+    mutable QRegion m_capsule;
+    QImage m_ground;
 };
 
 } // namespace brimlet
