@@ -109,6 +109,13 @@ void addCredential(QSet<QString>& claims, const QString& request, const QJsonVal
     claims << request + QStringLiteral(" with the credential ") + credential;
 }
 
+/// Whether it has the form of the marks that the placement service gives its replies.
+bool isMark(const QString& text) {
+    static const QRegularExpression form(
+        QRegularExpression::anchoredPattern(QStringLiteral("\"[0-9a-f]{16}\"")));
+    return form.match(text).hasMatch();
+}
+
 /// Everything that the requests show, in the document's words.
 QSet<QString> claimsOf(const SeenTraffic& seen) {
     QSet<QString> claims;
@@ -135,6 +142,8 @@ QSet<QString> claimsOf(const SeenTraffic& seen) {
                 word = QStringLiteral("HOST");
             } else if (header.key() == u"content-length" && word == length) {
                 word = QStringLiteral("LENGTH");
+            } else if (header.key() == u"if-none-match" && isMark(word)) {
+                word = QStringLiteral("MARK");
             }
             claims << request + QStringLiteral(" with ") + header.key() + QStringLiteral(": ") +
                           word;

@@ -251,11 +251,11 @@ private Q_SLOTS:
         service.setScenario(scenarioOf("/assets/quiet-bicycle.png", fault));
         SimulatorProcess program(machineAt(service, 60));
         // Twenty polls later it has been asked for once, and nothing of it is kept. Where a kept
-        // connection ends without a byte, HTTP has the request sent once more.
+        // connection ends without a byte, HTTP has the request sent once more; four may be kept.
         QTRY_VERIFY_WITH_TIMEOUT(service.requestLines().count(kDisplay) >= 20, kPatience);
         const auto requests = service.requestLines().count(kPicture);
         QVERIFY(requests == 1 ||
-                (requests == 2 &&
+                (requests >= 2 && requests <= 5 &&
                  fault.value(QStringLiteral("fault")).toString() == QStringLiteral("close")));
         QVERIFY(!hasPicture(program));
         QCOMPARE(files().size(), 1); // the other brand's

@@ -71,7 +71,8 @@ private Q_SLOTS:
         FullScreenWindow film;
         film.showFullScreen();
         QVERIFY(QTest::qWaitForWindowActive(&film));
-        const xcb_window_t focus = m_x.focus();
+        const auto focus = static_cast<xcb_window_t>(film.winId());
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.focus(), focus, kPatience); // a moment after Qt's own word
 
         const PlacementProcess service;
         SimulatorProcess program(
