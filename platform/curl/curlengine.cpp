@@ -8,14 +8,20 @@
 namespace brimlet {
 namespace {
 
-/// Connections kept open between requests.
+/// Connections kept open between requests, for each tenant.
 constexpr long kIdleConnections = 4;
+
+/// 0 where no reply came.
+int statusOf(const HttpResult& result) {
+    const auto* const reply = std::get_if<HttpReply>(&result);
+    return reply == nullptr ? 0 : reply->status;
+}
 
 } // namespace
 
 CurlEngine::CurlEngine(QByteArray moreAuthorities)
-    : m_moreAuthorities(std::move(moreAuthorities))
-    , m_multi(curl_multi_init()) {
+    : m_multi(curl_multi_init()) {
+    m_commons.moreAuthorities = std::move(moreAuthorities);
     m_timer.setSingleShot(true);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
 
@@ -25,22 +31,28 @@ CurlEngine::CurlEngine(QByteArray moreAuthorities)
     curl_multi_setopt(multi, CURLMOPT_TIMERFUNCTION, &CurlEngine::onTimerWanted);
     curl_multi_setopt(multi, CURLMOPT_TIMERDATA, static_cast<void*>(this));
     curl_multi_setopt(multi, CURLMOPT_PIPELINING, long{CURLPIPE_NOTHING});
-    curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, kIdleConnections);
 }
 
-CurlEngine::~CurlEngine() {
-    close();
+std::shared_ptr<CurlTenant> CurlEngine::join() {
+    ++m_tenants;
+    allowConnections();
+    return std::make_shared<CurlTenant>(m_nextScope++);
 }
 
-Deferred<HttpResult> CurlEngine::start(HttpRequest request) {
-    auto exchange = std::make_unique<CurlExchange>(std::move(request));
+void CurlEngine::allowConnections() {
+    const long most = kIdleConnections * std::max(m_tenants, 1L); // 0 would mean libcurl's own rule
+    curl_multi_setopt(m_multi.get(), CURLMOPT_MAXCONNECTS, most);
+}
+
+Deferred<HttpResult> CurlEngine::start(HttpRequest request, std::shared_ptr<CurlTenant> tenant) {
+    auto exchange = std::make_unique<CurlExchange>(std::move(request), std::move(tenant));
     Deferred<HttpResult> outcome = exchange->outcome;
-    if (m_isClosed) {
+    if (exchange->tenant->isGone) {
         outcome.resolve(HttpError::Cancelled);
     } else if (!isSendable(exchange->request) || !curlAddress(exchange->request.url)) {
         outcome.resolve(HttpError::BadRequest);
     } else {
-        exchange->memo = m_replies.recall(exchange->request);
+        exchange->memo = exchange->tenant->replies.recall(exchange->request);
         startHop(std::move(exchange));
     }
     return outcome;
@@ -53,30 +65,42 @@ void CurlEngine::startHop(std::unique_ptr<CurlExchange> exchange) {
         return;
     }
     const HttpRequest request = exchange->hopRequest();
-    auto hop = std::make_unique<CurlHop>(request, curlAddress(request.url), left, m_moreAuthorities,
-                                         m_connected, m_held);
+    auto hop = std::make_unique<CurlHop>(request, curlAddress(request.url), left, m_commons,
+                                         exchange->tenant);
     if (!hop->isReady() || curl_multi_add_handle(m_multi.get(), hop->handle()) != CURLM_OK) {
         finish(*exchange, HttpError::Unreachable);
         return;
     }
     hop->exchange = std::move(exchange);
-    m_hops.push_back(std::move(hop));
+    CurlHop& started = *hop;
+    started.place = m_hops.insert(m_hops.end(), std::move(hop));
 }
 
-void CurlEngine::close() {
-    m_isClosed = true;
-    const Hops hops = std::exchange(m_hops, {});
-    for (const auto& hop : hops) {
-        curl_multi_remove_handle(m_multi.get(), hop->handle());
-        if (hop->exchange) {
-            m_outcomes.push_back({hop->exchange->outcome, HttpError::Cancelled});
-        }
+void CurlEngine::leave(CurlTenant& tenant) {
+    tenant.isGone = true;
+    Outcomes cancelled;
+    for (Outcome& outcome : std::exchange(m_outcomes, {})) {
+        const bool isOwn = outcome.tenant.get() == &tenant;
+        (isOwn ? cancelled : m_outcomes).push_back(std::move(outcome));
     }
-    m_timer.stop();
-    for (Outcome& outcome : m_outcomes) {
+    for (auto next = m_hops.begin(); next != m_hops.end();) {
+        CurlHop& hop = **next++;
+        if (hop.tenant() != &tenant) {
+            continue;
+        }
+        if (hop.exchange) {
+            cancelled.push_back(
+                {hop.exchange->outcome, hop.exchange->tenant, HttpError::Cancelled});
+        }
+        std::erase(m_commons.news, &hop);
+        drop(hop);
+    }
+    --m_tenants;
+    allowConnections();
+    for (Outcome& outcome : cancelled) {
         outcome.result = HttpError::Cancelled;
     }
-    deliver();
+    deliver(cancelled);
 }
 
 void CurlEngine::act(curl_socket_t socket, int events) {
@@ -95,12 +119,15 @@ void CurlEngine::collect() {
         CurlHead head;
     };
     std::vector<Settled> settled;
-    for (const auto& hop : m_hops) {
+    for (CurlHop* const hop : std::exchange(m_commons.news, {})) {
+        hop->setSeen();
         if (hop->exchange && hop->isSettled()) {
             settled.push_back({std::move(hop->exchange), hop->takeResult(), hop->head()});
         }
+        if (!hop->exchange && hop->isSpent()) {
+            drop(*hop);
+        }
     }
-    dropSpent();
     for (Settled& one : settled) {
         settle(std::move(one.exchange), std::move(one.result), one.head);
     }
@@ -118,22 +145,21 @@ void CurlEngine::endHops() {
     }
 }
 
-void CurlEngine::dropSpent() {
-    std::erase_if(m_hops, [this](const auto& hop) {
-        const bool isOver = !hop->exchange && hop->isSpent();
-        if (isOver) {
-            curl_multi_remove_handle(m_multi.get(), hop->handle());
-        }
-        return isOver;
-    });
+void CurlEngine::drop(const CurlHop& hop) {
+    curl_multi_remove_handle(m_multi.get(), hop.handle());
+    m_hops.erase(hop.place);
 }
 
 void CurlEngine::settle(std::unique_ptr<CurlExchange> exchange, HttpResult result,
                         const CurlHead& head) {
-    result = m_replies.settled(exchange->memo, std::move(result), head.validators());
+    CurlTenant& tenant = *exchange->tenant;
+    if (exchange->memo.kept && statusOf(result) == 304) {
+        ++m_commons.traffic.notModified;
+    }
+    result = tenant.replies.settled(exchange->memo, std::move(result), head.validators());
     const auto* const reply = std::get_if<HttpReply>(&result);
-    if (reply != nullptr && !m_isClosed && exchange->redirect(reply->status, head.location()) &&
-        !m_isClosed) {
+    if (reply != nullptr && !tenant.isGone && exchange->redirect(reply->status, head.location()) &&
+        !tenant.isGone) {
         startHop(std::move(exchange));
     } else {
         finish(*exchange, std::move(result));
@@ -141,19 +167,22 @@ void CurlEngine::settle(std::unique_ptr<CurlExchange> exchange, HttpResult resul
 }
 
 void CurlEngine::finish(const CurlExchange& exchange, HttpResult result) {
-    m_outcomes.push_back({exchange.outcome, m_isClosed ? HttpError::Cancelled : std::move(result)});
+    if (exchange.tenant->isGone) {
+        result = HttpError::Cancelled;
+    }
+    m_outcomes.push_back({exchange.outcome, exchange.tenant, std::move(result)});
     if (m_outcomes.size() == 1) {
         QMetaObject::invokeMethod(
-            QCoreApplication::instance(), [self = shared_from_this()] { self->deliver(); },
-            Qt::QueuedConnection);
+            QCoreApplication::instance(),
+            [self = shared_from_this()] { deliver(self->m_outcomes); }, Qt::QueuedConnection);
     }
 }
 
-void CurlEngine::deliver() {
+void CurlEngine::deliver(Outcomes& outcomes) {
     // Whoever is resumed may send, drop the client, or both; each outcome is taken out beforehand.
-    while (!m_outcomes.empty()) {
-        Outcome outcome = std::move(m_outcomes.front());
-        m_outcomes.pop_front();
+    while (!outcomes.empty()) {
+        Outcome outcome = std::move(outcomes.front());
+        outcomes.pop_front();
         outcome.deferred.resolve(std::move(outcome.result));
     }
 }

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "platform/curl/validatorcache.h"
+#include "platform/curl/curltenant.h"
 #include "platform/deferred.h"
 #include "platform/httpclient.h"
 
 #include <QDeadlineTimer>
 
 #include <algorithm>
+#include <memory>
 
 namespace brimlet {
 
@@ -15,8 +16,9 @@ namespace brimlet {
 
 /// A request on its way from hop to hop.
 struct CurlExchange final {
-    explicit CurlExchange(HttpRequest asked)
+    CurlExchange(HttpRequest asked, std::shared_ptr<CurlTenant> asking)
         : request(std::move(asked))
+        , tenant(std::move(asking))
         , origin(request.url)
         , deadline(std::min<std::chrono::milliseconds>(request.timeout, std::chrono::hours(24))) {}
 
@@ -27,6 +29,7 @@ struct CurlExchange final {
     [[nodiscard]] HttpRequest hopRequest() const;
 
     HttpRequest request;
+    std::shared_ptr<CurlTenant> tenant; ///< Who asks.
     /// Of the first address; elsewhere nothing is asked about, and nothing kept.
     ValidatorCache::Memo memo;
     Url origin;

@@ -12,9 +12,9 @@ namespace {
 /// Bytes of a body nobody asked for that are read to keep the connection.
 constexpr qint64 kDrainLimit = qint64{16} * 1024;
 
-/// Bytes of all bodies under way together: servers that send large ones and never end them would
-/// fill the memory. Small ones go on even so, since a poll is not to suffer for somebody's
-/// pictures.
+/// Bytes of all bodies of a client that are under way together: servers that send large ones and
+/// never end them would fill the memory. Small ones go on even so, since a poll is not to suffer
+/// for somebody's pictures.
 constexpr qsizetype kHeldLimit = qsizetype{16} * 1024 * 1024;
 constexpr qsizetype kSmallBody = qsizetype{256} * 1024;
 
@@ -83,6 +83,7 @@ void CurlHop::setCallbacks() {
 
 void CurlHop::end(CURLcode code) {
     m_end = code;
+    tellNews();
 }
 
 bool CurlHop::isSettled() const {
@@ -105,7 +106,7 @@ HttpResult CurlHop::takeResult() {
     if (m_status == 0) {
         return HttpError::Broken; // closed before the head was complete
     }
-    m_held -= m_body.size();
+    m_tenant->held -= m_body.size();
     return HttpReply{m_status, std::exchange(m_body, {})};
 }
 
@@ -155,10 +156,10 @@ bool CurlHop::addBody(QByteArrayView bytes) {
     if (bytes.size() > m_bodyLimit - m_body.size()) {
         return fail(HttpError::TooLarge);
     }
-    if (bytes.size() > kHeldLimit - m_held && m_body.size() + bytes.size() > kSmallBody) {
+    if (bytes.size() > kHeldLimit - m_tenant->held && m_body.size() + bytes.size() > kSmallBody) {
         return fail(HttpError::TooLarge); // all those under way together hold too much
     }
-    m_held += bytes.size();
+    m_tenant->held += bytes.size();
     m_body += bytes;
     return true;
 }
@@ -177,20 +178,42 @@ void CurlHop::countRaw(qsizetype bytes) {
     }
 }
 
+void CurlHop::countTraffic(curl_infotype kind, qint64 bytes) {
+    if (kind == CURLINFO_HEADER_IN || kind == CURLINFO_DATA_IN) {
+        m_commons.traffic.bytesReceived += bytes;
+    } else if (kind == CURLINFO_HEADER_OUT || kind == CURLINFO_DATA_OUT) {
+        m_commons.traffic.bytesSent += bytes;
+    }
+}
+
+void CurlHop::tellNews() {
+    if (!m_isNews && ((exchange && isSettled()) || isSpent())) {
+        m_isNews = true;
+        m_commons.news.push_back(this);
+    }
+}
+
 std::size_t CurlHop::onHeader(char* data, std::size_t /*one*/, std::size_t size, void* self) {
-    return static_cast<CurlHop*>(self)->addHeadLine(viewOf(data, size)) ? size : 0;
+    auto* const hop = static_cast<CurlHop*>(self);
+    const bool isTaken = hop->addHeadLine(viewOf(data, size));
+    hop->tellNews();
+    return isTaken ? size : 0;
 }
 
 std::size_t CurlHop::onBody(char* data, std::size_t /*one*/, std::size_t size, void* self) {
+    auto* const hop = static_cast<CurlHop*>(self);
     // Taking less than was offered ends the transfer.
-    const bool isTaken = static_cast<CurlHop*>(self)->addBody(viewOf(data, size));
+    const bool isTaken = hop->addBody(viewOf(data, size));
+    hop->tellNews();
     return isTaken ? size : CURL_WRITEFUNC_ERROR;
 }
 
 int CurlHop::onDebug(CURL* /*easy*/, curl_infotype kind, char* data, std::size_t size, void* self) {
     auto* const hop = static_cast<CurlHop*>(self);
+    hop->countTraffic(kind, static_cast<qint64>(size));
     if (kind == CURLINFO_DATA_IN) {
         hop->countRaw(static_cast<qsizetype>(size));
+        hop->tellNews();
     } else if (kind == CURLINFO_HEADER_OUT) {
         // Only a proxy is asked for a whole address instead of a path.
         const QByteArrayView head = viewOf(data, size);
@@ -201,18 +224,20 @@ int CurlHop::onDebug(CURL* /*easy*/, curl_infotype kind, char* data, std::size_t
 }
 
 int CurlHop::onSocket(void* self, curl_socket_t socket, curlsocktype /*purpose*/) {
-    const bool isTaken = static_cast<CurlHop*>(self)->m_sockets.add(socket);
+    const bool isTaken = static_cast<CurlHop*>(self)->m_commons.sockets.add(socket);
     return isTaken ? CURL_SOCKOPT_OK : CURL_SOCKOPT_ERROR;
 }
 
 int CurlHop::onConnected(void* self, char* thereAddress, char* hereAddress, int therePort,
                          int herePort) {
-    const auto* const hop = static_cast<CurlHop*>(self);
+    auto* const hop = static_cast<CurlHop*>(self);
     long newConnections = 0;
     curl_easy_getinfo(hop->m_easy.get(), CURLINFO_NUM_CONNECTS, &newConnections);
     if (newConnections == 0) {
-        hop->m_sockets.shutUnlessQuiet({hereAddress, herePort}, {thereAddress, therePort},
-                                       hasUnreadRecord(hop->m_easy.get()));
+        hop->m_commons.sockets.shutUnlessQuiet({hereAddress, herePort}, {thereAddress, therePort},
+                                               hasUnreadRecord(hop->m_easy.get()));
+    } else {
+        ++hop->m_commons.traffic.connections;
     }
     return CURL_PREREQFUNC_OK;
 }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "platform/curl/curladdress.h"
+#include "platform/curl/curlcommons.h"
 #include "platform/curl/curlhead.h"
-#include "platform/curl/curlsockets.h"
+#include "platform/curl/curltenant.h"
 #include "platform/httpclient.h"
 
+#include <list>
 #include <memory>
 
 namespace brimlet {
@@ -15,11 +17,12 @@ struct CurlExchange;
 /// Stays where it is: libcurl knows it by its address.
 class CurlHop final {
 public:
-    /// `timeout` is what is left of the request's. `held` counts the bytes of all bodies that are
-    /// not yet handed over. It and the sockets outlive the hop.
+    using Place = std::list<std::unique_ptr<CurlHop>>::iterator;
+
+    /// `timeout` is what is left of the request's.
     CurlHop(const HttpRequest& request, CurlUrl address, std::chrono::milliseconds timeout,
-            const QByteArray& moreAuthorities, CurlSockets& sockets, qsizetype& held);
-    ~CurlHop() { m_held -= m_body.size(); }
+            CurlCommons& commons, std::shared_ptr<CurlTenant> tenant);
+    ~CurlHop() { m_tenant->held -= m_body.size(); }
     CurlHop(const CurlHop&) = delete;
     CurlHop& operator=(const CurlHop&) = delete;
 
@@ -38,7 +41,12 @@ public:
     /// Call once, when settled.
     [[nodiscard]] HttpResult takeResult();
     [[nodiscard]] const CurlHead& head() const { return m_head; }
+    [[nodiscard]] const CurlTenant* tenant() const { return m_tenant.get(); }
+    /// It was looked at, and is named among the news again when there is more to do.
+    void setSeen() { m_isNews = false; }
 
+    /// Where its owner has it.
+    Place place;
     /// What the hop is for; gone once its outcome was taken.
     std::unique_ptr<CurlExchange> exchange;
 
@@ -47,7 +55,7 @@ private:
     void set(CURLoption option, T value) {
         m_isReady = m_isReady && curl_easy_setopt(m_easy.get(), option, value) == CURLE_OK;
     }
-    void setRules(std::chrono::milliseconds timeout, const QByteArray& moreAuthorities);
+    void setRules(std::chrono::milliseconds timeout);
     void setRequest(const HttpRequest& request);
     void setCallbacks();
     void addLine(const QByteArray& line);
@@ -56,7 +64,9 @@ private:
     [[nodiscard]] bool endHead();
     [[nodiscard]] bool addBody(QByteArrayView bytes);
     void countRaw(qsizetype bytes);
+    void countTraffic(curl_infotype kind, qint64 bytes);
     [[nodiscard]] bool fail(HttpError error);
+    void tellNews();
 
     static std::size_t onHeader(char* data, std::size_t one, std::size_t size, void* self);
     static std::size_t onBody(char* data, std::size_t one, std::size_t size, void* self);
@@ -65,7 +75,8 @@ private:
     static int onConnected(void* self, char* thereAddress, char* hereAddress, int therePort,
                            int herePort);
 
-    CurlSockets& m_sockets;
+    CurlCommons& m_commons;
+    std::shared_ptr<CurlTenant> m_tenant;
     CurlUrl m_address;
     CurlList m_lines;
     QByteArray m_upload;
@@ -74,13 +85,13 @@ private:
 
     CurlHead m_head;
     QByteArray m_body;
-    qsizetype& m_held;
     qint64 m_rawBytes = 0;
     int m_status = 0; ///< Of the final reply, 0 until its head is complete.
     bool m_isReady = true;
     bool m_isProxied = false;
     bool m_wantsBody = false;
     bool m_isSpent = false;
+    bool m_isNews = false;
     std::optional<HttpError> m_failure;
     std::optional<CURLcode> m_end;
 

@@ -31,26 +31,27 @@ bool hasHeader(const HttpRequest& request, const char* name) {
 // a header of the request before, even across a reset, and follows it when a header line begins
 // with a blank.
 CurlHop::CurlHop(const HttpRequest& request, CurlUrl address, std::chrono::milliseconds timeout,
-                 const QByteArray& moreAuthorities, CurlSockets& sockets, qsizetype& held)
-    : m_sockets(sockets)
+                 CurlCommons& commons, std::shared_ptr<CurlTenant> tenant)
+    : m_commons(commons)
+    , m_tenant(std::move(tenant))
     , m_address(std::move(address))
     , m_lastStatusWithBody(request.lastStatusWithBody)
     , m_bodyLimit(request.bodyLimit)
-    , m_held(held)
     , m_easy(curl_easy_init()) {
     m_isReady = m_easy != nullptr;
-    setRules(timeout, moreAuthorities);
+    setRules(timeout);
     setRequest(request);
     setCallbacks();
 }
 
-void CurlHop::setRules(std::chrono::milliseconds timeout, const QByteArray& moreAuthorities) {
+void CurlHop::setRules(std::chrono::milliseconds timeout) {
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
     set(CURLOPT_HTTP09_ALLOWED, 0L);
     set(CURLOPT_FOLLOWLOCATION, 0L);
     set(CURLOPT_TIMEOUT_MS, toLong(timeout));
     set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_ADDRESS_SCOPE, m_tenant->scope);
     set(CURLOPT_QUICK_EXIT, 1L); // never wait for a hanging name look-up
     set(CURLOPT_BUFFERSIZE, 16L * 1024);
     set(CURLOPT_UPLOAD_BUFFERSIZE, 16L * 1024);
@@ -64,7 +65,7 @@ void CurlHop::setRules(std::chrono::milliseconds timeout, const QByteArray& more
         set(CURLOPT_CAPATH, folder.constData());
         set(CURLOPT_CAINFO, static_cast<const char*>(nullptr));
     }
-    if (!moreAuthorities.isEmpty()) {
+    if (const QByteArray& moreAuthorities = m_commons.moreAuthorities; !moreAuthorities.isEmpty()) {
         const bool isFolder = QFileInfo(QFile::decodeName(moreAuthorities)).isDir();
         set(isFolder ? CURLOPT_CAPATH : CURLOPT_CAINFO, moreAuthorities.constData());
     }
@@ -89,8 +90,9 @@ void CurlHop::setRequest(const HttpRequest& request) {
     }
     if (request.method != "GET" && request.method != "HEAD") {
         // A kept connection may end just as the request goes out; libcurl would then send it again,
-        // although it may have been acted upon.
+        // although it may have been acted upon. Nor is its connection kept: polls have one.
         set(CURLOPT_FRESH_CONNECT, 1L);
+        set(CURLOPT_FORBID_REUSE, 1L);
     }
     if (request.method == "HEAD") {
         set(CURLOPT_NOBODY, 1L);

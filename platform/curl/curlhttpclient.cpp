@@ -4,16 +4,28 @@
 
 namespace brimlet {
 
+std::shared_ptr<CurlEngine> makeCurlEngine(const QByteArray& moreAuthorities) {
+    return std::make_shared<CurlEngine>(moreAuthorities);
+}
+
+const CurlTraffic& trafficOf(const CurlEngine& engine) {
+    return engine.traffic();
+}
+
 CurlHttpClient::CurlHttpClient(const QByteArray& moreAuthorities)
-    : m_engine(std::make_shared<CurlEngine>(moreAuthorities)) {}
+    : CurlHttpClient(makeCurlEngine(moreAuthorities)) {}
+
+CurlHttpClient::CurlHttpClient(std::shared_ptr<CurlEngine> engine)
+    : m_engine(std::move(engine))
+    , m_tenant(m_engine->join()) {}
 
 CurlHttpClient::~CurlHttpClient() {
-    m_engine->close();
+    m_engine->leave(*m_tenant);
 }
 
 QCoro::Task<HttpResult> CurlHttpClient::send(HttpRequest request) {
     // The client may be gone when the outcome is there: nothing of it is used after the wait.
-    const Deferred<HttpResult> outcome = m_engine->start(std::move(request));
+    const Deferred<HttpResult> outcome = m_engine->start(std::move(request), m_tenant);
     co_return co_await outcome;
 }
 

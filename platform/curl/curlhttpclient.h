@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/curl/curltraffic.h"
 #include "platform/httpclient.h"
 
 #include <QByteArray>
@@ -9,6 +10,14 @@
 namespace brimlet {
 
 class CurlEngine;
+struct CurlTenant;
+
+/// What does the work of clients, for those that are to share it, since one takes 45 KiB. For some
+/// tens of them: at the end of each request all kept connections of the engine are walked through.
+/// Lives in the thread it is made in. `moreAuthorities` as for a client.
+[[nodiscard]] std::shared_ptr<CurlEngine> makeCurlEngine(const QByteArray& moreAuthorities = {});
+/// What all clients of an engine have sent and received together.
+[[nodiscard]] const CurlTraffic& trafficOf(const CurlEngine& engine);
 
 /// The HTTP port on libcurl, driven by the event loop of the thread it is made in. Proxies come
 /// from the environment alone. A request that is under way when the client goes ends as Cancelled.
@@ -18,6 +27,9 @@ public:
     /// or a folder of them, each by its hash, to trust in their place; empty for neither.
     /// Certificates are verified in any case.
     explicit CurlHttpClient(const QByteArray& moreAuthorities = {});
+    /// A client among others of one engine. No connection, kept reply or limit is shared with them,
+    /// and one that goes ends its own requests alone.
+    explicit CurlHttpClient(std::shared_ptr<CurlEngine> engine);
     ~CurlHttpClient() override;
     CurlHttpClient(const CurlHttpClient&) = delete;
     CurlHttpClient& operator=(const CurlHttpClient&) = delete;
@@ -26,6 +38,7 @@ public:
 
 private:
     std::shared_ptr<CurlEngine> m_engine;
+    std::shared_ptr<CurlTenant> m_tenant;
 };
 
 } // namespace brimlet

@@ -5,6 +5,7 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -41,6 +42,13 @@ SocketEnd endOf(curl_socket_t socket, AskName ask) {
     return {QByteArray(text.data()), ntohs(port)};
 }
 
+bool isConnecting(curl_socket_t socket) {
+    sockaddr_storage name{};
+    socklen_t size = sizeof name;
+    return ::getpeername(socket, reinterpret_cast<sockaddr*>(&name), &size) != 0 &&
+           errno == ENOTCONN;
+}
+
 bool isQuiet(curl_socket_t socket) {
     char byte = 0;
     return ::recv(socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT) < 0 &&
@@ -50,21 +58,39 @@ bool isQuiet(curl_socket_t socket) {
 } // namespace
 
 bool CurlSockets::add(curl_socket_t socket) {
-    m_sockets.insert(socket);
+    if (const auto before = m_places.find(socket); before != m_places.end()) {
+        m_byEnd.erase(before->second);
+        m_places.erase(before);
+    }
+    std::erase(m_connecting, socket);
+    m_connecting.push_back(socket);
     return ::fcntl(socket, F_SETFD, FD_CLOEXEC) == 0;
 }
 
-void CurlSockets::shutUnlessQuiet(const SocketEnd& here, const SocketEnd& there,
-                                  bool hasMoreRead) const {
+void CurlSockets::shutUnlessQuiet(const SocketEnd& here, const SocketEnd& there, bool hasMoreRead) {
     if (here.address.isEmpty() || there.address.isEmpty()) {
         return; // ends without a name are no connection of ours
     }
-    for (const curl_socket_t socket : m_sockets) {
+    learnEnds();
+    const auto [first, last] = m_byEnd.equal_range(here);
+    std::for_each(first, last, [&](const auto& known) {
+        const curl_socket_t socket = known.second;
         if (endOf(socket, &::getsockname) == here && endOf(socket, &::getpeername) == there &&
             (hasMoreRead || !isQuiet(socket))) {
             ::shutdown(socket, SHUT_RDWR);
         }
-    }
+    });
+}
+
+void CurlSockets::learnEnds() {
+    // Only of a connection that stands: until then its own end may still change.
+    std::erase_if(m_connecting, [this](curl_socket_t socket) {
+        if (isConnecting(socket)) {
+            return false;
+        }
+        m_places[socket] = m_byEnd.emplace(endOf(socket, &::getsockname), socket);
+        return true;
+    });
 }
 
 } // namespace brimlet

@@ -4,7 +4,9 @@
 
 #include <QByteArray>
 
-#include <set>
+#include <map>
+#include <tuple>
+#include <vector>
 
 namespace brimlet {
 
@@ -14,6 +16,9 @@ struct SocketEnd final {
     int port = 0;
 
     bool operator==(const SocketEnd&) const = default;
+    bool operator<(const SocketEnd& other) const {
+        return std::tie(port, address) < std::tie(other.port, other.address);
+    }
 };
 
 /// The descriptors that connections were made with. libcurl takes a kept connection on which
@@ -25,11 +30,18 @@ public:
     /// To be called before the connection between these ends is used again, with whether more of it
     /// was read than was asked for. One on which anything has arrived is shut, so that sending
     /// fails and libcurl goes on with a connection of its own.
-    void shutUnlessQuiet(const SocketEnd& here, const SocketEnd& there, bool hasMoreRead) const;
+    void shutUnlessQuiet(const SocketEnd& here, const SocketEnd& there, bool hasMoreRead);
 
 private:
-    /// Some may be closed by now, or be others by now: what they are is asked each time.
-    std::set<curl_socket_t> m_sockets;
+    using ByEnd = std::multimap<SocketEnd, curl_socket_t>;
+
+    void learnEnds();
+
+    std::vector<curl_socket_t> m_connecting; ///< Their own ends are not known yet.
+    /// By their own end. Some may be closed by now, or be others by now: what they are is asked
+    /// again before anything is done to them.
+    ByEnd m_byEnd;
+    std::map<curl_socket_t, ByEnd::iterator> m_places; ///< A descriptor that comes back moves.
 };
 
 } // namespace brimlet

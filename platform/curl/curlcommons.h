@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/curl/curlsockets.h"
+#include "platform/curl/curltraffic.h"
+
+#include <QByteArray>
+
+#include <vector>
+
+namespace brimlet {
+
+class CurlHop;
+
+/// What all hops of an engine use, whosever they are. Outlives them.
+struct CurlCommons final {
+    QByteArray moreAuthorities;
+    CurlSockets sockets;
+    CurlTraffic traffic;
+    /// The hops of which something is to be done, so that nobody has to ask all of them.
+    std::vector<CurlHop*> news;
+};
+
+} // namespace brimlet
