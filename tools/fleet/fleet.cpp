@@ -1,0 +1,139 @@
+#include "tools/fleet/fleet.h"
+
+#include "tools/fleet/cadence.h"
+
+#include <algorithm>
+
+namespace brimlet::fleet {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// How long a service that does not answer can hold up the warming up.
+constexpr auto kWarmUpTimeout = 5s;
+/// How long, after the last start, first replies are waited for before all is measured nonetheless,
+/// and how often that is looked at.
+constexpr auto kFirstReplies = 10s;
+constexpr auto kLook = 50ms;
+
+/// An engine of its own costs a host 45 KiB; but at the end of each request libcurl looks at all
+/// kept connections of an engine. With some tens of hosts on one, both are little.
+constexpr std::size_t kHostsPerEngine = 32;
+
+} // namespace
+
+Fleet::Host::Host(Fleet& fleet, QByteArray token)
+    : secrets(std::move(token))
+    , http(fleet.engineFor(fleet.m_hosts.size()))
+    , counted(http, fleet.m_books)
+    , store(HostStore::create(
+          {fleet.m_screens, fleet.m_workspace, secrets, counted, fleet.m_bundle, fleet.m_clock})) {}
+
+Fleet::Fleet(Options options)
+    : m_options(std::move(options))
+    , m_bundle(m_options.root) {}
+
+QCoro::Task<> Fleet::run() {
+    const auto seconds = static_cast<double>(m_options.measured.count());
+    const auto due = requestsDue(m_options.hosts, seconds, m_options.hasToken());
+    const auto hosts = static_cast<std::size_t>(m_options.hosts);
+    // Before memory is looked at, and with room for what is late.
+    m_books.pollTimes.prepare(static_cast<std::size_t>(due) + 2 * hosts);
+    m_books.heartbeatTimes.prepare(2 * hosts);
+    m_hosts.reserve(hosts);
+    co_await warmUp();
+    m_before = MemoryUse::now();
+    co_await startAll();
+    co_await awaitFirstReplies();
+    m_books.pollTimes.clear();
+    m_begin = mark();
+    m_measured.start();
+    co_await m_clock.sleep(m_options.measured, {});
+}
+
+/// What libraries set up once is not to count as the hosts'.
+QCoro::Task<> Fleet::warmUp() {
+    CurlHttpClient client;
+    const auto url = Url::fromString(m_options.root + QStringLiteral("/api/display"));
+    if (!url) {
+        co_return;
+    }
+    HttpRequest request{.url = *url};
+    request.timeout = kWarmUpTimeout;
+    [[maybe_unused]] const HttpResult result = co_await client.send(std::move(request));
+}
+
+QCoro::Task<> Fleet::startAll() {
+    const auto begin = m_clock.uptime();
+    for (int i = 0; i < m_options.hosts; ++i) {
+        const auto rest =
+            begin + startOffset(i, m_options.hosts, m_options.spread) - m_clock.uptime();
+        if (rest.count() > 0) {
+            co_await m_clock.sleep(rest, {});
+        }
+        m_hosts.push_back(std::make_unique<Host>(*this, m_options.tokenOf(i)));
+        m_hosts.back()->store->startTimers();
+    }
+}
+
+QCoro::Task<> Fleet::awaitFirstReplies() {
+    // With a token the first display is followed by a heartbeat, and then by the host's own poll.
+    const int asked = m_options.hasToken() ? 3 : 1;
+    const auto isReady = [asked](const auto& host) { return host->counted.ended() >= asked; };
+    const auto end = m_clock.uptime() + kFirstReplies;
+    while (!std::all_of(m_hosts.begin(), m_hosts.end(), isReady) && m_clock.uptime() < end) {
+        co_await m_clock.sleep(kLook, {});
+    }
+}
+
+const std::shared_ptr<CurlEngine>& Fleet::engineFor(std::size_t host) {
+    if (host / kHostsPerEngine == m_engines.size()) {
+        m_engines.push_back(makeCurlEngine());
+    }
+    return m_engines.at(host / kHostsPerEngine);
+}
+
+Fleet::Mark Fleet::mark() const {
+    Mark mark{m_books.polls, m_books.heartbeats, {}, cpuMilliseconds()};
+    for (const auto& engine : m_engines) {
+        mark.traffic += trafficOf(*engine);
+    }
+    return mark;
+}
+
+Figures Fleet::figures() const {
+    const Mark end = mark();
+    const Mark& begin = m_measured.isValid() ? m_begin : end;
+    Figures figures;
+    figures.hosts = m_options.hosts;
+    figures.seconds =
+        m_measured.isValid() ? static_cast<double>(m_measured.nsecsElapsed()) / 1e9 : 0;
+    figures.requestsDue = requestsDue(m_options.hosts, figures.seconds, m_options.hasToken());
+    const auto since = [&](qint64 Tally::*count) {
+        return end.polls.*count - begin.polls.*count + end.heartbeats.*count -
+               begin.heartbeats.*count;
+    };
+    figures.requestsMade = since(&Tally::sent);
+    figures.notModified = end.traffic.notModified - begin.traffic.notModified;
+    // One is counted as it comes in, the other as it is handed over, a turn later.
+    figures.whole = std::max<qint64>(since(&Tally::ok) - figures.notModified, 0);
+    figures.refused = since(&Tally::refused);
+    figures.unanswered = since(&Tally::unanswered);
+    figures.polls = m_books.pollTimes.summary();
+    figures.heartbeats = m_books.heartbeatTimes.summary();
+    figures.cpuMilliseconds = end.cpu - begin.cpu;
+    const MemoryUse memory = MemoryUse::now();
+    figures.kib = memory.privateDirtyKib - m_before.privateDirtyKib;
+    figures.heapKib = memory.heapKib - m_before.heapKib;
+    figures.bytesSent = end.traffic.bytesSent - begin.traffic.bytesSent;
+    figures.bytesReceived = end.traffic.bytesReceived - begin.traffic.bytesReceived;
+    figures.connectionsOpened = end.traffic.connections;
+    figures.connectionsOpen = openConnections();
+    return figures;
+}
+
+bool Fleet::hasSucceeded() const {
+    return m_books.polls.ok + m_books.heartbeats.ok > 0;
+}
+
+} // namespace brimlet::fleet
