@@ -18,7 +18,7 @@ namespace brimlet {
 using namespace std::chrono_literals;
 
 ChildProcess::ChildProcess(const std::vector<std::string>& command,
-                           const std::filesystem::path& log) {
+                           const std::filesystem::path& log, const std::filesystem::path& input) {
     std::vector<std::string> words = command;
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
@@ -28,7 +28,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command,
     arguments.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, input.c_str(), O_RDWR, 0);
     ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, log.c_str(),
                                        O_WRONLY | O_CREAT | O_APPEND, 0600);
     ::posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);

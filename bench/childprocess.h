@@ -13,8 +13,10 @@ namespace brimlet {
 /// A program of the benchmark's, ended with this object.
 class ChildProcess final {
 public:
-    /// Starts it, a path or a name to look for; all it prints is added to `log`.
-    ChildProcess(const std::vector<std::string>& command, const std::filesystem::path& log);
+    /// Starts it, a path or a name to look for; all it prints is added to `log`. It reads from
+    /// `input`, which may be a named pipe: its end is never seen.
+    ChildProcess(const std::vector<std::string>& command, const std::filesystem::path& log,
+                 const std::filesystem::path& input = "/dev/null");
     ~ChildProcess() { end(); }
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;

@@ -1,33 +1,17 @@
 // What a picture costs: ordinary ones, the largest, and small files that ask for much. The worst
 // possible ones need not be among them.
 
+#include "bench/micro/ordinarypicture.h"
 #include "creative/images/imagedecoding.h"
 #include "tests/support/memoryuse.h"
 #include "tests/support/samplepictures.h"
-
-#include <QRandomGenerator>
 
 #include <benchmark/benchmark.h>
 
 namespace brimlet {
 namespace {
 
-const QSize kOrdinary(512, 512);
 const QSize kLargest(4096, 4096);
-
-/// Smooth enough to be packed well, rough enough not to vanish.
-QImage hills(QSize size) {
-    QRandomGenerator random(5);
-    QImage picture(size, QImage::Format_ARGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x) {
-            picture.setPixel(x, y,
-                             qRgba((x >> 4) & 255, (y >> 4) & 255, ((x ^ y) >> 5) & 255,
-                                   250 + random.bounded(2)));
-        }
-    }
-    return picture;
-}
 
 QImage plain(QSize size, QImage::Format format) {
     QImage picture(size, format);

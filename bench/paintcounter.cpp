@@ -3,7 +3,7 @@
 #include "bench/desktop.h"
 #include "bench/failure.h"
 
-#include <algorithm>
+#include <utility>
 
 #include <poll.h>
 
@@ -32,42 +32,45 @@ PaintCounter::~PaintCounter() {
     xcb_flush(m_connection);
 }
 
-Paints PaintCounter::watch(std::chrono::milliseconds time) {
-    Paints before;
-    drain(before);
-    Paints paints;
-    const auto end = std::chrono::steady_clock::now() + time;
-    while (true) {
-        const auto left =
-            std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-        if (left.count() <= 0) {
-            return paints;
-        }
-        // Read twice a second at most, to leave the processor to what is measured.
-        ::poll(nullptr, 0, static_cast<int>(std::min<std::int64_t>(left.count(), 500)));
-        drain(paints);
-    }
+Paints PaintCounter::take() {
+    drain();
+    return std::exchange(m_paints, {});
 }
 
-void PaintCounter::drain(Paints& paints) {
+std::optional<std::chrono::steady_clock::time_point>
+PaintCounter::waitForPaint(std::chrono::milliseconds time) {
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + time;
+    for (drain(); m_paints.count == 0; drain()) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        if (left.count() <= 0) {
+            return std::nullopt;
+        }
+        pollfd events{xcb_get_file_descriptor(m_connection), POLLIN, 0};
+        ::poll(&events, 1, static_cast<int>(left.count()));
+    }
+    return Clock::now();
+}
+
+void PaintCounter::drain() {
     while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
         if ((event->response_type & 0x7f) == m_firstEvent + XCB_DAMAGE_NOTIFY) {
             const auto* const notice =
                 reinterpret_cast<const xcb_damage_notify_event_t*>(event.get());
             if (notice->damage == m_damage) {
-                add(*notice, paints);
+                add(*notice);
             }
         }
     }
 }
 
-void PaintCounter::add(const xcb_damage_notify_event_t& rectangle, Paints& paints) {
+void PaintCounter::add(const xcb_damage_notify_event_t& rectangle) {
     constexpr xcb_timestamp_t kSamePaint = 2;
     if (rectangle.timestamp - m_lastTime > kSamePaint) {
-        ++paints.count;
+        ++m_paints.count;
     }
     m_lastTime = rectangle.timestamp;
-    paints.pixels += std::int64_t{rectangle.area.width} * rectangle.area.height;
+    m_paints.pixels += std::int64_t{rectangle.area.width} * rectangle.area.height;
 }
 
 } // namespace brimlet

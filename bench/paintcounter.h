@@ -1,18 +1,16 @@
 #pragma once
 
+#include "bench/figures.h"
+
 #include <chrono>
 #include <cstdint>
+#include <optional>
 
 #include <xcb/damage.h>
 
 namespace brimlet {
 
 class Desktop;
-
-struct Paints final {
-    std::int64_t count = 0;
-    std::int64_t pixels = 0; ///< What they covered, in sum.
-};
 
 /// Counts from outside how often a window is painted: the X server reports each rectangle that
 /// anybody draws in it. Rectangles that come within two milliseconds are one paint.
@@ -24,17 +22,23 @@ public:
     PaintCounter(const PaintCounter&) = delete;
     PaintCounter& operator=(const PaintCounter&) = delete;
 
-    /// Lets time pass and counts meanwhile.
-    [[nodiscard]] Paints watch(std::chrono::milliseconds time);
+    /// What has come since the last call, or since the start.
+    [[nodiscard]] Paints take();
+
+    /// Waits for the next paint after the last `take`; when it was seen, or nothing when the time
+    /// is up.
+    [[nodiscard]] std::optional<std::chrono::steady_clock::time_point>
+    waitForPaint(std::chrono::milliseconds time);
 
 private:
-    void add(const xcb_damage_notify_event_t& rectangle, Paints& paints);
-    void drain(Paints& paints);
+    void add(const xcb_damage_notify_event_t& rectangle);
+    void drain();
 
     xcb_connection_t* m_connection;
     xcb_damage_damage_t m_damage;
     std::uint8_t m_firstEvent = 0;
     xcb_timestamp_t m_lastTime = 0;
+    Paints m_paints;
 };
 
 } // namespace brimlet

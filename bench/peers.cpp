@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <fstream>
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 #include <csignal>
@@ -18,13 +19,20 @@ namespace {
 using namespace std::chrono_literals;
 
 struct Peer final {
+    std::string key;
     std::string name;
-    std::string package;
-    std::vector<std::string> command;
+    std::string absence;              ///< Why it may be absent.
+    std::vector<std::string> command; ///< With `kSettings` where its settings' path belongs.
     bool polls = false;
+    std::string settings{}; ///< Their name, if it has any.
 };
 
+constexpr std::string_view kSettings("@SETTINGS@");
+
 bool isInstalled(const std::string& program) {
+    if (program.find('/') != std::string::npos) {
+        return std::filesystem::exists(program);
+    }
     std::istringstream folders(std::getenv("PATH") != nullptr ? std::getenv("PATH") : "");
     for (std::string folder; std::getline(folders, folder, ':');) {
         if (::access((folder + '/' + program).c_str(), X_OK) == 0) {
@@ -75,89 +83,112 @@ std::string firstLineOf(const std::filesystem::path& file) {
 
 /// What a peer's processes spend together, ended ones too.
 Spent spentBy(const Stage& stage, std::chrono::seconds time) {
-    const auto cpu = [](const ProcessFigures& figures) {
-        return figures.cpuMilliseconds + figures.childrenMilliseconds;
-    };
     const auto start = std::chrono::steady_clock::now();
-    const ProcessFigures before = readProcessFigures(peerProcesses(stage));
+    const Traffic traffic = stage.traffic();
+    Spent spent{.before = readProcessFigures(peerProcesses(stage))};
     pause(time);
-    const ProcessFigures after = readProcessFigures(peerProcesses(stage));
-    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-    return {.seconds = seconds.count(),
-            .cpuMilliseconds = cpu(after) - cpu(before),
-            .wakeUps = static_cast<double>(after.wakeUps - before.wakeUps)};
+    spent.after = readProcessFigures(peerProcesses(stage));
+    spent.traffic = stage.traffic() - traffic;
+    spent.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return spent;
+}
+
+/// Writes a peer's settings with the stage's root in them; where they are.
+std::string writeSettings(const Stage& stage, const std::string& name) {
+    constexpr std::string_view kRoot("@ROOT@");
+    std::string text = textOf(stage.places().peerSettings / name);
+    if (text.empty()) {
+        throw Failure("there are no settings named " + name);
+    }
+    for (auto at = text.find(kRoot); at != std::string::npos; at = text.find(kRoot, at)) {
+        text.replace(at, kRoot.size(), stage.root());
+    }
+    const auto file = stage.places().scratch / name;
+    std::ofstream(file) << text << std::flush;
+    return file.string();
+}
+
+std::vector<std::string> commandOf(const Peer& peer, const Stage& stage) {
+    std::vector<std::string> command = peer.command;
+    if (!peer.settings.empty()) {
+        std::replace(command.begin(), command.end(), std::string(kSettings),
+                     writeSettings(stage, peer.settings));
+    }
+    return command;
 }
 
 /// One peer from its start to its end.
-Row measure(const Peer& peer, const Stage& stage, const Places& places, std::chrono::seconds time) {
+Row measure(Row row, const Peer& peer, const Stage& stage, int times) {
     constexpr auto kStartIsOver = 6s;
+    constexpr auto kTime = 9s; // three polls
+    if (!isInstalled(peer.command.front())) {
+        row.remark = "absent: " + peer.absence;
+        return row;
+    }
     ::prctl(PR_SET_CHILD_SUBREAPER, 1);
-    Row row{.name = peer.name};
-    const std::filesystem::path program(peer.command.front());
-    const auto log = places.scratch / (program.filename().string() + ".log");
-    ChildProcess first(peer.command, log);
+    const auto log = stage.places().scratch / (peer.key + ".log");
+    ChildProcess first(commandOf(peer, stage), log);
     pause(kStartIsOver);
-    const std::size_t requestsBefore = stage.requests();
-    const Spent spent = spentBy(stage, time);
-    const bool hasAsked = stage.requests() > requestsBefore;
+    const std::int64_t pollsBefore = stage.traffic().polls;
+    for (int i = 0; i < times; ++i) {
+        row.runs.push_back(figuresOf(spentBy(stage, kTime)));
+    }
     // What has ended counts as a process until somebody waits for it.
     static_cast<void>(first.isRunning());
-    const auto processes = peerProcesses(stage);
-    if (processes.empty()) {
-        row.remark = "ended by itself; it said: " + firstLineOf(log);
-    } else if (peer.polls && !hasAsked) {
-        row.remark = "did not ask the service; it said: " + firstLineOf(log);
-    } else {
-        row.memory = readProcessFigures(processes);
-        row.rates = ratesOf(spent);
-    }
+    const bool isAlive = !peerProcesses(stage).empty();
     endPeer(stage);
+    if (!isAlive) {
+        throw Failure("ended by itself; it said: " + firstLineOf(log));
+    }
+    if (peer.polls && stage.traffic().polls == pollsBefore) {
+        throw Failure("did not ask the service; it said: " + firstLineOf(log));
+    }
     return row;
-}
-
-/// A bar along the lower edge that shows a command's output.
-std::string writeBarSettings(const Places& places, const Stage& stage) {
-    const auto file = places.scratch / "tint2rc";
-    std::ofstream out(file);
-    out << "panel_items = E\npanel_position = bottom center horizontal\npanel_size = 100% 24\n"
-           "execp = new\nexecp_command = curl -s "
-        << stage.root() << "/api/display | head -c 60\nexecp_interval = 3\n";
-    return file.string();
 }
 
 } // namespace
 
-void measurePeers(const Places& places, const Stage& stage, std::chrono::seconds time) {
+void measurePeers(Results& results, const Stage& stage, int times) {
+    const auto package = [](const std::string& name) {
+        return "the package " + name + " is not installed";
+    };
+    const auto tray = [&](const std::string& program, const std::string& from) {
+        return Peer{.key = program,
+                    .name = program + ", idle",
+                    .absence = package(from),
+                    .command = {program}};
+    };
+    const auto bar = [&](const std::string& program, const std::string& from,
+                         const std::string& settings) {
+        return Peer{.key = program,
+                    .name = program + " with a text by curl every 3 s",
+                    .absence = package(from),
+                    .command = {program, "-c", std::string(kSettings)},
+                    .polls = true,
+                    .settings = settings};
+    };
+    Peer scrolling = bar("conky", "conky-std", "conky-scrolling.conf");
+    scrolling.key = "conky.scrolling";
+    scrolling.name = "conky, a like text scrolling";
     const std::vector<Peer> peers{
-        {"tint2 that runs curl every 3 s",
-         "tint2",
-         {"tint2", "-c", writeBarSettings(places, stage)},
-         true},
-        {"qlipper, idle", "qlipper", {"qlipper"}},
-        {"flameshot, idle", "flameshot", {"flameshot"}},
-        {"copyq, idle", "copyq", {"copyq"}},
-        {"kdeconnect-indicator without its daemon, idle", "kdeconnect", {"kdeconnect-indicator"}}};
+        {.key = "libcurl",
+         .name = "libcurl alone, polling every 3 s",
+         .absence = "bench-curl-floor is not built",
+         .command = {(stage.places().programs / "bench-curl-floor").string(),
+                     stage.root() + "/api/display"},
+         .polls = true},
+        bar("polybar", "polybar", "polybar.ini"),
+        bar("conky", "conky-std", "conky.conf"),
+        bar("tint2", "tint2", "tint2rc"),
+        scrolling,
+        tray("qlipper", "qlipper"),
+        tray("flameshot", "flameshot"),
+        tray("copyq", "copyq"),
+        tray("kdeconnect-indicator", "kdeconnect")};
     for (const Peer& peer : peers) {
-        if (isInstalled(peer.command.front())) {
-            printed(measure(peer, stage, places, time));
-        } else {
-            printed({.name = peer.name,
-                     .remark = "absent: the package " + peer.package + " is not installed"});
-        }
+        results.add(peer.key, peer.name,
+                    [&](Row row) { return measure(std::move(row), peer, stage, times); });
     }
-}
-
-Row measureCurlFloor(const Places& places, const Stage& stage, std::chrono::seconds time) {
-    const std::string program = (places.programs / "bench-curl-floor").string();
-    const Row row = measure({.name = "libcurl alone, polling every 3 s",
-                             .package = {},
-                             .command = {program, stage.root() + "/api/display"},
-                             .polls = true},
-                            stage, places, time);
-    if (!row.rates) {
-        throw Failure(program + " " + row.remark);
-    }
-    return row;
 }
 
 } // namespace brimlet

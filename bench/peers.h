@@ -1,19 +1,13 @@
 #pragma once
 
-#include "bench/report.h"
+#include "bench/results.h"
 #include "bench/stage.h"
-
-#include <chrono>
 
 namespace brimlet {
 
-/// Measures and prints other people's programs, each alone with its processes: first a text bar
-/// that asks the stage's service by way of curl, then tray programs that idle. One that is not
-/// installed, or ends by itself, has a remark in place of figures.
-void measurePeers(const Places& places, const Stage& stage, std::chrono::seconds time);
-
-/// A program that polls the stage's service with libcurl and does nothing else.
-[[nodiscard]] Row measureCurlFloor(const Places& places, const Stage& stage,
-                                   std::chrono::seconds time);
+/// Measures programs without capsules, each alone with its processes, so many times in a row: a
+/// bare poll, other people's text bars that ask the stage's service by way of curl, and tray
+/// programs that idle. One that is not installed, or ends by itself, has a remark in place of runs.
+void measurePeers(Results& results, const Stage& stage, int times);
 
 } // namespace brimlet

@@ -70,8 +70,8 @@ ProcessFigures& ProcessFigures::operator+=(const ProcessFigures& other) {
     privateDirtyKib += other.privateDirtyKib;
     cpuMilliseconds += other.cpuMilliseconds;
     childrenMilliseconds += other.childrenMilliseconds;
-    wakeUps += other.wakeUps;
-    contextSwitches += other.contextSwitches;
+    voluntary += other.voluntary;
+    involuntary += other.involuntary;
     threads += other.threads;
     return *this;
 }
@@ -89,9 +89,8 @@ ProcessFigures readProcessFigures(pid_t process) {
     for (const auto& thread : std::filesystem::directory_iterator(folder + "/task", gone)) {
         const std::string status = thread.path().string() + "/status";
         ++figures.threads;
-        figures.wakeUps += sumOf(status, {"voluntary_ctxt_switches:"});
-        figures.contextSwitches +=
-            sumOf(status, {"voluntary_ctxt_switches:", "nonvoluntary_ctxt_switches:"});
+        figures.voluntary += sumOf(status, {"voluntary_ctxt_switches:"});
+        figures.involuntary += sumOf(status, {"nonvoluntary_ctxt_switches:"});
     }
     return figures;
 }

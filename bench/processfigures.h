@@ -14,8 +14,8 @@ struct ProcessFigures final {
     std::int64_t privateDirtyKib = 0; ///< What it wrote itself.
     double cpuMilliseconds = 0;       ///< User and system, since its start, ended threads too.
     double childrenMilliseconds = 0;  ///< The same of its ended and awaited child processes.
-    std::int64_t wakeUps = 0;         ///< Voluntary context switches of its living threads.
-    std::int64_t contextSwitches = 0; ///< Those and the involuntary ones.
+    std::int64_t voluntary = 0;       ///< Context switches of its living threads: they waited.
+    std::int64_t involuntary = 0;     ///< Likewise: the processor was taken from them.
     int threads = 0;
 
     ProcessFigures& operator+=(const ProcessFigures& other);

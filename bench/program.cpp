@@ -1,23 +1,27 @@
-// Runs the simulated program in the present X session, and beside it, one after another: the same
-// program with a naive picture, a bare poll, and what is there of other people's programs.
-//   bench-program FOLDER_WITH_PROGRAMS MACHINE_FILE [SECONDS]
+// Runs the simulated program in the present X session in all its ways, and then, one after another,
+// what it is compared with: the least program that does the job by hand, an empty window, the same
+// program with a naive picture, a bare poll, and what is there of other people's programs. Each is
+// measured five times; with --quick once, to see that it works.
+//   bench-program [--quick] FOLDER_WITH_PROGRAMS MACHINE_FILE FOLDER_WITH_PEERS_SETTINGS
+//   RESULT_FILE
 // Not linked with Qt, so that it shares none of its memory with what it measures.
 
 #include "bench/failure.h"
 #include "bench/peers.h"
 #include "bench/runs.h"
+#include "bench/stage.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
 namespace {
 
 using namespace brimlet;
-using std::chrono::seconds;
 
 /// A folder that goes with the object.
 class Scratch final {
@@ -43,73 +47,124 @@ private:
     std::filesystem::path m_path;
 };
 
-/// How long each part is watched, from the time the caller gives.
-struct Times final {
-    static constexpr int kSlices = 5;
+/// Waits until the program says that it is so.
+void awaitState(Show& show, const char* state) {
+    const auto isSo = [&] {
+        const auto said = nlohmann::json::parse(show.tell("state"), nullptr, false);
+        return said.is_object() && said.value(state, false);
+    };
+    if (!waitUntil(isSo, std::chrono::seconds(5))) {
+        throw Failure(std::string("the program does not get into the state ") + state);
+    }
+}
 
-    explicit Times(int given)
-        : whole(given)
-        , slice(std::clamp(given / kSlices / 3 * 3, 3, 6))
-        , other(std::clamp(given / 2 / 3 * 3, 9, 24)) {}
+/// The simulated program in every way.
+void measureProgram(Results& results, const Desktop& desktop, const Places& places, int times) {
+    const Actor brimlet{"brimlet-simulator", Actor::Argument::MachineFile};
+    {
+        const Stage stage(places, "sample", sampleBrands());
+        const Runs runs(desktop, stage, brimlet, times);
+        results.setQtVersion(runs.qtVersion());
+        results.add("brimlet.start", "Brimlet, start to first capsule",
+                    [&](const Row& row) { return runs.starts(row); });
+        results.add("brimlet.rest", "Brimlet, at rest between swaps",
+                    [&](const Row& row) { return runs.rest(row); });
+        results.add("brimlet.cycles", "Brimlet, sample brands, whole cycles",
+                    [&](const Row& row) { return runs.cycles(row); });
+    }
+    {
+        const Stage stage(places, "scroll", longTaglines(Runs::scrollSeconds(times)));
+        results.add("brimlet.scrolling", "Brimlet, both taglines scrolling", [&](const Row& row) {
+            return Runs(desktop, stage, brimlet, times).scrolling(row);
+        });
+    }
+    Stage stage(places, "still", stillBrands("Quiet Bicycle"));
+    const Runs runs(desktop, stage, brimlet, times);
+    results.add("brimlet.change", "Brimlet, reply to pixels",
+                [&](const Row& row) { return runs.changes(row); });
+    results.add("brimlet.menu", "Brimlet, panel open", [&](const Row& row) {
+        return runs.after(row, [](Show& show) {
+            show.tell("open");
+            awaitState(show, "isMenuOpen");
+        });
+    });
+    results.add("brimlet.paused", "Brimlet, paused", [&](const Row& row) {
+        return runs.after(row, [](Show& show) {
+            show.tell("pause");
+            awaitState(show, "isPaused");
+        });
+    });
+    results.add("brimlet.asleep", "Brimlet, screens asleep", [&](const Row& row) {
+        return runs.after(row, [&](Show& show) {
+            stage.setScreensAsleep(true);
+            awaitState(show, "screenAsleep");
+        });
+    });
+    stage.setScreensAsleep(false);
+    results.add("brimlet.down", "Brimlet, nobody listening at the service's address",
+                [&](const Row& row) { return runs.after(row, [&](Show&) { stage.goDown(); }); });
+}
 
-    seconds whole;
-    seconds slice; ///< Of scrolling; with all slices at most 30 s.
-    seconds other; ///< For programs that do the same all the time.
-};
-
-/// What the program takes and what the naive one does; false when no scrolling was seen.
-bool measure(const Places& places, const Times& times) {
-    const Desktop desktop;
-    const Runs program(desktop, places, "brimlet-simulator", "Brimlet");
-    const Runs naive(desktop, places, "bench-naive", "naive");
-
-    std::optional<Stage> stage(std::in_place, places, "sample");
-    const auto starts = program.starts(*stage, 5);
-    std::printf("start to first capsule, median of %zu: %.0f ms (%.0f to %.0f)\n\n", starts.size(),
-                median(starts), starts.front(), starts.back());
-    printHead();
-    const Row rest = printed(program.rest(*stage, 3));
-    const std::size_t pictures = stage->picturesServed();
-    const Row cycles = printed(program.cycles(*stage, times.whole));
-    const Row naiveCycles = printed(naive.cycles(*stage, times.whole));
-
-    const auto scenario = longTaglines(scrollSeconds(times.slice, Times::kSlices));
-    stage.reset();
-    stage.emplace(places, "scroll", &scenario);
-    const Row scrolling = printed(program.scrolling(*stage, times.slice, Times::kSlices));
-    const Row naiveScrolling = printed(naive.scrolling(*stage, times.slice, Times::kSlices));
-
-    stage.reset();
-    stage.emplace(places, "peers");
-    printed(measureCurlFloor(places, *stage, times.other));
-    measurePeers(places, *stage, times.other);
-
-    std::printf("\n%-46s %zu of 2\n", "pictures that were loaded", pictures);
-    std::printf("%-46s %.0f (target 0)\n", "paints a minute at rest",
-                rest.rates->paints.value_or(0));
-    printCpuRatio("CPU while scrolling, Brimlet / naive", scrolling, naiveScrolling,
-                  " (target at most 0.15)");
-    printCpuRatio("CPU over sample brands, Brimlet / naive", cycles, naiveCycles);
-    std::fflush(stdout);
-    return scrolling.rates.has_value();
+/// What it is compared with.
+void measureOthers(Results& results, const Desktop& desktop, const Places& places, int times) {
+    const Actor floor{"bench-floor", Actor::Argument::Root};
+    const Actor emptyWindow{"bench-empty-window"};
+    // It sends sixteen megabytes of pixels a second.
+    const Actor naive{"bench-naive", Actor::Argument::MachineFile, Show::Counting::NoXRequests};
+    {
+        const Stage stage(places, "floor-sample", sampleBrands());
+        const Runs runs(desktop, stage, floor, times);
+        results.add(
+            "empty.start", "an empty window of Qt's, start until it is seen",
+            [&](const Row& row) { return Runs(desktop, stage, emptyWindow, times).starts(row); });
+        results.add("floor.start", "floor, start to first capsule",
+                    [&](const Row& row) { return runs.starts(row); });
+        results.add("floor.rest", "floor, at rest between swaps",
+                    [&](const Row& row) { return runs.rest(row); });
+        results.add("floor.cycles", "floor, sample brands, whole cycles",
+                    [&](const Row& row) { return runs.cycles(row); });
+    }
+    {
+        const Stage stage(places, "floor-scroll", longTaglines(Runs::scrollSeconds(times)));
+        results.add("floor.scrolling", "floor, both taglines scrolling", [&](const Row& row) {
+            return Runs(desktop, stage, floor, times).scrolling(row);
+        });
+        results.add("naive.scrolling", "naive, both taglines scrolling", [&](const Row& row) {
+            return Runs(desktop, stage, naive, times).scrolling(row);
+        });
+    }
+    {
+        const Stage stage(places, "floor-still", stillBrands("Quiet Bicycle"));
+        results.add("floor.change", "floor, reply to pixels", [&](const Row& row) {
+            return Runs(desktop, stage, floor, times).changes(row);
+        });
+    }
+    const Stage stage(places, "peers", sampleBrands());
+    measurePeers(results, stage, times);
 }
 
 } // namespace
 
 int main(int argc, char* argv[]) {
-    constexpr int kLeast = 20;
-    const int given = argc == 4 ? std::atoi(argv[3]) : 60;
-    if (argc < 3 || argc > 4 || given < kLeast) {
-        std::fprintf(
-            stderr,
-            "usage: bench-program FOLDER_WITH_PROGRAMS MACHINE_FILE [SECONDS, %d or more]\n",
-            kLeast);
+    const bool isQuick = argc > 1 && std::string_view(argv[1]) == "--quick";
+    const std::vector<std::string> given(argv + (isQuick ? 2 : 1), argv + argc);
+    if (given.size() != 4) {
+        std::fputs("usage: bench-program [--quick] FOLDER_WITH_PROGRAMS MACHINE_FILE "
+                   "FOLDER_WITH_PEERS_SETTINGS RESULT_FILE\n",
+                   stderr);
         return 2;
     }
+    constexpr int kTimes = 5;
+    const int times = isQuick ? 1 : kTimes;
     try {
         const Scratch scratch;
-        if (!measure({argv[1], argv[2], scratch.path()}, Times(given))) {
-            std::fputs("bench-program: no scrolling was seen, so there is no ratio\n", stderr);
+        const Places places{given[0], given[1], given[2], scratch.path()};
+        const Desktop desktop;
+        Results results(given[3]);
+        measureProgram(results, desktop, places, times);
+        measureOthers(results, desktop, places, times);
+        if (results.failures() > 0) {
+            std::fprintf(stderr, "bench-program: %d could not be measured\n", results.failures());
             return 1;
         }
     } catch (const std::exception& failure) {

@@ -1,9 +1,11 @@
 #include "bench/runs.h"
 
-#include "bench/show.h"
+#include "bench/failure.h"
+#include "bench/machinefacts.h"
 
-#include <algorithm>
 #include <cstdio>
+
+#include <nlohmann/json.hpp>
 
 namespace brimlet {
 namespace {
@@ -11,76 +13,130 @@ namespace {
 using namespace std::chrono_literals;
 
 // The first swap comes 16 s after the start, and the scroll 1.6 s later. Windows are multiples of
-// the 3 s between two requests, so that each has its share of them.
-constexpr auto kStartIsOver = 3s;
+// the 3 s between two requests and begin well after one of these, so that each has its share.
+constexpr auto kStartIsOver = 3'600ms;
 constexpr auto kRest = 12s;
+constexpr auto kCycle = 24s; // brand, tagline and their pauses, about
 constexpr auto kScrollHasBegun = 18'500ms;
+constexpr auto kSlice = 6s;
 constexpr double kSpareScroll = 3;
 
 } // namespace
 
-double scrollSeconds(std::chrono::seconds slice, int slices) {
-    return static_cast<double>((slice * slices).count()) + kSpareScroll;
+double Runs::scrollSeconds(int times) {
+    return static_cast<double>((kSlice * times).count()) + kSpareScroll;
 }
 
-std::filesystem::path Runs::log() const {
-    return m_places.scratch / (m_program + ".log");
-}
-
-std::vector<double> Runs::starts(const Stage& stage, int times) const {
-    std::vector<double> starts;
-    for (int i = 0; i < times; ++i) {
-        const Show show(m_desktop, stage.command(m_program), log());
-        starts.push_back(show.startMilliseconds());
+bool Runs::isBuilt(Row& row) const {
+    if (std::filesystem::exists(m_stage.places().programs / m_actor.program)) {
+        return true;
     }
-    std::sort(starts.begin(), starts.end());
-    return starts;
+    row.remark = "absent: " + m_actor.program + " is not built";
+    return false;
 }
 
-Row Runs::rest(const Stage& stage, int times) const {
-    std::vector<Spent> runs;
-    std::vector<ProcessFigures> memory;
-    for (int i = 0; i < times; ++i) {
-        Show show(m_desktop, stage.command(m_program), log());
+std::vector<std::string> Runs::command() const {
+    std::vector command{(m_stage.places().programs / m_actor.program).string()};
+    if (m_actor.argument == Actor::Argument::MachineFile) {
+        command.insert(command.end(), {"--machine", m_stage.machineFile().string()});
+    } else if (m_actor.argument == Actor::Argument::Root) {
+        command.push_back(m_stage.root());
+    }
+    return command;
+}
+
+std::string Runs::qtVersion() const {
+    Row row;
+    return isBuilt(row) ? qtVersionOf(Show(m_desktop, m_stage, command()).program())
+                        : std::string();
+}
+
+Row Runs::starts(Row row) const {
+    for (int i = 0; isBuilt(row) && i < m_times; ++i) {
+        const Show show(m_desktop, m_stage, command());
+        row.runs.push_back({{"startMs", show.startMilliseconds()}});
+    }
+    return row;
+}
+
+Row Runs::rest(Row row) const {
+    for (int i = 0; isBuilt(row) && i < m_times; ++i) {
+        Show show(m_desktop, m_stage, command());
         show.waitUntilAge(kStartIsOver);
-        runs.push_back(show.watch(kRest));
-        memory.push_back(show.figures());
+        row.runs.push_back(figuresOf(show.watch(kRest, m_actor.counting)));
     }
-    std::sort(memory.begin(), memory.end(),
-              [](const auto& left, const auto& right) { return left.pssKib < right.pssKib; });
-    return {.name = m_name + ", at rest between swaps",
-            .memory = memory[memory.size() / 2],
-            .rates = medianOf(runs)};
+    return row;
 }
 
-Row Runs::cycles(const Stage& stage, std::chrono::seconds time) const {
-    Show show(m_desktop, stage.command(m_program), log());
-    show.waitUntilAge(kStartIsOver);
-    const Spent spent = show.watch(time);
-    return {.name = m_name + ", sample brands over " + std::to_string(time.count()) + " s",
-            .memory = show.figures(),
-            .rates = ratesOf(spent)};
+Row Runs::cycles(Row row) const {
+    if (isBuilt(row)) {
+        Show show(m_desktop, m_stage, command());
+        show.waitUntilAge(kStartIsOver);
+        for (int i = 0; i < m_times; ++i) {
+            row.runs.push_back(figuresOf(show.watch(kCycle, m_actor.counting)));
+        }
+    }
+    return row;
 }
 
-Row Runs::scrolling(const Stage& stage, std::chrono::seconds slice, int slices) const {
+Row Runs::scrolling(Row row) const {
     constexpr double kFewestPaints = 5 * 60;
-    Show show(m_desktop, stage.command(m_program), log());
-    show.waitUntilAge(kScrollHasBegun);
-    std::vector<Spent> runs;
-    std::vector<double> paints;
-    for (int i = 0; i < slices; ++i) {
-        runs.push_back(show.watch(slice));
-        paints.push_back(ratesOf(runs.back()).paints.value_or(0));
+    if (!isBuilt(row)) {
+        return row;
     }
-    Row row{.name = m_name + ", both taglines scrolling", .memory = show.figures()};
-    const auto [least, most] = std::minmax_element(paints.begin(), paints.end());
-    if (*least >= kFewestPaints) {
-        row.rates = medianOf(runs);
-    } else {
-        char remark[100];
-        std::snprintf(remark, sizeof remark, "no scrolling was seen: %.1f to %.1f paints a second",
-                      *least / 60, *most / 60);
-        row.remark = remark;
+    Show show(m_desktop, m_stage, command());
+    show.waitUntilAge(kScrollHasBegun);
+    for (int i = 0; i < m_times; ++i) {
+        row.runs.push_back(figuresOf(show.watch(kSlice, m_actor.counting)));
+        if (const double paints = row.runs.back().at("paintsPerMinute"); paints < kFewestPaints) {
+            char complaint[100];
+            std::snprintf(complaint, sizeof complaint,
+                          "no scrolling was seen: %.1f paints a second", paints / 60);
+            throw Failure(complaint);
+        }
+    }
+    return row;
+}
+
+Row Runs::after(Row row, const std::function<void(Show&)>& change) const {
+    constexpr auto kChangeIsOver = 6s;
+    if (isBuilt(row)) {
+        auto withConsole = command();
+        withConsole.emplace_back("--console");
+        Show show(m_desktop, m_stage, withConsole);
+        show.waitUntilAge(kStartIsOver);
+        change(show);
+        pause(kChangeIsOver);
+        for (int i = 0; i < m_times; ++i) {
+            row.runs.push_back(figuresOf(show.watch(kSlice, m_actor.counting)));
+        }
+    }
+    return row;
+}
+
+Row Runs::changes(Row row) const {
+    constexpr double kFrame = 1000.0 / 60;
+    constexpr auto kPatience = 10s;
+    if (!isBuilt(row)) {
+        return row;
+    }
+    Show show(m_desktop, m_stage, command());
+    show.waitUntilAge(kStartIsOver);
+    for (int i = 0; i <= m_times; ++i) {
+        static_cast<void>(show.paints().take());
+        m_stage.setScenario(stillBrands("Brand No. " + std::to_string(i)));
+        const auto painted = show.paints().waitForPaint(kPatience);
+        const auto replied = m_stage.relay().lastPollReply();
+        if (!painted || !replied) {
+            throw Failure("another brand was not shown");
+        }
+        const double late = std::chrono::duration<double, std::milli>(*painted - *replied).count();
+        // The first time, all that is needed for it has to be found.
+        if (i > 0) {
+            row.runs.push_back({{"replyToPixelsMs", late}, {"replyToPixelsFrames", late / kFrame}});
+        }
+        // What it paints besides comes within this.
+        pause(500ms);
     }
     return row;
 }

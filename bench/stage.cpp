@@ -2,10 +2,7 @@
 
 #include "bench/failure.h"
 
-#include <algorithm>
 #include <fstream>
-#include <set>
-#include <sstream>
 
 #include <nlohmann/json.hpp>
 
@@ -15,12 +12,15 @@ namespace {
 using nlohmann::json;
 using namespace std::chrono_literals;
 
+/// As a whole, since others may read it at any time.
 void write(const std::filesystem::path& file, const json& value) {
-    std::ofstream out(file);
+    const std::filesystem::path unfinished = file.string() + ".new";
+    std::ofstream out(unfinished);
     out << value.dump();
     if (!out.flush()) {
         throw Failure(file.string() + " cannot be written");
     }
+    std::filesystem::rename(unfinished, file);
 }
 
 /// What follows the greeting in the service's output; empty until the line is complete.
@@ -34,56 +34,51 @@ std::string rootIn(const std::string& output) {
 
 } // namespace
 
-Stage::Stage(const Places& places, const std::string& name, const json* scenario)
+Stage::Stage(const Places& places, const std::string& name, const json& scenario)
     : m_places(places)
-    , m_requests(places.scratch / (name + "-requests.jsonl"))
+    , m_scenario(places.scratch / (name + "-scenario.json"))
     , m_machineFile(places.scratch / (name + "-machine.json")) {
-    std::vector<std::string> command{(places.programs / "brimlet-placement").string(), "--port",
-                                     "0", "--log", m_requests.string()};
-    if (scenario != nullptr) {
-        const auto file = places.scratch / (name + "-scenario.json");
-        write(file, *scenario);
-        command.insert(command.end(), {"--scenario", file.string()});
-    }
+    setScenario(scenario);
     const auto output = places.scratch / (name + "-service.log");
-    m_service.emplace(command, output);
+    m_service.emplace(std::vector{(places.programs / "brimlet-placement").string(),
+                                  std::string("--port"), std::string("0"),
+                                  std::string("--scenario"), m_scenario.string()},
+                      output);
+    std::string root;
     const auto isListening = [&] {
-        m_root = rootIn(textOf(output));
-        return !m_root.empty() || !m_service->isRunning();
+        root = rootIn(textOf(output));
+        return !root.empty() || !m_service->isRunning();
     };
-    if (!waitUntil(isListening, 10s) || m_root.empty()) {
+    if (!waitUntil(isListening, 10s) || root.empty()) {
         throw Failure("the placement service did not start: " + textOf(output));
     }
-    json machine = json::parse(textOf(places.machineFile), nullptr, false);
+    const auto port = std::stoul(root.substr(root.rfind(':') + 1));
+    m_relay = std::make_unique<Relay>(static_cast<std::uint16_t>(port));
+    setScreensAsleep(false);
+}
+
+void Stage::setScenario(const json& scenario) const {
+    write(m_scenario, scenario);
+}
+
+void Stage::setScreensAsleep(bool areAsleep) const {
+    json machine = json::parse(textOf(m_places.machineFile), nullptr, false);
     if (!machine.is_object()) {
-        throw Failure(places.machineFile.string() + " is not a machine file");
+        throw Failure(m_places.machineFile.string() + " is not a machine file");
     }
-    machine["infoDictionary"] = {{"BrimletAPIURL", m_root}};
+    machine["infoDictionary"] = {{"BrimletAPIURL", root()}};
+    machine["screensAsleep"] = areAsleep;
     write(m_machineFile, machine);
 }
 
-std::vector<std::string> Stage::command(const std::string& program) const {
-    return {(m_places.programs / program).string(), "--machine", m_machineFile.string()};
+json sampleBrands() {
+    return json::object();
 }
 
-std::size_t Stage::requests() const {
-    const std::string lines = textOf(m_requests);
-    return static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n'));
-}
-
-std::size_t Stage::picturesServed() const {
-    std::set<std::string> paths;
-    std::istringstream lines(textOf(m_requests));
-    for (std::string line; std::getline(lines, line);) {
-        const json request = json::parse(line, nullptr, false);
-        if (request.is_object() && request.value("status", json()) == 200) {
-            const std::string path = request.value("path", std::string());
-            if (path.starts_with("/assets/")) {
-                paths.insert(path);
-            }
-        }
-    }
-    return paths.size();
+json stillBrands(const std::string& leftBrand) {
+    return {{"creatives",
+             {{{"slotId", "left"}, {"brandName", leftBrand}},
+              {{"slotId", "right"}, {"brandName", "Palindrome Tea"}}}}};
 }
 
 json longTaglines(double seconds) {

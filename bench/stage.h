@@ -1,8 +1,10 @@
 #pragma once
 
 #include "bench/childprocess.h"
+#include "bench/relay.h"
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -12,34 +14,47 @@ namespace brimlet {
 
 /// Where the benchmark finds and puts things.
 struct Places final {
-    std::filesystem::path programs;    ///< The folder of the built programs.
-    std::filesystem::path machineFile; ///< The machine to run on.
-    std::filesystem::path scratch;     ///< A folder of the benchmark's own, removed with it.
+    std::filesystem::path programs;     ///< The folder of the built programs.
+    std::filesystem::path machineFile;  ///< The machine to run on.
+    std::filesystem::path peerSettings; ///< The folder of the peers' settings.
+    std::filesystem::path scratch;      ///< A folder of the benchmark's own, removed with it.
 };
 
-/// A placement service of its own on a free port, and the machine file that points to it.
+/// A placement service of its own on a free port, a relay before it that counts, and the machine
+/// file that points to the relay.
 class Stage final {
 public:
-    /// With another scenario than the sample brands when one is given. `name` keeps the files of
-    /// several stages apart.
-    Stage(const Places& places, const std::string& name, const nlohmann::json* scenario = nullptr);
+    /// With the sample brands, or another scenario. `name` keeps the files of several stages apart.
+    Stage(const Places& places, const std::string& name, const nlohmann::json& scenario);
 
-    [[nodiscard]] const std::string& root() const { return m_root; }
+    [[nodiscard]] const Places& places() const { return m_places; }
+    /// Where programs are to ask.
+    [[nodiscard]] const std::string& root() const { return m_relay->root(); }
+    [[nodiscard]] Traffic traffic() const { return m_relay->traffic(); }
+    [[nodiscard]] const Relay& relay() const { return *m_relay; }
     [[nodiscard]] pid_t service() const { return m_service->id(); }
-    /// The command that runs one of the programs on the machine.
-    [[nodiscard]] std::vector<std::string> command(const std::string& program) const;
-    /// How many requests have come.
-    [[nodiscard]] std::size_t requests() const;
-    /// How many different pictures it has served.
-    [[nodiscard]] std::size_t picturesServed() const;
+    [[nodiscard]] const std::filesystem::path& machineFile() const { return m_machineFile; }
+
+    /// What the service says from the next request on.
+    void setScenario(const nlohmann::json& scenario) const;
+    /// Whether the machine's screens sleep; they are awake at first.
+    void setScreensAsleep(bool areAsleep) const;
+    /// From now on nobody listens at the root.
+    void goDown() { m_relay->shut(); }
 
 private:
     const Places& m_places;
-    std::filesystem::path m_requests;
+    std::filesystem::path m_scenario;
     std::filesystem::path m_machineFile;
     std::optional<ChildProcess> m_service;
-    std::string m_root;
+    std::unique_ptr<Relay> m_relay;
 };
+
+/// The sample brands.
+[[nodiscard]] nlohmann::json sampleBrands();
+
+/// Two brands without taglines, so that nothing moves.
+[[nodiscard]] nlohmann::json stillBrands(const std::string& leftBrand);
 
 /// A scenario with both taglines so long that they scroll for this many seconds at 22 points a
 /// second.
