@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/assignment.h"
-#include "host/json.h"
+#include "host/replyreading.h"
 #include "platform/bundle.h"
 #include "platform/clock.h"
 #include "platform/httpclient.h"
@@ -107,8 +107,8 @@ private:
     [[nodiscard]] HttpRequest authorisedRequest(const Url& url, const QString& path,
                                                 const QByteArray& method) const;
     void transferFailed(const QString& path);
-    void apply(const Json& reply);
-    void applyDisplay(const Json& reply);
+    void apply(const ReplyFields& reply);
+    void applyDisplay(const ReplyFields& reply);
     [[nodiscard]] bool inApplications() const;
 
     [[nodiscard]] std::optional<QString> readToken() const;
@@ -121,6 +121,7 @@ private:
     QString m_statusLine;
     bool m_hasNotch = false;
     bool m_screenAsleep = false;
+    ReplyReader m_reader;
     std::unique_ptr<RepeatingTimer> m_heartbeatTimer;
     std::unique_ptr<RepeatingTimer> m_estimateTimer;
     std::optional<ObserverToken> m_sleepObserver;

@@ -22,25 +22,27 @@ enum class Outcome {
 
 struct Reply {
     Outcome outcome = Outcome::TransferFailed;
-    Json object;
+    std::shared_ptr<const ReplyReader::Reading> reading;
 };
 
-Reply classified(const HttpResult& result) {
-    Reply reply;
+Reply classified(const HttpResult& result, ReplyReader& reader) {
     const auto* const http = std::get_if<HttpReply>(&result);
     if (http == nullptr) {
-        return reply;
+        return {};
     }
     if (http->status != kOk) {
-        reply.outcome = Outcome::OtherStatus;
-        return reply;
+        return {Outcome::OtherStatus, nullptr};
     }
-    auto json = parseJson(http->body);
-    if (json) {
-        reply.outcome = json->is_object() ? Outcome::Object : Outcome::NotAnObject;
-        reply.object = std::move(*json);
+    auto reading = reader.read(http->body);
+    switch (reading->kind) {
+    case ReplyKind::Object:
+        return {Outcome::Object, std::move(reading)};
+    case ReplyKind::NotAnObject:
+        return {Outcome::NotAnObject, nullptr};
+    case ReplyKind::NoJson:
+        break;
     }
-    return reply;
+    return {};
 }
 
 /// The public display carries no credential, so a redirect may also lead to another origin that
@@ -95,7 +97,7 @@ QCoro::Task<> HostStore::ping(QString path, QByteArray method) {
     }
     HttpRequest request = authorisedRequest(*url, path, method);
     const HttpResult result = co_await m_ports.http.send(std::move(request));
-    const Reply reply = classified(result);
+    const Reply reply = classified(result, m_reader);
     switch (reply.outcome) {
     case Outcome::TransferFailed:
         transferFailed(path);
@@ -106,7 +108,7 @@ QCoro::Task<> HostStore::ping(QString path, QByteArray method) {
         publish(m_statusLine, statusline::tokenRejected());
         break;
     case Outcome::Object:
-        apply(reply.object);
+        apply(reply.reading->fields);
         break;
     }
 }
@@ -146,42 +148,40 @@ QCoro::Task<> HostStore::refreshDisplay() {
     request.mayRevalidate = true;
     request.mayFollow = mayFollowDisplay;
     const HttpResult result = co_await m_ports.http.send(std::move(request));
-    const Reply reply = classified(result);
+    const Reply reply = classified(result, m_reader);
     if (reply.outcome == Outcome::Object) {
-        applyDisplay(reply.object);
+        applyDisplay(reply.reading->fields);
     } else {
         publish(m_statusLine, statusline::displayFailed());
     }
 }
 
-void HostStore::applyDisplay(const Json& reply) {
-    const auto creatives = readCreatives(reply);
+void HostStore::applyDisplay(const ReplyFields& reply) {
     Assignment& a = m_assignment;
-    publish(a.weekStatus, readString(reply, "weekStatus").value_or(QStringLiteral("unfilled")));
-    publish(a.forceHide, readBoolean(reply, "forceHide").value_or(false));
-    publish(a.left, creativeOfSlot(creatives, QLatin1StringView("left")));
-    publish(a.right, creativeOfSlot(creatives, QLatin1StringView("right")));
+    publish(a.weekStatus, reply.weekStatus.value_or(QStringLiteral("unfilled")));
+    publish(a.forceHide, reply.forceHide.value_or(false));
+    publish(a.left, reply.left);
+    publish(a.right, reply.right);
     publish(m_statusLine,
             statusline::afterDisplayReply(inApplications(), adsVisible(), !m_token.isEmpty()));
     Q_EMIT overlayNeedsRender();
 }
 
-void HostStore::apply(const Json& reply) {
-    const auto creatives = readCreatives(reply);
+void HostStore::apply(const ReplyFields& reply) {
     Assignment& a = m_assignment;
-    publish(a.weekStatus, readString(reply, "weekStatus").value_or(QStringLiteral("unfilled")));
-    publish(a.estimatedCents, readInteger(reply, "estimatedCents").value_or(0));
-    publish(a.pendingStipendCents, readInteger(reply, "pendingStipendCents").value_or(0));
-    publish(a.liveHostCount, readInteger(reply, "liveHostCount").value_or(0));
-    publish(a.liveDaysThisWeek, readInteger(reply, "liveDaysThisWeek").value_or(0));
-    publish(a.liveBucketsToday, readInteger(reply, "liveBucketsToday").value_or(0));
-    publish(a.liveBucketsNeeded, readInteger(reply, "liveBucketsNeeded").value_or(4));
-    publish(a.forceHide, readBoolean(reply, "forceHide").value_or(false));
-    publish(a.agreed, readBoolean(reply, "agreed").value_or(false));
-    publish(a.fromApplications, readBoolean(reply, "fromApplications").value_or(inApplications()));
-    publish(a.agreementText, readString(reply, "agreementText").value_or(a.agreementText));
-    publish(a.left, creativeOfSlot(creatives, QLatin1StringView("left")));
-    publish(a.right, creativeOfSlot(creatives, QLatin1StringView("right")));
+    publish(a.weekStatus, reply.weekStatus.value_or(QStringLiteral("unfilled")));
+    publish(a.estimatedCents, reply.estimatedCents.value_or(0));
+    publish(a.pendingStipendCents, reply.pendingStipendCents.value_or(0));
+    publish(a.liveHostCount, reply.liveHostCount.value_or(0));
+    publish(a.liveDaysThisWeek, reply.liveDaysThisWeek.value_or(0));
+    publish(a.liveBucketsToday, reply.liveBucketsToday.value_or(0));
+    publish(a.liveBucketsNeeded, reply.liveBucketsNeeded.value_or(4));
+    publish(a.forceHide, reply.forceHide.value_or(false));
+    publish(a.agreed, reply.agreed.value_or(false));
+    publish(a.fromApplications, reply.fromApplications.value_or(inApplications()));
+    publish(a.agreementText, reply.agreementText.value_or(a.agreementText));
+    publish(a.left, reply.left);
+    publish(a.right, reply.right);
     publish(m_statusLine,
             statusline::afterHostReply(inApplications(), a.agreed, adsVisible(), a.estimatedCents));
     Q_EMIT overlayNeedsRender();

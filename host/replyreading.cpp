@@ -98,4 +98,40 @@ std::optional<SlotCreative> creativeOfSlot(const std::vector<SlotCreative>& crea
     return found == creatives.end() ? std::nullopt : std::optional(*found);
 }
 
+ReplyFields readFields(const Json& reply) {
+    const auto creatives = readCreatives(reply);
+    return {.weekStatus = readString(reply, "weekStatus"),
+            .estimatedCents = readInteger(reply, "estimatedCents"),
+            .pendingStipendCents = readInteger(reply, "pendingStipendCents"),
+            .liveHostCount = readInteger(reply, "liveHostCount"),
+            .liveDaysThisWeek = readInteger(reply, "liveDaysThisWeek"),
+            .liveBucketsToday = readInteger(reply, "liveBucketsToday"),
+            .liveBucketsNeeded = readInteger(reply, "liveBucketsNeeded"),
+            .forceHide = readBoolean(reply, "forceHide"),
+            .agreed = readBoolean(reply, "agreed"),
+            .fromApplications = readBoolean(reply, "fromApplications"),
+            .agreementText = readString(reply, "agreementText"),
+            .left = creativeOfSlot(creatives, QLatin1StringView("left")),
+            .right = creativeOfSlot(creatives, QLatin1StringView("right"))};
+}
+
+std::shared_ptr<const ReplyReader::Reading> ReplyReader::read(const QByteArray& body) {
+    // A reply of this size is not worth its memory for as long as the program runs.
+    constexpr qsizetype kLongestKept = qsizetype{64} * 1024;
+    if (m_reading && m_body == body) {
+        return m_reading;
+    }
+    auto reading = std::make_shared<Reading>();
+    if (const auto json = parseJson(body)) {
+        reading->kind = json->is_object() ? ReplyKind::Object : ReplyKind::NotAnObject;
+        if (json->is_object()) {
+            reading->fields = readFields(*json);
+        }
+    }
+    const bool isKept = body.size() <= kLongestKept;
+    m_body = isKept ? body : QByteArray();
+    m_reading = isKept ? reading : nullptr;
+    return reading;
+}
+
 } // namespace brimlet

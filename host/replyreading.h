@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -36,5 +37,46 @@ namespace brimlet {
 /// The first creative meant for the slot, by exact name; absent when there is none.
 [[nodiscard]] std::optional<SlotCreative> creativeOfSlot(const std::vector<SlotCreative>& creatives,
                                                          QLatin1StringView slotId);
+
+/// What a reply says of the week; a field is absent where it says nothing of the right type.
+struct ReplyFields final {
+    std::optional<QString> weekStatus;
+    std::optional<std::int64_t> estimatedCents;
+    std::optional<std::int64_t> pendingStipendCents;
+    std::optional<std::int64_t> liveHostCount;
+    std::optional<std::int64_t> liveDaysThisWeek;
+    std::optional<std::int64_t> liveBucketsToday;
+    std::optional<std::int64_t> liveBucketsNeeded;
+    std::optional<bool> forceHide;
+    std::optional<bool> agreed;
+    std::optional<bool> fromApplications;
+    std::optional<QString> agreementText;
+    std::optional<SlotCreative> left;
+    std::optional<SlotCreative> right;
+};
+
+[[nodiscard]] ReplyFields readFields(const Json& reply);
+
+/// What the bytes of a reply amount to.
+enum class ReplyKind {
+    NoJson,
+    NotAnObject, ///< Valid JSON with something else at the top.
+    Object,
+};
+
+/// Reads replies, and remembers the last one: almost every poll brings the same bytes again.
+class ReplyReader final {
+public:
+    struct Reading final {
+        ReplyKind kind = ReplyKind::NoJson;
+        ReplyFields fields; ///< Of an object.
+    };
+
+    [[nodiscard]] std::shared_ptr<const Reading> read(const QByteArray& body);
+
+private:
+    QByteArray m_body;
+    std::shared_ptr<const Reading> m_reading;
+};
 
 } // namespace brimlet

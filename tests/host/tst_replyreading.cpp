@@ -328,6 +328,49 @@ private Q_SLOTS:
         }
     }
 
+    void whatABodyAmountsTo_data() {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<int>("kind");
+        QTest::newRow("object") << QByteArray("{}") << int(ReplyKind::Object);
+        QTest::newRow("array") << QByteArray("[{}]") << int(ReplyKind::NotAnObject);
+        QTest::newRow("null") << QByteArray("null") << int(ReplyKind::NotAnObject);
+        QTest::newRow("empty") << QByteArray() << int(ReplyKind::NoJson);
+        QTest::newRow("cut") << QByteArray("{\"weekStatus\":") << int(ReplyKind::NoJson);
+    }
+    void whatABodyAmountsTo() {
+        QFETCH(QByteArray, body);
+        QFETCH(int, kind);
+        ReplyReader reader;
+        QCOMPARE(int(reader.read(body)->kind), kind);
+        QCOMPARE(int(reader.read(body)->kind), kind);
+    }
+
+    void theSameBytesAreReadOnce() {
+        const QByteArray body("{\"weekStatus\":\"live\",\"estimatedCents\":5}");
+        ReplyReader reader;
+        const auto first = reader.read(body);
+        QCOMPARE(first->fields.weekStatus, std::optional(QStringLiteral("live")));
+        QCOMPARE(first->fields.estimatedCents, std::optional<std::int64_t>(5));
+        QVERIFY(!first->fields.agreed);
+        QCOMPARE(reader.read(QByteArray(body.constData(), body.size())), first);
+
+        const auto second = reader.read(QByteArray(body).replace('5', '6'));
+        QCOMPARE(second->fields.estimatedCents, std::optional<std::int64_t>(6));
+        QCOMPARE(first->fields.estimatedCents, std::optional<std::int64_t>(5));
+        QVERIFY(reader.read(body) != first);
+    }
+
+    void aVeryLongReplyIsReadEachTime() {
+        const QByteArray body = "{\"weekStatus\":\"" + QByteArray(65'536, 'x') + "\"}";
+        ReplyReader reader;
+        const auto first = reader.read(body);
+        QCOMPARE(first->fields.weekStatus->size(), 65'536);
+        const auto again = reader.read(body);
+        QVERIFY(again != first);
+        QCOMPARE(again->fields.weekStatus, first->fields.weekStatus);
+        QCOMPARE(int(reader.read(QByteArray())->kind), int(ReplyKind::NoJson));
+    }
+
     void aNulByteIsNoEnd() {
         QVERIFY(!parseJson(QByteArray("{}\0", 3)));
         QVERIFY(!parseJson(QByteArray("{}\0}", 4)));
