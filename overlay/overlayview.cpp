@@ -4,6 +4,8 @@
 #include "overlay/overlaylayout.h"
 #include "overlay/pillaccessibility.h"
 
+#include <utility>
+
 namespace brimlet {
 namespace {
 
@@ -36,6 +38,15 @@ void OverlayView::runtimeWillChange() {
 
 void OverlayView::rebuild() {
     m_isRebuildDue = false;
+    // The runtime announces every reply, and almost all are equal to the one before.
+    Parts parts{.visible = m_runtime.visible(),
+                .left = m_runtime.left(),
+                .right = m_runtime.right(),
+                .notchWidth = m_runtime.notchWidth()};
+    if (m_parts == parts) {
+        return;
+    }
+    m_parts = std::move(parts);
     pill(*m_left, m_runtime.left());
     pill(*m_right, m_runtime.right());
     placeRow();

@@ -6,6 +6,8 @@
 #include <QRegion>
 #include <QWidget>
 
+#include <optional>
+
 namespace brimlet {
 
 class NotchPill;
@@ -33,6 +35,16 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    /// What the picture is made of.
+    struct Parts final {
+        bool visible = false;
+        std::optional<SlotCreative> left;
+        std::optional<SlotCreative> right;
+        double notchWidth = 0;
+
+        bool operator==(const Parts&) const = default;
+    };
+
     void runtimeWillChange();
     void rebuild();
     static void pill(NotchPill& view, const std::optional<SlotCreative>& creative);
@@ -43,6 +55,7 @@ private:
     NotchPill* m_left;
     NotchPill* m_right;
     bool m_isRebuildDue = false;
+    std::optional<Parts> m_parts; ///< Of the present picture.
     QRegion m_clickable;
     QRegion m_painted;
 };
