@@ -69,8 +69,12 @@ void measureProgram(Results& results, const Desktop& desktop, const Places& plac
                     [&](const Row& row) { return runs.starts(row); });
         results.add("brimlet.rest", "Brimlet, at rest between swaps",
                     [&](const Row& row) { return runs.rest(row); });
-        results.add("brimlet.cycles", "Brimlet, sample brands, whole cycles",
-                    [&](const Row& row) { return runs.cycles(row); });
+    }
+    {
+        const Stage stage(places, "cycles", ordinaryTaglines());
+        results.add(
+            "brimlet.cycles", "Brimlet, both taglines in turn with brands",
+            [&](const Row& row) { return Runs(desktop, stage, brimlet, times).cycles(row); });
     }
     {
         const Stage stage(places, "scroll", longTaglines(Runs::scrollSeconds(times)));
@@ -121,8 +125,11 @@ void measureOthers(Results& results, const Desktop& desktop, const Places& place
                     [&](const Row& row) { return runs.starts(row); });
         results.add("floor.rest", "floor, at rest between swaps",
                     [&](const Row& row) { return runs.rest(row); });
-        results.add("floor.cycles", "floor, sample brands, whole cycles",
-                    [&](const Row& row) { return runs.cycles(row); });
+    }
+    {
+        const Stage stage(places, "floor-cycles", ordinaryTaglines());
+        results.add("floor.cycles", "floor, both taglines in turn with brands",
+                    [&](const Row& row) { return Runs(desktop, stage, floor, times).cycles(row); });
     }
     {
         const Stage stage(places, "floor-scroll", longTaglines(Runs::scrollSeconds(times)));

@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 // the 3 s between two requests and begin well after one of these, so that each has its share.
 constexpr auto kStartIsOver = 3'600ms;
 constexpr auto kRest = 12s;
-constexpr auto kCycle = 24s; // brand, tagline and their pauses, about
+constexpr auto kCycle = 24s; // of the ordinary taglines, about
 constexpr auto kScrollHasBegun = 18'500ms;
 constexpr auto kSlice = 6s;
 constexpr double kSpareScroll = 3;

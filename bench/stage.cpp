@@ -81,6 +81,29 @@ json stillBrands(const std::string& leftBrand) {
               {{"slotId", "right"}, {"brandName", "Palindrome Tea"}}}}};
 }
 
+namespace {
+
+json withTaglines(const std::string& left, const std::string& right) {
+    const auto creative = [](const char* slot, const char* brand, const std::string& tagline,
+                             const std::string& name) {
+        return json{{"slotId", slot},
+                    {"brandName", brand},
+                    {"copy", tagline},
+                    {"assetUrl", "/assets/" + name + ".png"},
+                    {"brandUrl", "/brands/" + name}};
+    };
+    return {{"creatives",
+             {creative("left", "Quiet Bicycle", left, "quiet-bicycle"),
+              creative("right", "Palindrome Tea", right, "palindrome-tea")}}};
+}
+
+} // namespace
+
+json ordinaryTaglines() {
+    const std::string tagline("Roasted on the quay since 1921");
+    return withTaglines(tagline, tagline);
+}
+
 json longTaglines(double seconds) {
     // No usual font at 12 points needs less than this for a letter of such text, on average.
     constexpr double kPointsPerLetter = 5.5;
@@ -92,16 +115,7 @@ json longTaglines(double seconds) {
     while (tagline.size() < letters) {
         tagline += "Never odd or even: loose-leaf tea. ";
     }
-    const auto creative = [&](const char* slot, const char* brand, const std::string& name) {
-        return json{{"slotId", slot},
-                    {"brandName", brand},
-                    {"copy", tagline},
-                    {"assetUrl", "/assets/" + name + ".png"},
-                    {"brandUrl", "/brands/" + name}};
-    };
-    return {{"creatives",
-             {creative("left", "Quiet Bicycle", "quiet-bicycle"),
-              creative("right", "Palindrome Tea", "palindrome-tea")}}};
+    return withTaglines(tagline, tagline);
 }
 
 } // namespace brimlet

@@ -45,7 +45,7 @@ std::vector<Target> targetsOf(const Findings& findings) {
         targets.end(),
         {{"CPU at rest", 12, cpuAtRest, "ms a minute"},
          {"CPU at rest beside the floor's", 4, ratio(cpuAtRest, of("floor.rest", kCpu)), "times"},
-         {"CPU over whole cycles of the sample brands", 120, of("brimlet.cycles", kCpu),
+         {"CPU over whole cycles, both taglines scrolling", 120, of("brimlet.cycles", kCpu),
           "ms a minute"},
          {"voluntary context switches at rest, all threads", 1,
           of("brimlet.rest", "voluntarySwitchesPerSecond"), "a second"},
