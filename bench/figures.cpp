@@ -56,7 +56,9 @@ Figures figuresOf(const Spent& spent) {
         {"cpuMsPerMinute", (spentCpu(spent.after) - spentCpu(spent.before)) / minutes},
         {"voluntarySwitchesPerSecond", aSecond(spent.before.voluntary, spent.after.voluntary)},
         {"involuntarySwitchesPerSecond",
-         aSecond(spent.before.involuntary, spent.after.involuntary)}};
+         aSecond(spent.before.involuntary, spent.after.involuntary)},
+        {"switchesPerSecond", aSecond(spent.before.voluntary + spent.before.involuntary,
+                                      spent.after.voluntary + spent.after.involuntary)}};
     if (spent.paints) {
         figures["paintsPerMinute"] = aMinute(spent.paints->count);
         figures["pixelsPerMinute"] = aMinute(spent.paints->pixels);
@@ -74,8 +76,8 @@ Figures figuresOf(const Spent& spent) {
             figures["bytesSentPerPoll"] = aPoll(spent.traffic->pollBytesSent);
             figures["bytesReceivedPerPoll"] = aPoll(spent.traffic->pollBytesReceived);
             // One that was opened earlier and kept is one too.
-            figures["pollConnectionsPerHour"] =
-                std::max(1.0, aMinute(spent.traffic->pollConnections) * 60);
+            figures["pollConnections"] =
+                static_cast<double>(std::max<std::int64_t>(1, spent.traffic->pollConnections));
         }
     }
     return figures;

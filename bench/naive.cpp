@@ -78,6 +78,6 @@ int main(int argc, char* argv[]) {
     BrimletApp app({screens, workspace, secrets, http, bundle, clock},
                    {screens, workspace, naiveWindowFactory(primary)},
                    {statusItem, clock, menuWindowFactory(QtScreens::primaryGeometry, environment)});
-    followPanelPower(*HostStore::shared(), realWorkspace);
+    followDesktop(*HostStore::shared(), realWorkspace);
     return app.run();
 }

@@ -71,7 +71,7 @@ void measureProgram(Results& results, const Desktop& desktop, const Places& plac
                     [&](const Row& row) { return runs.rest(row); });
     }
     {
-        const Stage stage(places, "cycles", ordinaryTaglines());
+        const Stage stage(places, "cycles", sampleTaglines());
         results.add(
             "brimlet.cycles", "Brimlet, both taglines in turn with brands",
             [&](const Row& row) { return Runs(desktop, stage, brimlet, times).cycles(row); });
@@ -127,7 +127,7 @@ void measureOthers(Results& results, const Desktop& desktop, const Places& place
                     [&](const Row& row) { return runs.rest(row); });
     }
     {
-        const Stage stage(places, "floor-cycles", ordinaryTaglines());
+        const Stage stage(places, "floor-cycles", sampleTaglines());
         results.add("floor.cycles", "floor, both taglines in turn with brands",
                     [&](const Row& row) { return Runs(desktop, stage, floor, times).cycles(row); });
     }

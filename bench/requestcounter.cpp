@@ -86,7 +86,10 @@ XcbReply<xcb_record_enable_context_reply_t> RequestCounter::next(bool isWaitedFo
     } else {
         xcb_poll_for_reply(m_data.connection(), m_sequence, &reply, &error);
     }
-    std::free(error);
+    if (error != nullptr) {
+        std::free(error);
+        throw Failure("the X server no longer tells what the program asks it for");
+    }
     return XcbReply<xcb_record_enable_context_reply_t>(
         static_cast<xcb_record_enable_context_reply_t*>(reply));
 }

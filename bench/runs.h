@@ -5,6 +5,7 @@
 #include "bench/show.h"
 #include "bench/stage.h"
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -51,6 +52,7 @@ public:
 
 private:
     [[nodiscard]] bool isBuilt(Row& row) const;
+    [[nodiscard]] Spent watched(Show& show, std::chrono::seconds time) const;
     [[nodiscard]] std::vector<std::string> command() const;
 
     const Desktop& m_desktop;

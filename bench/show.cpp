@@ -123,7 +123,11 @@ ProcessFigures Show::figures() {
     if (!m_program->isRunning()) {
         throw Failure("the program ended by itself: " + printed());
     }
-    return readProcessFigures(m_program->id());
+    const ProcessFigures figures = readProcessFigures(m_program->id());
+    if (figures.pssKib == 0 || figures.cpuMilliseconds <= 0 || figures.voluntary == 0) {
+        throw Failure("the kernel does not tell what the program uses");
+    }
+    return figures;
 }
 
 } // namespace brimlet

@@ -99,8 +99,9 @@ json withTaglines(const std::string& left, const std::string& right) {
 
 } // namespace
 
-json ordinaryTaglines() {
-    const std::string tagline("Roasted on the quay since 1921");
+json sampleTaglines() {
+    const std::string tagline(
+        "Never odd or even: loose-leaf tea that tastes the same forwards and backwards");
     return withTaglines(tagline, tagline);
 }
 

@@ -56,9 +56,9 @@ private:
 /// Two brands without taglines, so that nothing moves.
 [[nodiscard]] nlohmann::json stillBrands(const std::string& leftBrand);
 
-/// A scenario with one tagline of usual length for both brands, which scrolls for some 4.6 s: with
-/// brand and pauses a cycle takes about 24 s, the same for both.
-[[nodiscard]] nlohmann::json ordinaryTaglines();
+/// A scenario with the longer of the sample taglines for both brands, which scrolls for some 16 s:
+/// with brand and pauses a cycle takes about 36 s, the same for both.
+[[nodiscard]] nlohmann::json sampleTaglines();
 
 /// A scenario with both taglines so long that they scroll for this many seconds at 22 points a
 /// second.

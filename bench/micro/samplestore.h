@@ -17,12 +17,20 @@ inline const QByteArray kReply = R"({
   "agreed": true, "fromApplications": true,
   "agreementText": "The host shows the week's brands beside the notch. Pay is an estimate."})";
 
-/// Answers every request at once with the same reply.
+/// Answers every request at once, with the same reply or each time with another one.
 class InstantHttpClient final : public HttpClient {
 public:
     QCoro::Task<HttpResult> send(HttpRequest /*request*/) override {
-        co_return HttpReply{200, kReply};
+        m_isOdd = isChanging && !m_isOdd;
+        HttpReply reply{200, m_isOdd ? m_otherReply : kReply};
+        co_return reply;
     }
+
+    bool isChanging = false;
+
+private:
+    bool m_isOdd = false;
+    const QByteArray m_otherReply = QByteArray(kReply).replace("quay", "pier");
 };
 
 class StandingClock final : public Clock {

@@ -58,7 +58,14 @@ void Findings::readMicro(const std::filesystem::path& folder) {
         const ordered_json results = jsonIn(file);
         if (results.is_object() && results.contains("benchmarks")) {
             const ordered_json& benchmarks = results["benchmarks"];
-            m_micro.insert(m_micro.end(), benchmarks.begin(), benchmarks.end());
+            for (const ordered_json& benchmark : benchmarks) {
+                if (!benchmark.value("error_occurred", false)) {
+                    m_micro.push_back(benchmark);
+                } else if (benchmark.value("repetition_index", 0) == 0) {
+                    m_absences.push_back(benchmark.value("name", "") + ": " +
+                                         benchmark.value("error_message", "") + '.');
+                }
+            }
         } else {
             m_absences.push_back("Single steps: " + file.filename().string() +
                                  " is not whole; its benchmark did not end as it should.");
@@ -79,11 +86,6 @@ std::string Findings::nameOf(const std::string& key) const {
     return found == nullptr ? key : found->value("name", key);
 }
 
-std::string Findings::remarkOn(const std::string& key) const {
-    const ordered_json* const found = row(key);
-    return found == nullptr ? "not measured" : found->value("remark", "");
-}
-
 const ordered_json* Findings::row(const std::string& key) const {
     for (const ordered_json& row : m_program["rows"]) {
         if (row.value("key", "") == key) {
@@ -100,6 +102,10 @@ std::optional<double> Findings::figureOf(const std::string& key, const char* kin
         return std::nullopt;
     }
     return (*found)[kind][figure].get<double>();
+}
+
+bool isUsual(const ordered_json& hosts) {
+    return hosts.value("service", "usual") == "usual";
 }
 
 } // namespace brimlet

@@ -20,9 +20,8 @@ public:
                                                const std::string& figure) const;
     [[nodiscard]] std::optional<double> greatest(const std::string& key,
                                                  const std::string& figure) const;
-    /// What a row is called, and why it has no figures; its key and a reason when it is not there.
+    /// What a row is called; its key when it is not there.
     [[nodiscard]] std::string nameOf(const std::string& key) const;
-    [[nodiscard]] std::string remarkOn(const std::string& key) const;
 
     [[nodiscard]] const nlohmann::ordered_json& program() const { return m_program; }
     /// One object for each number of hosts.
@@ -45,5 +44,8 @@ private:
     nlohmann::ordered_json m_micro = nlohmann::ordered_json::array();
     std::vector<std::string> m_absences;
 };
+
+/// Whether a run of many hosts was beside a service with validators and kept connections.
+[[nodiscard]] bool isUsual(const nlohmann::ordered_json& hosts);
 
 } // namespace brimlet

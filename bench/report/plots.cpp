@@ -9,6 +9,8 @@
 namespace brimlet {
 namespace {
 
+using nlohmann::ordered_json;
+
 constexpr const char* kOurs = "#0b7285";
 constexpr const char* kOthers = "#adb5bd";
 constexpr const char* kFleetTitle = "Many hosts in one process";
@@ -41,10 +43,11 @@ std::vector<BarPlot> barPlots() {
             {"cpu-scrolling",
              "CPU while text scrolls: milliseconds a minute",
              "cpuMsPerMinute",
-             {"brimlet.scrolling", "floor.scrolling", "conky.scrolling", "naive.scrolling"}},
+             {"brimlet.scrolling", "floor.scrolling", "conky.scrolling", "conky.scrollingAlone",
+              "naive.scrolling"}},
             {"switches",
-             "Voluntary context switches a second, all threads",
-             "voluntarySwitchesPerSecond",
+             "Context switches a second, all threads",
+             "switchesPerSecond",
              {"brimlet.rest", "brimlet.cycles", "brimlet.scrolling", "floor.rest",
               "floor.scrolling", "libcurl", "polybar", "conky", "tint2", "qlipper", "flameshot",
               "copyq", "kdeconnect-indicator"}}};
@@ -110,7 +113,13 @@ bool writeBarPlot(const Findings& findings, const BarPlot& plot,
 
 /// What a poll and a host cost over the number of hosts: a flat line is what is hoped for.
 bool writeFleetPlot(const Findings& findings, const std::filesystem::path& folder) {
-    if (findings.fleet().size() < 2) {
+    std::vector<ordered_json> numbers;
+    for (const auto& hosts : findings.fleet()) {
+        if (isUsual(hosts)) {
+            numbers.push_back(hosts);
+        }
+    }
+    if (numbers.size() < 2) {
         return false;
     }
     std::ofstream out(folder / "fleet.gp");
@@ -120,7 +129,7 @@ bool writeFleetPlot(const Findings& findings, const std::filesystem::path& folde
         << "set y2tics\nset tmargin 5\nset key at graph 0.5, 1.08 center horizontal\nset grid "
            "ytics "
         << "linecolor rgb \"#e9ecef\"\nset border 11 linecolor rgb \"#868e96\"\n$fleet << END\n";
-    for (const auto& hosts : findings.fleet()) {
+    for (const auto& hosts : numbers) {
         out << hosts.value("hosts", 0) << ' ' << hosts.value("cpuMsPerPoll", 0.0) << ' '
             << hosts.value("kibPerHost", 0.0) << '\n';
     }

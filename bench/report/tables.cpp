@@ -79,14 +79,14 @@ std::string stateTable(const Findings& findings) {
                                           {"dirty MiB", "privateDirtyMib"},
                                           {"threads", "threads"},
                                           {"CPU ms/min", "cpuMsPerMinute"},
-                                          {"switches/s", "voluntarySwitchesPerSecond"},
+                                          {"voluntary switches/s", "voluntarySwitchesPerSecond"},
                                           {"involuntary/s", "involuntarySwitchesPerSecond"},
                                           {"paints/min", "paintsPerMinute"},
                                           {"X requests/min", "xRequestsPerMinute"},
                                           {"X KiB/min", "xKibPerMinute"},
                                           {"sent B/poll", "bytesSentPerPoll"},
                                           {"received B/poll", "bytesReceivedPerPoll"},
-                                          {"connections/h", "pollConnectionsPerHour"}};
+                                          {"connections", "pollConnections"}};
     std::vector<std::string> heads{""};
     for (const Column& column : kColumns) {
         heads.emplace_back(column.head);
@@ -109,7 +109,7 @@ std::string comparisonTable(const Findings& findings) {
     std::string table =
         "\n## Beside others\n\nThe last two columns tell how many times as much Brimlet takes in "
         "the same state.\n\n" +
-        head({"", "PSS MiB", "dirty MiB", "CPU ms/min", "switches/s", "connections/h", "PSS ratio",
+        head({"", "PSS MiB", "dirty MiB", "CPU ms/min", "switches/s", "connections", "PSS ratio",
               "CPU ratio"});
     const auto rowOf = [&](const std::string& key) {
         const auto of = [&](const char* figure) { return findings.median(key, figure); };
@@ -119,9 +119,8 @@ std::string comparisonTable(const Findings& findings) {
                        : textOf(ratio(findings.median(counterpartOf(key), figure), of(figure)));
         };
         return line({findings.nameOf(key), textOf(of("pssMib")), textOf(of("privateDirtyMib")),
-                     textOf(of("cpuMsPerMinute")), textOf(of("voluntarySwitchesPerSecond")),
-                     textOf(of("pollConnectionsPerHour")), beside("pssMib"),
-                     beside("cpuMsPerMinute")});
+                     textOf(of("cpuMsPerMinute")), textOf(of("switchesPerSecond")),
+                     textOf(of("pollConnections")), beside("pssMib"), beside("cpuMsPerMinute")});
     };
     for (const char* key : {"brimlet.rest", "brimlet.cycles", "brimlet.scrolling"}) {
         table += rowOf(key);
@@ -159,15 +158,15 @@ std::string fleetTable(const Findings& findings) {
         return {};
     }
     std::string table = "\n## Many hosts in one process\n\n" +
-                        head({"hosts", "requests/s", "CPU ms/poll", "KiB/host", "p50 ms", "p90 ms",
-                              "p99 ms", "worst ms"});
+                        head({"hosts", "service", "requests/s", "CPU ms/poll", "KiB/host", "p50 ms",
+                              "p90 ms", "p99 ms", "worst ms"});
     for (const ordered_json& hosts : findings.fleet()) {
         const ordered_json latency = hosts.value("latencyMs", ordered_json::object());
-        table +=
-            line({std::to_string(hosts.value("hosts", 0)), numberText(hosts, "requestsPerSecond"),
-                  numberText(hosts, "cpuMsPerPoll"), numberText(hosts, "kibPerHost"),
-                  numberText(latency, "p50"), numberText(latency, "p90"),
-                  numberText(latency, "p99"), numberText(latency, "max")});
+        table += line({std::to_string(hosts.value("hosts", 0)), hosts.value("service", ""),
+                       numberText(hosts, "requestsPerSecond"), numberText(hosts, "cpuMsPerPoll"),
+                       numberText(hosts, "kibPerHost"), numberText(latency, "p50"),
+                       numberText(latency, "p90"), numberText(latency, "p99"),
+                       numberText(latency, "max")});
     }
     return table;
 }

@@ -63,9 +63,9 @@ private Q_SLOTS:
     void aConnectionThatIsKeptIsOne() {
         Spent spent = halfAMinute();
         spent.traffic = {.polls = 10};
-        QCOMPARE(figuresOf(spent).at("pollConnectionsPerHour"), 1.0);
+        QCOMPARE(figuresOf(spent).at("pollConnections"), 1.0);
         spent.traffic->pollConnections = 10;
-        QCOMPARE(figuresOf(spent).at("pollConnectionsPerHour"), 1200.0);
+        QCOMPARE(figuresOf(spent).at("pollConnections"), 10.0);
     }
 
     void theMedianIsTheMiddleOrBetweenTheTwo() {
