@@ -112,7 +112,7 @@ void addCredential(QSet<QString>& claims, const QString& request, const QJsonVal
 /// Whether it has the form of the marks that the placement service gives its replies.
 bool isMark(const QString& text) {
     static const QRegularExpression form(
-        QRegularExpression::anchoredPattern(QStringLiteral("\"[0-9a-f]{16}\"")));
+        QRegularExpression::anchoredPattern(QStringLiteral("W/\"[0-9a-f]{16}\"")));
     return form.match(text).hasMatch();
 }
 

@@ -55,7 +55,9 @@ Incoming incomingOf(const httplib::Request& request) {
         incoming.authorization = request.get_header_value("Authorization");
     }
     incoming.body = request.body;
-    incoming.ifNoneMatch = request.get_header_value("If-None-Match");
+    for (std::size_t i = 0; i < request.get_header_value_count("If-None-Match"); ++i) {
+        incoming.ifNoneMatch += (i > 0 ? "," : "") + request.get_header_value("If-None-Match", i);
+    }
     return incoming;
 }
 
@@ -185,7 +187,7 @@ void HttpServer::send(const Answer& answer, httplib::Response& response) {
     if (currentConnection->endsAfterReply()) {
         response.set_header("Connection", "close");
     }
-    if (reply.status == 304) {
+    if (reply.status == 304 && answer.fault == Fault::None) {
         return;
     }
     if (answer.fault != Fault::Cut) {

@@ -12,15 +12,16 @@ namespace brimlet::placement {
 
 namespace {
 
-/// Of the body alone: the same text has the same tag, also after a restart. FNV-1a, since nobody
+/// Of the body alone: the same text has the same tag, also after a restart. Weak, since the library
+/// may pack the bytes. FNV-1a, since nobody
 /// gains anything here by making two bodies look the same.
 std::string tagOf(const std::string& body) {
     std::uint64_t hash = 0xcbf29ce484222325;
     for (const char byte : body) {
         hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
     }
-    std::array<char, 20> text{};
-    std::snprintf(text.data(), text.size(), "\"%016llx\"", static_cast<unsigned long long>(hash));
+    std::array<char, 24> text{};
+    std::snprintf(text.data(), text.size(), "W/\"%016llx\"", static_cast<unsigned long long>(hash));
     return text.data();
 }
 
@@ -43,10 +44,13 @@ std::string_view trimmed(std::string_view text) {
 /// Whether the tag is in the list of tags between commas. Ours hold no comma; a scenario's that
 /// does is never found, which costs a whole reply.
 bool names(std::string_view list, std::string_view tag) {
+    if (trimmed(list) == "*") {
+        return true;
+    }
     while (!list.empty()) {
         const std::size_t comma = std::min(list.find(','), list.size());
         const std::string_view one = trimmed(list.substr(0, comma));
-        if (one == "*" || withoutMark(one) == withoutMark(tag)) {
+        if (!one.empty() && withoutMark(one) == withoutMark(tag)) {
             return true;
         }
         list.remove_prefix(std::min(comma + 1, list.size()));
