@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/assignment.h"
-#include "host/replyreading.h"
+#include "host/replyreader.h"
 #include "platform/bundle.h"
 #include "platform/clock.h"
 #include "platform/httpclient.h"

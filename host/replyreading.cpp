@@ -115,23 +115,4 @@ ReplyFields readFields(const Json& reply) {
             .right = creativeOfSlot(creatives, QLatin1StringView("right"))};
 }
 
-std::shared_ptr<const ReplyReader::Reading> ReplyReader::read(const QByteArray& body) {
-    // A reply of this size is not worth its memory for as long as the program runs.
-    constexpr qsizetype kLongestKept = qsizetype{64} * 1024;
-    if (m_reading && m_body == body) {
-        return m_reading;
-    }
-    auto reading = std::make_shared<Reading>();
-    if (const auto json = parseJson(body)) {
-        reading->kind = json->is_object() ? ReplyKind::Object : ReplyKind::NotAnObject;
-        if (json->is_object()) {
-            reading->fields = readFields(*json);
-        }
-    }
-    const bool isKept = body.size() <= kLongestKept;
-    m_body = isKept ? body : QByteArray();
-    m_reading = isKept ? reading : nullptr;
-    return reading;
-}
-
 } // namespace brimlet

@@ -6,7 +6,6 @@
 #include <QString>
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -55,28 +54,7 @@ struct ReplyFields final {
     std::optional<SlotCreative> right;
 };
 
+/// All of them at once. Never fails.
 [[nodiscard]] ReplyFields readFields(const Json& reply);
-
-/// What the bytes of a reply amount to.
-enum class ReplyKind {
-    NoJson,
-    NotAnObject, ///< Valid JSON with something else at the top.
-    Object,
-};
-
-/// Reads replies, and remembers the last one: almost every poll brings the same bytes again.
-class ReplyReader final {
-public:
-    struct Reading final {
-        ReplyKind kind = ReplyKind::NoJson;
-        ReplyFields fields; ///< Of an object.
-    };
-
-    [[nodiscard]] std::shared_ptr<const Reading> read(const QByteArray& body);
-
-private:
-    QByteArray m_body;
-    std::shared_ptr<const Reading> m_reading;
-};
 
 } // namespace brimlet

@@ -1,5 +1,5 @@
 #include "host/hoststore.h"
-#include "host/replyreading.h"
+#include "host/replyreader.h"
 
 #include <QDir>
 #include <QFile>
