@@ -8,7 +8,7 @@
 namespace brimlet {
 namespace {
 
-/// Connections kept open between requests, for each tenant.
+/// Connections kept open between requests for each tenant, by all together.
 constexpr long kIdleConnections = 4;
 
 /// 0 where no reply came.
@@ -92,7 +92,6 @@ void CurlEngine::leave(CurlTenant& tenant) {
             cancelled.push_back(
                 {hop.exchange->outcome, hop.exchange->tenant, HttpError::Cancelled});
         }
-        std::erase(m_commons.news, &hop);
         drop(hop);
     }
     --m_tenants;
@@ -147,6 +146,7 @@ void CurlEngine::endHops() {
 
 void CurlEngine::drop(const CurlHop& hop) {
     curl_multi_remove_handle(m_multi.get(), hop.handle());
+    std::erase(m_commons.news, &hop); // libcurl may have had a last word
     m_hops.erase(hop.place);
 }
 

@@ -25,7 +25,7 @@ public:
     CurlEngine(const CurlEngine&) = delete;
     CurlEngine& operator=(const CurlEngine&) = delete;
 
-    /// Every tenant leaves before the engine goes.
+    /// A new tenant. It leaves, once, before the engine goes.
     [[nodiscard]] std::shared_ptr<CurlTenant> join();
     /// The outcome is there at once for a request that cannot be sent.
     [[nodiscard]] Deferred<HttpResult> start(HttpRequest request,

@@ -51,7 +51,9 @@ void CurlHop::setRules(std::chrono::milliseconds timeout) {
     set(CURLOPT_FOLLOWLOCATION, 0L);
     set(CURLOPT_TIMEOUT_MS, toLong(timeout));
     set(CURLOPT_NOSIGNAL, 1L);
-    set(CURLOPT_ADDRESS_SCOPE, m_tenant->scope);
+    if (m_tenant->scope != 0) {
+        set(CURLOPT_ADDRESS_SCOPE, m_tenant->scope);
+    }
     set(CURLOPT_QUICK_EXIT, 1L); // never wait for a hanging name look-up
     set(CURLOPT_BUFFERSIZE, 16L * 1024);
     set(CURLOPT_UPLOAD_BUFFERSIZE, 16L * 1024);

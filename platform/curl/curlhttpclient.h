@@ -27,8 +27,9 @@ public:
     /// or a folder of them, each by its hash, to trust in their place; empty for neither.
     /// Certificates are verified in any case.
     explicit CurlHttpClient(const QByteArray& moreAuthorities = {});
-    /// A client among others of one engine. No connection, kept reply or limit is shared with them,
-    /// and one that goes ends its own requests alone.
+    /// A client among others of one engine. No connection, kept reply or limit of bodies is shared
+    /// with them, only the bound on idle connections is common; one that goes ends its own requests
+    /// alone.
     explicit CurlHttpClient(std::shared_ptr<CurlEngine> engine);
     ~CurlHttpClient() override;
     CurlHttpClient(const CurlHttpClient&) = delete;
