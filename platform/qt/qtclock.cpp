@@ -6,7 +6,8 @@
 
 namespace brimlet {
 
-/// One that is late ticks once and goes on from there.
+/// A timer of a QtClock: an entry in its queue that enters itself anew with each tick. One that is
+/// late ticks once and goes on from there.
 class QtRepeatingTimer final : public RepeatingTimer {
 public:
     QtRepeatingTimer(QtClock& clock, std::chrono::nanoseconds interval, std::function<void()> tick)
@@ -59,7 +60,8 @@ QCoro::Task<> QtClock::sleep(std::chrono::nanoseconds duration, std::stop_token 
     const Deferred<bool> wake;
     // As good as for ever, and far from where the sum would turn round.
     constexpr std::chrono::nanoseconds kLongest = std::chrono::hours(100 * 365 * 24);
-    const Key key = enter(uptime() + std::min(duration, kLongest), [wake] { wake.resolve(true); });
+    const Key key = enter(uptime() + std::clamp(duration, std::chrono::nanoseconds(0), kLongest),
+                          [wake] { wake.resolve(true); });
     const std::stop_callback onStop(stop, [wake] { wake.resolve(false); });
     const auto isAlive = m_isAlive;
     const bool isOver = co_await wake;
@@ -83,7 +85,6 @@ void QtClock::remove(const Key& key) {
 /// Each is taken out just before its turn: one may remove another, or enter one that is due at
 /// once, which waits for the next turn of the loop.
 void QtClock::actOnThoseDue() {
-    m_isActing = true;
     const Key end(uptime(), m_nextNumber);
     const auto isAlive = m_isAlive;
     while (*isAlive && !m_due.empty() && m_due.begin()->first < end) {
@@ -91,7 +92,6 @@ void QtClock::actOnThoseDue() {
         action();
     }
     if (*isAlive) {
-        m_isActing = false;
         startTimer();
     }
 }
@@ -99,9 +99,6 @@ void QtClock::actOnThoseDue() {
 /// For what is due first. What is due later than a timer can run is looked at again.
 void QtClock::startTimer() {
     constexpr std::chrono::milliseconds kLongestTimer = std::chrono::hours(24 * 24);
-    if (m_isActing) {
-        return;
-    }
     if (m_due.empty()) {
         m_timer.stop();
         return;

@@ -44,7 +44,6 @@ private:
 
     std::map<Key, std::function<void()>> m_due;
     std::uint64_t m_nextNumber = 0;
-    bool m_isActing = false; ///< The timer is set once, when all that was due has been done.
     std::chrono::nanoseconds m_timerEnd{}; ///< When the timer that runs will end.
     QTimer m_timer;
     std::shared_ptr<bool> m_isAlive = std::make_shared<bool>(true);
