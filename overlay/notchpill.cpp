@@ -79,7 +79,8 @@ QRect NotchPill::lineBox() const {
 }
 
 QRegion NotchPill::capsule() const {
-    if (m_capsule.boundingRect().size() != size()) {
+    if (m_capsuleSize != size()) {
+        m_capsuleSize = size();
         m_capsule = QRegion(capsulePath(QRectF(rect())).toFillPolygon().toPolygon());
     }
     return m_capsule.translated(pos());

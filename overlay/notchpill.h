@@ -56,6 +56,7 @@ private:
     CarRadioLine m_line;
     // The capsule's shape at the pill's own origin, and its picture: made once for each size.
     mutable QRegion m_capsule;
+    mutable QSize m_capsuleSize;
     QImage m_ground;
 };
 

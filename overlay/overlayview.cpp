@@ -94,6 +94,9 @@ void OverlayView::updateRegions() {
 }
 
 void OverlayView::resizeEvent(QResizeEvent* /*event*/) {
+    if (m_isRebuildDue) {
+        m_parts.reset(); // the row is placed by what the runtime says by now
+    }
     placeRow();
 }
 
