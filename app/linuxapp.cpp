@@ -12,6 +12,7 @@
 #include "platform/linux/x11.h"
 #include "platform/linux/x11menuwindow.h"
 #include "platform/linux/x11overlaywindow.h"
+#include "platform/linux/x11watch.h"
 
 #include <QApplication>
 #include <QSessionManager>
@@ -153,7 +154,7 @@ void askRunningProgram(const SingleInstance& instance, InstanceRequest request) 
     std::quick_exit(answer == SingleInstance::Answer::Done ? 0 : 1);
 }
 
-void followPanelPower(const HostStore& store, LinuxWorkspace& workspace) {
+void followDesktop(const HostStore& store, LinuxWorkspace& workspace) {
     // Once for the many changes of one reply, and after them: what is found may change the store.
     QObject::connect(&store, &HostStore::objectWillChange, &workspace,
                      [&workspace, isDue = std::make_shared<bool>(false)] {
@@ -163,6 +164,7 @@ void followPanelPower(const HostStore& store, LinuxWorkspace& workspace) {
                                  [&workspace, isDue] {
                                      *isDue = false;
                                      workspace.checkPanelPower();
+                                     X11Watch::shared().look();
                                  },
                                  Qt::QueuedConnection);
                          }

@@ -46,8 +46,9 @@ void obeyRequests(const SingleInstance& instance, BrimletApp& app);
 /// been asked, else with a line on stderr and 1.
 [[noreturn]] void askRunningProgram(const SingleInstance& instance, InstanceRequest request);
 
-/// Has the workspace look at the built-in panel's power after each change of the store: every reply
-/// and every failed request is one, so that happens every few seconds anyway.
-void followPanelPower(const HostStore& store, LinuxWorkspace& workspace);
+/// Has the workspace look at the built-in panel's power, and the watch at what other programs did
+/// on the screen, after each change of the store: every reply and every failed request is one, so
+/// that happens every few seconds anyway.
+void followDesktop(const HostStore& store, LinuxWorkspace& workspace);
 
 } // namespace brimlet

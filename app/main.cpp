@@ -53,6 +53,6 @@ int main(int argc, char* argv[]) {
         {screens, workspace, overlayWindowFactory(QtScreens::primaryGeometry, environment)},
         {statusItem, clock, menuWindowFactory(QtScreens::primaryGeometry, environment)});
     obeyRequests(instance, app);
-    followPanelPower(*HostStore::shared(), workspace);
+    followDesktop(*HostStore::shared(), workspace);
     return app.run();
 }

@@ -114,6 +114,6 @@ int main(int argc, char* argv[]) {
     if (commandLine.isConsoleWanted) {
         console = std::make_unique<SimulatorConsole>(app, cachesFolder, reduceMotion);
     }
-    followPanelPower(*HostStore::shared(), realWorkspace);
+    followDesktop(*HostStore::shared(), realWorkspace);
     return app.run();
 }

@@ -1,35 +1,31 @@
 #include "platform/linux/x11.h"
 
-#include <QGuiApplication>
+#include "platform/linux/xcbowners.h"
 
 #include <xcb/shape.h>
 #include <xcb/xcb.h>
 
-#include <cstdlib>
-#include <memory>
 #include <string_view>
 
 namespace brimlet::x11 {
 namespace {
 
-struct Free {
-    void operator()(void* reply) const { std::free(reply); } // NOLINT(*-no-malloc)
-};
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, Free>;
-
 xcb_connection_t* connection() {
-    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 == nullptr ? nullptr : x11->connection();
+    return xcbConnectionOfQt();
 }
 
 xcb_atom_t atomNamed(xcb_connection_t* x, std::string_view name) {
     const auto cookie = xcb_intern_atom(x, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(x, cookie, nullptr));
+    const XcbOwned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(x, cookie, nullptr));
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
-// The selection of screen 0, the only one that desktops use today.
+// The selections of screen 0, the only one that desktops use today.
+
+xcb_atom_t compositorSelection(xcb_connection_t* x) {
+    static const xcb_atom_t atom = atomNamed(x, "_NET_WM_CM_S0");
+    return atom;
+}
 
 xcb_atom_t traySelection(xcb_connection_t* x) {
     static const xcb_atom_t atom = atomNamed(x, "_NET_SYSTEM_TRAY_S0");
@@ -38,7 +34,7 @@ xcb_atom_t traySelection(xcb_connection_t* x) {
 
 bool hasOwner(xcb_connection_t* x, xcb_atom_t selection) {
     const auto cookie = xcb_get_selection_owner(x, selection);
-    const Owned<xcb_get_selection_owner_reply_t> reply(
+    const XcbOwned<xcb_get_selection_owner_reply_t> reply(
         xcb_get_selection_owner_reply(x, cookie, nullptr));
     return reply && reply->owner != XCB_WINDOW_NONE;
 }
@@ -67,6 +63,11 @@ void setInputShape(WId window, const std::vector<QRect>& rectangles) {
                          static_cast<xcb_window_t>(window), 0, 0,
                          static_cast<std::uint32_t>(shape.size()), shape.data());
     xcb_flush(x);
+}
+
+bool hasCompositor() {
+    xcb_connection_t* const x = connection();
+    return x == nullptr || hasOwner(x, compositorSelection(x));
 }
 
 void activate(WId window) {

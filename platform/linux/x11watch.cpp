@@ -1,41 +1,20 @@
 #include "platform/linux/x11watch.h"
 
-#include <QGuiApplication>
+#include "platform/linux/x11.h"
+#include "platform/linux/xcbowners.h"
 
-#include <xcb/xcb.h>
-#include <xcb/xfixes.h>
-
-#include <cstdlib>
 #include <string_view>
 
+#include <xcb/xfixes.h>
+
 namespace brimlet {
-namespace {
-
-struct Free {
-    void operator()(void* reply) const { std::free(reply); } // NOLINT(*-no-malloc)
-};
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, Free>;
-
-/// The program's own connection; null where its windows are not the X server's.
-xcb_connection_t* connectionOfTheProgram() {
-    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 == nullptr ? nullptr : x11->connection();
-}
-
-} // namespace
-
-void X11Watch::Disconnect::operator()(xcb_connection_t* connection) const {
-    xcb_disconnect(connection);
-}
-
 X11Watch& X11Watch::shared() {
     static X11Watch watch;
     return watch;
 }
 
 X11Watch::X11Watch() {
-    xcb_connection_t* const program = connectionOfTheProgram();
+    xcb_connection_t* const program = xcbConnectionOfQt();
     if (program == nullptr) {
         return;
     }
@@ -59,8 +38,8 @@ X11Watch::X11Watch() {
     const auto versionCookie =
         xcb_xfixes_query_version(x, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
     const xcb_query_extension_reply_t* const fixes = xcb_get_extension_data(x, &xcb_xfixes_id);
-    const Owned<xcb_intern_atom_reply_t> name(xcb_intern_atom_reply(x, nameCookie, nullptr));
-    const Owned<xcb_xfixes_query_version_reply_t> version(
+    const XcbOwned<xcb_intern_atom_reply_t> name(xcb_intern_atom_reply(x, nameCookie, nullptr));
+    const XcbOwned<xcb_xfixes_query_version_reply_t> version(
         xcb_xfixes_query_version_reply(x, versionCookie, nullptr));
     if (!name || !version || fixes == nullptr) {
         m_connection.reset();
@@ -73,9 +52,14 @@ X11Watch::X11Watch() {
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
     // Asked after having been told to listen, so that no change falls between.
-    const Owned<xcb_get_selection_owner_reply_t> owner(
+    const XcbOwned<xcb_get_selection_owner_reply_t> owner(
         xcb_get_selection_owner_reply(x, xcb_get_selection_owner(x, compositor), nullptr));
     m_hasCompositor = owner && owner->owner != XCB_WINDOW_NONE;
+}
+
+std::uint64_t X11Watch::othersArrangement() {
+    look();
+    return m_othersArrangement;
 }
 
 std::uint64_t X11Watch::arrangement() {
@@ -85,36 +69,49 @@ std::uint64_t X11Watch::arrangement() {
 
 bool X11Watch::hasCompositor() {
     look();
-    return m_hasCompositor;
+    return m_connection ? m_hasCompositor : x11::hasCompositor();
 }
 
 void X11Watch::look() {
-    if (!m_connection) {
-        ++m_arrangement;
-        return;
-    }
-    const auto isOwn = [this](xcb_window_t window) {
-        return (window & m_ownWindowsMask) == m_ownWindows;
-    };
-    constexpr std::uint8_t kSentByClient = 0x80;
-    while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(m_connection.get())}) {
-        const int type = event->response_type & ~kSentByClient;
-        // NOLINTBEGIN(*-reinterpret-cast): X's way
-        if (type == XCB_MAP_NOTIFY || type == XCB_CONFIGURE_NOTIFY || type == XCB_REPARENT_NOTIFY ||
-            type == XCB_CIRCULATE_NOTIFY) {
-            // All four name the window at the same place.
-            const auto* const change = reinterpret_cast<xcb_map_notify_event_t*>(event.get());
-            if (!isOwn(change->window)) {
-                ++m_arrangement;
-            }
-        } else if (type == m_firstFixesEvent + XCB_XFIXES_SELECTION_NOTIFY) {
-            // The only selection that was asked for.
-            const auto* const owned =
-                reinterpret_cast<xcb_xfixes_selection_notify_event_t*>(event.get());
-            m_hasCompositor = owned->owner != XCB_WINDOW_NONE;
+    while (m_connection) {
+        const XcbOwned<xcb_generic_event_t> event(xcb_poll_for_event(m_connection.get()));
+        if (event) {
+            note(*event);
+        } else if (xcb_connection_has_error(m_connection.get()) == 0) {
+            return;
+        } else {
+            m_connection.reset();
         }
-        // NOLINTEND(*-reinterpret-cast)
     }
+    ++m_arrangement;
+    ++m_othersArrangement;
+}
+
+void X11Watch::note(const xcb_generic_event_t& event) {
+    constexpr std::uint8_t kSentByClient = 0x80;
+    const int type = event.response_type & ~kSentByClient;
+    // NOLINTBEGIN(*-reinterpret-cast): X's way
+    if (type == XCB_MAP_NOTIFY || type == XCB_CONFIGURE_NOTIFY || type == XCB_REPARENT_NOTIFY ||
+        type == XCB_CIRCULATE_NOTIFY) {
+        ++m_arrangement;
+        // All four name the window at the same place.
+        const xcb_window_t window = reinterpret_cast<const xcb_map_notify_event_t&>(event).window;
+        const bool isOwn = (window & m_ownWindowsMask) == m_ownWindows;
+        // Nothing here sends a window to the back.
+        const bool isAtTheBack =
+            type == XCB_CONFIGURE_NOTIFY &&
+            reinterpret_cast<const xcb_configure_notify_event_t&>(event).above_sibling ==
+                XCB_WINDOW_NONE;
+        if (!isOwn || isAtTheBack) {
+            ++m_othersArrangement;
+        }
+    } else if (type == m_firstFixesEvent + XCB_XFIXES_SELECTION_NOTIFY) {
+        // The only selection that was asked for.
+        m_hasCompositor =
+            reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event).owner !=
+            XCB_WINDOW_NONE;
+    }
+    // NOLINTEND(*-reinterpret-cast)
 }
 
 } // namespace brimlet

@@ -27,9 +27,11 @@ void NotchWindow::place(const std::optional<Rect>& notch, const QRectF& primary)
     }
     setGeometry(toQt(*notch, primary).toRect());
     show();
+    raise();
 }
 
 void NotchWindow::bringForward() {
+    // The overlay's own coming forward counts, too. Coming forward once more changes nothing.
     if (std::exchange(m_arrangement, X11Watch::shared().arrangement()) != m_arrangement) {
         raise();
     }
