@@ -54,6 +54,7 @@ void setInputShape(WId window, const std::vector<QRect>& rectangles) {
         return;
     }
     std::vector<xcb_rectangle_t> shape;
+    shape.reserve(rectangles.size());
     for (const QRect& each : rectangles) {
         shape.push_back({static_cast<std::int16_t>(each.x()), static_cast<std::int16_t>(each.y()),
                          static_cast<std::uint16_t>(each.width()),
