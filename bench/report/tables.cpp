@@ -192,7 +192,7 @@ std::string microTable(const Findings& findings) {
     if (findings.micro().empty()) {
         return {};
     }
-    std::string table = "\n## Single steps\n\n" + head({"", "CPU", "allocations"});
+    std::string table = "\n## Single steps\n\n" + head({"", "CPU", "slowest ms", "allocations"});
     for (const ordered_json& benchmark : findings.micro()) {
         const bool isAggregate = benchmark.value("run_type", "") == "aggregate";
         if (isAggregate ? benchmark.value("aggregate_name", "") == "median"
@@ -200,7 +200,7 @@ std::string microTable(const Findings& findings) {
             table +=
                 line({benchmark.value("run_name", benchmark.value("name", "")),
                       numberText(benchmark, "cpu_time") + ' ' + benchmark.value("time_unit", ""),
-                      numberText(benchmark, "allocations")});
+                      numberText(benchmark, "slowest ms"), numberText(benchmark, "allocations")});
         }
     }
     return table;
