@@ -8,6 +8,7 @@
 #include <xcb/xfixes.h>
 
 namespace brimlet {
+
 X11Watch& X11Watch::shared() {
     static X11Watch watch;
     return watch;
