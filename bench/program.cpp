@@ -1,9 +1,10 @@
 // Runs the simulated program in the present X session in all its ways, and then, one after another,
 // what it is compared with: the least program that does the job by hand, an empty window, the same
 // program with a naive picture, a bare poll, and what is there of other people's programs. Each is
-// measured five times; with --quick once, to see that it works.
-//   bench-program [--quick] FOLDER_WITH_PROGRAMS MACHINE_FILE FOLDER_WITH_PEERS_SETTINGS
-//   RESULT_FILE
+// measured five times; with --quick once, to see that it works. With --only just those rows whose
+// key has the text in it, e.g. "scrolling".
+//   bench-program [--quick] [--only TEXT] FOLDER_WITH_PROGRAMS MACHINE_FILE
+//   FOLDER_WITH_PEERS_SETTINGS RESULT_FILE
 // Not linked with Qt, so that it shares none of its memory with what it measures.
 
 #include "bench/failure.h"
@@ -153,21 +154,34 @@ void measureOthers(Results& results, const Desktop& desktop, const Places& place
 } // namespace
 
 int main(int argc, char* argv[]) {
-    const bool isQuick = argc > 1 && std::string_view(argv[1]) == "--quick";
-    const std::vector<std::string> given(argv + (isQuick ? 2 : 1), argv + argc);
+    std::vector<std::string> given(argv + 1, argv + argc);
+    const auto take = [&given] {
+        std::string first = given.front();
+        given.erase(given.begin());
+        return first;
+    };
+    constexpr int kTimes = 5;
+    int times = kTimes;
+    std::string only;
+    if (!given.empty() && given.front() == "--quick") {
+        take();
+        times = 1;
+    }
+    if (given.size() > 1 && given.front() == "--only") {
+        take();
+        only = take();
+    }
     if (given.size() != 4) {
-        std::fputs("usage: bench-program [--quick] FOLDER_WITH_PROGRAMS MACHINE_FILE "
+        std::fputs("usage: bench-program [--quick] [--only TEXT] FOLDER_WITH_PROGRAMS MACHINE_FILE "
                    "FOLDER_WITH_PEERS_SETTINGS RESULT_FILE\n",
                    stderr);
         return 2;
     }
-    constexpr int kTimes = 5;
-    const int times = isQuick ? 1 : kTimes;
     try {
         const Scratch scratch;
         const Places places{given[0], given[1], given[2], scratch.path()};
         const Desktop desktop;
-        Results results(given[3]);
+        Results results(given[3], only);
         measureProgram(results, desktop, places, times);
         measureOthers(results, desktop, places, times);
         if (results.failures() > 0) {

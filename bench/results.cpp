@@ -34,6 +34,9 @@ void print(const Row& row) {
 
 void Results::add(const std::string& key, const std::string& name,
                   const std::function<Row(Row)>& measure) {
+    if (key.find(m_only) == std::string::npos) {
+        return;
+    }
     const Row empty{.key = key, .name = name};
     try {
         m_rows.push_back(measure(empty));

@@ -21,8 +21,10 @@ struct Row final {
 /// keeps the file up to date.
 class Results final {
 public:
-    explicit Results(std::filesystem::path file)
-        : m_file(std::move(file)) {}
+    /// Of the rows only those whose key has the text in it are measured.
+    explicit Results(std::filesystem::path file, std::string only = {})
+        : m_file(std::move(file))
+        , m_only(std::move(only)) {}
 
     /// Measures a row; a failure becomes its remark.
     void add(const std::string& key, const std::string& name,
@@ -37,6 +39,7 @@ private:
     void write() const;
 
     std::filesystem::path m_file;
+    std::string m_only;
     std::string m_qtVersion;
     std::vector<Row> m_rows;
     int m_failures = 0;
