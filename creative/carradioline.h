@@ -67,6 +67,8 @@ public:
     /// Fills the box, in the painter's coordinates, which are whole pixels of the screen. Whatever
     /// was there is replaced.
     void paint(QPainter& painter, const QRect& box);
+    /// Moves a scrolling text to where it is due by now, without a word. Whether that is elsewhere.
+    bool catchUp() { return m_scroll.catchUp(); }
     /// The rows of the box that a step of a scroll changes, in points from its top.
     [[nodiscard]] std::pair<int, int> rowsOfText() const { return m_rowsOfText; }
 

@@ -33,6 +33,7 @@ void PixelScroll::start(double distance, double speed) {
     m_distance = distance;
     m_speed = speed;
     m_stop = std::stop_source();
+    m_start = m_clock.uptime();
     startTask(run(m_stop.get_token()));
 }
 
@@ -42,16 +43,25 @@ void PixelScroll::reset() {
     m_elapsed = {};
 }
 
+bool PixelScroll::catchUp() {
+    if (m_distance == 0) {
+        return false;
+    }
+    const int before = pixels();
+    m_elapsed = m_clock.uptime() - m_start;
+    return pixels() != before;
+}
+
 QCoro::Task<> PixelScroll::run(std::stop_token stop) {
-    const auto start = m_clock.uptime();
     while (pixels() < allPixels()) {
-        const auto due = start + timeOf(pixels() + 1);
+        const auto due = m_start + timeOf(pixels() + 1);
         co_await m_clock.sleep(due - m_clock.uptime(), stop);
         if (stop.stop_requested()) {
             co_return;
         }
-        m_elapsed = m_clock.uptime() - start;
-        m_moved();
+        if (catchUp()) {
+            m_moved();
+        }
     }
 }
 

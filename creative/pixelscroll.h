@@ -23,6 +23,8 @@ public:
 
     /// Pixels to a point, from the next step on.
     void setDevicePixelRatio(double ratio) { m_devicePixelRatio = ratio; }
+    /// Moves to where it is due by now, without a word. Whether that is another pixel.
+    bool catchUp();
     /// How far it has come, in pixels of the screen.
     [[nodiscard]] int pixels() const;
 
@@ -37,6 +39,7 @@ private:
     double m_devicePixelRatio = 1;
     double m_distance = 0;
     double m_speed = 0;
+    std::chrono::nanoseconds m_start{}; ///< Of the clock.
     std::chrono::nanoseconds m_elapsed{};
     std::stop_source m_stop;
 };

@@ -189,6 +189,22 @@ private Q_SLOTS:
         QCOMPARE(places, (QList<int>{3, 6, 9, 12, 15, 18, 21, 22}));
     }
 
+    void whatHasCaughtUpDoesNotMoveAgain() {
+        BusyClock clock;
+        QList<int> places;
+        PixelScroll scroll(clock, [&] { places << scroll.pixels(); });
+        QVERIFY(!scroll.catchUp()); // nothing moves yet
+        scroll.start(1, 22);
+        clock.advance(40ms);
+        QVERIFY(!scroll.catchUp());
+        clock.advance(20ms); // the pixel was due at 45 and comes at 145
+        QVERIFY(scroll.catchUp());
+        QCOMPARE(scroll.pixels(), 1);
+        QVERIFY(!scroll.catchUp());
+        clock.advance(1s);
+        QCOMPARE(places, QList<int>());
+    }
+
     void aChangeOfScaleWhileScrollingKeepsThePlace() {
         LineFixture f(60);
         f.clock.advance(17600ms + 1s);
