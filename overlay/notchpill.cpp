@@ -17,6 +17,31 @@ constexpr int kHorizontalPadding = 7;
 constexpr int kSpacing = 5;
 constexpr int kMarkSize = 16;
 
+/// As long as it lives, a painter paints in whole pixels of the screen, whatever its scale: sharp
+/// edges, plain copies.
+class PixelSpace final {
+public:
+    /// The painter is untransformed.
+    explicit PixelSpace(QPainter& painter)
+        : m_painter(painter)
+        , m_toScreen(painter.deviceTransform()) {
+        painter.setWorldTransform(m_toScreen.inverted());
+    }
+    ~PixelSpace() { m_painter.setWorldTransform({}); }
+    PixelSpace(const PixelSpace&) = delete;
+    PixelSpace& operator=(const PixelSpace&) = delete;
+
+    [[nodiscard]] QRect of(const QRect& box) const {
+        return snapped(m_toScreen.mapRect(QRectF(box)));
+    }
+    /// Pixels of what is painted on to a point.
+    [[nodiscard]] double devicePixelRatio() const { return m_toScreen.m11(); }
+
+private:
+    QPainter& m_painter;
+    QTransform m_toScreen;
+};
+
 CarRadioStyle lineStyle() {
     return {.font = NotchFont::pill(),
             .color = Qt::white,
@@ -37,10 +62,7 @@ NotchPill::NotchPill(const CreativeEnvironment& environment, QWidget* parent)
     setAttribute(Qt::WA_OpaquePaintEvent);
     connect(&m_mark, &CreativeMark::changed, this, qOverload<>(&QWidget::update));
     connect(&m_line, &CarRadioLine::changed, this, [this] { update(lineBox()); });
-    connect(&m_line, &CarRadioLine::moved, this, [this] {
-        const auto [first, end] = m_line.rowsOfText();
-        repaint(lineBox().x(), lineBox().y() + first, lineBox().width(), end - first);
-    });
+    connect(&m_line, &CarRadioLine::moved, this, &NotchPill::moved);
 }
 
 void NotchPill::setCreative(const std::optional<SlotCreative>& creative, bool isClickable) {
@@ -78,6 +100,12 @@ QRect NotchPill::lineBox() const {
     return {x, kFree, width() - x - kHorizontalPadding, height() - 2 * kFree};
 }
 
+QRect NotchPill::movingBox() const {
+    const QRect box = lineBox();
+    const auto [first, end] = m_line.rowsOfText();
+    return QRect(box.x(), box.y() + first, box.width(), end - first).translated(pos());
+}
+
 QRegion NotchPill::capsule() const {
     if (m_capsuleSize != size()) {
         m_capsuleSize = size();
@@ -96,18 +124,18 @@ QString NotchPill::destination() const {
 
 void NotchPill::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    // From here on in whole pixels of the screen, whatever its scale: sharp edges, plain copies.
-    const QTransform toScreen = painter.deviceTransform();
-    const auto onScreen = [&](const QRect& box) { return snapped(toScreen.mapRect(QRectF(box))); };
-    painter.setWorldTransform(toScreen.inverted());
-    const double ratio = toScreen.m11(); // pixels of what is painted on to a point
-
     if (!lineBox().contains(event->rect())) {
-        paintGround(painter, onScreen(rect()), ratio);
-        m_mark.paint(painter, onScreen(markBox()), ratio);
+        const PixelSpace pixels(painter);
+        paintGround(painter, pixels.of(rect()), pixels.devicePixelRatio());
+        m_mark.paint(painter, pixels.of(markBox()), pixels.devicePixelRatio());
     }
-    m_line.setDevicePixelRatio(ratio);
-    m_line.paint(painter, onScreen(lineBox()));
+    paintLine(painter, {});
+}
+
+void NotchPill::paintLine(QPainter& painter, QPoint origin) {
+    const PixelSpace pixels(painter);
+    m_line.setDevicePixelRatio(pixels.devicePixelRatio());
+    m_line.paint(painter, pixels.of(lineBox().translated(origin)));
 }
 
 void NotchPill::paintGround(QPainter& painter, const QRect& box, double devicePixelRatio) {

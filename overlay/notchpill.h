@@ -22,6 +22,12 @@ public:
 
     [[nodiscard]] const std::optional<SlotCreative>& creative() const { return m_creative; }
     [[nodiscard]] bool isClickable() const { return m_isClickable; }
+    /// What a step of its scrolling text changes, in the parent's coordinates.
+    [[nodiscard]] QRect movingBox() const;
+    /// Moves a scrolling text to where it is due by now, without a word. Whether that is elsewhere.
+    bool catchUp() { return isVisible() && m_line.catchUp(); }
+    /// Paints the line alone. The pill's origin in the painter's untransformed coordinates.
+    void paintLine(QPainter& painter, QPoint origin);
     /// The capsule's shape in the parent's coordinates.
     [[nodiscard]] QRegion capsule() const;
     /// What a screen reader says.
@@ -34,6 +40,8 @@ public:
 Q_SIGNALS:
     /// The creative that it shows was clicked, by pointer or by a screen reader.
     void clicked();
+    /// The text has moved on by a step, which is for the receiver to paint.
+    void moved();
 
 protected:
     void paintEvent(QPaintEvent* event) override;

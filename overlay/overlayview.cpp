@@ -4,7 +4,11 @@
 #include "overlay/overlaylayout.h"
 #include "overlay/pillaccessibility.h"
 
+#include <QBackingStore>
+#include <QPainter>
+
 #include <utility>
+#include <vector>
 
 namespace brimlet {
 namespace {
@@ -21,9 +25,10 @@ OverlayView::OverlayView(OverlayRuntime& runtime, const CreativeEnvironment& env
     , m_right(new NotchPill(environment, this)) {
     describePillsToScreenReaders();
     connect(&runtime, &OverlayRuntime::objectWillChange, this, &OverlayView::runtimeWillChange);
-    for (const NotchPill* const each : {m_left, m_right}) {
+    for (NotchPill* const each : {m_left, m_right}) {
         connect(each, &NotchPill::clicked, this,
                 [this, each] { m_runtime.open(each->creative()); });
+        connect(each, &NotchPill::moved, this, [this, each] { paintStep(*each); });
     }
     rebuild();
 }
@@ -91,6 +96,35 @@ void OverlayView::updateRegions() {
         m_painted = painted;
         Q_EMIT regionsChanged();
     }
+}
+
+/// Straight into the window's pixels, and both texts when both are due, so that the display server
+/// is sent one message. A step by `repaint()` takes a third more instructions, 22 times a second.
+void OverlayView::paintStep(NotchPill& moved) {
+    QBackingStore* const store = backingStore();
+    const QWidget* const top = window();
+    if (!moved.isVisible() || store == nullptr || store->size() != top->size()) {
+        return; // as a whole it is still to be painted
+    }
+    NotchPill& other = &moved == m_left ? *m_right : *m_left;
+    std::vector<NotchPill*> pills{&moved};
+    if (other.catchUp()) {
+        pills.push_back(&other);
+    }
+    const QPoint origin = mapTo(top, QPoint());
+    QRegion region;
+    for (const NotchPill* const each : pills) {
+        region += each->movingBox().translated(origin);
+    }
+    store->beginPaint(region);
+    {
+        QPainter painter(store->paintDevice());
+        for (NotchPill* const each : pills) {
+            each->paintLine(painter, origin + each->pos());
+        }
+    }
+    store->endPaint();
+    store->flush(region, top->windowHandle());
 }
 
 void OverlayView::resizeEvent(QResizeEvent* /*event*/) {

@@ -14,7 +14,7 @@ class NotchPill;
 
 /// The overlay's picture: a pill on either side of a gap of the notch's size. It draws the runtime
 /// and repaints at most once per turn of the event loop, and not at all when nothing it draws
-/// changed.
+/// changed. A step of a scrolling text is painted at once.
 class OverlayView final : public QWidget {
     Q_OBJECT
 
@@ -50,6 +50,7 @@ private:
     static void pill(NotchPill& view, const std::optional<SlotCreative>& creative);
     void placeRow();
     void updateRegions();
+    void paintStep(NotchPill& moved);
 
     OverlayRuntime& m_runtime;
     NotchPill* m_left;

@@ -4,6 +4,7 @@
 #include "tests/support/hostfixture.h"
 
 #include <QScreen>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace brimlet;
@@ -17,6 +18,38 @@ const QByteArray kReply =
     "{\"slotId\":\"right\",\"brandName\":\"Right\",\"tagline\":\"A tagline much too wide for "
     "it\"}]}";
 
+/// A view whose two taglines begin to scroll at this moment.
+struct ScrollFixture final {
+    ScrollFixture() {
+        host.http.answer(QStringLiteral("/api/display"), 200, kReply);
+        startTask(store->refreshDisplay());
+        // As the window of the capsules is.
+        view.setAttribute(Qt::WA_TranslucentBackground);
+        view.resize(428, 40);
+        view.show();
+        (void)QTest::qWaitForWindowExposed(&view);
+        // An odd width of the notch puts the right pill on an odd point.
+        runtime.apply(*store, 185, 32);
+        QCoreApplication::processEvents();
+        host.clock.advance(17600ms);
+        QCoreApplication::processEvents();
+    }
+
+    [[nodiscard]] const NotchPill& left() const { return *view.findChildren<NotchPill*>().at(0); }
+    [[nodiscard]] const NotchPill& right() const { return *view.findChildren<NotchPill*>().at(1); }
+    [[nodiscard]] QImage onScreen() const {
+        return view.screen()->grabWindow(view.winId()).toImage();
+    }
+
+    FakeCachesFolder caches;
+    FakeReduceMotion reduceMotion;
+    HostFixture host;
+    CreativeImageCache images{{host.http, caches}, 1};
+    std::shared_ptr<HostStore> store = host.makeStore();
+    OverlayRuntime runtime{host.workspace};
+    OverlayView view{runtime, {images, host.clock, reduceMotion}};
+};
+
 } // namespace
 
 /// What a scroll leaves on screen at the scale of the environment, step by step, against the same
@@ -24,41 +57,34 @@ const QByteArray kReply =
 class TestScrollTraces final : public QObject {
     Q_OBJECT
 
-    FakeCachesFolder m_caches;
-    FakeReduceMotion m_reduceMotion;
-    HostFixture m_host;
-    CreativeImageCache m_images{{m_host.http, m_caches}, 1};
-
-    static QImage onScreen(OverlayView& view) {
-        return view.screen()->grabWindow(view.winId()).toImage();
-    }
-
 private Q_SLOTS:
     void aStepPaintsAllThatItChanges() {
-        const auto store = m_host.makeStore();
-        m_host.http.answer(QStringLiteral("/api/display"), 200, kReply);
-        startTask(store->refreshDisplay());
-        OverlayRuntime runtime(m_host.workspace);
-        OverlayView view(runtime, {m_images, m_host.clock, m_reduceMotion});
-        view.resize(428, 40);
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
-        // An odd width of the notch puts the right pill on an odd point.
-        runtime.apply(*store, 185, 32);
-        QCoreApplication::processEvents();
-        m_host.clock.advance(17600ms);
-        QCoreApplication::processEvents();
-        const auto* const left = view.findChildren<NotchPill*>().at(0);
+        ScrollFixture f;
         QImage before;
         for (int step = 0; step < 25; ++step) {
-            m_host.clock.advance(46ms);
-            const QImage stepped = onScreen(view);
+            f.host.clock.advance(46ms);
+            const QImage stepped = f.onScreen();
             QVERIFY(stepped != before);
             before = stepped;
-            view.repaint();
-            QCOMPARE(stepped, onScreen(view));
+            f.view.repaint();
+            QCOMPARE(stepped, f.onScreen());
         }
-        QVERIFY(left->line().offsetOnScreen() <= -20);
+        QVERIFY(f.left().line().offsetOnScreen() <= -20);
+    }
+
+    void textsThatMoveAtOnceArePaintedTogether() {
+        ScrollFixture f;
+        f.host.clock.advance(100ms);
+        const QSignalSpy left(&f.left(), &NotchPill::moved);
+        const QSignalSpy right(&f.right(), &NotchPill::moved);
+        const int start = f.left().line().offsetOnScreen();
+        QCOMPARE(f.right().line().offsetOnScreen(), start);
+        f.host.clock.advance(500ms);
+        const int steps = start - f.left().line().offsetOnScreen();
+        QVERIFY(steps >= 10);
+        QCOMPARE(f.right().line().offsetOnScreen(), start - steps);
+        // Whichever is woken first takes the other one along, each time.
+        QCOMPARE(left.count() + right.count(), steps);
     }
 };
 
