@@ -47,26 +47,27 @@ void CurlEngine::allowConnections() {
 Deferred<HttpResult> CurlEngine::start(HttpRequest request, std::shared_ptr<CurlTenant> tenant) {
     auto exchange = std::make_unique<CurlExchange>(std::move(request), std::move(tenant));
     Deferred<HttpResult> outcome = exchange->outcome;
+    CurlUrl address = curlAddress(exchange->request.url);
     if (exchange->tenant->isGone) {
         outcome.resolve(HttpError::Cancelled);
-    } else if (!isSendable(exchange->request) || !curlAddress(exchange->request.url)) {
+    } else if (!isSendable(exchange->request) || !address) {
         outcome.resolve(HttpError::BadRequest);
     } else {
         exchange->memo = exchange->tenant->replies.recall(exchange->request);
-        startHop(std::move(exchange));
+        startHop(std::move(exchange), std::move(address));
     }
     return outcome;
 }
 
-void CurlEngine::startHop(std::unique_ptr<CurlExchange> exchange) {
+void CurlEngine::startHop(std::unique_ptr<CurlExchange> exchange, CurlUrl address) {
     const std::chrono::milliseconds left(exchange->deadline.remainingTime());
     if (left.count() == 0) {
         finish(*exchange, HttpError::TimedOut);
         return;
     }
     const HttpRequest request = exchange->hopRequest();
-    auto hop = std::make_unique<CurlHop>(request, curlAddress(request.url), left, m_commons,
-                                         exchange->tenant);
+    auto hop =
+        std::make_unique<CurlHop>(request, std::move(address), left, m_commons, exchange->tenant);
     if (!hop->isReady() || curl_multi_add_handle(m_multi.get(), hop->handle()) != CURLM_OK) {
         finish(*exchange, HttpError::Unreachable);
         return;
@@ -158,9 +159,12 @@ void CurlEngine::settle(std::unique_ptr<CurlExchange> exchange, HttpResult resul
     }
     result = tenant.replies.settled(exchange->memo, std::move(result), head.validators());
     const auto* const reply = std::get_if<HttpReply>(&result);
-    if (reply != nullptr && !tenant.isGone && exchange->redirect(reply->status, head.location()) &&
-        !tenant.isGone) {
-        startHop(std::move(exchange));
+    CurlUrl target;
+    if (reply != nullptr && !tenant.isGone) {
+        target = exchange->redirect(reply->status, head.location());
+    }
+    if (target && !tenant.isGone) { // the rule may have dropped the client
+        startHop(std::move(exchange), std::move(target));
     } else {
         finish(*exchange, std::move(result));
     }

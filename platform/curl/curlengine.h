@@ -49,7 +49,7 @@ private:
     using Outcomes = std::deque<Outcome>;
     using Hops = std::list<std::unique_ptr<CurlHop>>;
 
-    void startHop(std::unique_ptr<CurlExchange> exchange);
+    void startHop(std::unique_ptr<CurlExchange> exchange, CurlUrl address);
     void act(curl_socket_t socket, int events);
     void collect();
     void endHops();

@@ -33,15 +33,16 @@ bool isSendable(const HttpRequest& request) {
            });
 }
 
-bool CurlExchange::redirect(int status, const QByteArray& location) {
+CurlUrl CurlExchange::redirect(int status, const QByteArray& location) {
     const bool isRedirect =
         status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
     if (!isRedirect || hopsLeft == 0 || !request.mayFollow) {
-        return false;
+        return nullptr;
     }
     const auto target = redirectTarget(request.url, location);
-    if (!target || !curlAddress(*target) || !request.mayFollow(request.url, *target)) {
-        return false;
+    CurlUrl address = target ? curlAddress(*target) : nullptr;
+    if (!address || !request.mayFollow(request.url, *target)) {
+        return nullptr;
     }
     --hopsLeft;
     memo = {};
@@ -54,7 +55,7 @@ bool CurlExchange::redirect(int status, const QByteArray& location) {
     if (!isSameOrigin(origin, *target)) {
         removeHeader(request, "Authorization");
     }
-    return true;
+    return address;
 }
 
 HttpRequest CurlExchange::hopRequest() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/curl/curlhandles.h"
 #include "platform/curl/curltenant.h"
 #include "platform/deferred.h"
 #include "platform/httpclient.h"
@@ -22,9 +23,9 @@ struct CurlExchange final {
         , origin(request.url)
         , deadline(std::min<std::chrono::milliseconds>(request.timeout, std::chrono::hours(24))) {}
 
-    /// Makes `request` the one that the redirect asks for. False, with nothing changed, when the
-    /// reply is no redirect or one that is not to be followed.
-    [[nodiscard]] bool redirect(int status, const QByteArray& location);
+    /// Makes `request` the one that the redirect asks for, and tells its address. Null, with
+    /// nothing changed, when the reply is no redirect or one that is not to be followed.
+    [[nodiscard]] CurlUrl redirect(int status, const QByteArray& location);
     /// The request with the question that goes to its first address, if any.
     [[nodiscard]] HttpRequest hopRequest() const;
 
