@@ -102,12 +102,37 @@ Outcome parseOnce(std::string_view text) {
     return outcome;
 }
 
-/// Whether the whole text is one well-formed number too large for a double.
+/// Whether the whole text is one number as JSON writes them, however large.
+bool isNumber(std::string_view text) {
+    const auto skip = [&text](std::string_view characters, std::size_t most) {
+        const auto count = std::min({text.find_first_not_of(characters), text.size(), most});
+        text.remove_prefix(count);
+        return count > 0;
+    };
+    const auto skipDigits = [&skip] { return skip("0123456789", std::string_view::npos); };
+    skip("-", 1);
+    if (!skip("0", 1) && !skipDigits()) {
+        return false;
+    }
+    if (skip(".", 1) && !skipDigits()) {
+        return false;
+    }
+    if (skip("eE", 1)) {
+        skip("+-", 1);
+        if (!skipDigits()) {
+            return false;
+        }
+    }
+    return text.empty();
+}
+
+/// Whether the whole text is one well-formed number too large for a double. (Not by from_chars,
+/// which macOS does not have for doubles.)
 bool isHugeNumber(std::string_view text) {
-    double value = 0;
-    const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
-    return read.ec == std::errc::result_out_of_range && read.ptr == text.data() + text.size() &&
-           parseOnce(text).isNumberTooLarge;
+    constexpr std::size_t kDigitsOfLargest = 309;
+    const bool mayBe =
+        text.size() >= kDigitsOfLargest || text.find_first_of("eE") != std::string_view::npos;
+    return mayBe && isNumber(text) && parseOnce(text).isNumberTooLarge;
 }
 
 /// Writes each number beyond the range of a double as a fraction that no field accepts. Text in
