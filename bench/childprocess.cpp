@@ -1,6 +1,6 @@
 #include "bench/childprocess.h"
 
-#include "bench/failure.h"
+#include "tests/support/failure.h"
 
 #include <cstring>
 #include <fstream>

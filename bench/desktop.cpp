@@ -1,6 +1,6 @@
 #include "bench/desktop.h"
 
-#include "bench/failure.h"
+#include "tests/support/failure.h"
 
 #include <algorithm>
 #include <span>

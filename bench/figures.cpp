@@ -61,7 +61,6 @@ Figures figuresOf(const Spent& spent) {
                                       spent.after.voluntary + spent.after.involuntary)}};
     if (spent.paints) {
         figures["paintsPerMinute"] = aMinute(spent.paints->count);
-        figures["pixelsPerMinute"] = aMinute(spent.paints->pixels);
     }
     if (spent.xRequests) {
         figures["xRequestsPerMinute"] = aMinute(spent.xRequests->count);

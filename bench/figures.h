@@ -30,7 +30,6 @@ struct XRequests final {
 /// What a window was painted.
 struct Paints final {
     std::int64_t count = 0;
-    std::int64_t pixels = 0; ///< What they covered, in sum.
 };
 
 /// What a program spent in a while; absent is what nobody counted.

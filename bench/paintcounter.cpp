@@ -1,7 +1,7 @@
 #include "bench/paintcounter.h"
 
 #include "bench/desktop.h"
-#include "bench/failure.h"
+#include "tests/support/failure.h"
 
 #include <utility>
 
@@ -70,7 +70,6 @@ void PaintCounter::add(const xcb_damage_notify_event_t& rectangle) {
         ++m_paints.count;
     }
     m_lastTime = rectangle.timestamp;
-    m_paints.pixels += std::int64_t{rectangle.area.width} * rectangle.area.height;
 }
 
 } // namespace brimlet

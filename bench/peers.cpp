@@ -1,6 +1,6 @@
 #include "bench/peers.h"
 
-#include "bench/failure.h"
+#include "tests/support/failure.h"
 
 #include <algorithm>
 #include <fstream>

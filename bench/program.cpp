@@ -7,10 +7,10 @@
 //   FOLDER_WITH_PEERS_SETTINGS RESULT_FILE
 // Not linked with Qt, so that it shares none of its memory with what it measures.
 
-#include "bench/failure.h"
 #include "bench/peers.h"
 #include "bench/runs.h"
 #include "bench/stage.h"
+#include "tests/support/failure.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "bench/relay.h"
 
-#include "bench/failure.h"
+#include "tests/support/failure.h"
 
 #include <array>
 #include <utility>

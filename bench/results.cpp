@@ -1,7 +1,7 @@
 #include "bench/results.h"
 
-#include "bench/failure.h"
 #include "bench/machinefacts.h"
+#include "tests/support/failure.h"
 
 #include <algorithm>
 #include <cstdio>

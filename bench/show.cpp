@@ -1,9 +1,9 @@
 #include "bench/show.h"
 
 #include "bench/desktop.h"
-#include "bench/failure.h"
 #include "bench/requestcounter.h"
 #include "bench/stage.h"
+#include "tests/support/failure.h"
 
 #include <algorithm>
 #include <fstream>

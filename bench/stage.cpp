@@ -1,6 +1,6 @@
 #include "bench/stage.h"
 
-#include "bench/failure.h"
+#include "tests/support/failure.h"
 
 #include <fstream>
 

@@ -1,9 +1,9 @@
 #include "tests/soak/day.h"
 
-#include "tests/soak/failure.h"
 #include "tests/soak/programuse.h"
 #include "tests/soak/progress.h"
 #include "tests/soak/requesttimes.h"
+#include "tests/support/failure.h"
 
 #include <QDir>
 

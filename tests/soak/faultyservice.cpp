@@ -1,8 +1,8 @@
 #include "tests/soak/faultyservice.h"
 
-#include "tests/soak/failure.h"
 #include "tests/soak/programuse.h"
 #include "tests/soak/progress.h"
+#include "tests/support/failure.h"
 #include "tests/support/faultserverprocess.h"
 #include "tests/support/pngbytes.h"
 #include "tests/support/sessionfolders.h"

@@ -1,6 +1,6 @@
 #include "tests/soak/day.h"
-#include "tests/soak/failure.h"
 #include "tests/soak/faultyservice.h"
+#include "tests/support/failure.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

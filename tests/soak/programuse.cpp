@@ -1,6 +1,6 @@
 #include "tests/soak/programuse.h"
 
-#include "tests/soak/failure.h"
+#include "tests/support/failure.h"
 #include "tests/support/memoryuse.h"
 
 #include <QDir>

@@ -4,8 +4,7 @@
 
 namespace brimlet {
 
-/// Something could not be measured; `what()` says what. Ends the benchmark, which ends its
-/// programs.
+/// A program that measures or soaks cannot go on; `what()` says why.
 class Failure final : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
