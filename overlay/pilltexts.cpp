@@ -21,13 +21,18 @@ QString spokenTextOf(const SlotCreative& creative) {
     return parts.isEmpty() ? toolTipOf(creative).trimmed() : parts.join(QStringLiteral(", "));
 }
 
-QString asPlainToolTip(const QString& text) {
+QString shortToolTip(const QString& text) {
     constexpr qsizetype kLongest = 120;
     QString line = singleLine(text, kLongest);
     if (line.size() < text.size()) {
         line += QChar(0x2026);
     }
-    // Tooltips guess whether a text is markup. This one is, and all it holds is the text.
+    return line;
+}
+
+QString asPlainToolTip(const QString& text) {
+    const QString line = shortToolTip(text);
+    // Qt's tooltips guess whether a text is markup. This one is, and all it holds is the text.
     return line.isEmpty() ? line
                           : QStringLiteral("<span style='white-space:pre'>%1</span>")
                                 .arg(line.toHtmlEscaped());

@@ -12,7 +12,10 @@ namespace brimlet {
 /// with a picture alone where it leads to.
 [[nodiscard]] QString spokenTextOf(const SlotCreative& creative);
 
-/// The text so that a tooltip shows it as written, on one line of bearable length.
+/// The text on one line of a length that suits a tooltip, with an ellipsis where it was cut.
+[[nodiscard]] QString shortToolTip(const QString& text);
+
+/// The same so that a tooltip of Qt's shows it as written.
 [[nodiscard]] QString asPlainToolTip(const QString& text);
 
 } // namespace brimlet

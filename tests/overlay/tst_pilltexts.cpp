@@ -38,6 +38,22 @@ private Q_SLOTS:
         QTEST(toolTipOf(creative(QStringLiteral("Acme"), {}, link)), "text");
     }
 
+    void aShortTooltipIsOneLineOfBearableLength_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("shown");
+        const QString longest(120, u'x');
+        QTest::newRow("a host") << QStringLiteral("brand.test") << QStringLiteral("brand.test");
+        QTest::newRow("markup stays") << QStringLiteral("<b>A</b>") << QStringLiteral("<b>A</b>");
+        QTest::newRow("line break") << QStringLiteral("a\nb") << QStringLiteral("a b");
+        QTest::newRow("as long as may be") << longest << longest;
+        QTest::newRow("longer") << longest + u'y' << longest + QChar(0x2026);
+        QTest::newRow("nothing") << QString() << QString();
+    }
+    void aShortTooltipIsOneLineOfBearableLength() {
+        QFETCH(QString, text);
+        QTEST(shortToolTip(text), "shown");
+    }
+
     void aTooltipShowsTextAsWritten_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("inside");
