@@ -27,4 +27,18 @@ int BrimletApp::run() {
     return QCoreApplication::exec();
 }
 
+void BrimletApp::obey(InstanceRequest request) {
+    switch (request) {
+    case InstanceRequest::Open:
+        m_menuBarExtra.open();
+        break;
+    case InstanceRequest::Pause:
+        m_store->pause24h();
+        break;
+    case InstanceRequest::Quit:
+        QCoreApplication::quit();
+        break;
+    }
+}
+
 } // namespace brimlet

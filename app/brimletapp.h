@@ -4,6 +4,7 @@
 #include "app/menubarextra.h"
 #include "host/hoststore.h"
 #include "overlay/overlaycontroller.h"
+#include "platform/instancerequest.h"
 
 #include <memory>
 
@@ -18,6 +19,9 @@ public:
 
     /// Launches and runs the main loop until the program is asked to quit; returns its exit code.
     [[nodiscard]] int run();
+
+    /// Does what another start of the program asks of this one.
+    void obey(InstanceRequest request);
 
     [[nodiscard]] const std::shared_ptr<HostStore>& store() const { return m_store; }
     [[nodiscard]] MenuBarExtra& menuBarExtra() { return m_menuBarExtra; }

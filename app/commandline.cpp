@@ -11,6 +11,31 @@ void print(FILE* stream, const QString& text) {
     std::fputs(text.toUtf8().constData(), stream);
 }
 
+QString nameOf(Program program) {
+    return program == Program::Simulator ? QStringLiteral("brimlet-simulator")
+                                         : QStringLiteral("brimlet");
+}
+
+QString optionsOf(Program program) {
+    switch (program) {
+    case Program::Mac:
+        return QStringLiteral("[--pause | --quit | --self-test | --help | --version]");
+    case Program::Simulator:
+        return QStringLiteral("--machine FILE [--console]");
+    case Program::Linux:
+        break;
+    }
+    return QStringLiteral("[--pause | --quit | --help | --version]");
+}
+
+/// When a program that was downloaded is opened for the first time, a Mac may name its process to
+/// it: "-psn_0_12345".
+QStringList withoutTheSystems(QStringList arguments) {
+    arguments.removeIf(
+        [](const QString& argument) { return argument.startsWith(QStringLiteral("-psn_")); });
+    return arguments;
+}
+
 } // namespace
 
 QStringList argumentsOf(int argc, char* argv[]) {
@@ -21,8 +46,10 @@ QStringList argumentsOf(int argc, char* argv[]) {
     return arguments;
 }
 
-std::optional<int> readCommandLine(const QStringList& arguments, bool isSimulator,
+std::optional<int> readCommandLine(const QStringList& arguments, Program program,
                                    CommandLine& commandLine) {
+    const bool isSimulator = program == Program::Simulator;
+    const bool isMac = program == Program::Mac;
     QCommandLineParser parser;
     parser.setApplicationDescription(
         isSimulator ? QStringLiteral("Runs Brimlet on a machine described in a file.")
@@ -42,28 +69,30 @@ std::optional<int> readCommandLine(const QStringList& arguments, bool isSimulato
         QStringLiteral("Have the running program pause ads for 24 hours."));
     const QCommandLineOption quit(QStringLiteral("quit"),
                                   QStringLiteral("Have the running program quit."));
+    const QCommandLineOption selfTest(
+        QStringLiteral("self-test"),
+        QStringLiteral("Tell what the overlay panel and the screens are like, and end."));
     parser.addOptions({help, version});
-    parser.addOptions(isSimulator ? QList{machine, console} : QList{pause, quit});
-    const bool isParsed = parser.parse(arguments);
-    const QString program =
-        isSimulator ? QStringLiteral("brimlet-simulator") : QStringLiteral("brimlet");
-    const QString usage =
-        isSimulator
-            ? QStringLiteral("Usage: %1 --machine FILE [--console]\n").arg(program)
-            : QStringLiteral("Usage: %1 [--pause | --quit | --help | --version]\n").arg(program);
-    const auto refuse = [&](const QString& complaint) {
-        print(stderr, QStringLiteral("%1: %2\n%3").arg(program, complaint, usage));
+    parser.addOptions(isSimulator ? QList{machine, console}
+                      : isMac     ? QList{pause, quit, selfTest}
+                                  : QList{pause, quit});
+    const bool isParsed = parser.parse(isMac ? withoutTheSystems(arguments) : arguments);
+    const auto refuse = [program](const QString& complaint) {
+        print(stderr, QStringLiteral("%1: %2\nUsage: %1 %3\n")
+                          .arg(nameOf(program), complaint, optionsOf(program)));
         return 2;
     };
     if (!isParsed) {
         return refuse(parser.errorText());
     }
     if (parser.isSet(help)) {
-        print(stdout, parser.helpText().replace(QStringLiteral("<executable_name>"), program));
+        print(stdout,
+              parser.helpText().replace(QStringLiteral("<executable_name>"), nameOf(program)));
         return 0;
     }
     if (parser.isSet(version)) {
-        print(stdout, QStringLiteral("%1 %2\n").arg(program, QStringLiteral(BRIMLET_VERSION)));
+        print(stdout,
+              QStringLiteral("%1 %2\n").arg(nameOf(program), QStringLiteral(BRIMLET_VERSION)));
         return 0;
     }
     if (!parser.positionalArguments().isEmpty()) {
@@ -78,15 +107,31 @@ std::optional<int> readCommandLine(const QStringList& arguments, bool isSimulato
         }
         return std::nullopt;
     }
-    if (parser.isSet(pause) && parser.isSet(quit)) {
-        return refuse(QStringLiteral("Either --pause or --quit, not both."));
+    commandLine.isSelfTestWanted = isMac && parser.isSet(selfTest);
+    const bool isPause = parser.isSet(pause);
+    const bool isQuit = parser.isSet(quit);
+    if (int(isPause) + int(isQuit) + int(commandLine.isSelfTestWanted) > 1) {
+        return refuse(QStringLiteral("One request at a time."));
     }
-    if (parser.isSet(pause)) {
+    if (isPause) {
         commandLine.request = InstanceRequest::Pause;
-    } else if (parser.isSet(quit)) {
+    } else if (isQuit) {
         commandLine.request = InstanceRequest::Quit;
     }
     return std::nullopt;
+}
+
+std::optional<int> exitCodeOf(InstanceClaim claim) {
+    switch (claim) {
+    case InstanceClaim::First:
+        return std::nullopt;
+    case InstanceClaim::Second:
+        return 0;
+    case InstanceClaim::NoAnswer:
+        break;
+    }
+    std::fputs(kNoAnswer, stderr);
+    return 1;
 }
 
 } // namespace brimlet

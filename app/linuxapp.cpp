@@ -1,6 +1,7 @@
 #include "app/linuxapp.h"
 
 #include "app/brimletapp.h"
+#include "app/commandline.h"
 #include "menu/hostmenuview.h"
 #include "menu/menuscroll.h"
 #include "overlay/overlayview.h"
@@ -8,11 +9,11 @@
 #include "platform/linux/silentbuses.h"
 #include "platform/linux/singleinstance.h"
 #include "platform/linux/startmemory.h"
-#include "platform/linux/unixsignals.h"
 #include "platform/linux/x11.h"
 #include "platform/linux/x11menuwindow.h"
 #include "platform/linux/x11overlaywindow.h"
 #include "platform/linux/x11watch.h"
+#include "platform/qt/unixsignals.h"
 
 #include <QApplication>
 #include <QSessionManager>
@@ -36,8 +37,6 @@ void setForQt(const char* name, const QByteArray& value) {
     environmentBefore[name] = qgetenv(name);
     qputenv(name, value);
 }
-
-constexpr const char* kNoAnswer = "brimlet: Brimlet is running already but does not answer.\n";
 
 /// The browser that a click starts should find the user's own settings.
 void restoreEnvironment() {
@@ -113,33 +112,9 @@ MenuWindowFactory menuWindowFactory(const std::function<QRectF()>& primaryGeomet
     };
 }
 
-std::optional<int> claimSession(SingleInstance& instance) {
-    switch (instance.claim()) {
-    case SingleInstance::Claim::First:
-        return std::nullopt;
-    case SingleInstance::Claim::Second:
-        return 0;
-    case SingleInstance::Claim::NoAnswer:
-        break;
-    }
-    std::fputs(kNoAnswer, stderr);
-    return 1;
-}
-
 void obeyRequests(const SingleInstance& instance, BrimletApp& app) {
-    QObject::connect(&instance, &SingleInstance::requested, qApp, [&app](InstanceRequest request) {
-        switch (request) {
-        case InstanceRequest::Open:
-            app.menuBarExtra().open();
-            break;
-        case InstanceRequest::Pause:
-            app.store()->pause24h();
-            break;
-        case InstanceRequest::Quit:
-            QCoreApplication::quit();
-            break;
-        }
-    });
+    QObject::connect(&instance, &SingleInstance::requested, qApp,
+                     [&app](InstanceRequest request) { app.obey(request); });
 }
 
 void askRunningProgram(const SingleInstance& instance, InstanceRequest request) {

@@ -3,7 +3,7 @@
 #include "app/menubarextra.h"
 #include "creative/creativeenvironment.h"
 #include "overlay/overlaypanel.h"
-#include "platform/linux/freedesktopapplication.h"
+#include "platform/instancerequest.h"
 
 #include <QRectF>
 
@@ -34,10 +34,6 @@ overlayWindowFactory(const std::function<QRectF()>& primaryGeometry,
 /// main loop.
 [[nodiscard]] MenuWindowFactory menuWindowFactory(const std::function<QRectF()>& primaryGeometry,
                                                   const CreativeEnvironment& environment);
-
-/// Makes this the session's one running program. With an exit code the program ends: another one
-/// runs and has opened its panel, or does not answer, which is said on stderr.
-[[nodiscard]] std::optional<int> claimSession(SingleInstance& instance);
 
 /// Has the application do what is asked of it over the desktop.
 void obeyRequests(const SingleInstance& instance, BrimletApp& app);

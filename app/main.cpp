@@ -19,7 +19,8 @@ int main(int argc, char* argv[]) {
     using namespace brimlet;
 
     CommandLine commandLine;
-    if (const auto exitCode = readCommandLine(argumentsOf(argc, argv), false, commandLine)) {
+    if (const auto exitCode =
+            readCommandLine(argumentsOf(argc, argv), Program::Linux, commandLine)) {
         return *exitCode;
     }
     SingleInstance instance(QStringLiteral("app.brimlet.host"));
@@ -32,7 +33,7 @@ int main(int argc, char* argv[]) {
     }
     const QApplication application(argc, argv);
     configureLinuxApplication();
-    if (const auto exitCode = claimSession(instance)) {
+    if (const auto exitCode = exitCodeOf(instance.claim())) {
         return *exitCode;
     }
 

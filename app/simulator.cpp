@@ -46,7 +46,8 @@ void drawNotch(NotchWindow& window, const Machine& machine, const Screens& scree
 
 int main(int argc, char* argv[]) {
     CommandLine commandLine;
-    if (const auto exitCode = readCommandLine(argumentsOf(argc, argv), true, commandLine)) {
+    if (const auto exitCode =
+            readCommandLine(argumentsOf(argc, argv), Program::Simulator, commandLine)) {
         return *exitCode;
     }
     const auto say = [](const QString& complaint) {
@@ -66,7 +67,7 @@ int main(int argc, char* argv[]) {
     configureLinuxApplication();
     // A name of its own, so that it does not keep the user's own Brimlet from running.
     SingleInstance instance(QStringLiteral("app.brimlet.host.Simulator"));
-    if (const auto exitCode = claimSession(instance)) {
+    if (const auto exitCode = exitCodeOf(instance.claim())) {
         return *exitCode;
     }
 

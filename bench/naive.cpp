@@ -42,7 +42,8 @@ OverlayWindowFactory naiveWindowFactory(const std::function<QRectF()>& primaryGe
 
 int main(int argc, char* argv[]) {
     CommandLine commandLine;
-    if (const auto exitCode = readCommandLine(argumentsOf(argc, argv), true, commandLine)) {
+    if (const auto exitCode =
+            readCommandLine(argumentsOf(argc, argv), Program::Simulator, commandLine)) {
         return *exitCode;
     }
     if (!prepareLinuxApplication()) {

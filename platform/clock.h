@@ -25,7 +25,8 @@ public:
     /// Wall-clock time. It jumps when the user or the network sets the clock.
     [[nodiscard]] virtual TimePoint now() const = 0;
 
-    /// Time passed since some moment before the program began. Monotonic: it never jumps.
+    /// Time passed since some moment before the program began. Monotonic: it never jumps, and it
+    /// stands still while the machine sleeps.
     [[nodiscard]] virtual std::chrono::nanoseconds uptime() const = 0;
 
     /// Calls `tick` every `interval`, for the first time after one interval. Monotonic: a jump of

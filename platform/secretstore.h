@@ -22,7 +22,9 @@ class SecretStore {
 public:
     virtual ~SecretStore() = default;
 
-    /// Answers within two seconds, never prompts, and sees every earlier `remove` and `add`.
+    /// Answers within two seconds and sees every earlier `remove` and `add`. Where the system
+    /// itself asks the user before it hands an item out, its question may show, and stays on the
+    /// screen when the time is over; what is called meanwhile waits behind it.
     [[nodiscard]] virtual SecretResult read(const QString& service, const QString& account) = 0;
 
     /// Takes away every item of that name. Returns at once; a failure is ignored.

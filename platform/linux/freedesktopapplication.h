@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/instancerequest.h"
+
 #include <QDBusAbstractAdaptor>
 #include <QStringList>
 #include <QVariantMap>
@@ -7,13 +9,6 @@
 #include <functional>
 
 namespace brimlet {
-
-/// What the desktop and other starts of the program may ask of the one that runs.
-enum class InstanceRequest {
-    Open,  ///< Open the panel.
-    Pause, ///< Pause ads for 24 hours.
-    Quit,
-};
 
 /// The interface by which desktops start programs and press their menu entries. It hands out
 /// nothing.

@@ -1,7 +1,12 @@
 #include "platform/linux/libsecretstore.h"
 
+#include "platform/linux/glibowners.h"
 #include "platform/linux/secretservice.h"
-#include "platform/linux/serialworker.h"
+#include "platform/qt/serialworker.h"
+
+#include <functional>
+#include <stop_token>
+#include <utility>
 
 namespace brimlet {
 namespace {
@@ -11,6 +16,17 @@ constexpr std::chrono::milliseconds readingTime(1500);
 
 [[nodiscard]] SecretItemName itemName(const QString& service, const QString& account) {
     return {service.toUtf8(), account.toUtf8()};
+}
+
+/// A job that makes a call of the Secret Service's.
+[[nodiscard]] SerialWorker::Job jobOf(std::function<void(GCancellable*)> call) {
+    return [call = std::move(call)](const std::stop_token& stop) {
+        const GOwnContext context;
+        const GObjectPtr<GCancellable> cancellable(g_cancellable_new());
+        const std::stop_callback onStop(
+            stop, [&cancellable] { g_cancellable_cancel(cancellable.get()); });
+        call(cancellable.get());
+    };
 }
 
 } // namespace
@@ -24,11 +40,11 @@ SecretResult LibsecretStore::read(const QString& service, const QString& account
     using Answer = std::variant<SecretValuePtr, SecretError>;
     const auto deadline = std::chrono::steady_clock::now() + readingTime;
     const auto answer = std::make_shared<Answer>(SecretError::Unavailable);
-    const bool isInTime = m_worker->run(
-        [answer, name = itemName(service, account)](GCancellable* cancellable) {
-            *answer = secretservice::find(name, cancellable);
-        },
-        deadline);
+    const bool isInTime =
+        m_worker->run(jobOf([answer, name = itemName(service, account)](GCancellable* cancellable) {
+                          *answer = secretservice::find(name, cancellable);
+                      }),
+                      deadline);
     if (!isInTime) {
         return SecretError::TimedOut;
     }
@@ -41,9 +57,9 @@ SecretResult LibsecretStore::read(const QString& service, const QString& account
 }
 
 void LibsecretStore::remove(const QString& service, const QString& account) {
-    m_worker->post([name = itemName(service, account)](GCancellable* cancellable) {
+    m_worker->post(jobOf([name = itemName(service, account)](GCancellable* cancellable) {
         secretservice::clear(name, cancellable);
-    });
+    }));
 }
 
 void LibsecretStore::add(const QString& service, const QString& account, const QByteArray& value) {
@@ -51,9 +67,9 @@ void LibsecretStore::add(const QString& service, const QString& account, const Q
     const std::shared_ptr<SecretValue> kept(
         secret_value_new(value.constData(), value.size(), "application/octet-stream"),
         SecretValueUnref());
-    m_worker->post([name = itemName(service, account), kept](GCancellable* cancellable) {
+    m_worker->post(jobOf([name = itemName(service, account), kept](GCancellable* cancellable) {
         secretservice::store(name, kept.get(), cancellable);
-    });
+    }));
 }
 
 } // namespace brimlet

@@ -1,6 +1,6 @@
 #include "platform/linux/qtscreens.h"
 
-#include "platform/linux/desktopgeometry.h"
+#include "platform/qt/desktopgeometry.h"
 
 #include <QGuiApplication>
 #include <QScreen>

@@ -1,6 +1,6 @@
 #include "platform/linux/singleinstance.h"
 
-#include "platform/linux/unixsignals.h"
+#include "platform/linux/freedesktopapplication.h"
 #include "platform/linux/xdgcachesfolder.h"
 
 #include <QCoreApplication>
@@ -11,11 +11,7 @@
 #include <QDir>
 #include <QFile>
 
-#include <cerrno>
-#include <csignal>
-
-#include <fcntl.h>
-#include <unistd.h>
+#include <utility>
 
 namespace brimlet {
 namespace {
@@ -23,56 +19,57 @@ namespace {
 /// Milliseconds within which a program that is alive answers.
 constexpr int kPatience = 3000;
 
-int signalOf(InstanceRequest request) {
-    switch (request) {
-    case InstanceRequest::Pause:
-        return SIGUSR2;
-    case InstanceRequest::Quit:
-        return SIGTERM;
-    case InstanceRequest::Open:
-        break;
-    }
-    return SIGUSR1;
+/// Empty where the session has none.
+QString runtimeFolder() {
+    const QString folder = QFile::decodeName(qgetenv("XDG_RUNTIME_DIR"));
+    return folder.startsWith(u'/') ? folder : QString();
 }
 
-struct flock wholeFile() {
-    struct flock lock {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    return lock;
+QString lockFile(const QString& name) {
+    const QString folder = runtimeFolder();
+    return QDir(folder.isEmpty() ? *XdgCachesFolder().path() : folder)
+        .filePath(name + QStringLiteral(".lock"));
 }
 
 } // namespace
 
 SingleInstance::SingleInstance(QString name)
-    : m_name(std::move(name)) {}
-
-SingleInstance::Claim SingleInstance::claim() {
-    // First, so that one who finds the lock held does not end its holder.
-    catchSignals();
-    const bool hasBus = QDBusConnection::sessionBus().isConnected();
-    // The one that runs may end just when it is asked; then this one takes over.
-    constexpr int kAttempts = 3;
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        if (hasBus ? ownName() : lock()) {
-            return Claim::First;
-        }
-        const Answer answer = ask(InstanceRequest::Open);
-        if (answer != Answer::Nobody) {
-            return answer == Answer::Done ? Claim::Second : Claim::NoAnswer;
-        }
-    }
-    return Claim::NoAnswer;
+    : m_name(std::move(name))
+    , m_lock(lockFile(m_name)) {
+    connect(&m_lock, &InstanceLock::requested, this, &SingleInstance::requested);
 }
 
-void SingleInstance::catchSignals() {
-    for (const InstanceRequest request : {InstanceRequest::Open, InstanceRequest::Pause}) {
-        onUnixSignal(signalOf(request), [this, request] { Q_EMIT requested(request); });
+InstanceClaim SingleInstance::claim() {
+    if (QDBusConnection::sessionBus().isConnected()) {
+        m_lock.hearRequests();
+        return claimOverBus();
     }
+    if (runtimeFolder().isEmpty()) {
+        QDir().mkpath(*XdgCachesFolder().path());
+    }
+    return m_lock.claim();
 }
 
 SingleInstance::Answer SingleInstance::ask(InstanceRequest request) const {
-    return QDBusConnection::sessionBus().isConnected() ? askOverBus(request) : askBySignal(request);
+    if (QDBusConnection::sessionBus().isConnected()) {
+        return askOverBus(request);
+    }
+    return m_lock.ask(request) ? Answer::Done : Answer::Nobody;
+}
+
+InstanceClaim SingleInstance::claimOverBus() {
+    // The one that runs may end just when it is asked; then this one takes over.
+    constexpr int kAttempts = 3;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        if (ownName()) {
+            return InstanceClaim::First;
+        }
+        const Answer answer = askOverBus(InstanceRequest::Open);
+        if (answer != Answer::Nobody) {
+            return answer == Answer::Done ? InstanceClaim::Second : InstanceClaim::NoAnswer;
+        }
+    }
+    return InstanceClaim::NoAnswer;
 }
 
 bool SingleInstance::ownName() {
@@ -115,42 +112,8 @@ SingleInstance::Answer SingleInstance::askOverBus(InstanceRequest request) const
     return isThere ? Answer::None : Answer::Nobody;
 }
 
-bool SingleInstance::lock() {
-    if (m_lock < 0) {
-        m_lock = ::open(QFile::encodeName(lockFile()).constData(),
-                        O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
-    }
-    struct flock whole = wholeFile();
-    // Where no file can be made or locked nobody can be told from anybody.
-    return m_lock < 0 || ::fcntl(m_lock, F_SETLK, &whole) == 0 ||
-           (errno != EACCES && errno != EAGAIN);
-}
-
-SingleInstance::Answer SingleInstance::askBySignal(InstanceRequest request) const {
-    const int file = m_lock >= 0 ? m_lock
-                                 : ::open(QFile::encodeName(lockFile()).constData(),
-                                          O_RDWR | O_CLOEXEC | O_NOFOLLOW);
-    struct flock whole = wholeFile();
-    // The system knows who holds the lock, so nothing that was left in a file is trusted.
-    const bool isHeld = file >= 0 && ::fcntl(file, F_GETLK, &whole) == 0 &&
-                        whole.l_type == F_WRLCK && whole.l_pid > 0;
-    if (file >= 0 && file != m_lock) {
-        ::close(file);
-    }
-    return isHeld && ::kill(whole.l_pid, signalOf(request)) == 0 ? Answer::Done : Answer::Nobody;
-}
-
 QString SingleInstance::objectPath() const {
     return u'/' + QString(m_name).replace(u'.', u'/');
-}
-
-QString SingleInstance::lockFile() const {
-    QString folder = QFile::decodeName(qgetenv("XDG_RUNTIME_DIR"));
-    if (!folder.startsWith(u'/')) {
-        folder = *XdgCachesFolder().path();
-        QDir().mkpath(folder);
-    }
-    return QDir(folder).filePath(m_name + QStringLiteral(".lock"));
 }
 
 } // namespace brimlet

@@ -1,8 +1,8 @@
 #include "platform/linux/traystatusitem.h"
 
-#include "platform/linux/desktopgeometry.h"
 #include "platform/linux/laptopsymbol.h"
 #include "platform/linux/qtscreens.h"
+#include "platform/qt/desktopgeometry.h"
 
 #include <QCursor>
 

@@ -1,14 +1,13 @@
 #include "platform/linux/x11menuwindow.h"
 
-#include "platform/linux/desktopgeometry.h"
-#include "platform/linux/menuplacement.h"
 #include "platform/linux/x11.h"
 #include "platform/linux/x11watch.h"
+#include "platform/qt/desktopgeometry.h"
+#include "platform/qt/desktopscreens.h"
+#include "platform/qt/menuplacement.h"
 
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QScreen>
 
 namespace brimlet {
 
@@ -56,15 +55,10 @@ ObserverToken X11MenuWindow::observeDismissals(std::function<void()> dismissed) 
 }
 
 void X11MenuWindow::fit() {
-    const QScreen* const itsScreen = m_item ? QGuiApplication::screenAt(m_item->center()) : nullptr;
-    const QScreen* const screen = itsScreen ? itsScreen : QGuiApplication::primaryScreen();
-    if (screen == nullptr) {
-        return;
+    if (const auto frame = menuFrame(m_content->sizeHint(), m_item, menuScreens())) {
+        m_content->resize(frame->size());
+        setGeometry(*frame);
     }
-    const QRect available = screen->availableGeometry();
-    const QSize size = m_content->sizeHint().boundedTo(available.size());
-    m_content->resize(size);
-    setGeometry(QRect(menuOrigin(size, m_item, available), size));
 }
 
 bool X11MenuWindow::event(QEvent* event) {

@@ -1,8 +1,8 @@
 #include "platform/linux/x11overlaywindow.h"
 
-#include "platform/linux/desktopgeometry.h"
 #include "platform/linux/x11.h"
 #include "platform/linux/x11watch.h"
+#include "platform/qt/desktopgeometry.h"
 
 namespace brimlet {
 namespace {

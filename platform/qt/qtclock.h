@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/clock.h"
+#include "platform/qt/awaketime.h"
 
 #include <QTimer>
 
@@ -23,9 +24,7 @@ public:
     QtClock& operator=(const QtClock&) = delete;
 
     [[nodiscard]] TimePoint now() const override { return std::chrono::system_clock::now(); }
-    [[nodiscard]] std::chrono::nanoseconds uptime() const override {
-        return std::chrono::steady_clock::now().time_since_epoch();
-    }
+    [[nodiscard]] std::chrono::nanoseconds uptime() const override { return awakeTime(); }
     [[nodiscard]] std::unique_ptr<RepeatingTimer> repeat(std::chrono::milliseconds interval,
                                                          std::function<void()> tick) override;
     [[nodiscard]] QCoro::Task<> sleep(std::chrono::nanoseconds duration,

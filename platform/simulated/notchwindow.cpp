@@ -1,7 +1,7 @@
 #include "platform/simulated/notchwindow.h"
 
-#include "platform/linux/desktopgeometry.h"
 #include "platform/linux/x11watch.h"
+#include "platform/qt/desktopgeometry.h"
 
 #include <QPainter>
 #include <QPainterPath>

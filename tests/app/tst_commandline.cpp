@@ -1,6 +1,10 @@
+#include "app/commandline.h"
+
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+
+using namespace brimlet;
 
 namespace {
 
@@ -64,12 +68,14 @@ private Q_SLOTS:
         const auto simulator = QStringLiteral("brimlet-simulator");
         QTest::newRow("unknown option")
             << brimlet << QStringList{QStringLiteral("--bogus")} << QStringLiteral("bogus");
+        QTest::newRow("the self-test is a Mac's")
+            << brimlet << QStringList{QStringLiteral("--self-test")} << QStringLiteral("self-test");
         QTest::newRow("nobody feigns a notch with the product")
             << brimlet << QStringList{QStringLiteral("--machine"), QStringLiteral("x.json")}
             << QStringLiteral("machine");
         QTest::newRow("two requests at once")
             << brimlet << QStringList{QStringLiteral("--pause"), QStringLiteral("--quit")}
-            << QStringLiteral("Either --pause or --quit, not both.");
+            << QStringLiteral("One request at a time.");
         QTest::newRow("a request and an argument")
             << brimlet << QStringList{QStringLiteral("--pause"), QStringLiteral("24")}
             << QStringLiteral("'24'");
@@ -94,6 +100,41 @@ private Q_SLOTS:
         QVERIFY2(ended.err.contains(QStringLiteral("Usage: %1 ").arg(program)),
                  qPrintable(ended.err));
         QCOMPARE(ended.out, QString());
+    }
+
+    void onAMacItGoesOn_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<bool>("isSelfTestWanted");
+        QTest::addColumn<bool>("isPauseAsked");
+        QTest::newRow("plainly") << QStringList() << false << false;
+        QTest::newRow("with the system's name for the process")
+            << QStringList{QStringLiteral("-psn_0_12345")} << false << false;
+        QTest::newRow("to test itself")
+            << QStringList{QStringLiteral("--self-test")} << true << false;
+        QTest::newRow("to ask for a pause")
+            << QStringList{QStringLiteral("--pause")} << false << true;
+    }
+    void onAMacItGoesOn() {
+        QFETCH(QStringList, arguments);
+        CommandLine commandLine;
+        arguments.prepend(QStringLiteral("brimlet"));
+        QVERIFY(!readCommandLine(arguments, Program::Mac, commandLine));
+        QTEST(commandLine.isSelfTestWanted, "isSelfTestWanted");
+        QTEST(commandLine.request == InstanceRequest::Pause, "isPauseAsked");
+    }
+
+    void onAMacMistakesEndItToo_data() {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("an argument") << QStringList{QStringLiteral("file")};
+        QTest::newRow("unknown option") << QStringList{QStringLiteral("--bogus")};
+        QTest::newRow("two requests at once")
+            << QStringList{QStringLiteral("--self-test"), QStringLiteral("--quit")};
+    }
+    void onAMacMistakesEndItToo() {
+        QFETCH(QStringList, arguments);
+        CommandLine commandLine;
+        arguments.prepend(QStringLiteral("brimlet"));
+        QCOMPARE(readCommandLine(arguments, Program::Mac, commandLine), std::optional(2));
     }
 
     void aMissingMachineFileEndsWithAClearLine() {

@@ -1,7 +1,7 @@
-#include "platform/linux/desktopgeometry.h"
 #include "platform/linux/qtscreens.h"
 #include "platform/linux/traystatusitem.h"
 #include "platform/linux/x11.h"
+#include "platform/qt/desktopgeometry.h"
 #include "tests/platform/linux/busservice.h"
 #include "tests/support/pointer.h"
 #include "tests/support/xserver.h"

@@ -1,7 +1,7 @@
-#include "platform/linux/desktopgeometry.h"
 #include "platform/linux/qtscreens.h"
 #include "platform/linux/x11menuwindow.h"
 #include "platform/linux/x11watch.h"
+#include "platform/qt/desktopgeometry.h"
 #include "tests/support/pointer.h"
 #include "tests/support/xserver.h"
 

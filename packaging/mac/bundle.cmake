@@ -1,0 +1,54 @@
+# Makes of a program the application Brimlet.app, which holds its icon and says in its information
+# property list what it is.
+set(BRIMLET_MAC_FOLDER ${CMAKE_CURRENT_LIST_DIR})
+
+# brimlet_xml_text(VARIABLE TEXT): the text as an XML element may hold it. CMake fills in the list a
+# second time when it makes the bundle, so the two signs that would be filled in are hidden from it.
+function(brimlet_xml_text variable text)
+  string(REPLACE "&" "&amp;" text "${text}")
+  string(REPLACE "<" "&lt;" text "${text}")
+  string(REPLACE ">" "&gt;" text "${text}")
+  string(REPLACE "$" "&#36;" text "${text}")
+  string(REPLACE "@" "&#64;" text "${text}")
+  set(${variable} "${text}" PARENT_SCOPE)
+endfunction()
+
+# brimlet_mac_info_plist(FILE EXECUTABLE): writes the list. The service root is in it only where one
+# was configured; the program knows the default.
+function(brimlet_mac_info_plist file executable)
+  if(NOT CMAKE_OSX_DEPLOYMENT_TARGET)
+    message(FATAL_ERROR "CMAKE_OSX_DEPLOYMENT_TARGET must say which macOS the application is for")
+  endif()
+  file(STRINGS ${BRIMLET_MAC_FOLDER}/../../LICENSE copyright REGEX "^Copyright " LIMIT_COUNT 1)
+  brimlet_xml_text(copyright "${copyright}")
+  set(service "")
+  if(BRIMLET_API_URL)
+    brimlet_xml_text(url "${BRIMLET_API_URL}")
+    set(service "\t<key>BrimletAPIURL</key>\n\t<string>${url}</string>\n")
+  endif()
+  configure_file(${BRIMLET_MAC_FOLDER}/Info.plist.in ${file} @ONLY)
+endfunction()
+
+# brimlet_mac_bundle(TARGET): build/…/bin/Brimlet.app. CMake names a bundle and its program alike, as
+# Apple's own are.
+function(brimlet_mac_bundle target)
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/bundle)
+  brimlet_mac_info_plist(${folder}/Info.plist Brimlet)
+
+  set(drawing ${BRIMLET_MAC_FOLDER}/../icons/app.brimlet.host.svg)
+  add_custom_command(OUTPUT ${folder}/brimlet.icns
+    COMMAND ${BRIMLET_MAC_FOLDER}/make-icns ${drawing} ${folder}/brimlet.icns
+    DEPENDS ${BRIMLET_MAC_FOLDER}/make-icns ${drawing}
+    VERBATIM)
+  set(license ${BRIMLET_MAC_FOLDER}/../../LICENSE)
+  target_sources(${target} PRIVATE ${folder}/brimlet.icns ${license})
+  set_source_files_properties(${folder}/brimlet.icns ${license} PROPERTIES
+    MACOSX_PACKAGE_LOCATION Resources)
+
+  # Where script/package-mac puts what the program loads.
+  set_target_properties(${target} PROPERTIES
+    BUILD_RPATH @executable_path/../Frameworks
+    OUTPUT_NAME Brimlet
+    MACOSX_BUNDLE ON
+    MACOSX_BUNDLE_INFO_PLIST ${folder}/Info.plist)
+endfunction()

@@ -1,0 +1,116 @@
+#include "platform/mac/macsecretstore.h"
+
+#include "platform/mac/rules/keychainquery.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <Security/Security.h>
+
+#include <chrono>
+#include <memory>
+#include <type_traits>
+#include <variant>
+
+namespace brimlet {
+namespace {
+
+struct CFReleaser final {
+    void operator()(CFTypeRef object) const { CFRelease(object); }
+};
+/// Owns one reference: CFOwner<CFDataRef>.
+template <typename Ref>
+using CFOwner = std::unique_ptr<std::remove_pointer_t<Ref>, CFReleaser>;
+
+/// Leaves the start of the program, which waits for one, within two seconds.
+constexpr std::chrono::milliseconds readingTime(1500);
+
+static_assert(keychainstatus::kSuccess == errSecSuccess);
+static_assert(keychainstatus::kUserCanceled == errSecUserCanceled);
+static_assert(keychainstatus::kAuthFailed == errSecAuthFailed);
+static_assert(keychainstatus::kItemNotFound == errSecItemNotFound);
+static_assert(keychainstatus::kInteractionNotAllowed == errSecInteractionNotAllowed);
+static_assert(keychainstatus::kInteractionRequired == errSecInteractionRequired);
+
+CFStringRef native(KeychainKey key) {
+    switch (key) {
+    case KeychainKey::Class:
+        return kSecClass;
+    case KeychainKey::AttrService:
+        return kSecAttrService;
+    case KeychainKey::AttrAccount:
+        return kSecAttrAccount;
+    case KeychainKey::ValueData:
+        return kSecValueData;
+    case KeychainKey::ReturnData:
+        return kSecReturnData;
+    case KeychainKey::MatchLimit:
+        break;
+    }
+    return kSecMatchLimit;
+}
+
+struct Native final {
+    CFOwner<CFTypeRef> operator()(KeychainConstant value) const {
+        return CFOwner<CFTypeRef>(CFRetain(value == KeychainConstant::ClassGenericPassword
+                                               ? kSecClassGenericPassword
+                                               : kSecMatchLimitOne));
+    }
+    CFOwner<CFTypeRef> operator()(bool value) const {
+        return CFOwner<CFTypeRef>(CFRetain(value ? kCFBooleanTrue : kCFBooleanFalse));
+    }
+    CFOwner<CFTypeRef> operator()(const QString& value) const {
+        return CFOwner<CFTypeRef>(CFStringCreateWithCharacters(
+            kCFAllocatorDefault, reinterpret_cast<const UniChar*>(value.utf16()), value.size()));
+    }
+    CFOwner<CFTypeRef> operator()(const QByteArray& value) const {
+        return CFOwner<CFTypeRef>(CFDataCreate(
+            kCFAllocatorDefault, reinterpret_cast<const UInt8*>(value.constData()), value.size()));
+    }
+};
+
+CFOwner<CFMutableDictionaryRef> native(const KeychainQuery& query) {
+    CFOwner<CFMutableDictionaryRef> dictionary(CFDictionaryCreateMutable(
+        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    for (const auto& [key, value] : query) {
+        CFDictionarySetValue(dictionary.get(), native(key), std::visit(Native(), value).get());
+    }
+    return dictionary;
+}
+
+SecretResult copyMatching(const KeychainQuery& query) {
+    CFTypeRef found = nullptr;
+    const OSStatus status = SecItemCopyMatching(native(query).get(), &found);
+    const CFOwner<CFTypeRef> owner(found);
+    if (found == nullptr || CFGetTypeID(found) != CFDataGetTypeID()) {
+        return keychainResult(status, std::nullopt);
+    }
+    const auto* const data = static_cast<CFDataRef>(found);
+    return keychainResult(status, QByteArray(reinterpret_cast<const char*>(CFDataGetBytePtr(data)),
+                                             static_cast<qsizetype>(CFDataGetLength(data))));
+}
+
+} // namespace
+
+SecretResult MacSecretStore::read(const QString& service, const QString& account) {
+    const auto deadline = std::chrono::steady_clock::now() + readingTime;
+    const auto answer = std::make_shared<SecretResult>(SecretError::Unavailable);
+    const bool isInTime =
+        m_worker.run([answer, query = keychainReading(service, account)](
+                         const std::stop_token& /*stop*/) { *answer = copyMatching(query); },
+                     deadline);
+    return isInTime ? *answer : SecretError::TimedOut;
+}
+
+void MacSecretStore::remove(const QString& service, const QString& account) {
+    m_worker.post([query = keychainItem(service, account)](const std::stop_token& /*stop*/) {
+        static_cast<void>(SecItemDelete(native(query).get()));
+    });
+}
+
+void MacSecretStore::add(const QString& service, const QString& account, const QByteArray& value) {
+    m_worker.post(
+        [query = keychainAdding(service, account, value)](const std::stop_token& /*stop*/) {
+            static_cast<void>(SecItemAdd(native(query).get(), nullptr));
+        });
+}
+
+} // namespace brimlet

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/observers.h"
+#include "platform/workspace.h"
+
+#include <QScopeGuard>
+
+#include <functional>
+#include <utility>
+
+namespace brimlet {
+
+/// Sleep and wake of the screens, and the default browser, as NSWorkspace has them.
+class MacWorkspace final : public Workspace {
+public:
+    MacWorkspace();
+
+    ObserverToken observeScreensDidSleep(std::function<void()> block) override {
+        return m_sleepObservers.add(std::move(block));
+    }
+    ObserverToken observeScreensDidWake(std::function<void()> block) override {
+        return m_wakeObservers.add(std::move(block));
+    }
+    void open(const Url& url) override;
+
+private:
+    Observers m_sleepObservers;
+    Observers m_wakeObservers;
+    QScopeGuard<std::function<void()>> m_sleep;
+    QScopeGuard<std::function<void()>> m_wake;
+};
+
+} // namespace brimlet

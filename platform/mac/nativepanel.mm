@@ -1,0 +1,53 @@
+#import "platform/mac/nativepanel.h"
+
+#include <QWidget>
+
+@implementation BrimletPanel {
+    BOOL _takesKeyboard;
+}
+
+- (instancetype)initTakingKeyboard:(BOOL)takesKeyboard {
+    self = [super initWithContentRect:NSZeroRect
+                            styleMask:NSWindowStyleMaskNonactivatingPanel
+                              backing:NSBackingStoreBuffered
+                                defer:YES];
+    if (self != nil) {
+        _takesKeyboard = takesKeyboard;
+        self.releasedWhenClosed = NO;
+        self.floatingPanel = YES; // which sets a level too
+        self.level = NSStatusWindowLevel;
+        self.backgroundColor = NSColor.clearColor;
+        self.opaque = NO;
+        self.hidesOnDeactivate = NO;
+    }
+    return self;
+}
+
+- (BOOL)canBecomeKeyWindow {
+    return _takesKeyboard;
+}
+
+- (BOOL)canBecomeMainWindow {
+    return NO;
+}
+
+@end
+
+namespace brimlet {
+
+NSRect nativeRect(const Rect& rect) {
+    return NSMakeRect(rect.x, rect.y, rect.width, rect.height);
+}
+
+NSView* viewOf(QWidget& widget) {
+    return (__bridge NSView*)reinterpret_cast<void*>(widget.winId());
+}
+
+void putInto(NSView* parent, QWidget& widget) {
+    NSView* const view = viewOf(widget);
+    view.window.contentView = nil;
+    view.autoresizingMask = NSViewNotSizable; // Qt sizes it, and would be told twice
+    [parent addSubview:view];
+}
+
+} // namespace brimlet

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/qt/menuplacement.h"
+
+#include <QGuiApplication>
+#include <QRectF>
+#include <QScreen>
+
+#include <vector>
+
+namespace brimlet {
+
+// What Qt knows of the screens at this moment. Apart from the rules, which need no window system.
+
+/// The primary screen in Qt's space; empty while there is none.
+[[nodiscard]] inline QRectF primaryGeometry() {
+    const QScreen* const primary = QGuiApplication::primaryScreen();
+    return primary == nullptr ? QRectF() : QRectF(primary->geometry());
+}
+
+/// All screens, the primary one first.
+[[nodiscard]] inline std::vector<MenuScreen> menuScreens() {
+    std::vector<MenuScreen> screens;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        screens.push_back({screen->geometry(), screen->availableGeometry()});
+    }
+    return screens;
+}
+
+} // namespace brimlet

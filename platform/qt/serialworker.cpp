@@ -1,0 +1,91 @@
+#include "platform/qt/serialworker.h"
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace brimlet {
+
+struct SerialWorker::Entry final {
+    Job job;
+    std::stop_source stop;
+    bool isDone = false; ///< Guarded by the queue's mutex.
+};
+
+struct SerialWorker::Queue final {
+    std::mutex mutex;
+    std::condition_variable changed;
+    /// The one under way stays first until it has ended.
+    std::deque<std::shared_ptr<Entry>> entries;
+    bool hasThread = false;
+};
+
+SerialWorker::SerialWorker()
+    : m_queue(std::make_shared<Queue>()) {}
+
+SerialWorker::~SerialWorker() {
+    std::unique_lock lock(m_queue->mutex);
+    const auto isIdle = [this] { return !m_queue->hasThread; };
+    if (m_queue->changed.wait_for(lock, std::chrono::milliseconds(700), isIdle)) {
+        return;
+    }
+    if (!m_queue->entries.empty()) {
+        m_queue->entries.resize(1);
+        m_queue->entries.front()->stop.request_stop();
+    }
+    m_queue->changed.wait_for(lock, std::chrono::milliseconds(100), isIdle);
+}
+
+void SerialWorker::post(Job job) {
+    static_cast<void>(enqueue(std::move(job)));
+}
+
+bool SerialWorker::run(Job job, Deadline deadline) {
+    const auto entry = enqueue(std::move(job));
+    std::unique_lock lock(m_queue->mutex);
+    if (m_queue->changed.wait_until(lock, deadline, [&entry] { return entry->isDone; })) {
+        return true;
+    }
+    // One that has not begun yet will find this out and do nothing.
+    entry->stop.request_stop();
+    return false;
+}
+
+std::shared_ptr<SerialWorker::Entry> SerialWorker::enqueue(Job job) {
+    auto entry = std::make_shared<Entry>();
+    entry->job = std::move(job);
+    const std::lock_guard lock(m_queue->mutex);
+    m_queue->entries.push_back(entry);
+    if (!m_queue->hasThread) {
+        try {
+            std::thread(&SerialWorker::work, m_queue).detach();
+            m_queue->hasThread = true;
+        } catch (const std::system_error&) {
+            // No thread to be had: the job stays undone until one can be.
+        }
+    }
+    return entry;
+}
+
+void SerialWorker::work(const std::shared_ptr<Queue>& queue) {
+    std::unique_lock lock(queue->mutex);
+    while (!queue->entries.empty()) {
+        const auto entry = queue->entries.front();
+        lock.unlock();
+        if (!entry->stop.stop_requested()) {
+            entry->job(entry->stop.get_token());
+        }
+        entry->job = nullptr; // what it holds goes before anyone is told
+        lock.lock();
+        entry->isDone = true;
+        queue->entries.pop_front();
+        queue->changed.notify_all();
+    }
+    queue->hasThread = false;
+    queue->changed.notify_all();
+}
+
+} // namespace brimlet

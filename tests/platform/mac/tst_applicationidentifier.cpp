@@ -1,0 +1,22 @@
+#include "platform/mac/rules/applicationidentifier.h"
+
+#include <QTest>
+
+using namespace brimlet;
+
+class TestApplicationIdentifier final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aBundlesOwnIsTaken() {
+        QCOMPARE(applicationIdentifier(QStringLiteral("org.example.other")),
+                 QStringLiteral("org.example.other"));
+    }
+
+    void aBareExecutableGoesByTheBundles() {
+        QCOMPARE(applicationIdentifier(QString()), QStringLiteral("app.brimlet.host"));
+    }
+};
+
+QTEST_APPLESS_MAIN(TestApplicationIdentifier)
+#include "tst_applicationidentifier.moc"

@@ -1,0 +1,37 @@
+#include "platform/mac/macoverlaywindow.h"
+
+#include <QApplication>
+#include <QTest>
+
+using namespace brimlet;
+
+/// Shows a clear panel for a moment; needs the desktop of whoever runs the test.
+class TestMacOverlayWindow final : public QObject {
+    Q_OBJECT
+
+    [[nodiscard]] static QString faults(const MacOverlayWindow& window) {
+        return window.facts() == PanelFacts{} ? QString() : panelReport(window.facts()).join(u'\n');
+    }
+
+private Q_SLOTS:
+    void thePanelStaysAsItHasToBe() {
+        MacOverlayWindow window(std::make_unique<QWidget>(),
+                                [](QPoint /*where*/) { return QString(); });
+        QCOMPARE(faults(window), QString());
+        window.setFrame({100, 100, 400, 46});
+        window.orderFrontRegardless();
+        QCOMPARE(faults(window), QString());
+        window.orderOut();
+        QCOMPARE(faults(window), QString());
+        window.orderFrontRegardless();
+        QCOMPARE(faults(window), QString());
+    }
+};
+
+int main(int argc, char* argv[]) {
+    qputenv("QT_QPA_PLATFORM", "cocoa"); // the panel is around a view of that kind
+    const QApplication application(argc, argv);
+    TestMacOverlayWindow test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_macoverlaywindow.moc"

@@ -1,0 +1,27 @@
+#import "platform/mac/nativetext.h"
+
+#include <QTest>
+
+using namespace brimlet;
+
+class TestNativeText final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void textsComeBackAsTheyWent_data() {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("plain") << QStringLiteral("https://example.org/a%20b");
+        QTest::newRow("outside the first plane") << QStringLiteral("T\u00f6ken \u20ac \U0001f4bb");
+        QTest::newRow("a NUL inside") << QStringLiteral("a\0b");
+    }
+    void textsComeBackAsTheyWent() {
+        QFETCH(QString, text);
+        QCOMPARE(fromNative(toNative(text)), text);
+    }
+
+    void nilIsEmpty() { QCOMPARE(fromNative(nil), QString()); }
+};
+
+QTEST_APPLESS_MAIN(TestNativeText)
+#include "tst_nativetext.moc"

@@ -1,0 +1,138 @@
+#include "platform/qt/serialworker.h"
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <semaphore>
+#include <vector>
+
+using namespace brimlet;
+using namespace std::chrono_literals;
+
+namespace {
+
+[[nodiscard]] SerialWorker::Deadline in(std::chrono::milliseconds time) {
+    return std::chrono::steady_clock::now() + time;
+}
+
+void waitForStop(const std::stop_token& stop) {
+    std::binary_semaphore stopped(0);
+    const std::stop_callback onStop(stop, [&stopped] { stopped.release(); });
+    stopped.acquire();
+}
+
+/// Time that even a busy machine keeps to. A worker that waits for a job for ever takes longer.
+constexpr qint64 kBearable = 5000;
+
+} // namespace
+
+class SerialWorkerTest final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void jobsRunInTheOrderTheyCame() {
+        SerialWorker worker;
+        const auto order = std::make_shared<std::vector<int>>();
+        for (int i = 0; i < 100; ++i) {
+            worker.post([order, i](const std::stop_token&) { order->push_back(i); });
+        }
+        QVERIFY(worker.run([order](const std::stop_token&) { order->push_back(100); }, in(5s)));
+        QCOMPARE(order->size(), 101U);
+        QVERIFY(std::is_sorted(order->begin(), order->end()));
+    }
+
+    void aJobStartsAgainAfterAllWereDone() {
+        SerialWorker worker;
+        const auto count = std::make_shared<int>(0);
+        for (int i = 1; i <= 100; ++i) {
+            QVERIFY(worker.run([count](const std::stop_token&) { ++*count; }, in(5s)));
+            QCOMPARE(*count, i);
+        }
+    }
+
+    void aRunThatDoesNotEndIsAskedToStopAtItsDeadline() {
+        SerialWorker worker;
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(!worker.run(waitForStop, in(50ms)));
+        QVERIFY(timer.elapsed() >= 50);
+        QVERIFY(worker.run([](const std::stop_token&) {}, in(5s)));
+    }
+
+    void aRunThatCannotStopIsGivenUpAtItsDeadline() {
+        SerialWorker worker;
+        const auto gate = std::make_shared<std::binary_semaphore>(0);
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(!worker.run([gate](const std::stop_token&) { gate->acquire(); }, in(50ms)));
+        QVERIFY(timer.elapsed() >= 50 && timer.elapsed() < kBearable);
+        gate->release();
+        QVERIFY(worker.run([](const std::stop_token&) {}, in(5s)));
+    }
+
+    void aRunThatNeverBeganHasNoEffect() {
+        SerialWorker worker;
+        const auto gate = std::make_shared<std::binary_semaphore>(0);
+        const auto hasRun = std::make_shared<std::atomic<bool>>(false);
+        worker.post([gate](const std::stop_token&) { gate->acquire(); });
+        QVERIFY(!worker.run([hasRun](const std::stop_token&) { *hasRun = true; }, in(20ms)));
+        gate->release();
+        QVERIFY(worker.run([](const std::stop_token&) {}, in(5s)));
+        QVERIFY(!*hasRun);
+    }
+
+    void jobsThatEndInTimeAreWaitedFor() {
+        std::optional<SerialWorker> worker(std::in_place);
+        const auto count = std::make_shared<int>(0);
+        for (int i = 0; i < 10; ++i) {
+            worker->post([count](const std::stop_token&) { ++*count; });
+        }
+        worker.reset();
+        QCOMPARE(*count, 10);
+    }
+
+    void aHangingJobIsAskedToStopAndTheRestDropped() {
+        std::optional<SerialWorker> worker(std::in_place);
+        const auto hasRun = std::make_shared<std::atomic<bool>>(false);
+        const auto wasStopped = std::make_shared<std::atomic<bool>>(false);
+        worker->post([wasStopped](const std::stop_token& stop) {
+            waitForStop(stop);
+            *wasStopped = true;
+        });
+        worker->post([hasRun](const std::stop_token&) { *hasRun = true; });
+        QElapsedTimer timer;
+        timer.start();
+        worker.reset();
+        QVERIFY(timer.elapsed() >= 700 && timer.elapsed() < kBearable);
+        QTRY_VERIFY(*wasStopped);
+        QTRY_COMPARE(hasRun.use_count(), 1);
+        QVERIFY(!*hasRun);
+    }
+
+    void aJobThatHeedsNothingIsLeftBehindAndTheRestDropped() {
+        std::optional<SerialWorker> worker(std::in_place);
+        const auto gate = std::make_shared<std::binary_semaphore>(0);
+        const auto isDone = std::make_shared<std::atomic<bool>>(false);
+        const auto hasRun = std::make_shared<std::atomic<bool>>(false);
+        worker->post([gate, isDone](const std::stop_token&) {
+            gate->acquire();
+            *isDone = true;
+        });
+        worker->post([hasRun](const std::stop_token&) { *hasRun = true; });
+        QElapsedTimer timer;
+        timer.start();
+        worker.reset();
+        QVERIFY(timer.elapsed() >= 800 && timer.elapsed() < kBearable);
+        gate->release();
+        QTRY_VERIFY(*isDone);
+        QTRY_COMPARE(hasRun.use_count(), 1);
+        QVERIFY(!*hasRun);
+    }
+};
+
+QTEST_GUILESS_MAIN(SerialWorkerTest)
+#include "tst_serialworker.moc"
