@@ -57,6 +57,7 @@ void OverlayView::rebuild() {
     placeRow();
     m_left->setVisible(m_runtime.visible() && m_runtime.left());
     m_right->setVisible(m_runtime.visible() && m_runtime.right());
+    updateRegions(); // told of when what can be clicked is there
 }
 
 /// Nothing, a pill that opens its brand's page, or one for show only.
@@ -75,7 +76,6 @@ void OverlayView::placeRow() {
         overlayLayout(width(), m_runtime.notchWidth(), m_runtime.left(), m_runtime.right());
     m_left->setGeometry(pixels(row.left));
     m_right->setGeometry(pixels(row.right));
-    updateRegions();
 }
 
 void OverlayView::updateRegions() {
@@ -132,6 +132,7 @@ void OverlayView::resizeEvent(QResizeEvent* /*event*/) {
         m_parts.reset(); // the row is placed by what the runtime says by now
     }
     placeRow();
+    updateRegions();
 }
 
 } // namespace brimlet
