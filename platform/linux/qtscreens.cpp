@@ -1,6 +1,7 @@
 #include "platform/linux/qtscreens.h"
 
 #include "platform/qt/desktopgeometry.h"
+#include "platform/qt/desktopscreens.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -90,8 +91,7 @@ ObserverToken QtScreens::observeChanges(std::function<void()> changed) {
 }
 
 QRectF QtScreens::primaryGeometry() {
-    const QScreen* const primary = QGuiApplication::primaryScreen();
-    return primary == nullptr ? QRectF() : QRectF(primary->geometry());
+    return brimlet::primaryGeometry();
 }
 
 } // namespace brimlet
