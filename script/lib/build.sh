@@ -4,7 +4,7 @@
 
 # Quiet unless it fails.
 build_programs() {
-  script/bootstrap
+  script/bootstrap run
   mkdir -p build
   { cmake --preset dev && cmake --build --preset dev --parallel "$(nproc)" \
     --target brimlet-simulator brimlet-placement; } >build/programs.log 2>&1 ||
