@@ -1,7 +1,10 @@
 #include "tests/support/pointer.h"
 #include "tests/support/processes.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QMouseEvent>
@@ -100,9 +103,8 @@ private Q_SLOTS:
     void initTestCase() {
         QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session");
         m_openedFile = m_folder.filePath(QStringLiteral("opened"));
-        QCOMPARE(QProcess::execute(
-                     QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/recording-browser"),
-                     {m_openedFile}),
+        QCOMPARE(QProcess::execute(sourcePath(u"tests/support/session/recording-browser"),
+                                   {m_openedFile}),
                  0);
     }
     void init() {
@@ -331,5 +333,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestCapsules)
+BRIMLET_TEST(TestCapsules, QApplication)
 #include "tst_capsules.moc"

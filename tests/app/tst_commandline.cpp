@@ -1,4 +1,6 @@
 #include "app/commandline.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -21,7 +23,7 @@ Ended run(const QString& program, const QStringList& arguments) {
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeFolder.path());
     QProcess process;
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(BRIMLET_BIN_DIR "/") + program, arguments);
+    process.start(programPath(program), arguments);
     process.waitForFinished();
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
             QString::fromUtf8(process.readAllStandardOutput()),
@@ -160,5 +162,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestCommandLine)
+BRIMLET_TEST(TestCommandLine, QCoreApplication)
 #include "tst_commandline.moc"

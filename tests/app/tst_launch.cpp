@@ -1,5 +1,6 @@
 #include "app/brimletapp.h"
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -98,5 +99,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLaunch)
+BRIMLET_TEST(TestLaunch, QCoreApplication)
 #include "tst_launch.moc"

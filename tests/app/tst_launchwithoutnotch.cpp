@@ -1,5 +1,6 @@
 #include "app/brimletapp.h"
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -40,5 +41,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLaunchWithoutNotch)
+BRIMLET_TEST(TestLaunchWithoutNotch, QCoreApplication)
 #include "tst_launchwithoutnotch.moc"

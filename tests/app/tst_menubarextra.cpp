@@ -1,6 +1,7 @@
 #include "app/menubarextra.h"
 
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -146,5 +147,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestMenuBarExtra)
+BRIMLET_TEST(TestMenuBarExtra, QCoreApplication)
 #include "tst_menubarextra.moc"

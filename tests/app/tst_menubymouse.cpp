@@ -1,7 +1,9 @@
 #include "tests/support/pointer.h"
 #include "tests/support/processes.h"
+#include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
+#include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QTest>
@@ -200,5 +202,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestMenuByMouse)
+BRIMLET_TEST(TestMenuByMouse, QApplication)
 #include "tst_menubymouse.moc"

@@ -1,5 +1,6 @@
 #include "tests/support/processes.h"
 #include "tests/support/screenreader.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -143,5 +144,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestMenuByScreenReader)
+BRIMLET_TEST(TestMenuByScreenReader, QCoreApplication)
 #include "tst_menubyscreenreader.moc"

@@ -1,6 +1,9 @@
 #include "tests/support/processes.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
+#include <QApplication>
 #include <QFile>
 #include <QMouseEvent>
 #include <QRasterWindow>
@@ -61,9 +64,8 @@ private Q_SLOTS:
     void initTestCase() {
         QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session");
         m_openedFile = m_folder.filePath(QStringLiteral("opened"));
-        QCOMPARE(QProcess::execute(
-                     QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/recording-browser"),
-                     {m_openedFile}),
+        QCOMPARE(QProcess::execute(sourcePath(u"tests/support/session/recording-browser"),
+                                   {m_openedFile}),
                  0);
     }
 
@@ -149,5 +151,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestOverlayWindow)
+BRIMLET_TEST(TestOverlayWindow, QApplication)
 #include "tst_overlaywindow.moc"

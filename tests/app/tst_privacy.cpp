@@ -2,6 +2,8 @@
 #include "tests/support/processes.h"
 #include "tests/support/processfacts.h"
 #include "tests/support/sessionfolders.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
 #include <QDir>
@@ -267,11 +269,10 @@ private Q_SLOTS:
                  "this test needs script/desktop-session, and removes what it finds");
         QDir(m_folder.path()).mkdir(QStringLiteral("temporary"));
         qputenv("TMPDIR", QFile::encodeName(m_folder.filePath(QStringLiteral("temporary"))));
-        m_text = textOf(QStringLiteral(BRIMLET_SOURCE_DIR "/PRIVACY.md"));
+        m_text = textOf(sourcePath(u"PRIVACY.md"));
         m_document = readPrivacyDocument(m_text);
-        QCOMPARE(QProcess::execute(
-                     QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/recording-browser"),
-                     {openedFile()}),
+        QCOMPARE(QProcess::execute(sourcePath(u"tests/support/session/recording-browser"),
+                                   {openedFile()}),
                  0);
         m_keptBefore = kept();
         connect(&m_watch, &QTimer::timeout, this, &TestPrivacy::look);
@@ -466,5 +467,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestPrivacy)
+BRIMLET_TEST(TestPrivacy, QCoreApplication)
 #include "tst_privacy.moc"

@@ -1,5 +1,7 @@
 #include "tests/support/processes.h"
 #include "tests/support/screenreader.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -42,10 +44,9 @@ private Q_SLOTS:
     void capsulesAreLinksOrTextsWhileTheyAreShown() {
         QTemporaryDir folder;
         const QString openedFile = folder.filePath(QStringLiteral("opened"));
-        QCOMPARE(QProcess::execute(
-                     QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/recording-browser"),
-                     {openedFile}),
-                 0);
+        QCOMPARE(
+            QProcess::execute(sourcePath(u"tests/support/session/recording-browser"), {openedFile}),
+            0);
         const PlacementProcess service;
         service.setScenario(
             {{QStringLiteral("creatives"),
@@ -75,5 +76,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestScreenReader)
+BRIMLET_TEST(TestScreenReader, QCoreApplication)
 #include "tst_screenreader.moc"

@@ -1,4 +1,5 @@
 #include "tests/support/processes.h"
+#include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
 #include <QElapsedTimer>
@@ -372,5 +373,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestWholeProgram)
+BRIMLET_TEST(TestWholeProgram, QCoreApplication)
 #include "tst_wholeprogram.moc"

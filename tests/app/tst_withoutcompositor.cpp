@@ -1,4 +1,5 @@
 #include "tests/support/processes.h"
+#include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
 #include <QRegion>
@@ -48,5 +49,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestWithoutCompositor)
+BRIMLET_TEST(TestWithoutCompositor, QCoreApplication)
 #include "tst_withoutcompositor.moc"

@@ -1,4 +1,5 @@
 #include "bench/figures.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -80,5 +81,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestFigures)
+BRIMLET_TEST(TestFigures, QCoreApplication)
 #include "tst_figures.moc"

@@ -1,5 +1,6 @@
 #include "bench/relay.h"
 #include "tests/support/rawserver.h"
+#include "tests/support/testprogram.h"
 
 #include <QTcpSocket>
 #include <QTest>
@@ -102,5 +103,5 @@ public:
     TestRelay() { m_server.answer({}, m_reply); }
 };
 
-QTEST_GUILESS_MAIN(TestRelay)
+BRIMLET_TEST(TestRelay, QCoreApplication)
 #include "tst_relay.moc"

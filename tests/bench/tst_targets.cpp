@@ -1,6 +1,7 @@
 #include "bench/report/findings.h"
 #include "bench/report/targets.h"
 #include "bench/report/text.h"
+#include "tests/support/testprogram.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -123,5 +124,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestTargets)
+BRIMLET_TEST(TestTargets, QCoreApplication)
 #include "tst_targets.moc"

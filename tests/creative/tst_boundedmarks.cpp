@@ -1,4 +1,5 @@
 #include "creative/boundedmarks.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -39,5 +40,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestBoundedMarks)
+BRIMLET_TEST(TestBoundedMarks, brimlet::NoApplication)
 #include "tst_boundedmarks.moc"

@@ -2,6 +2,7 @@
 #include "creative/textline.h"
 #include "tests/support/fakeclock.h"
 #include "tests/support/fakes.h"
+#include "tests/support/testprogram.h"
 
 #include <QPainter>
 #include <QProcess>
@@ -554,22 +555,22 @@ private Q_SLOTS:
 
 } // namespace brimlet
 
-int main(int argc, char* argv[]) {
+/// What ends the program.
+static int scrollWithoutSpeed(int argc, char* argv[]) {
     const QGuiApplication application(argc, argv);
-    if (argc == 2 && QByteArray(argv[1]) == "--zero-speed") {
-        FakeReduceMotion reduceMotion;
-        FakeClock clock;
-        CarRadioStyle still = style();
-        still.pointsPerSecond = 0;
-        CarRadioLine line(still, clock, reduceMotion);
-        line.setTexts(kBrand, kTagline);
-        line.setContainerWidth(73);
-        line.appear();
-        clock.advance(1h);
-        return 0;
-    }
-    TestCarRadioLine test;
-    return QTest::qExec(&test, argc, argv);
+    FakeReduceMotion reduceMotion;
+    FakeClock clock;
+    CarRadioStyle still = style();
+    still.pointsPerSecond = 0;
+    CarRadioLine line(still, clock, reduceMotion);
+    line.setTexts(kBrand, kTagline);
+    line.setContainerWidth(73);
+    line.appear();
+    clock.advance(1h);
+    return 0;
 }
+
+BRIMLET_TEST(TestCarRadioLine, QGuiApplication)
+BRIMLET_TEST_CHILD("--zero-speed", scrollWithoutSpeed)
 
 #include "tst_carradioline.moc"

@@ -4,7 +4,9 @@
 #include "tests/support/fakehttpclient.h"
 #include "tests/support/fakes.h"
 #include "tests/support/pngbytes.h"
+#include "tests/support/testprogram.h"
 
+#include <QGuiApplication>
 #include <QPainter>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -316,5 +318,5 @@ private Q_SLOTS:
 } // namespace brimlet
 
 using brimlet::TestCreativeMark;
-QTEST_MAIN(TestCreativeMark)
+BRIMLET_TEST(TestCreativeMark, QGuiApplication)
 #include "tst_creativemark.moc"

@@ -1,4 +1,5 @@
 #include "creative/fallbacktext.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -50,5 +51,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestFallbackText)
+BRIMLET_TEST(TestFallbackText, brimlet::NoApplication)
 #include "tst_fallbacktext.moc"

@@ -4,6 +4,7 @@
 #include "tests/support/fakehttpclient.h"
 #include "tests/support/fakes.h"
 #include "tests/support/pngbytes.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -523,16 +524,16 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char* argv[]) {
+/// What ends the program.
+static int askWithoutCachesFolder(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
-    if (argc == 2 && QByteArray(argv[1]) == "--no-folder") {
-        CacheFixture f;
-        f.caches.folder.reset();
-        (void)f.ask();
-        return 0;
-    }
-    TestImageCache test;
-    return QTest::qExec(&test, argc, argv);
+    CacheFixture f;
+    f.caches.folder.reset();
+    (void)f.ask();
+    return 0;
 }
+
+BRIMLET_TEST(TestImageCache, QCoreApplication)
+BRIMLET_TEST_CHILD("--no-folder", askWithoutCachesFolder)
 
 #include "tst_imagecache.moc"

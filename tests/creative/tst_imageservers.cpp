@@ -4,6 +4,7 @@
 #include "tests/support/fakes.h"
 #include "tests/support/pngbytes.h"
 #include "tests/support/rawserver.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -111,5 +112,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestImageServers)
+BRIMLET_TEST(TestImageServers, QCoreApplication)
 #include "tst_imageservers.moc"

@@ -1,4 +1,5 @@
 #include "creative/marqueetext.h"
+#include "tests/support/testprogram.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -162,7 +163,8 @@ private Q_SLOTS:
 namespace {
 
 /// Does the thing that must end the program; returns only if it did not.
-void die(const QByteArray& what) {
+int die(int /*argc*/, char* argv[]) {
+    const QByteArray what = argv[1];
     const double infinite = std::numeric_limits<double>::infinity();
     const auto width = [](double value) { (void)marqueeTaskID({}, {}, value, 0, false); };
     if (what == "width-nan") {
@@ -180,18 +182,12 @@ void die(const QByteArray& what) {
     } else if (what == "sleep-too-long") {
         (void)sleepLength(18446744073.709552);
     }
+    return 0;
 }
 
 } // namespace
 
-int main(int argc, char* argv[]) {
-    if (argc == 3 && QByteArray(argv[1]) == "--die") {
-        die(argv[2]);
-        return 0;
-    }
-    const QCoreApplication application(argc, argv);
-    TestMarqueeText test;
-    return QTest::qExec(&test, argc, argv);
-}
+BRIMLET_TEST(TestMarqueeText, QCoreApplication)
+BRIMLET_TEST_CHILD("--die", die)
 
 #include "tst_marqueetext.moc"

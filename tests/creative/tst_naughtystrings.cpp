@@ -4,9 +4,12 @@
 #include "creative/notchfont.h"
 #include "tests/support/fakehttpclient.h"
 #include "tests/support/fakes.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QPainter>
 #include <QTest>
 
@@ -95,7 +98,7 @@ private Q_SLOTS:
     }
 
     void theWholeCollectionStaysInItsBox() {
-        const QDir folder(QStringLiteral(BRIMLET_CORPORA "/strings"));
+        const QDir folder(samplePath(u"strings"));
         const QStringList names = folder.entryList(QDir::Files);
         if (names.isEmpty()) {
             QSKIP("there is no collection of texts at BRIMLET_CORPORA");
@@ -133,5 +136,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestNaughtyStrings)
+BRIMLET_TEST(TestNaughtyStrings, QGuiApplication)
 #include "tst_naughtystrings.moc"

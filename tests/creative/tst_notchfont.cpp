@@ -1,4 +1,5 @@
 #include "creative/notchfont.h"
+#include "tests/support/testprogram.h"
 
 #include <QGuiApplication>
 #include <QTest>
@@ -31,5 +32,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestNotchFont)
+BRIMLET_TEST(TestNotchFont, QGuiApplication)
 #include "tst_notchfont.moc"

@@ -1,3 +1,4 @@
+#include "tests/support/testprogram.h"
 #include "tools/fleet/cadence.h"
 #include "tools/fleet/latencies.h"
 #include "tools/fleet/report.h"
@@ -179,5 +180,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestFleetFigures)
+BRIMLET_TEST(TestFleetFigures, QCoreApplication)
 #include "tst_figures.moc"

@@ -1,3 +1,4 @@
+#include "tests/support/testprogram.h"
 #include "tools/fleet/options.h"
 
 #include <QTest>
@@ -122,5 +123,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestFleetOptions)
+BRIMLET_TEST(TestFleetOptions, QCoreApplication)
 #include "tst_options.moc"

@@ -1,4 +1,6 @@
 #include "tests/placement/serviceprocess.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -30,7 +32,7 @@ public:
                 ::setrlimit(RLIMIT_NOFILE, &limit);
             });
         }
-        m_process.start(u"" BRIMLET_BIN_DIR "/brimlet-fleet"_qs, arguments);
+        m_process.start(brimlet::programPath(u"brimlet-fleet"), arguments);
     }
     ~FleetProcess() {
         if (m_process.state() != QProcess::NotRunning) {
@@ -179,5 +181,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestFleetRun)
+BRIMLET_TEST(TestFleetRun, QCoreApplication)
 #include "tst_run.moc"

@@ -1,6 +1,8 @@
 #include "tests/fuzz/imagecheck.h"
 #include "tests/fuzz/replycheck.h"
 #include "tests/fuzz/urlcheck.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,8 +15,8 @@ using namespace brimlet;
 
 namespace {
 
-const QString ownFiles = QStringLiteral(BRIMLET_SOURCE_DIR "/tests/fuzz/corpus/");
-const QString sampleFiles = QStringLiteral(BRIMLET_CORPORA "/");
+const QString ownFiles = sourcePath(u"tests/fuzz/corpus/");
+const QString sampleFiles = samplePath(u"");
 
 QByteArray contents(const QString& path) {
     QFile file(path);
@@ -90,5 +92,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestCorpus)
+BRIMLET_TEST(TestCorpus, brimlet::NoApplication)
 #include "tst_corpus.moc"

@@ -1,4 +1,5 @@
 #include "host/assignment.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -85,5 +86,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestAssignment)
+BRIMLET_TEST(TestAssignment, brimlet::NoApplication)
 #include "tst_assignment.moc"

@@ -1,4 +1,5 @@
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -210,5 +211,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDisplayRefresh)
+BRIMLET_TEST(TestDisplayRefresh, QCoreApplication)
 #include "tst_displayrefresh.moc"

@@ -1,5 +1,6 @@
 #include "host/heartbeatbody.h"
 #include "host/json.h"
+#include "tests/support/testprogram.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -41,5 +42,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestHeartbeatBody)
+BRIMLET_TEST(TestHeartbeatBody, brimlet::NoApplication)
 #include "tst_heartbeatbody.moc"

@@ -1,5 +1,7 @@
 #include "host/statusline.h"
 #include "tests/support/hostfixture.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QFile>
@@ -108,7 +110,7 @@ class TestHostileJson final : public QObject {
 private Q_SLOTS:
     void theSampleFilesAreAppliedOrRefused_data() { addEndpoints(); }
     void theSampleFilesAreAppliedOrRefused() {
-        const QDir folder(QStringLiteral(BRIMLET_CORPORA "/json"));
+        const QDir folder(samplePath(u"json"));
         const QStringList names = folder.entryList({QStringLiteral("*.json")}, QDir::Files);
         if (names.isEmpty()) {
             QSKIP("no sample files: the folder BRIMLET_CORPORA/json is absent");
@@ -246,5 +248,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHostileJson)
+BRIMLET_TEST(TestHostileJson, QCoreApplication)
 #include "tst_hostilejson.moc"

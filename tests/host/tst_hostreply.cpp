@@ -1,4 +1,5 @@
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -216,5 +217,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHostReply)
+BRIMLET_TEST(TestHostReply, QCoreApplication)
 #include "tst_hostreply.moc"

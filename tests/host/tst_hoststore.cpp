@@ -1,4 +1,5 @@
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -315,5 +316,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHostStore)
+BRIMLET_TEST(TestHostStore, QCoreApplication)
 #include "tst_hoststore.moc"

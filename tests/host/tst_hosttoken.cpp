@@ -1,4 +1,5 @@
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -223,5 +224,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHostToken)
+BRIMLET_TEST(TestHostToken, QCoreApplication)
 #include "tst_hosttoken.moc"

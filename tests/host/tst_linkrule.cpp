@@ -1,4 +1,5 @@
 #include "host/linkrule.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -65,5 +66,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestLinkRule)
+BRIMLET_TEST(TestLinkRule, brimlet::NoApplication)
 #include "tst_linkrule.moc"

@@ -1,4 +1,5 @@
 #include "host/money.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -46,5 +47,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestMoney)
+BRIMLET_TEST(TestMoney, brimlet::NoApplication)
 #include "tst_money.moc"

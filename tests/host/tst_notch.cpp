@@ -1,5 +1,6 @@
 #include "host/notch.h"
 #include "tests/support/fakes.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -94,5 +95,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestNotch)
+BRIMLET_TEST(TestNotch, brimlet::NoApplication)
 #include "tst_notch.moc"

@@ -1,4 +1,5 @@
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -194,5 +195,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestReplyFields)
+BRIMLET_TEST(TestReplyFields, QCoreApplication)
 #include "tst_replyfields.moc"

@@ -1,5 +1,7 @@
 #include "host/hoststore.h"
 #include "host/replyreader.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QFile>
@@ -383,7 +385,7 @@ private Q_SLOTS:
     }
 
     void theSampleFilesAreAcceptedAndRefused() {
-        const QDir folder(QStringLiteral(BRIMLET_CORPORA "/json"));
+        const QDir folder(samplePath(u"json"));
         const QStringList names = folder.entryList({QStringLiteral("*.json")}, QDir::Files);
         if (names.isEmpty()) {
             QSKIP("no sample files: the folder BRIMLET_CORPORA/json is absent");
@@ -401,5 +403,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestReplyReading)
+BRIMLET_TEST(TestReplyReading, brimlet::NoApplication)
 #include "tst_replyreading.moc"

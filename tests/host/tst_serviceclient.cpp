@@ -1,4 +1,5 @@
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -357,5 +358,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestServiceClient)
+BRIMLET_TEST(TestServiceClient, QCoreApplication)
 #include "tst_serviceclient.moc"

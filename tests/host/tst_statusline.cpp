@@ -1,4 +1,5 @@
 #include "host/statusline.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -85,5 +86,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestStatusLine)
+BRIMLET_TEST(TestStatusLine, brimlet::NoApplication)
 #include "tst_statusline.moc"

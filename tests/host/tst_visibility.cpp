@@ -1,4 +1,5 @@
 #include "host/visibility.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -74,5 +75,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestVisibility)
+BRIMLET_TEST(TestVisibility, brimlet::NoApplication)
 #include "tst_visibility.moc"

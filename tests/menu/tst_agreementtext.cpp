@@ -1,9 +1,11 @@
 #include "menu/agreementtext.h"
 #include "menu/textlines.h"
 #include "tests/menu/shownmenu.h"
+#include "tests/support/testprogram.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
+#include <QApplication>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -193,5 +195,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestAgreementText)
+BRIMLET_TEST(TestAgreementText, QApplication)
 #include "tst_agreementtext.moc"

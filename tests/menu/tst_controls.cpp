@@ -4,8 +4,10 @@
 #include "menu/hosttheme.h"
 #include "menu/livedot.h"
 #include "menu/menutext.h"
+#include "tests/support/testprogram.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QTest>
@@ -291,5 +293,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestControls)
+BRIMLET_TEST(TestControls, QApplication)
 #include "tst_controls.moc"

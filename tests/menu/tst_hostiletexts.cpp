@@ -4,7 +4,9 @@
 #include "menu/textlines.h"
 #include "tests/menu/shownmenu.h"
 #include "tests/support/hostiletexts.h"
+#include "tests/support/testprogram.h"
 
+#include <QApplication>
 #include <QScrollBar>
 
 #include <limits>
@@ -190,5 +192,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestHostileTexts)
+BRIMLET_TEST(TestHostileTexts, QApplication)
 #include "tst_hostiletexts.moc"

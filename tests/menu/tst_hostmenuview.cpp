@@ -1,8 +1,10 @@
 #include "menu/hosttheme.h"
 #include "tests/menu/shownmenu.h"
+#include "tests/support/testprogram.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
+#include <QApplication>
 #include <QLineEdit>
 #include <QPalette>
 #include <QSignalSpy>
@@ -514,5 +516,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestHostMenuView)
+BRIMLET_TEST(TestHostMenuView, QApplication)
 #include "tst_hostmenuview.moc"

@@ -3,7 +3,9 @@
 #include "tests/support/fakehttpclient.h"
 #include "tests/support/fakes.h"
 #include "tests/support/pngbytes.h"
+#include "tests/support/testprogram.h"
 
+#include <QApplication>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -156,5 +158,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestMarkView)
+BRIMLET_TEST(TestMarkView, QApplication)
 #include "tst_markview.moc"

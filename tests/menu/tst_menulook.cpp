@@ -2,8 +2,10 @@
 #include "menu/markview.h"
 #include "menu/statuscard.h"
 #include "tests/menu/shownmenu.h"
+#include "tests/support/testprogram.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QLineEdit>
 #include <QPalette>
 
@@ -353,5 +355,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestMenuLook)
+BRIMLET_TEST(TestMenuLook, QApplication)
 #include "tst_menulook.moc"

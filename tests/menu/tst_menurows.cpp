@@ -1,4 +1,5 @@
 #include "menu/menurows.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -85,5 +86,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestMenuRows)
+BRIMLET_TEST(TestMenuRows, QCoreApplication)
 #include "tst_menurows.moc"

@@ -1,6 +1,7 @@
 #include "menu/menuscroll.h"
 #include "menu/slimscrollbar.h"
 #include "tests/menu/shownmenu.h"
+#include "tests/support/testprogram.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -218,5 +219,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestMenuScroll)
+BRIMLET_TEST(TestMenuScroll, QApplication)
 #include "tst_menuscroll.moc"

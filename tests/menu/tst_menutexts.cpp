@@ -1,4 +1,5 @@
 #include "menu/menutexts.h"
+#include "tests/support/testprogram.h"
 
 #include <QLocale>
 #include <QTest>
@@ -95,5 +96,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestMenuTexts)
+BRIMLET_TEST(TestMenuTexts, QCoreApplication)
 #include "tst_menutexts.moc"

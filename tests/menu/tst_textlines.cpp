@@ -1,4 +1,5 @@
 #include "menu/textlines.h"
+#include "tests/support/testprogram.h"
 
 #include <QFontMetricsF>
 #include <QGuiApplication>
@@ -175,5 +176,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestTextLines)
+BRIMLET_TEST(TestTextLines, QGuiApplication)
 #include "tst_textlines.moc"

@@ -1,7 +1,9 @@
 #include "menu/tokenfield.h"
 #include "tests/menu/shownmenu.h"
+#include "tests/support/testprogram.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QPalette>
@@ -185,5 +187,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestTokenField)
+BRIMLET_TEST(TestTokenField, QApplication)
 #include "tst_tokenfield.moc"

@@ -1,5 +1,6 @@
 #include "overlay/overlaycontroller.h"
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -89,5 +90,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestController)
+BRIMLET_TEST(TestController, QCoreApplication)
 #include "tst_controller.moc"

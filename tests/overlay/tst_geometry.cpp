@@ -1,4 +1,5 @@
 #include "overlay/notchgeometry.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -98,5 +99,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestGeometry)
+BRIMLET_TEST(TestGeometry, brimlet::NoApplication)
 #include "tst_geometry.moc"

@@ -4,8 +4,10 @@
 #include "overlay/overlayview.h"
 #include "tests/support/hostfixture.h"
 #include "tests/support/hostiletexts.h"
+#include "tests/support/testprogram.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QPainter>
 #include <QTemporaryDir>
 #include <QTest>
@@ -189,5 +191,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestHostileTexts)
+BRIMLET_TEST(TestHostileTexts, QApplication)
 #include "tst_hostiletexts.moc"

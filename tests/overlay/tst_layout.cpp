@@ -1,4 +1,5 @@
 #include "overlay/overlaylayout.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -50,5 +51,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestLayout)
+BRIMLET_TEST(TestLayout, brimlet::NoApplication)
 #include "tst_layout.moc"

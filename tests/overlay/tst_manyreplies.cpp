@@ -5,7 +5,9 @@
 #include "tests/support/hostfixture.h"
 #include "tests/support/memoryuse.h"
 #include "tests/support/pngbytes.h"
+#include "tests/support/testprogram.h"
 
+#include <QApplication>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -167,5 +169,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestManyReplies)
+BRIMLET_TEST(TestManyReplies, QApplication)
 #include "tst_manyreplies.moc"

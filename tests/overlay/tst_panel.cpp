@@ -1,5 +1,6 @@
 #include "overlay/overlaypanel.h"
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -167,5 +168,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestPanel)
+BRIMLET_TEST(TestPanel, QCoreApplication)
 #include "tst_panel.moc"

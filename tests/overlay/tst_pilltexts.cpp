@@ -1,4 +1,5 @@
 #include "overlay/pilltexts.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -105,5 +106,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestPillTexts)
+BRIMLET_TEST(TestPillTexts, brimlet::NoApplication)
 #include "tst_pilltexts.moc"

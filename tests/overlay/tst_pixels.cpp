@@ -1,5 +1,7 @@
 #include "tests/overlay/paintedview.h"
+#include "tests/support/testprogram.h"
 
+#include <QApplication>
 #include <QTest>
 
 #include <cmath>
@@ -215,5 +217,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestPixels)
+BRIMLET_TEST(TestPixels, QApplication)
 #include "tst_pixels.moc"

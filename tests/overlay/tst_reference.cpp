@@ -1,6 +1,9 @@
 #include "creative/textline.h"
 #include "tests/overlay/paintedview.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -147,7 +150,7 @@ private Q_SLOTS:
         }
         const QImage actual = view.pictureOver(kGround, ratio);
 
-        const QDir folder(QStringLiteral(BRIMLET_SOURCE_DIR "/tests/overlay/reference"));
+        const QDir folder(sourcePath(u"tests/overlay/reference"));
         const QString path = folder.filePath(file);
         if (qEnvironmentVariable("BRIMLET_UPDATE_REFERENCES") == QLatin1StringView("1")) {
             QVERIFY(QDir().mkpath(folder.path()));
@@ -212,5 +215,5 @@ private:
     }
 };
 
-QTEST_MAIN(TestReference)
+BRIMLET_TEST(TestReference, QApplication)
 #include "tst_reference.moc"

@@ -1,5 +1,6 @@
 #include "overlay/overlayruntime.h"
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -122,5 +123,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestRuntime)
+BRIMLET_TEST(TestRuntime, QCoreApplication)
 #include "tst_runtime.moc"

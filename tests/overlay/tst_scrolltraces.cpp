@@ -2,7 +2,9 @@
 #include "overlay/notchpill.h"
 #include "overlay/overlayview.h"
 #include "tests/support/hostfixture.h"
+#include "tests/support/testprogram.h"
 
+#include <QApplication>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
@@ -88,5 +90,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestScrollTraces)
+BRIMLET_TEST(TestScrollTraces, QApplication)
 #include "tst_scrolltraces.moc"

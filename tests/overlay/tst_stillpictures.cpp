@@ -3,8 +3,10 @@
 #include "overlay/overlayview.h"
 #include "tests/support/hostfixture.h"
 #include "tests/support/samplepictures.h"
+#include "tests/support/testprogram.h"
 
 #include <QAbstractEventDispatcher>
+#include <QApplication>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -78,5 +80,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestStillPictures)
+BRIMLET_TEST(TestStillPictures, QApplication)
 #include "tst_stillpictures.moc"

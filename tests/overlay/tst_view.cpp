@@ -3,8 +3,10 @@
 #include "overlay/overlayview.h"
 #include "tests/support/hostfixture.h"
 #include "tests/support/pngbytes.h"
+#include "tests/support/testprogram.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QPaintEvent>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -403,5 +405,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestView)
+BRIMLET_TEST(TestView, QApplication)
 #include "tst_view.moc"

@@ -1,4 +1,5 @@
 #include "tests/placement/serviceprocess.h"
+#include "tests/support/testpaths.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -12,7 +13,7 @@ namespace {
 constexpr int patienceMs = 20'000;
 
 QString program() {
-    return QStringLiteral(BRIMLET_BIN_DIR "/brimlet-placement");
+    return programPath(u"brimlet-placement");
 }
 
 } // namespace

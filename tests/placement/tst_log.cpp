@@ -1,3 +1,4 @@
+#include "tests/support/testprogram.h"
 #include "tools/placement/requestlog.h"
 
 #include <QFile>
@@ -121,5 +122,5 @@ void LogTest::linesAreAppended() {
     QCOMPARE(file.readAll(), QByteArray("one\ntwo\n"));
 }
 
-QTEST_APPLESS_MAIN(LogTest)
+BRIMLET_TEST(LogTest, brimlet::NoApplication)
 #include "tst_log.moc"

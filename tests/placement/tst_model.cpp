@@ -1,3 +1,4 @@
+#include "tests/support/testprogram.h"
 #include "tools/placement/model.h"
 
 #include <QtTest/QtTest>
@@ -331,5 +332,5 @@ void ModelTest::sharesNeverExceedThePool() {
     QVERIFY(banked > 999'999'999'900);
 }
 
-QTEST_APPLESS_MAIN(ModelTest)
+BRIMLET_TEST(ModelTest, brimlet::NoApplication)
 #include "tst_model.moc"

@@ -1,3 +1,4 @@
+#include "tests/support/testprogram.h"
 #include "tools/placement/options.h"
 
 #include <QtTest/QtTest>
@@ -93,5 +94,5 @@ void OptionsTest::theHelpNamesEveryOption() {
     }
 }
 
-QTEST_APPLESS_MAIN(OptionsTest)
+BRIMLET_TEST(OptionsTest, brimlet::NoApplication)
 #include "tst_options.moc"

@@ -1,3 +1,4 @@
+#include "tests/support/testprogram.h"
 #include "tools/placement/brands.h"
 #include "tools/placement/responder.h"
 
@@ -517,5 +518,5 @@ void RepliesTest::onlyGoodAnswersHaveATag() {
     QCOMPARE(header(answer, "ETag"), QByteArray());
 }
 
-QTEST_APPLESS_MAIN(RepliesTest)
+BRIMLET_TEST(RepliesTest, brimlet::NoApplication)
 #include "tst_replies.moc"

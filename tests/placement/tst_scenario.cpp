@@ -1,3 +1,5 @@
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 #include "tools/placement/scenario.h"
 #include "tools/placement/scenariofile.h"
 
@@ -102,7 +104,7 @@ void ScenarioTest::aBodyMayBeAnyJson() {
 }
 
 void ScenarioTest::theDocumentedExampleIsAScenario() {
-    QFile file(QStringLiteral(BRIMLET_SOURCE_DIR "/docs/placement.md"));
+    QFile file(brimlet::sourcePath(u"docs/placement.md"));
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QByteArray page = file.readAll();
     const QByteArray fence = "```json\n";
@@ -227,5 +229,5 @@ void ScenarioTest::aMissingFileIsAComplaint() {
     QVERIFY(scenarioFile.look().scenario.has_value());
 }
 
-QTEST_APPLESS_MAIN(ScenarioTest)
+BRIMLET_TEST(ScenarioTest, brimlet::NoApplication)
 #include "tst_scenario.moc"

@@ -1,5 +1,6 @@
 #include "tests/placement/rawclient.h"
 #include "tests/placement/serviceprocess.h"
+#include "tests/support/testprogram.h"
 
 #include <QElapsedTimer>
 #include <QImage>
@@ -464,5 +465,5 @@ void ServiceTest::helpAndVersionAreShown() {
     QVERIFY(version.output.startsWith("brimlet-placement "));
 }
 
-QTEST_GUILESS_MAIN(ServiceTest)
+BRIMLET_TEST(ServiceTest, QCoreApplication)
 #include "tst_service.moc"

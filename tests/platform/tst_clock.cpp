@@ -2,6 +2,7 @@
 #include "platform/simulated/simulatedclock.h"
 #include "platform/starttask.h"
 #include "tests/support/fakeclock.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -257,5 +258,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestClock)
+BRIMLET_TEST(TestClock, QCoreApplication)
 #include "tst_clock.moc"

@@ -1,4 +1,5 @@
 #include "platform/deferred.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -55,5 +56,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestDeferred)
+BRIMLET_TEST(TestDeferred, brimlet::NoApplication)
 #include "tst_deferred.moc"

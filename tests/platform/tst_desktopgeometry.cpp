@@ -1,4 +1,5 @@
 #include "platform/qt/desktopgeometry.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -42,5 +43,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestDesktopGeometry)
+BRIMLET_TEST(TestDesktopGeometry, brimlet::NoApplication)
 #include "tst_desktopgeometry.moc"

@@ -1,5 +1,6 @@
 #include "platform/qt/instancelock.h"
 #include "platform/qt/unixsignals.h"
+#include "tests/support/testprogram.h"
 
 #include <QFileInfo>
 #include <QProcess>
@@ -17,14 +18,14 @@ namespace {
 constexpr int kPatience = 15'000;
 
 /// The other program: says whether it runs from now on, and then what is asked of it.
-int runOther(int argc, char* argv[], const QString& file) {
+int runOther(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
     quitOnTerminationSignals();
     const auto say = [](const char* line) {
         std::puts(line);
         std::fflush(stdout);
     };
-    InstanceLock lock(file);
+    InstanceLock lock(QString::fromLocal8Bit(argv[1]));
     QObject::connect(&lock, &InstanceLock::requested, qApp, [say](InstanceRequest request) {
         say(request == InstanceRequest::Open ? "open" : "pause");
     });
@@ -119,12 +120,6 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char* argv[]) {
-    if (argc == 3 && qstrcmp(argv[1], "--other") == 0) {
-        return runOther(argc, argv, QString::fromLocal8Bit(argv[2]));
-    }
-    const QCoreApplication application(argc, argv);
-    TestInstanceLock test;
-    return QTest::qExec(&test, argc, argv);
-}
+BRIMLET_TEST(TestInstanceLock, QCoreApplication)
+BRIMLET_TEST_CHILD("--other", runOther)
 #include "tst_instancelock.moc"

@@ -1,4 +1,5 @@
 #include "platform/qt/menuplacement.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -131,5 +132,5 @@ private Q_SLOTS:
     void withoutAScreenThereIsNoPlace() { QVERIFY(!menuFrame(kPanel, std::nullopt, {})); }
 };
 
-QTEST_APPLESS_MAIN(TestMenuPlacement)
+BRIMLET_TEST(TestMenuPlacement, brimlet::NoApplication)
 #include "tst_menuplacement.moc"

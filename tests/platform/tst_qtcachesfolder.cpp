@@ -1,4 +1,5 @@
 #include "platform/qt/qtcachesfolder.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QTest>
@@ -19,5 +20,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestQtCachesFolder)
+BRIMLET_TEST(TestQtCachesFolder, QCoreApplication)
 #include "tst_qtcachesfolder.moc"

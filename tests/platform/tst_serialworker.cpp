@@ -1,4 +1,5 @@
 #include "platform/qt/serialworker.h"
+#include "tests/support/testprogram.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -134,5 +135,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(SerialWorkerTest)
+BRIMLET_TEST(SerialWorkerTest, QCoreApplication)
 #include "tst_serialworker.moc"

@@ -1,4 +1,6 @@
 #include "platform/url.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -118,7 +120,7 @@ private Q_SLOTS:
     }
 
     void whatWasReadReadsTheSameAgain() {
-        QFile file(QStringLiteral(BRIMLET_CORPORA "/url/urltestdata.json"));
+        QFile file(samplePath(u"url/urltestdata.json"));
         if (!file.open(QIODevice::ReadOnly)) {
             QSKIP("no sample file: BRIMLET_CORPORA/url/urltestdata.json is absent");
         }
@@ -147,5 +149,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestUrl)
+BRIMLET_TEST(TestUrl, brimlet::NoApplication)
 #include "tst_url.moc"

@@ -1,5 +1,7 @@
 #include "host/linkrule.h"
 #include "platform/curl/curladdress.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -65,7 +67,7 @@ Reading readByQt(const QUrl& url) {
 }
 
 QJsonArray collectedAddresses() {
-    QFile file(QStringLiteral(BRIMLET_CORPORA "/url/urltestdata.json"));
+    QFile file(samplePath(u"url/urltestdata.json"));
     return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).array()
                                           : QJsonArray();
 }
@@ -86,7 +88,7 @@ struct CollectedHost final {
 };
 
 std::vector<CollectedHost> collectedHosts() {
-    QFile file(QStringLiteral(BRIMLET_CORPORA "/url/IdnaTestV2.txt"));
+    QFile file(samplePath(u"url/IdnaTestV2.txt"));
     std::vector<CollectedHost> hosts;
     if (!file.open(QIODevice::ReadOnly)) {
         return hosts;
@@ -305,5 +307,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestUrlParsers)
+BRIMLET_TEST(TestUrlParsers, QCoreApplication)
 #include "tst_urlparsers.moc"

@@ -2,6 +2,8 @@
 #include "tests/support/processes.h"
 #include "tests/support/sanitized.h"
 #include "tests/support/screenreader.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
 #include <QElapsedTimer>
@@ -282,7 +284,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(isMenuOpen(program), kPatience);
         for (int i = 0; i < 2; ++i) { // and once more: it restarts
             QProcess tray;
-            tray.start(QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/tray-host"),
+            tray.start(sourcePath(u"tests/support/session/tray-host"),
                        {QStringLiteral("notifier")});
             const auto items = [] {
                 const auto question = QDBusMessage::createMethodCall(
@@ -341,5 +343,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDesktop)
+BRIMLET_TEST(TestDesktop, QCoreApplication)
 #include "tst_desktop.moc"

@@ -1,4 +1,5 @@
 #include "tests/robustness/survival.h"
+#include "tests/support/testprogram.h"
 
 using namespace brimlet;
 using namespace brimlet::faults;
@@ -189,5 +190,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttp)
+BRIMLET_TEST(TestHttp, QCoreApplication)
 #include "tst_http.moc"

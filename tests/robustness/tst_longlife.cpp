@@ -4,6 +4,7 @@
 #include "tests/support/hostfixture.h"
 #include "tests/support/memoryuse.h"
 #include "tests/support/pngbytes.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QRandomGenerator>
@@ -143,5 +144,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLongLife)
+BRIMLET_TEST(TestLongLife, QCoreApplication)
 #include "tst_longlife.moc"

@@ -3,6 +3,8 @@
 #include "tests/support/sanitized.h"
 #include "tests/support/sessionfolders.h"
 #include "tests/support/stubbus.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -34,8 +36,7 @@ const QString kHeartbeat = QStringLiteral("POST /api/host/heartbeat");
 class FaultySecretService final {
 public:
     explicit FaultySecretService(const QString& kind) {
-        m_process.start(QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/secret-service"),
-                        {kind});
+        m_process.start(sourcePath(u"tests/support/session/secret-service"), {kind});
         m_process.waitForReadyRead(kPatience);
     }
     ~FaultySecretService() {
@@ -201,7 +202,7 @@ private Q_SLOTS:
         time.start();
         const int second = program.startAgain();
         QProcess quit;
-        quit.start(QStringLiteral(BRIMLET_BIN_DIR "/brimlet"), {QStringLiteral("--quit")});
+        quit.start(programPath(u"brimlet"), {QStringLiteral("--quit")});
         const bool isOver = quit.waitForFinished(kPatience);
         const qint64 taken = time.elapsed();
         qputenv("DBUS_SESSION_BUS_ADDRESS", before);
@@ -268,5 +269,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSecrets)
+BRIMLET_TEST(TestSecrets, QCoreApplication)
 #include "tst_secrets.moc"

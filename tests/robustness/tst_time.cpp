@@ -1,5 +1,6 @@
 #include "tests/support/processes.h"
 #include "tests/support/sanitized.h"
+#include "tests/support/testprogram.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -232,5 +233,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestTime)
+BRIMLET_TEST(TestTime, QCoreApplication)
 #include "tst_time.moc"

@@ -1,4 +1,5 @@
 #include "tests/robustness/survival.h"
+#include "tests/support/testprogram.h"
 
 #include <QProcess>
 
@@ -202,5 +203,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestToken)
+BRIMLET_TEST(TestToken, QCoreApplication)
 #include "tst_token.moc"

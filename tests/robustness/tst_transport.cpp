@@ -1,4 +1,5 @@
 #include "tests/robustness/survival.h"
+#include "tests/support/testprogram.h"
 
 #include <QElapsedTimer>
 #include <QProcess>
@@ -144,5 +145,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestTransport)
+BRIMLET_TEST(TestTransport, QCoreApplication)
 #include "tst_transport.moc"

@@ -1,4 +1,5 @@
 #include "tests/support/faultserverprocess.h"
+#include "tests/support/testpaths.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
@@ -53,7 +54,7 @@ QJsonObject reset() {
 
 FaultServerProcess::FaultServerProcess(const QStringList& arguments) {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start(QStringLiteral(BRIMLET_BIN_DIR "/brimlet-fault-server"),
+    m_process.start(programPath(u"brimlet-fault-server"),
                     QStringList{QStringLiteral("--log"), logPath(m_folder)} + arguments);
     constexpr QByteArrayView kGreeting("Listening on ");
     if (const QByteArray line = nextLine(); line.startsWith(kGreeting)) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/testpaths.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTest>
@@ -41,7 +43,7 @@ inline void addHostileTexts() {
 
 /// Every line of the collection of naughty strings; none where the collection is not there.
 inline QByteArrayList naughtyStrings() {
-    const QDir folder(QStringLiteral(BRIMLET_CORPORA "/strings"));
+    const QDir folder(samplePath(u"strings"));
     QByteArrayList lines;
     for (const QString& name : folder.entryList(QDir::Files)) {
         QFile file(folder.filePath(name));

@@ -1,4 +1,5 @@
 #include "tests/support/processes.h"
+#include "tests/support/testpaths.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -15,10 +16,6 @@ namespace brimlet {
 namespace {
 
 constexpr int kPatience = 20'000; // milliseconds
-
-QString programPath(const char* name) {
-    return QStringLiteral(BRIMLET_BIN_DIR "/") + QString::fromLatin1(name);
-}
 
 void writeJson(const QString& path, const QJsonObject& object) {
     QSaveFile file(path);
@@ -68,7 +65,7 @@ ProcessMeasures measuresOf(qint64 process) {
 PlacementProcess::PlacementProcess() {
     setScenario({});
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start(programPath("brimlet-placement"),
+    m_process.start(programPath(u"brimlet-placement"),
                     {QStringLiteral("--port"), QStringLiteral("0"), QStringLiteral("--scenario"),
                      m_folder.filePath(QStringLiteral("scenario.json")), QStringLiteral("--log"),
                      m_folder.filePath(QStringLiteral("requests.jsonl"))});
@@ -114,7 +111,7 @@ QStringList PlacementProcess::requestLines() const {
 
 SimulatorProcess::SimulatorProcess(const QJsonObject& machine,
                                    const EnvironmentChanges& environment) {
-    QFile file(QStringLiteral(BRIMLET_SOURCE_DIR "/docs/machines/laptop-14.json"));
+    QFile file(sourcePath(u"docs/machines/laptop-14.json"));
     if (!file.open(QIODevice::ReadOnly)) {
         qFatal("the 14-inch machine is missing");
     }
@@ -129,7 +126,7 @@ SimulatorProcess::SimulatorProcess(const QJsonObject& machine,
         }
     }
     m_process.setProcessEnvironment(variables);
-    m_process.start(programPath("brimlet-simulator"),
+    m_process.start(programPath(u"brimlet-simulator"),
                     {QStringLiteral("--machine"), m_folder.filePath(QStringLiteral("machine.json")),
                      QStringLiteral("--console")});
 }
@@ -191,7 +188,7 @@ int SimulatorProcess::endBySignal(int signal) {
 
 int SimulatorProcess::startAgain() const {
     return QProcess::execute(
-        programPath("brimlet-simulator"),
+        programPath(u"brimlet-simulator"),
         {QStringLiteral("--machine"), m_folder.filePath(QStringLiteral("machine.json"))});
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/testpaths.h"
+
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QList>
@@ -19,8 +21,7 @@ inline Heard run(const QStringList& arguments) {
     constexpr int kPatience = 15'000;
     QProcess reader;
     reader.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    reader.start(QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/screen-reader"),
-                 arguments);
+    reader.start(sourcePath(u"tests/support/session/screen-reader"), arguments);
     reader.waitForFinished(kPatience);
     return {reader.exitStatus() == QProcess::NormalExit ? reader.exitCode() : -1,
             reader.readAllStandardOutput()};

@@ -2,6 +2,7 @@
 #include "creative/images/imagegate.h"
 #include "tests/support/memoryuse.h"
 #include "tests/support/samplepictures.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -159,5 +160,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestCodeTables)
+BRIMLET_TEST(TestCodeTables, brimlet::NoApplication)
 #include "tst_codetables.moc"

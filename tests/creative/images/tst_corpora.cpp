@@ -2,6 +2,8 @@
 #include "creative/images/imagegate.h"
 #include "creative/images/pictureshrinker.h"
 #include "tests/support/memoryuse.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QFile>
@@ -26,8 +28,8 @@ class TestImageCorpora final : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        if (!QDir(QStringLiteral(BRIMLET_CORPORA)).exists()) {
-            QSKIP("the folder of sample files is not there: " BRIMLET_CORPORA);
+        if (!QDir(samplePath({})).exists()) {
+            QSKIP("the folder of sample files BRIMLET_CORPORA is absent");
         }
     }
 
@@ -68,7 +70,7 @@ private Q_SLOTS:
 
 private:
     static QFileInfoList filesIn(const QString& folder) {
-        return QDir(QStringLiteral(BRIMLET_CORPORA "/") + folder).entryInfoList(QDir::Files);
+        return QDir(samplePath({}) + folder).entryInfoList(QDir::Files);
     }
     static QByteArray contents(const QFileInfo& info) {
         QFile file(info.filePath());
@@ -86,5 +88,5 @@ private:
     }
 };
 
-QTEST_APPLESS_MAIN(TestImageCorpora)
+BRIMLET_TEST(TestImageCorpora, brimlet::NoApplication)
 #include "tst_corpora.moc"

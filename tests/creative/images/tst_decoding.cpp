@@ -1,6 +1,7 @@
 #include "creative/images/imagedecoding.h"
 
 #include "tests/support/goodfiles.h"
+#include "tests/support/testprogram.h"
 
 #include <QColorSpace>
 #include <QTest>
@@ -196,5 +197,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestImageDecoding)
+BRIMLET_TEST(TestImageDecoding, brimlet::NoApplication)
 #include "tst_decoding.moc"

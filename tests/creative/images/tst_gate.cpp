@@ -2,6 +2,7 @@
 
 #include "creative/images/imagesifting.h"
 #include "tests/support/samplepictures.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -122,5 +123,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestImageGate)
+BRIMLET_TEST(TestImageGate, brimlet::NoApplication)
 #include "tst_gate.moc"

@@ -3,6 +3,7 @@
 #include "creative/images/pictureshrinker.h"
 #include "tests/support/goodfiles.h"
 #include "tests/support/memoryuse.h"
+#include "tests/support/testprogram.h"
 
 #include <QRandomGenerator>
 #include <QTemporaryFile>
@@ -201,5 +202,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestImageHardening)
+BRIMLET_TEST(TestImageHardening, brimlet::NoApplication)
 #include "tst_hardening.moc"

@@ -1,5 +1,6 @@
 #include "creative/images/imagegate.h"
 #include "tests/support/samplepictures.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -122,5 +123,5 @@ void TestImageLimits::sidesAndMemoryHaveLimits_data() {
         << samples::gifOutline(QSize(9, 9), QRect(0, 4000, 1, 97)) << false;
 }
 
-QTEST_APPLESS_MAIN(TestImageLimits)
+BRIMLET_TEST(TestImageLimits, brimlet::NoApplication)
 #include "tst_limits.moc"

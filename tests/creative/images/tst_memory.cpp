@@ -2,6 +2,7 @@
 #include "creative/images/imagegate.h"
 #include "tests/support/memoryuse.h"
 #include "tests/support/samplepictures.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -77,5 +78,5 @@ private:
     }
 };
 
-QTEST_APPLESS_MAIN(TestImageMemory)
+BRIMLET_TEST(TestImageMemory, brimlet::NoApplication)
 #include "tst_memory.moc"

@@ -1,5 +1,6 @@
 #include "creative/images/imagegate.h"
 #include "tests/support/samplepictures.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -210,5 +211,5 @@ private:
     }
 };
 
-QTEST_APPLESS_MAIN(TestImageSurfaces)
+BRIMLET_TEST(TestImageSurfaces, brimlet::NoApplication)
 #include "tst_surfaces.moc"

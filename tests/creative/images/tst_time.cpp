@@ -1,6 +1,8 @@
 #include "creative/images/imagedecoding.h"
 #include "tests/support/goodfiles.h"
 #include "tests/support/memoryuse.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QFile>
@@ -125,7 +127,7 @@ private Q_SLOTS:
     void theSampleFilesEndInTime() {
         int files = 0;
         for (const char* name : {"png/pngsuite", "png/libpng", "jpeg", "gif"}) {
-            const QDir folder(QStringLiteral(BRIMLET_CORPORA "/") + QLatin1StringView(name));
+            const QDir folder(samplePath({}) + QLatin1StringView(name));
             for (const QFileInfo& file : folder.entryInfoList(QDir::Files)) {
                 check(contents(file.filePath()), kAny);
                 if (QTest::currentTestFailed()) {
@@ -136,7 +138,7 @@ private Q_SLOTS:
             }
         }
         if (files == 0) {
-            QSKIP("the folder of sample files is not there: " BRIMLET_CORPORA);
+            QSKIP("the folder of sample files BRIMLET_CORPORA is absent");
         }
     }
 
@@ -165,5 +167,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestImageTime)
+BRIMLET_TEST(TestImageTime, brimlet::NoApplication)
 #include "tst_time.moc"

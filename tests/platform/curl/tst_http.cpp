@@ -1,6 +1,7 @@
 #include "platform/curl/curlhttpclient.h"
 #include "tests/support/httpcontract.h"
 #include "tests/support/rawserver.h"
+#include "tests/support/testprogram.h"
 
 #include <QAbstractEventDispatcher>
 #include <QSignalSpy>
@@ -164,5 +165,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttp)
+BRIMLET_TEST(TestHttp, QCoreApplication)
 #include "tst_http.moc"

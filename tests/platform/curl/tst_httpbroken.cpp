@@ -1,6 +1,7 @@
 #include "platform/curl/curlhttpclient.h"
 #include "tests/support/httpcontract.h"
 #include "tests/support/rawserver.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -214,5 +215,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttpBroken)
+BRIMLET_TEST(TestHttpBroken, QCoreApplication)
 #include "tst_httpbroken.moc"

@@ -1,6 +1,7 @@
 #include "platform/curl/curlhttpclient.h"
 #include "tests/support/httpcontract.h"
 #include "tests/support/rawserver.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -207,5 +208,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttpConditional)
+BRIMLET_TEST(TestHttpConditional, QCoreApplication)
 #include "tst_httpconditional.moc"

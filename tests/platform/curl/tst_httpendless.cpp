@@ -2,6 +2,7 @@
 #include "tests/support/httpcontract.h"
 #include "tests/support/memoryuse.h"
 #include "tests/support/rawserver.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -110,5 +111,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttpEndless)
+BRIMLET_TEST(TestHttpEndless, QCoreApplication)
 #include "tst_httpendless.moc"

@@ -1,6 +1,7 @@
 #include "tests/support/fakeclock.h"
 #include "tests/support/fakehttpclient.h"
 #include "tests/support/httpcontract.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -56,5 +57,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttpFake)
+BRIMLET_TEST(TestHttpFake, QCoreApplication)
 #include "tst_httpfake.moc"

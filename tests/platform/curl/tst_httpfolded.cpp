@@ -1,6 +1,7 @@
 #include "platform/curl/curlhttpclient.h"
 #include "tests/support/httpcontract.h"
 #include "tests/support/rawserver.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -46,5 +47,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttpFolded)
+BRIMLET_TEST(TestHttpFolded, QCoreApplication)
 #include "tst_httpfolded.moc"

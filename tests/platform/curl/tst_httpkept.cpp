@@ -1,6 +1,7 @@
 #include "platform/curl/curlhttpclient.h"
 #include "tests/support/httpcontract.h"
 #include "tests/support/rawserver.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -119,5 +120,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttpKept)
+BRIMLET_TEST(TestHttpKept, QCoreApplication)
 #include "tst_httpkept.moc"

@@ -2,6 +2,7 @@
 #include "tests/support/httpcontract.h"
 #include "tests/support/rawserver.h"
 #include "tests/support/sanitized.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -317,5 +318,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttpLimits)
+BRIMLET_TEST(TestHttpLimits, QCoreApplication)
 #include "tst_httplimits.moc"

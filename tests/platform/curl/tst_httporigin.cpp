@@ -1,4 +1,5 @@
 #include "platform/httpclient.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -59,5 +60,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttpOrigin)
+BRIMLET_TEST(TestHttpOrigin, QCoreApplication)
 #include "tst_httporigin.moc"

@@ -2,6 +2,7 @@
 #include "platform/curl/curlhttpclient.h"
 #include "tests/support/httpcontract.h"
 #include "tests/support/rawserver.h"
+#include "tests/support/testprogram.h"
 
 #include <QFile>
 #include <QProcess>
@@ -241,5 +242,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHttpTls)
+BRIMLET_TEST(TestHttpTls, QCoreApplication)
 #include "tst_httptls.moc"

@@ -1,4 +1,5 @@
 #include "platform/curl/validators.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -149,5 +150,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestValidators)
+BRIMLET_TEST(TestValidators, QCoreApplication)
 #include "tst_validators.moc"

@@ -1,5 +1,6 @@
 #include "platform/linux/appledisplay.h"
 #include "tests/platform/linux/kernelfolder.h"
+#include "tests/support/testprogram.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -259,5 +260,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(AppleDisplayTest)
+BRIMLET_TEST(AppleDisplayTest, brimlet::NoApplication)
 #include "tst_appledisplay.moc"

@@ -1,5 +1,6 @@
 #include "tests/support/fakes.h"
 #include "tests/support/secretcontract.h"
+#include "tests/support/testprogram.h"
 
 using namespace brimlet;
 
@@ -16,5 +17,5 @@ private:
     FakeSecretStore m_store;
 };
 
-QTEST_GUILESS_MAIN(FakeSecretsTest)
+BRIMLET_TEST(FakeSecretsTest, QCoreApplication)
 #include "tst_fakesecrets.moc"

@@ -1,4 +1,5 @@
 #include "platform/linux/qtscreens.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -30,5 +31,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestInternalConnector)
+BRIMLET_TEST(TestInternalConnector, brimlet::NoApplication)
 #include "tst_internalconnector.moc"

@@ -1,5 +1,8 @@
 #include "platform/linux/laptopsymbol.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QPainter>
@@ -129,9 +132,8 @@ private Q_SLOTS:
         QCOMPARE(laptopSymbol().name(), QString());
         const QString folder = data.filePath(QStringLiteral("icons/hicolor/symbolic/apps"));
         QVERIFY(QDir().mkpath(folder));
-        QVERIFY(QFile::copy(
-            QStringLiteral(BRIMLET_SOURCE_DIR "/packaging/icons/app.brimlet.host-symbolic.svg"),
-            folder + QStringLiteral("/app.brimlet.host-symbolic.svg")));
+        QVERIFY(QFile::copy(sourcePath(u"packaging/icons/app.brimlet.host-symbolic.svg"),
+                            folder + QStringLiteral("/app.brimlet.host-symbolic.svg")));
         QCOMPARE(laptopSymbol().name(), QStringLiteral("app.brimlet.host-symbolic"));
         // Other trays still get a picture.
         QVERIFY(!laptopSymbol().pixmap(22, 22).isNull());
@@ -139,5 +141,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestLaptopSymbol)
+BRIMLET_TEST(TestLaptopSymbol, QApplication)
 #include "tst_laptopsymbol.moc"

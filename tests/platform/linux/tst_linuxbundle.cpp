@@ -1,4 +1,5 @@
 #include "platform/linux/linuxbundle.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QFile>
@@ -116,5 +117,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(LinuxBundleTest)
+BRIMLET_TEST(LinuxBundleTest, QCoreApplication)
 #include "tst_linuxbundle.moc"

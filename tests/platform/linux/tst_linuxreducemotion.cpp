@@ -1,5 +1,6 @@
 #include "platform/linux/linuxreducemotion.h"
 #include "tests/platform/linux/busservice.h"
+#include "tests/support/testprogram.h"
 
 #include <QDBusMetaType>
 #include <QDBusVariant>
@@ -335,5 +336,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(LinuxReduceMotionTest)
+BRIMLET_TEST(LinuxReduceMotionTest, QCoreApplication)
 #include "tst_linuxreducemotion.moc"

@@ -1,6 +1,8 @@
 #include "platform/linux/linuxworkspace.h"
 #include "tests/platform/linux/busservice.h"
 #include "tests/platform/linux/panelfolder.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -243,10 +245,8 @@ private Q_SLOTS:
     void anAddressIsOpenedOnceAndAsItIs() {
         QTemporaryDir folder;
         const QString opened = folder.filePath(QStringLiteral("opened"));
-        QCOMPARE(QProcess::execute(
-                     QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/recording-browser"),
-                     {opened}),
-                 0);
+        QCOMPARE(
+            QProcess::execute(sourcePath(u"tests/support/session/recording-browser"), {opened}), 0);
         LinuxWorkspace workspace(QStringLiteral("/nowhere"));
         QByteArray expected;
         for (const QString& text : {QStringLiteral("https://example.com/a?b=c&d=%20e#f"),
@@ -264,10 +264,8 @@ private Q_SLOTS:
     void whatIsNoWholeAddressIsNotOpened() {
         QTemporaryDir folder;
         const QString opened = folder.filePath(QStringLiteral("opened"));
-        QCOMPARE(QProcess::execute(
-                     QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/recording-browser"),
-                     {opened}),
-                 0);
+        QCOMPARE(
+            QProcess::execute(sourcePath(u"tests/support/session/recording-browser"), {opened}), 0);
         LinuxWorkspace workspace(QStringLiteral("/nowhere"));
         for (const QString& text : {QStringLiteral("--help"), QStringLiteral("/etc/passwd"),
                                     QStringLiteral("//example.com/"), QStringLiteral("index")}) {
@@ -281,5 +279,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(LinuxWorkspaceTest)
+BRIMLET_TEST(LinuxWorkspaceTest, QCoreApplication)
 #include "tst_linuxworkspace.moc"

@@ -1,4 +1,5 @@
 #include "platform/linux/libsecretstore.h"
+#include "tests/support/testprogram.h"
 
 #include <QElapsedTimer>
 #include <QRegularExpression>
@@ -32,5 +33,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(NoSecretsTest)
+BRIMLET_TEST(NoSecretsTest, QCoreApplication)
 #include "tst_nosecrets.moc"

@@ -1,6 +1,7 @@
 #include "platform/linux/linuxreducemotion.h"
 #include "platform/linux/linuxworkspace.h"
 #include "tests/platform/linux/panelfolder.h"
+#include "tests/support/testprogram.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -84,5 +85,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(PanelPowerTest)
+BRIMLET_TEST(PanelPowerTest, QCoreApplication)
 #include "tst_panelpower.moc"

@@ -1,7 +1,9 @@
 #include "host/notch.h"
 #include "platform/linux/qtscreens.h"
 #include "tests/platform/linux/kernelfolder.h"
+#include "tests/support/testprogram.h"
 
+#include <QApplication>
 #include <QGuiApplication>
 #include <QProcess>
 #include <QRegularExpression>
@@ -220,5 +222,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestQtScreens)
+BRIMLET_TEST(TestQtScreens, QApplication)
 #include "tst_qtscreens.moc"

@@ -1,6 +1,7 @@
 #include "platform/linux/libsecretstore.h"
 #include "tests/platform/linux/secretservicequery.h"
 #include "tests/support/secretcontract.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -82,5 +83,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(SecretsTest)
+BRIMLET_TEST(SecretsTest, QCoreApplication)
 #include "tst_secrets.moc"

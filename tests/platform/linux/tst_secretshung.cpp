@@ -1,4 +1,5 @@
 #include "platform/linux/libsecretstore.h"
+#include "tests/support/testprogram.h"
 
 #include <QElapsedTimer>
 #include <QRegularExpression>
@@ -63,5 +64,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(SecretsHungTest)
+BRIMLET_TEST(SecretsHungTest, QCoreApplication)
 #include "tst_secretshung.moc"

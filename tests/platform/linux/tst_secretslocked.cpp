@@ -1,5 +1,6 @@
 #include "platform/linux/libsecretstore.h"
 #include "tests/platform/linux/secretservicequery.h"
+#include "tests/support/testprogram.h"
 
 #include <QElapsedTimer>
 #include <QRegularExpression>
@@ -43,5 +44,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(SecretsLockedTest)
+BRIMLET_TEST(SecretsLockedTest, QCoreApplication)
 #include "tst_secretslocked.moc"

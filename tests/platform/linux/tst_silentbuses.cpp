@@ -1,6 +1,7 @@
 #include "platform/linux/linuxworkspace.h"
 #include "platform/linux/silentbuses.h"
 #include "tests/support/stubbus.h"
+#include "tests/support/testprogram.h"
 
 #include <QDBusConnection>
 #include <QElapsedTimer>
@@ -80,5 +81,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSilentBuses)
+BRIMLET_TEST(TestSilentBuses, QCoreApplication)
 #include "tst_silentbuses.moc"

@@ -1,4 +1,6 @@
 #include "tests/support/pointer.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
 #include <QDBusConnection>
@@ -34,7 +36,7 @@ class Start final {
 public:
     explicit Start(const QProcessEnvironment& environment, const QStringList& arguments = {}) {
         m_process.setProcessEnvironment(environment);
-        m_process.start(QStringLiteral(BRIMLET_BIN_DIR "/brimlet"), arguments);
+        m_process.start(programPath(u"brimlet"), arguments);
         m_process.waitForStarted();
     }
     ~Start() {
@@ -490,5 +492,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestSingleInstance)
+BRIMLET_TEST(TestSingleInstance, QCoreApplication)
 #include "tst_singleinstance.moc"

@@ -1,4 +1,5 @@
 #include "platform/linux/startmemory.h"
+#include "tests/support/testprogram.h"
 
 #include <QFile>
 #include <QTemporaryFile>
@@ -83,5 +84,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestStartMemory)
+BRIMLET_TEST(TestStartMemory, QCoreApplication)
 #include "tst_startmemory.moc"

@@ -4,6 +4,8 @@
 #include "platform/qt/desktopgeometry.h"
 #include "tests/platform/linux/busservice.h"
 #include "tests/support/pointer.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
 #include <QApplication>
@@ -40,8 +42,7 @@ class Tray final {
 public:
     explicit Tray(const QString& kind)
         : m_kind(kind) {
-        m_process.start(QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/tray-host"),
-                        {kind});
+        m_process.start(sourcePath(u"tests/support/session/tray-host"), {kind});
     }
     ~Tray() {
         m_process.terminate();
@@ -306,5 +307,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestTrayStatusItem)
+BRIMLET_TEST(TestTrayStatusItem, QApplication)
 #include "tst_traystatusitem.moc"

@@ -3,6 +3,8 @@
 #include "platform/linux/x11watch.h"
 #include "platform/qt/desktopgeometry.h"
 #include "tests/support/pointer.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
 #include <QApplication>
@@ -219,8 +221,7 @@ private Q_SLOTS:
     }
 
     void aBarsPartOfTheScreenIsLeftFree() {
-        m_bar.start(QStringLiteral(BRIMLET_SOURCE_DIR "/tests/support/session/tray-host"),
-                    {QStringLiteral("xembed")});
+        m_bar.start(sourcePath(u"tests/support/session/tray-host"), {QStringLiteral("xembed")});
         const QRect whole = QGuiApplication::primaryScreen()->geometry();
         QTRY_VERIFY_WITH_TIMEOUT(QGuiApplication::primaryScreen()->availableGeometry() != whole,
                                  kPatience);
@@ -312,5 +313,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestX11MenuWindow)
+BRIMLET_TEST(TestX11MenuWindow, QApplication)
 #include "tst_x11menuwindow.moc"

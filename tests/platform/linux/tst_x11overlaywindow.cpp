@@ -1,7 +1,9 @@
 #include "platform/linux/x11overlaywindow.h"
 #include "platform/linux/x11watch.h"
+#include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
+#include <QApplication>
 #include <QGuiApplication>
 #include <QTest>
 #include <QWindow>
@@ -233,5 +235,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestX11OverlayWindow)
+BRIMLET_TEST(TestX11OverlayWindow, QApplication)
 #include "tst_x11overlaywindow.moc"

@@ -1,4 +1,5 @@
 #include "platform/linux/xdgcachesfolder.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QFile>
@@ -54,5 +55,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(XdgCachesFolderTest)
+BRIMLET_TEST(XdgCachesFolderTest, QCoreApplication)
 #include "tst_xdgcachesfolder.moc"

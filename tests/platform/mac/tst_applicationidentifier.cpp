@@ -1,4 +1,5 @@
 #include "platform/mac/rules/applicationidentifier.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -18,5 +19,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestApplicationIdentifier)
+BRIMLET_TEST(TestApplicationIdentifier, brimlet::NoApplication)
 #include "tst_applicationidentifier.moc"

@@ -1,8 +1,10 @@
 #include "platform/mac/rules/hoverboxes.h"
 #include "platform/mac/rules/hoverforwarder.h"
 #include "platform/mac/rules/hovertracker.h"
+#include "tests/support/testprogram.h"
 
 #include <QEnterEvent>
+#include <QGuiApplication>
 #include <QTest>
 
 #include <limits>
@@ -259,5 +261,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestHover)
+BRIMLET_TEST(TestHover, QGuiApplication)
 #include "tst_hover.moc"

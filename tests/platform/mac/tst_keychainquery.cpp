@@ -1,4 +1,5 @@
 #include "platform/mac/rules/keychainquery.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -83,5 +84,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestKeychainQuery)
+BRIMLET_TEST(TestKeychainQuery, brimlet::NoApplication)
 #include "tst_keychainquery.moc"

@@ -1,4 +1,5 @@
 #include "platform/mac/macbundle.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QTest>
@@ -24,5 +25,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestMacBundle)
+BRIMLET_TEST(TestMacBundle, QCoreApplication)
 #include "tst_macbundle.moc"

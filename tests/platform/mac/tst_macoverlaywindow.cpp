@@ -1,4 +1,5 @@
 #include "platform/mac/macoverlaywindow.h"
+#include "tests/support/testprogram.h"
 
 #include <QApplication>
 #include <QTest>
@@ -28,10 +29,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char* argv[]) {
-    qputenv("QT_QPA_PLATFORM", "cocoa"); // the panel is around a view of that kind
-    const QApplication application(argc, argv);
-    TestMacOverlayWindow test;
-    return QTest::qExec(&test, argc, argv);
-}
+BRIMLET_TEST(TestMacOverlayWindow, QApplication)
 #include "tst_macoverlaywindow.moc"

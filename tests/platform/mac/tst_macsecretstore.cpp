@@ -1,5 +1,6 @@
 #include "platform/mac/macsecretstore.h"
 #include "tests/support/secretcontract.h"
+#include "tests/support/testprogram.h"
 
 #include <QElapsedTimer>
 #include <QProcess>
@@ -48,5 +49,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestMacSecretStore)
+BRIMLET_TEST(TestMacSecretStore, QCoreApplication)
 #include "tst_macsecretstore.moc"

@@ -1,4 +1,5 @@
 #include "platform/mac/rules/menuground.h"
+#include "tests/support/testprogram.h"
 
 #include <QGuiApplication>
 #include <QLineEdit>
@@ -122,5 +123,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestMenuGround)
+BRIMLET_TEST(TestMenuGround, QGuiApplication)
 #include "tst_menuground.moc"

@@ -1,3 +1,5 @@
+#include "tests/support/testprogram.h"
+
 #import "platform/mac/nativetext.h"
 
 #include <QTest>
@@ -23,5 +25,5 @@ private Q_SLOTS:
     void nilIsEmpty() { QCOMPARE(fromNative(nil), QString()); }
 };
 
-QTEST_APPLESS_MAIN(TestNativeText)
+BRIMLET_TEST(TestNativeText, brimlet::NoApplication)
 #include "tst_nativetext.moc"

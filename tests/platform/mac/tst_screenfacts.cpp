@@ -1,4 +1,5 @@
 #include "platform/mac/rules/screenfacts.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -57,5 +58,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestScreenFacts)
+BRIMLET_TEST(TestScreenFacts, brimlet::NoApplication)
 #include "tst_screenfacts.moc"

@@ -1,4 +1,5 @@
 #include "platform/mac/rules/selftest.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -94,5 +95,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestSelfTest)
+BRIMLET_TEST(TestSelfTest, brimlet::NoApplication)
 #include "tst_selftest.moc"

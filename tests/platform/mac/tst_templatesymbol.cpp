@@ -1,5 +1,7 @@
 #include "platform/mac/rules/templatesymbol.h"
+#include "tests/support/testprogram.h"
 
+#include <QGuiApplication>
 #include <QTest>
 
 using namespace brimlet;
@@ -30,5 +32,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestTemplateSymbol)
+BRIMLET_TEST(TestTemplateSymbol, QGuiApplication)
 #include "tst_templatesymbol.moc"

@@ -1,5 +1,7 @@
 #include "platform/simulated/machine.h"
 #include "platform/simulated/notchwindow.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
 
 #include <QDir>
 #include <QTest>
@@ -93,7 +95,7 @@ private Q_SLOTS:
     }
 
     void theShippedMachinesAreWellFormed() {
-        const QDir folder(QStringLiteral(BRIMLET_SOURCE_DIR "/docs/machines"));
+        const QDir folder(sourcePath(u"docs/machines"));
         const QStringList names = folder.entryList({QStringLiteral("*.json")});
         QCOMPARE(names.size(), 4);
         for (const QString& name : names) {
@@ -117,5 +119,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestMachine)
+BRIMLET_TEST(TestMachine, brimlet::NoApplication)
 #include "tst_machine.moc"

@@ -1,6 +1,7 @@
 #include "platform/simulated/memorysecretstore.h"
 #include "platform/simulated/simulatedports.h"
 #include "tests/support/fakes.h"
+#include "tests/support/testprogram.h"
 
 #include <QSaveFile>
 #include <QSignalSpy>
@@ -223,5 +224,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestMachineFile)
+BRIMLET_TEST(TestMachineFile, QCoreApplication)
 #include "tst_machinefile.moc"

@@ -1,6 +1,7 @@
 #include "platform/simulated/simulatedhttpclient.h"
 #include "platform/starttask.h"
 #include "tests/support/fakehttpclient.h"
+#include "tests/support/testprogram.h"
 
 #include <QTest>
 
@@ -81,5 +82,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestSimulatedHttp)
+BRIMLET_TEST(TestSimulatedHttp, brimlet::NoApplication)
 #include "tst_simulatedhttp.moc"
