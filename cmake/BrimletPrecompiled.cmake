@@ -17,8 +17,9 @@ foreach(kind IN ITEMS core gui widgets)
   set(BRIMLET_PRECOMPILED_test_${kind} ${BRIMLET_PRECOMPILED_${kind}} ${test_headers})
   set(BRIMLET_PRECOMPILED_LINK_test_${kind} brimlet_test_options ${BRIMLET_PRECOMPILED_LINK_${kind}} Qt6::Test)
 endforeach()
-set(BRIMLET_PRECOMPILED_test_network ${BRIMLET_PRECOMPILED_test_core})
-set(BRIMLET_PRECOMPILED_LINK_test_network ${BRIMLET_PRECOMPILED_LINK_test_widgets} Qt6::Network)
+set(BRIMLET_PRECOMPILED_test_network ${BRIMLET_PRECOMPILED_test_core} <nlohmann/json.hpp>)
+set(BRIMLET_PRECOMPILED_LINK_test_network
+  ${BRIMLET_PRECOMPILED_LINK_test_widgets} nlohmann_json::nlohmann_json Qt6::Network)
 
 # brimlet_precompile(TARGET KIND): what TARGET links has to define the same macros as KIND's libraries,
 # or the compiler refuses the headers.

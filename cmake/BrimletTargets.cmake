@@ -48,6 +48,11 @@ endif()
 if(CCACHE_PROGRAM AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(brimlet_options INTERFACE -fpch-preprocess)
 endif()
+# A fifth of the time of the default one.
+find_program(LLD_PROGRAM ld.lld)
+if(LLD_PROGRAM AND CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT APPLE)
+  add_link_options(-fuse-ld=lld)
+endif()
 # Tests spend less time in their own code than a compiler spends on optimising it.
 add_library(brimlet_test_options INTERFACE)
 target_link_libraries(brimlet_test_options INTERFACE brimlet_options)

@@ -122,9 +122,9 @@ class TestPrivacy final : public QObject {
     [[nodiscard]] qsizetype count(const QString& request) const {
         return m_service.requestLines().count(request);
     }
-    void say(const QStringList& slots) {
+    void say(const QStringList& sides) {
         QJsonArray creatives;
-        for (const QString& slot : slots) {
+        for (const QString& slot : sides) {
             creatives << (slot == u"left" ? creative("left", "quiet-bicycle")
                                           : creative("right", "palindrome-tea"));
         }
