@@ -20,7 +20,7 @@ endforeach()
 add_library(brimlet_options INTERFACE)
 target_compile_options(brimlet_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
-  -Woverloaded-virtual -Wcast-qual -Wformat=2 -Wundef
+  -Woverloaded-virtual -Wsuggest-override -Wcast-qual -Wformat=2 -Wundef
   # GLib's users get it anyway, and precompiled headers are shared among targets that define the same.
   -pthread)
 # GLib uses the words "signals" and "slots" as names; casts between text kinds are always spelled out.
