@@ -1,23 +1,26 @@
-# Shared by the tests of the package: claims, each a function named after what it claims.
+# Shared by the tests of the packages. A claim is a function of the test that is named by a sentence:
+# two words or more, joined by underscores. Helpers are named by one word.
 # shellcheck shell=bash
 
-claims_failed=0
+# The test itself, in whose folder this is read.
+claims=$PWD/${0##*/}
 
-# claim FUNCTION: silent but for its name, unless it fails.
-claim() {
-  local said
-  if said=$("$1" 2>&1); then
-    echo "PASS   : $1"
-  else
-    claims_failed=$((claims_failed + 1))
-    echo "FAIL!  : $1"
-    [ -z "$said" ] || printf '    %s\n' "${said//$'\n'/$'\n    '}"
-  fi
+# conclude: runs the test's claims in their order. One that fails shows its output.
+conclude() {
+  local claim said failed=0
+  for claim in $(sed -nE 's/^([a-z]+(_[a-z]+)+)\(\) .*/\1/p' "$claims"); do
+    if said=$("$claim" 2>&1); then
+      echo "PASS   : $claim"
+    else
+      failed=$((failed + 1))
+      echo "FAIL!  : $claim"
+      [ -z "$said" ] || printf '    %s\n' "${said//$'\n'/$'\n    '}"
+    fi
+  done
+  [ $failed -eq 0 ]
 }
 
-conclude() { [ $claims_failed -eq 0 ]; }
-
-# skip REASON: as CTest is told by this exit code.
+# skip REASON: with the exit code that CTest takes for a skipped test.
 skip() {
   echo "SKIP   : $*"
   exit 77
