@@ -68,7 +68,7 @@ private Q_SLOTS:
         }
     }
 
-    void aSpreadOfADayIsNoTooLongForTheLastOfMany() {
+    void theLongestSpreadOfTheMostHostsDoesNotOverflow() {
         const auto last = startOffset(19'999, 20'000, 24h);
         QVERIFY(last < 24h && last > 24h - 5s);
     }
@@ -93,13 +93,13 @@ private Q_SLOTS:
         QCOMPARE(requestsDue(hosts, seconds, hasToken), due);
     }
 
-    void aHeartbeatNeedsADescriptorOfItsOwn() {
+    void aHeartbeatNeedsASecondDescriptor() {
         const quint64 alone = descriptorsNeeded(1000, false);
         QVERIFY(alone >= 1000 && alone < 1100);
         QCOMPARE(descriptorsNeeded(1000, true), alone + 1000);
     }
 
-    void aPercentileIsASampleThatWasSeen_data() {
+    void aPercentileIsOneOfTheSamples_data() {
         QTest::addColumn<int>("last"); // samples are 1, 2, ... up to it
         QTest::addColumn<double>("percent");
         QTest::addColumn<float>("value");
@@ -115,7 +115,7 @@ private Q_SLOTS:
         QTest::newRow("p100 of 10") << 10 << 100.0 << 10.0F;
     }
 
-    void aPercentileIsASampleThatWasSeen() {
+    void aPercentileIsOneOfTheSamples() {
         QFETCH(const int, last);
         QFETCH(const double, percent);
         QFETCH(const float, value);
@@ -174,7 +174,7 @@ private Q_SLOTS:
         }
     }
 
-    void aRunThatSawNothingCanBeTold() {
+    void aRunWithoutRequestsCanBeReported() {
         QVERIFY(!nlohmann::json::parse(asJson(Figures()), nullptr, false).is_discarded());
         QVERIFY(!asTable(Figures()).empty());
     }

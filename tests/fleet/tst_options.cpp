@@ -58,7 +58,7 @@ private Q_SLOTS:
         QCOMPARE(options->jsonFile, u"out.json"_qs);
     }
 
-    void aTokenIsEveryHosts() {
+    void allHostsHaveTheToken() {
         const auto options = parsed(kLeast + QStringList{u"--token"_qs, u"secret"_qs});
         QVERIFY(options.has_value());
         QCOMPARE(options->tokenOf(0), "secret");
@@ -77,7 +77,7 @@ private Q_SLOTS:
         }
     }
 
-    void whatIsWrongIsNamed_data() {
+    void aWrongOptionIsNamed_data() {
         QTest::addColumn<QStringList>("arguments"); // after the least
         QTest::addColumn<QString>("error");
         const QString hosts = u"--hosts must be a number from 1 to 20000, not "_qs;
@@ -106,7 +106,7 @@ private Q_SLOTS:
         QTest::newRow("a word") << QStringList{u"hosts"_qs} << u"unknown option hosts"_qs;
     }
 
-    void whatIsWrongIsNamed() {
+    void aWrongOptionIsNamed() {
         QFETCH(const QStringList, arguments);
         QFETCH(const QString, error);
         QString complaint;
@@ -114,7 +114,7 @@ private Q_SLOTS:
         QCOMPARE(complaint, error);
     }
 
-    void whatIsMissingIsNamed() {
+    void aMissingOptionIsNamed() {
         QString complaint;
         QVERIFY(!parseOptions({}, complaint));
         QCOMPARE(complaint, u"--hosts is missing"_qs);

@@ -21,10 +21,10 @@ namespace {
 
 constexpr int kPatience = 30'000; // milliseconds
 
-/// The real program.
+/// A brimlet-fleet process.
 class FleetProcess final {
 public:
-    /// With `files` it may not open more than that.
+    /// With `files`, its limit of open files.
     explicit FleetProcess(const QStringList& arguments, std::optional<rlim_t> files = {}) {
         if (files) {
             m_process.setChildProcessModifier([most = *files] {
@@ -43,7 +43,7 @@ public:
     FleetProcess(const FleetProcess&) = delete;
     FleetProcess& operator=(const FleetProcess&) = delete;
 
-    /// The exit code, -1 when it does not end by itself.
+    /// Waits for the end and returns the exit code, -1 when it does not end.
     [[nodiscard]] int end() {
         const bool isOver = m_process.waitForFinished(kPatience);
         return isOver && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
@@ -56,14 +56,24 @@ private:
     QProcess m_process;
 };
 
-QStringList asking(quint16 port, int hosts, const QStringList& more) {
+QStringList requesting(quint16 port, int hosts, const QStringList& more) {
     return QStringList{u"--hosts"_qs,  QString::number(hosts),
                        u"--root"_qs,   u"http://127.0.0.1:%1"_qs.arg(port),
                        u"--spread"_qs, u"1"_qs} +
            more;
 }
 
-/// How often each method and path was asked for.
+/// A fleet and the service that it uses.
+struct Run final {
+    explicit Run(int hosts, const QStringList& more, const QByteArray& scenario = {})
+        : service(scenario)
+        , fleet(requesting(service.port(), hosts, more)) {}
+
+    ServiceProcess service;
+    FleetProcess fleet;
+};
+
+/// The number of requests for each method and path.
 std::map<std::string, int> countByTarget(const QByteArray& log) {
     std::map<std::string, int> counts;
     for (const QByteArray& line : log.split('\n')) {
@@ -84,19 +94,40 @@ Json readObject(const QString& path) {
 
 } // namespace
 
-/// The whole program, at the pace of real hosts.
+/// The whole program, at the pace of real hosts. The runs, which mostly wait, go on side by side.
 class TestFleetRun final : public QObject {
     Q_OBJECT
 
+    static constexpr int kHosts = 20;
+    const QTemporaryDir m_folder;
+    const QString m_file = m_folder.filePath(u"figures"_qs);
+    std::optional<Run> m_withToken;
+    std::optional<Run> m_withoutToken;
+    std::optional<Run> m_refused;
+    std::optional<Run> m_terminated;
+    std::optional<Run> m_interrupted;
+
 private Q_SLOTS:
-    void twentyHostsAskAsTwentyProgramsWould() {
-        constexpr int kHosts = 20;
-        const ServiceProcess service;
-        const QTemporaryDir folder;
-        const QString file = folder.filePath(u"figures"_qs);
-        FleetProcess fleet(asking(
-            service.port(), kHosts,
-            {u"--token"_qs, u"demo-host-token"_qs, u"--seconds"_qs, u"3"_qs, u"--json"_qs, file}));
+    void initTestCase() {
+        const QStringList threeSeconds{u"--seconds"_qs, u"3"_qs};
+        const QStringList anHour{u"--seconds"_qs, u"3600"_qs};
+        m_withToken.emplace(kHosts, threeSeconds + QStringList{u"--token"_qs, u"demo-host-token"_qs,
+                                                               u"--json"_qs, m_file});
+        m_withoutToken.emplace(3, threeSeconds);
+        m_refused.emplace(2, QStringList{u"--seconds"_qs, u"1"_qs},
+                          R"({"endpoints": {"/api/display": {"status": 503}}})");
+        m_terminated.emplace(2, anHour);
+        m_interrupted.emplace(2, anHour);
+    }
+    void cleanupTestCase() {
+        for (auto* const run :
+             {&m_withToken, &m_withoutToken, &m_refused, &m_terminated, &m_interrupted}) {
+            run->reset();
+        }
+    }
+
+    void twentyHostsSendTheRequestsOfTwentyPrograms() {
+        auto& [service, fleet] = *m_withToken;
         QCOMPARE(fleet.end(), 0);
         QCOMPARE(fleet.errors(), QByteArray());
         QVERIFY(fleet.output().contains("| hosts | 20 |"));
@@ -106,7 +137,7 @@ private Q_SLOTS:
         QCOMPARE(asked["POST /api/host/heartbeat"], kHosts);
         QVERIFY(asked["GET /api/host/me"] >= 2 * kHosts); // before and while it was measured
 
-        const Json figures = readObject(file);
+        const Json figures = readObject(m_file);
         QVERIFY(figures.is_object());
         QCOMPARE(figures.value("hosts", 0), kHosts);
         QCOMPARE(figures.value("failed", -1), 0);
@@ -124,9 +155,8 @@ private Q_SLOTS:
         QVERIFY(figures.value("heartbeatLatencyMs", Json()).value("p50", 0.0) > 0);
     }
 
-    void withoutATokenOnlyThePublicDisplayIsAskedFor() {
-        const ServiceProcess service;
-        FleetProcess fleet(asking(service.port(), 3, {u"--seconds"_qs, u"3"_qs}));
+    void withoutATokenOnlyThePublicDisplayIsRequested() {
+        auto& [service, fleet] = *m_withoutToken;
         QCOMPARE(fleet.end(), 0);
         auto asked = countByTarget(service.log());
         QVERIFY(asked["GET /api/display"] >= 2 * 3);
@@ -134,23 +164,21 @@ private Q_SLOTS:
     }
 
     void aServiceThatRefusesEverythingIsAFailure() {
-        const ServiceProcess service(R"({"endpoints": {"/api/display": {"status": 503}}})");
-        FleetProcess fleet(asking(service.port(), 2, {u"--seconds"_qs, u"1"_qs}));
+        auto& [service, fleet] = *m_refused;
         QCOMPARE(fleet.end(), 1);
         QCOMPARE(fleet.errors(), "brimlet-fleet: no request succeeded\n");
         QVERIFY(fleet.output().contains("| hosts | 2 |"));
     }
 
-    void aSignalEndsItAtOnceWithWhatWasSeen_data() {
+    void aSignalEndsItWithTheFiguresSoFar_data() {
         QTest::addColumn<int>("signal");
         QTest::newRow("SIGTERM") << SIGTERM;
         QTest::newRow("SIGINT") << SIGINT;
     }
 
-    void aSignalEndsItAtOnceWithWhatWasSeen() {
+    void aSignalEndsItWithTheFiguresSoFar() {
         QFETCH(const int, signal);
-        const ServiceProcess service;
-        FleetProcess fleet(asking(service.port(), 2, {u"--seconds"_qs, u"3600"_qs}));
+        auto& [service, fleet] = signal == SIGTERM ? *m_terminated : *m_interrupted;
         QTRY_VERIFY_WITH_TIMEOUT(countByTarget(service.log())["GET /api/display"] >= 3, kPatience);
         QElapsedTimer timer;
         timer.start();
@@ -161,7 +189,7 @@ private Q_SLOTS:
     }
 
     void hostsThatCannotAllHaveAConnectionAreNotStarted() {
-        FleetProcess fleet(asking(1, 100, {u"--token"_qs, u"a"_qs}), 200);
+        FleetProcess fleet(requesting(1, 100, {u"--token"_qs, u"a"_qs}), 200);
         QCOMPARE(fleet.end(), 1);
         QCOMPARE(fleet.errors(),
                  "brimlet-fleet: 100 hosts can need 264 open files, and this process "
@@ -175,7 +203,7 @@ private Q_SLOTS:
         QCOMPARE(fleet.errors(),
                  "brimlet-fleet: --hosts must be a number from 1 to 20000, not none "
                  "(--help lists the options)\n");
-        FleetProcess unwritable(asking(1, 1, {u"--json"_qs, u"/nowhere/figures"_qs}));
+        FleetProcess unwritable(requesting(1, 1, {u"--json"_qs, u"/nowhere/figures"_qs}));
         QCOMPARE(unwritable.end(), 2);
         QCOMPARE(unwritable.errors().count('\n'), 1);
     }

@@ -49,7 +49,7 @@ RawReply RawClient::receive(bool hasBody) {
     return reply;
 }
 
-bool RawClient::hearsWithin(int milliseconds) {
+bool RawClient::receivesWithin(int milliseconds) {
     return !m_received.isEmpty() || !isOpen() || m_socket.waitForReadyRead(milliseconds) ||
            !isOpen();
 }

@@ -5,23 +5,23 @@
 
 namespace brimlet::placementtest {
 
-/// What came back for one request.
+/// The reply to one request.
 struct RawReply {
-    /// 0 when nothing that looks like a reply came.
+    /// 0 when no status line arrived.
     int status = 0;
     QByteArray head;
     QByteArray body;
-    /// The connection ended before the promised length was reached.
+    /// The connection ended before Content-Length bytes of body.
     bool cut = false;
 
     /// The value of a header, blanks trimmed; empty when there is none.
     [[nodiscard]] QByteArray header(const QByteArray& name) const;
 };
 
-/// One connection to the service on which requests are written byte by byte as given.
+/// One connection to the service, which sends requests exactly as given.
 class RawClient final {
 public:
-    /// How long a reply may take before it counts as none.
+    /// The longest wait for a reply.
     static constexpr int patienceMs = 5000;
 
     explicit RawClient(quint16 port, const QString& address = QStringLiteral("127.0.0.1"));
@@ -31,12 +31,12 @@ public:
     /// Reads one reply: up to its Content-Length, or to the end of the connection. The reply to
     /// HEAD has a length but no body.
     [[nodiscard]] RawReply receive(bool hasBody = true);
-    /// Whether any byte or the end of the connection comes within the time.
-    [[nodiscard]] bool hearsWithin(int milliseconds);
-    /// Whether the service ends the connection.
+    /// Whether any byte, or the end of the connection, arrives within the time.
+    [[nodiscard]] bool receivesWithin(int milliseconds);
+    /// Whether the service closes the connection.
     [[nodiscard]] bool isClosedByService();
 
-    /// One request with its usual headers; a body also brings Content-Length and a JSON type.
+    /// Sends a request with the usual headers; with a body also Content-Length and a JSON type.
     [[nodiscard]] RawReply ask(const QByteArray& method, const QByteArray& path,
                                const QByteArray& token = {}, const QByteArray& body = {});
     [[nodiscard]] static QByteArray request(const QByteArray& method, const QByteArray& path,

@@ -6,7 +6,7 @@
 
 namespace brimlet::placementtest {
 
-/// The real program on a free port with a scenario and a log of its own.
+/// A brimlet-placement process on a free port, with its own scenario and log.
 class ServiceProcess final {
 public:
     /// Starts with this scenario; none when empty.
@@ -15,19 +15,19 @@ public:
     ServiceProcess(const ServiceProcess&) = delete;
     ServiceProcess& operator=(const ServiceProcess&) = delete;
 
-    /// 0 when it did not start; what it said instead is in `errors()`.
+    /// 0 when it did not start; its complaint is in `errors()`.
     [[nodiscard]] quint16 port() const { return m_port; }
     [[nodiscard]] QByteArray output() const { return m_output; }
     [[nodiscard]] QByteArray errors();
     [[nodiscard]] QByteArray log() const;
     [[nodiscard]] QProcess& process() { return m_process; }
 
-    /// Writes the scenario anew, in place.
+    /// Replaces the scenario, in place.
     [[nodiscard]] bool edit(const QByteArray& scenario);
-    /// Sends the signal; the milliseconds until the program has ended, -1 when it does not end.
+    /// Sends the signal. Returns the milliseconds until the program has ended, -1 when it does not.
     [[nodiscard]] qint64 endWith(int signal);
 
-    /// Runs the program to its end with these arguments.
+    /// Runs the program with these arguments until it ends.
     struct Outcome {
         int exitCode = -1;
         QByteArray output;

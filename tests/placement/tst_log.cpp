@@ -25,10 +25,10 @@ class LogTest final : public QObject {
 
 private Q_SLOTS:
     void aLineHoldsTheRequestAndItsOutcome();
-    void whatIsAbsentIsNull();
+    void missingValuesAreNull();
     void aTokenNeverAppears_data();
     void aTokenNeverAppears();
-    void bytesThatAreNotTextStayOnOneLine();
+    void invalidUtf8StaysOnOneLine();
     void linesAreAppended();
 };
 
@@ -57,7 +57,7 @@ void LogTest::aLineHoldsTheRequestAndItsOutcome() {
     QCOMPARE(QByteArray::fromStdString(line.dump()), QByteArray::fromStdString(expected.dump()));
 }
 
-void LogTest::whatIsAbsentIsNull() {
+void LogTest::missingValuesAreNull() {
     const json line =
         json::parse(logLine({"GET", "/api/display", {}, {}}, {}, tokens), nullptr, false);
     for (const char* key : {"authorization", "content_type", "user_agent", "status", "fault"}) {
@@ -95,7 +95,7 @@ void LogTest::aTokenNeverAppears() {
     QVERIFY(json::accept(line));
 }
 
-void LogTest::bytesThatAreNotTextStayOnOneLine() {
+void LogTest::invalidUtf8StaysOnOneLine() {
     Incoming request = heartbeat();
     request.body = "\xff\n\r\x01";
     const std::string line = logLine(request, {}, tokens);

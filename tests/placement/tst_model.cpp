@@ -52,18 +52,18 @@ private Q_SLOTS:
     void aHostIsLiveForHalfAnHour_data();
     void aHostIsLiveForHalfAnHour();
     void simulatedHostsCountAsLive();
-    void theLastReportOfTheFolderIsReturned();
+    void fromApplicationsIsThatOfTheLastHeartbeat();
     void withoutAgreementThereIsNoEstimate();
     void agreeingCountsForTheWeekSoFar();
     void theEstimateGrowsWithTodaysWindows_data();
     void theEstimateGrowsWithTodaysWindows();
-    void theEstimateStandsStillBetweenWindows();
+    void theEstimateIsConstantBetweenWindows();
     void aDayIsSharedEquallyByItsLiveHosts();
-    void aDayThatStayedShortPaysNothing();
+    void aDayBelowFourWindowsPaysNothing();
     void aFullWeekIsThePool();
-    void theWeeksTurnBanksTheShare();
+    void aNewWeekBanksTheShare();
     void unfinishedDaysAreNotBanked();
-    void weeksApartBankOnce();
+    void weeksWithoutRequestsBankOnce();
     void aClockSetBackBanksNothing();
     void sharesNeverExceedThePool();
 };
@@ -178,7 +178,7 @@ void ModelTest::simulatedHostsCountAsLive() {
     QCOMPARE(model.figures(ada, monday).liveHostCount, 10);
 }
 
-void ModelTest::theLastReportOfTheFolderIsReturned() {
+void ModelTest::fromApplicationsIsThatOfTheLastHeartbeat() {
     Model model;
     Heartbeat elsewhere = liveBeat();
     elsewhere.fromApplications = false;
@@ -224,7 +224,7 @@ void ModelTest::theEstimateGrowsWithTodaysWindows() {
     QCOMPARE(model.figures(ada, monday + 12h).estimatedCents, cents);
 }
 
-void ModelTest::theEstimateStandsStillBetweenWindows() {
+void ModelTest::theEstimateIsConstantBetweenWindows() {
     Model model;
     model.agree(ada, monday);
     earn(model, ada, monday, 2);
@@ -251,7 +251,7 @@ void ModelTest::aDayIsSharedEquallyByItsLiveHosts() {
     QCOMPARE(model.figures(ada, monday + 26h).estimatedCents, 20 + 25);
 }
 
-void ModelTest::aDayThatStayedShortPaysNothing() {
+void ModelTest::aDayBelowFourWindowsPaysNothing() {
     Model model = sevenEuros();
     model.agree(ada, monday);
     earn(model, ada, monday, 3);
@@ -271,7 +271,7 @@ void ModelTest::aFullWeekIsThePool() {
     QCOMPARE(figures.pendingStipendCents, 0);
 }
 
-void ModelTest::theWeeksTurnBanksTheShare() {
+void ModelTest::aNewWeekBanksTheShare() {
     Model model = sevenEuros();
     model.agree(ada, monday);
     earn(model, ada, monday, 4);
@@ -296,7 +296,7 @@ void ModelTest::unfinishedDaysAreNotBanked() {
     QCOMPARE(model.figures(ada, monday + std::chrono::days{7}).pendingStipendCents, 0);
 }
 
-void ModelTest::weeksApartBankOnce() {
+void ModelTest::weeksWithoutRequestsBankOnce() {
     Model model = sevenEuros();
     model.agree(ada, monday);
     earn(model, ada, monday, 4);

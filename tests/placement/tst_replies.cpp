@@ -71,7 +71,7 @@ private Q_SLOTS:
     void theSampleBrandsFillBothSlots();
     void picturesAndPagesAreServed();
     void agreeingLastsForThatTokenOnly();
-    void aHeartbeatShowsInTheFigures();
+    void aHeartbeatCountsInTheFigures();
     void aWrongTokenIsRefused_data();
     void aWrongTokenIsRefused();
     void unknownPathsAreNotFound_data();
@@ -81,22 +81,22 @@ private Q_SLOTS:
     void badBodiesNameTheKey_data();
     void badBodiesNameTheKey();
     void aRefusedHeartbeatCountsForNothing();
-    void aMergeLaysKeysOver();
+    void aMergeSetsKeys();
     void aRemovedKeyIsGone();
     void aMergeLeavesErrorsAlone();
     void aWholeBodyReplacesEvenErrors();
-    void statusDelayHeadersAndFaultAreCarried();
-    void aReplyWithoutContentHasNone_data();
-    void aReplyWithoutContentHasNone();
+    void statusDelayHeadersAndFaultAreApplied();
+    void repliesWithoutContentHaveNoBody_data();
+    void repliesWithoutContentHaveNoBody();
     void garbageIsNotJson();
     void theScenariosPlacementIsSent();
-    void aNewScenarioKeepsWhatHostsDid();
-    void anUnchangedReplyNeedsNoBody_data();
-    void anUnchangedReplyNeedsNoBody();
-    void aChangedReplyComesWhole();
-    void aTagOfTheScenariosIsUsed();
-    void onlyGoodAnswersHaveATag_data();
-    void onlyGoodAnswersHaveATag();
+    void aNewScenarioKeepsTheHostsFigures();
+    void anUnchangedReplyIsA304_data();
+    void anUnchangedReplyIsA304();
+    void aChangedReplyIsSentWhole();
+    void aScenariosETagIsUsed();
+    void otherRepliesHaveNoETag_data();
+    void otherRepliesHaveNoETag();
 };
 
 void RepliesTest::theDisplayReplyHasItsThreeKeys() {
@@ -182,7 +182,7 @@ void RepliesTest::agreeingLastsForThatTokenOnly() {
     QVERIFY(agreed("two") == false);
 }
 
-void RepliesTest::aHeartbeatShowsInTheFigures() {
+void RepliesTest::aHeartbeatCountsInTheFigures() {
     Responder made = responder(R"({"poolCents": 2800, "liveHosts": 0})");
     QCOMPARE(made.answer(asHost("POST", "/api/host/agree", "{}"), monday).reply.status, 200);
     const json reply = object(made.answer(asHost("POST", "/api/host/heartbeat", goodBeat), monday));
@@ -201,7 +201,7 @@ void RepliesTest::aWrongTokenIsRefused_data() {
     QTest::newRow("unknown") << QByteArray("Bearer demo-host-tokem") << 401;
     QTest::newRow("longer") << QByteArray("Bearer demo-host-token2") << 401;
     QTest::newRow("other scheme") << QByteArray("Basic demo-host-token") << 401;
-    QTest::newRow("bare") << QByteArray("demo-host-token") << 401;
+    QTest::newRow("compared") << QByteArray("demo-host-token") << 401;
 }
 
 void RepliesTest::aWrongTokenIsRefused() {
@@ -322,7 +322,7 @@ void RepliesTest::aRefusedHeartbeatCountsForNothing() {
     QVERIFY(object(made.answer(asHost("GET", "/api/host/me"), monday))["liveBucketsToday"] == 0);
 }
 
-void RepliesTest::aMergeLaysKeysOver() {
+void RepliesTest::aMergeSetsKeys() {
     const json reply = object(answered(
         R"({"endpoints": {"/api/host/me": {"merge":
             {"estimatedCents": 1234, "agreed": null, "creatives": {"left": 1}, "new": "x"}}}})",
@@ -360,7 +360,7 @@ void RepliesTest::aWholeBodyReplacesEvenErrors() {
     QCOMPARE(answer.reply.contentType, std::string("text/html"));
 }
 
-void RepliesTest::statusDelayHeadersAndFaultAreCarried() {
+void RepliesTest::statusDelayHeadersAndFaultAreApplied() {
     const Answer answer = answered(R"({"endpoints": {"/api/display": {"status": 503,
         "delayMs": 70, "headers": {"Retry-After": "3", "cache-control": "max-age=9"},
         "fault": "hang"}}})",
@@ -373,13 +373,13 @@ void RepliesTest::statusDelayHeadersAndFaultAreCarried() {
     QCOMPARE(header(answer, "Cache-Control"), QByteArray());
 }
 
-void RepliesTest::aReplyWithoutContentHasNone_data() {
+void RepliesTest::repliesWithoutContentHaveNoBody_data() {
     QTest::addColumn<int>("status");
     QTest::newRow("204") << 204;
     QTest::newRow("304") << 304;
 }
 
-void RepliesTest::aReplyWithoutContentHasNone() {
+void RepliesTest::repliesWithoutContentHaveNoBody() {
     QFETCH(int, status);
     const std::string scenario =
         R"({"endpoints": {"/api/display": {"status": )" + std::to_string(status) + "}}}";
@@ -412,7 +412,7 @@ void RepliesTest::theScenariosPlacementIsSent() {
     QVERIFY(object(answered(scenario, asHost("GET", "/api/host/me")))["agreementText"] == "Sign.");
 }
 
-void RepliesTest::aNewScenarioKeepsWhatHostsDid() {
+void RepliesTest::aNewScenarioKeepsTheHostsFigures() {
     Responder made = responder();
     QCOMPARE(made.answer(asHost("POST", "/api/host/agree", "{}"), monday).reply.status, 200);
     made.setScenario(std::get<Scenario>(parseScenario(R"({"liveHosts": 7})")));
@@ -421,12 +421,12 @@ void RepliesTest::aNewScenarioKeepsWhatHostsDid() {
     QVERIFY(reply["liveHostCount"] == 7);
 }
 
-void RepliesTest::anUnchangedReplyNeedsNoBody_data() {
-    QTest::addColumn<QByteArray>("question"); // TAG stands for the tag
+void RepliesTest::anUnchangedReplyIsA304_data() {
+    QTest::addColumn<QByteArray>("ifNoneMatch"); // TAG stands for the ETag
     QTest::addColumn<int>("status");
-    QTest::newRow("no question") << QByteArray() << 200;
+    QTest::newRow("no condition") << QByteArray() << 200;
     QTest::newRow("the tag") << QByteArray("TAG") << 304;
-    QTest::newRow("marked twice") << QByteArray("W/TAG") << 200;
+    QTest::newRow("weak twice") << QByteArray("W/TAG") << 200;
     QTest::newRow("among others") << QByteArray("\"a\",  W/\"b\" ,TAG") << 304;
     QTest::newRow("anything") << QByteArray("*") << 304;
     QTest::newRow("another") << QByteArray("\"0123456789abcdef\"") << 200;
@@ -436,8 +436,8 @@ void RepliesTest::anUnchangedReplyNeedsNoBody_data() {
     QTest::newRow("anything among others") << QByteArray("\"a\", *") << 200;
 }
 
-void RepliesTest::anUnchangedReplyNeedsNoBody() {
-    QFETCH(QByteArray, question);
+void RepliesTest::anUnchangedReplyIsA304() {
+    QFETCH(QByteArray, ifNoneMatch);
     QFETCH(int, status);
     for (const char* const method : {"GET", "HEAD"}) {
         for (const char* const path : {"/api/display", "/api/host/me"}) {
@@ -447,11 +447,11 @@ void RepliesTest::anUnchangedReplyNeedsNoBody() {
             QVERIFY(tag.size() > 10 && tag.startsWith("W/\"") && tag.endsWith('"'));
             QCOMPARE(header(whole, "Cache-Control"), "private, no-cache");
 
-            request.ifNoneMatch = QByteArray(question).replace("TAG", tag).toStdString();
-            Incoming unmarked = request;
-            unmarked.ifNoneMatch = tag.sliced(2).toStdString();
-            const Answer bare = answered("{}", unmarked);
-            QCOMPARE(bare.reply.status, 304); // as compared for a GET
+            request.ifNoneMatch = QByteArray(ifNoneMatch).replace("TAG", tag).toStdString();
+            Incoming strong = request;
+            strong.ifNoneMatch = tag.sliced(2).toStdString();
+            const Answer compared = answered("{}", strong);
+            QCOMPARE(compared.reply.status, 304); // weak comparison
             const Answer answer = answered("{}", request);
             QCOMPARE(answer.reply.status, status);
             QCOMPARE(header(answer, "ETag"), tag);
@@ -463,7 +463,7 @@ void RepliesTest::anUnchangedReplyNeedsNoBody() {
     }
 }
 
-void RepliesTest::aChangedReplyComesWhole() {
+void RepliesTest::aChangedReplyIsSentWhole() {
     Incoming request = get("/api/display");
     request.ifNoneMatch = header(answered("{}", request), "ETag").toStdString();
     const Answer answer = answered(R"({"forceHide": true})", request);
@@ -472,7 +472,7 @@ void RepliesTest::aChangedReplyComesWhole() {
     QVERIFY(header(answer, "ETag").toStdString() != request.ifNoneMatch);
 }
 
-void RepliesTest::aTagOfTheScenariosIsUsed() {
+void RepliesTest::aScenariosETagIsUsed() {
     const char* const scenario =
         R"({"endpoints": {"/api/display": {"headers": {"etag": "\"week 12\""}}}})";
     Incoming request = get("/api/display");
@@ -483,7 +483,7 @@ void RepliesTest::aTagOfTheScenariosIsUsed() {
     QCOMPARE(answered(scenario, request).reply.status, 304);
 }
 
-void RepliesTest::onlyGoodAnswersHaveATag_data() {
+void RepliesTest::otherRepliesHaveNoETag_data() {
     QTest::addColumn<QByteArray>("scenario");
     QTest::addColumn<QByteArray>("method");
     QTest::addColumn<QByteArray>("path");
@@ -502,7 +502,7 @@ void RepliesTest::onlyGoodAnswersHaveATag_data() {
                              << QByteArray("/assets/quiet-bicycle.png") << true;
 }
 
-void RepliesTest::onlyGoodAnswersHaveATag() {
+void RepliesTest::otherRepliesHaveNoETag() {
     QFETCH(QByteArray, scenario);
     QFETCH(QByteArray, method);
     QFETCH(QByteArray, path);

@@ -35,9 +35,9 @@ private Q_SLOTS:
     void theDocumentedExampleIsAScenario();
     void mistakesAreNamed_data();
     void mistakesAreNamed();
-    void aFileIsNewsOnlyWhenItChanged();
-    void aSpoiltFileIsOneComplaint();
-    void aMissingFileIsAComplaint();
+    void aFileIsReloadedOnlyWhenItChanged();
+    void aBrokenFileIsReportedOnce();
+    void aMissingFileIsReported();
 };
 
 void ScenarioTest::anEmptyObjectChangesNothing() {
@@ -183,50 +183,50 @@ void ScenarioTest::mistakesAreNamed() {
     QCOMPARE(QByteArray::fromStdString(std::get<std::string>(result)), error);
 }
 
-void ScenarioTest::aFileIsNewsOnlyWhenItChanged() {
+void ScenarioTest::aFileIsReloadedOnlyWhenItChanged() {
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("scenario.json")));
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     file.write(R"({"poolCents": 1})");
     ScenarioFile scenarioFile(file.fileName().toStdString());
-    QVERIFY(scenarioFile.look().scenario.has_value());
-    const ScenarioFile::News nothing = scenarioFile.look();
+    QVERIFY(scenarioFile.reload().scenario.has_value());
+    const ScenarioFile::Update nothing = scenarioFile.reload();
     QVERIFY(!nothing.scenario);
     QVERIFY(nothing.complaint.empty());
-    // Same size, and most likely within the same tick of the file system's clock.
+    // The same size, and probably the same modification time.
     file.seek(0);
     file.write(R"({"poolCents": 2})");
-    const ScenarioFile::News edited = scenarioFile.look();
+    const ScenarioFile::Update edited = scenarioFile.reload();
     QVERIFY(edited.scenario.has_value());
     QCOMPARE(edited.scenario->terms.poolCents, 2);
 }
 
-void ScenarioTest::aSpoiltFileIsOneComplaint() {
+void ScenarioTest::aBrokenFileIsReportedOnce() {
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("scenario.json")));
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     file.write("{]");
     ScenarioFile scenarioFile(file.fileName().toStdString());
-    const ScenarioFile::News spoilt = scenarioFile.look();
+    const ScenarioFile::Update spoilt = scenarioFile.reload();
     QVERIFY(!spoilt.scenario);
     QCOMPARE(spoilt.complaint,
              "scenario " + file.fileName().toStdString() + ": not valid JSON at line 1, column 2");
-    QVERIFY(scenarioFile.look().complaint.empty());
+    QVERIFY(scenarioFile.reload().complaint.empty());
 }
 
-void ScenarioTest::aMissingFileIsAComplaint() {
+void ScenarioTest::aMissingFileIsReported() {
     const QTemporaryDir folder;
     const QString name = folder.filePath(QStringLiteral("scenario.json"));
     ScenarioFile scenarioFile(name.toStdString());
-    QVERIFY(!scenarioFile.look().complaint.empty());
-    QVERIFY(scenarioFile.look().complaint.empty());
+    QVERIFY(!scenarioFile.reload().complaint.empty());
+    QVERIFY(scenarioFile.reload().complaint.empty());
     ScenarioFile ofAFolder(folder.path().toStdString());
-    QVERIFY(!ofAFolder.look().complaint.empty());
+    QVERIFY(!ofAFolder.reload().complaint.empty());
     QFile file(name);
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("{}");
     file.close();
-    QVERIFY(scenarioFile.look().scenario.has_value());
+    QVERIFY(scenarioFile.reload().scenario.has_value());
 }
 
 BRIMLET_TEST(ScenarioTest, brimlet::NoApplication)

@@ -8,7 +8,7 @@ namespace {
 constexpr double kPollSeconds = 3;
 constexpr double kHeartbeatSeconds = 900;
 
-/// For what is open besides connections.
+/// For everything but connections.
 constexpr quint64 kOtherDescriptors = 64;
 
 } // namespace

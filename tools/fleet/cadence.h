@@ -6,17 +6,17 @@
 
 namespace brimlet::fleet {
 
-/// When the host of that index starts, from the first one's start on: evenly over the time, so that
-/// the polls of all are as far apart as they can be.
+/// The time from the first host's start to that of the host with this index. Starts are spread
+/// evenly, so that polls are as far apart as possible.
 [[nodiscard]] std::chrono::nanoseconds startOffset(int index, int hosts,
                                                    std::chrono::seconds spread);
 
-/// How many requests this many hosts make by their timers in that time: polls, and heartbeats with
-/// a token.
+/// How many requests the timers of this many hosts make in that time: polls and, with a token,
+/// heartbeats.
 [[nodiscard]] qint64 requestsDue(int hosts, double seconds, bool hasToken);
 
-/// How many descriptors the process may have to hold: each host keeps one connection, and one more
-/// for some time after a heartbeat, which has its own.
+/// The most descriptors the process needs: each host keeps one connection, and for some time after
+/// a heartbeat a second one.
 [[nodiscard]] quint64 descriptorsNeeded(int hosts, bool hasToken);
 
 } // namespace brimlet::fleet

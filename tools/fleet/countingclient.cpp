@@ -15,8 +15,8 @@ QCoro::Task<HttpResult> CountingClient::send(HttpRequest request) {
     using std::chrono::steady_clock;
 
     const bool isPoll = request.method == "GET";
-    Tally& tally = isPoll ? m_books.polls : m_books.heartbeats;
-    Latencies& times = isPoll ? m_books.pollTimes : m_books.heartbeatTimes;
+    Tally& tally = isPoll ? m_statistics.polls : m_statistics.heartbeats;
+    Latencies& times = isPoll ? m_statistics.pollTimes : m_statistics.heartbeatTimes;
     ++tally.sent;
     const auto start = steady_clock::now();
     HttpResult result = co_await m_client.send(std::move(request));

@@ -5,40 +5,40 @@
 
 namespace brimlet::fleet {
 
-/// What became of requests.
+/// How requests ended.
 struct Tally final {
     qint64 sent = 0;
-    qint64 ok = 0;         ///< A 200, or a kept one that still holds.
+    qint64 ok = 0;         ///< A 200, or a 304 for a kept reply.
     qint64 refused = 0;    ///< Another status.
-    qint64 unanswered = 0; ///< No reply came.
+    qint64 unanswered = 0; ///< Without a reply.
 
     void note(const HttpResult& result);
 };
 
-/// What all hosts asked for since the first one's start.
-struct Books final {
+/// The requests of all hosts since the first one's start.
+struct Statistics final {
     Tally polls;
     Tally heartbeats;
     Latencies pollTimes;
     Latencies heartbeatTimes;
 };
 
-/// Hands requests on, and notes in the books how each ends and how long it took. Client and books
-/// outlive every request.
+/// Passes requests to a client, and records how each ends and how long it took. Client and
+/// statistics must outlive every request.
 class CountingClient final : public HttpClient {
 public:
-    CountingClient(HttpClient& client, Books& books)
+    CountingClient(HttpClient& client, Statistics& statistics)
         : m_client(client)
-        , m_books(books) {}
+        , m_statistics(statistics) {}
 
     [[nodiscard]] QCoro::Task<HttpResult> send(HttpRequest request) override;
 
-    /// How many of this one's requests have ended.
+    /// How many requests of this client have ended.
     [[nodiscard]] int ended() const { return m_ended; }
 
 private:
     HttpClient& m_client;
-    Books& m_books;
+    Statistics& m_statistics;
     int m_ended = 0;
 };
 

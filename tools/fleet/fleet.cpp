@@ -9,15 +9,15 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// How long a service that does not answer can hold up the warming up.
+/// How long the warm-up waits for a service that does not answer.
 constexpr auto kWarmUpTimeout = 5s;
-/// How long, after the last start, first replies are waited for before all is measured nonetheless,
-/// and how often that is looked at.
+/// How long the hosts' first replies are waited for, from the last start, before the measurement
+/// begins without them, and how often this is checked.
 constexpr auto kFirstReplies = 10s;
-constexpr auto kLook = 50ms;
+constexpr auto kCheckInterval = 50ms;
 
-/// An engine of its own costs a host 45 KiB; but at the end of each request libcurl looks at all
-/// kept connections of an engine. With some tens of hosts on one, both are little.
+/// An engine per host would cost 45 KiB each; but at the end of each request libcurl checks all
+/// kept connections of its engine. With some tens of hosts per engine both costs are small.
 constexpr std::size_t kHostsPerEngine = 32;
 
 } // namespace
@@ -25,7 +25,7 @@ constexpr std::size_t kHostsPerEngine = 32;
 Fleet::Host::Host(Fleet& fleet, QByteArray token)
     : secrets(std::move(token))
     , http(fleet.engineFor(fleet.m_hosts.size()))
-    , counted(http, fleet.m_books)
+    , counted(http, fleet.m_statistics)
     , store(HostStore::create(
           {fleet.m_screens, fleet.m_workspace, secrets, counted, fleet.m_bundle, fleet.m_clock})) {}
 
@@ -37,21 +37,21 @@ QCoro::Task<> Fleet::run() {
     const auto seconds = static_cast<double>(m_options.measured.count());
     const auto due = requestsDue(m_options.hosts, seconds, m_options.hasToken());
     const auto hosts = static_cast<std::size_t>(m_options.hosts);
-    // Before memory is looked at, and with room for what is late.
-    m_books.pollTimes.prepare(static_cast<std::size_t>(due) + 2 * hosts);
-    m_books.heartbeatTimes.prepare(2 * hosts);
+    // Before memory is measured, and with room for late requests.
+    m_statistics.pollTimes.prepare(static_cast<std::size_t>(due) + 2 * hosts);
+    m_statistics.heartbeatTimes.prepare(2 * hosts);
     m_hosts.reserve(hosts);
     co_await warmUp();
     m_before = MemoryUse::now();
     co_await startAll();
     co_await awaitFirstReplies();
-    m_books.pollTimes.clear();
+    m_statistics.pollTimes.clear();
     m_begin = mark();
     m_measured.start();
     co_await m_clock.sleep(m_options.measured, {});
 }
 
-/// What libraries set up once is not to count as the hosts'.
+/// Makes libraries initialise themselves before memory is measured.
 QCoro::Task<> Fleet::warmUp() {
     CurlHttpClient client;
     const auto url = Url::fromString(m_options.root + QStringLiteral("/api/display"));
@@ -77,12 +77,13 @@ QCoro::Task<> Fleet::startAll() {
 }
 
 QCoro::Task<> Fleet::awaitFirstReplies() {
-    // With a token the first display is followed by a heartbeat, and then by the host's own poll.
+    // With a token a heartbeat follows the first display reply, and then the first poll with the
+    // token.
     const int asked = m_options.hasToken() ? 3 : 1;
     const auto isReady = [asked](const auto& host) { return host->counted.ended() >= asked; };
     const auto end = m_clock.uptime() + kFirstReplies;
     while (!std::all_of(m_hosts.begin(), m_hosts.end(), isReady) && m_clock.uptime() < end) {
-        co_await m_clock.sleep(kLook, {});
+        co_await m_clock.sleep(kCheckInterval, {});
     }
 }
 
@@ -94,7 +95,7 @@ const std::shared_ptr<CurlEngine>& Fleet::engineFor(std::size_t host) {
 }
 
 Fleet::Mark Fleet::mark() const {
-    Mark mark{m_books.polls, m_books.heartbeats, {}, cpuMilliseconds()};
+    Mark mark{m_statistics.polls, m_statistics.heartbeats, {}, cpuMilliseconds()};
     for (const auto& engine : m_engines) {
         mark.traffic += trafficOf(*engine);
     }
@@ -115,12 +116,12 @@ Figures Fleet::figures() const {
     };
     figures.requestsMade = since(&Tally::sent);
     figures.notModified = end.traffic.notModified - begin.traffic.notModified;
-    // One is counted as it comes in, the other as it is handed over, a turn later.
+    // A 304 is counted when it arrives, its reply when it is delivered, one event-loop turn later.
     figures.whole = std::max<qint64>(since(&Tally::ok) - figures.notModified, 0);
     figures.refused = since(&Tally::refused);
     figures.unanswered = since(&Tally::unanswered);
-    figures.polls = m_books.pollTimes.summary();
-    figures.heartbeats = m_books.heartbeatTimes.summary();
+    figures.polls = m_statistics.pollTimes.summary();
+    figures.heartbeats = m_statistics.heartbeatTimes.summary();
     figures.cpuMilliseconds = end.cpu - begin.cpu;
     const MemoryUse memory = MemoryUse::now();
     figures.kib = memory.privateDirtyKib - m_before.privateDirtyKib;
@@ -133,7 +134,7 @@ Figures Fleet::figures() const {
 }
 
 bool Fleet::hasSucceeded() const {
-    return m_books.polls.ok + m_books.heartbeats.ok > 0;
+    return m_statistics.polls.ok + m_statistics.heartbeats.ok > 0;
 }
 
 } // namespace brimlet::fleet

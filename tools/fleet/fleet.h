@@ -16,18 +16,18 @@
 
 namespace brimlet::fleet {
 
-/// Many hosts, each with a store, a token and an HTTP client of its own, on one clock. Never
-/// destroyed: running stores hold themselves.
+/// Many hosts, each with its own store, token and HTTP client, on one clock. Never destroyed, since
+/// running stores keep themselves alive.
 class Fleet final {
 public:
     explicit Fleet(Options options);
     Fleet(const Fleet&) = delete;
     Fleet& operator=(const Fleet&) = delete;
 
-    /// Starts the hosts one after another, and ends when all is measured. Called once.
+    /// Starts the hosts one after another and finishes when the measurement ends. Called once.
     [[nodiscard]] QCoro::Task<> run();
 
-    /// What was measured so far.
+    /// The measurements so far.
     [[nodiscard]] Figures figures() const;
     /// Whether any request succeeded since the start.
     [[nodiscard]] bool hasSucceeded() const;
@@ -41,7 +41,7 @@ private:
         CountingClient counted;
         std::shared_ptr<HostStore> store;
     };
-    /// What was noted and used up to some moment.
+    /// The counters at one moment.
     struct Mark final {
         Tally polls;
         Tally heartbeats;
@@ -61,7 +61,7 @@ private:
     ServiceBundle m_bundle;
     QtClock m_clock;
     std::vector<std::shared_ptr<CurlEngine>> m_engines;
-    Books m_books;
+    Statistics m_statistics;
     std::vector<std::unique_ptr<Host>> m_hosts;
     MemoryUse m_before;
     Mark m_begin;

@@ -12,7 +12,7 @@ float percentile(const std::vector<float>& sorted, double percent) {
 }
 
 void Latencies::prepare(std::size_t count) {
-    m_samples.resize(count); // writes to it, so that it is memory and no promise
+    m_samples.resize(count); // writes to the pages, so that they are resident
     m_samples.clear();
 }
 

@@ -5,7 +5,7 @@
 
 namespace brimlet::fleet {
 
-/// How long requests took, in milliseconds.
+/// The durations of requests, in milliseconds.
 class Latencies final {
 public:
     struct Summary final {
@@ -17,7 +17,7 @@ public:
         bool operator==(const Summary&) const = default;
     };
 
-    /// Has the memory for this many at hand, so that taking them costs none later.
+    /// Allocates memory for this many samples, so that adding them allocates nothing.
     void prepare(std::size_t count);
     void add(double milliseconds) { m_samples.push_back(static_cast<float>(milliseconds)); }
     void clear() { m_samples.clear(); }
@@ -29,8 +29,8 @@ private:
     std::vector<float> m_samples;
 };
 
-/// The smallest of the sorted samples that `percent` per cent of all do not exceed; there is at
-/// least one sample.
+/// The smallest of the sorted samples, of which there is at least one, that `percent` per cent of
+/// them do not exceed.
 [[nodiscard]] float percentile(const std::vector<float>& sorted, double percent);
 
 } // namespace brimlet::fleet

@@ -25,8 +25,8 @@ int complain(const QString& message, int code) {
     return code;
 }
 
-/// Becomes readable when the process is asked to end, which is not done to it any more. To be
-/// called before any thread begins.
+/// A descriptor that becomes readable on SIGTERM and SIGINT, which no longer end the process.
+/// Called before any thread starts.
 int endingSignals() {
     sigset_t signals;
     sigemptyset(&signals);
@@ -41,7 +41,7 @@ QCoro::Task<> measure(Fleet& fleet) {
     QCoreApplication::quit();
 }
 
-int tell(const Fleet& fleet, QFile& jsonFile) {
+int printFigures(const Fleet& fleet, QFile& jsonFile) {
     const Figures figures = fleet.figures();
     std::fputs(asTable(figures).c_str(), stdout);
     if (jsonFile.isOpen()) {
@@ -73,7 +73,7 @@ int run(const Options& options) {
     auto* const fleet = new Fleet(options);
     startTask(measure(*fleet));
     QCoreApplication::exec();
-    return tell(*fleet, jsonFile);
+    return printFigures(*fleet, jsonFile);
 }
 
 } // namespace
@@ -94,7 +94,7 @@ int main(int argc, char* argv[]) {
         return 0;
     }
     const int code = run(*options);
-    // Thousands of requests may be under way: nothing of it is taken down one by one.
+    // Without destructors: thousands of requests may be under way.
     std::fflush(nullptr);
     std::_Exit(code);
 }

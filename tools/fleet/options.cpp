@@ -33,7 +33,7 @@ bool isRoot(const QString& text) {
            !text.contains(u'#');
 }
 
-/// Puts the value where it belongs; the complaint is empty when it is right.
+/// Stores the value in the options. Returns a complaint, empty when the value is valid.
 QString takeValue(const QString& name, const QString& value, Options& options) {
     const auto takeNumber = [&](int least, int most, const auto& put) {
         const auto number = readNumber(value, least, most);

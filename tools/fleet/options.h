@@ -17,7 +17,8 @@ struct Options final {
     std::chrono::seconds spread{3};
     /// How long is measured after all have started.
     std::chrono::seconds measured{30};
-    /// Each host's, or with `isTokenPrefix` what its number is added to; empty for none.
+    /// Every host's token or, with `isTokenPrefix`, the text before the host's number; empty for
+    /// none.
     QString token;
     bool isTokenPrefix = false;
     /// Empty for none.

@@ -15,7 +15,7 @@ public:
     ObserverToken observeChanges(std::function<void()> changed) override;
 };
 
-/// An environment whose screens never sleep, without a browser.
+/// A workspace without a browser, whose screens never sleep.
 class SleeplessWorkspace final : public Workspace {
 public:
     ObserverToken observeScreensDidSleep(std::function<void()> block) override;
@@ -23,7 +23,7 @@ public:
     void open(const Url& url) override;
 };
 
-/// Holds one host's token and nothing else; an empty one is none.
+/// Holds only the host's token; an empty one means none.
 class OneToken final : public SecretStore {
 public:
     explicit OneToken(QByteArray token)

@@ -4,10 +4,10 @@
 
 namespace brimlet::fleet {
 
-/// What all threads of this process have taken so far.
+/// CPU time of all threads of this process so far.
 [[nodiscard]] double cpuMilliseconds();
 
-/// What this process has in use.
+/// Memory that this process uses.
 struct MemoryUse final {
     double privateDirtyKib = 0;
     double heapKib = 0;
@@ -15,10 +15,10 @@ struct MemoryUse final {
     [[nodiscard]] static MemoryUse now();
 };
 
-/// TCP connections of this process that stand.
+/// Established TCP connections of this process.
 [[nodiscard]] qint64 openConnections();
 
-/// Raises the process's limit of descriptors as far as it may; returns what it then is.
+/// Raises the process's limit of descriptors to the hard limit; returns the new limit.
 quint64 raiseDescriptorLimit();
 
 } // namespace brimlet::fleet

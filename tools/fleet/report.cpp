@@ -8,14 +8,14 @@
 namespace brimlet::fleet {
 namespace {
 
-/// Nothing per nothing is nothing, so that a run that saw nothing can be told as well.
+/// 0 when `of` is 0, so that a run without requests can be reported too.
 double ratio(double what, double of) {
     return of > 0 ? what / of : 0;
 }
 
-/// Each figure that is told, derived ones too.
-struct Told final {
-    explicit Told(const Figures& figures)
+/// The figures that are computed from others.
+struct Derived final {
+    explicit Derived(const Figures& figures)
         : perSecond(ratio(static_cast<double>(figures.requestsMade), figures.seconds))
         , cpuPerPoll(ratio(figures.cpuMilliseconds, static_cast<double>(figures.requestsMade)))
         , cpuPerHostMinute(ratio(figures.cpuMilliseconds * 60, figures.hosts * figures.seconds))
@@ -67,47 +67,47 @@ nlohmann::ordered_json asObject(const Latencies::Summary& summary) {
 } // namespace
 
 std::string asTable(const Figures& figures) {
-    const Told told(figures);
+    const Derived derived(figures);
     const auto number = [](qint64 value) { return std::to_string(value); };
     return "| figure | value |\n|---|---|\n" + row("hosts", number(figures.hosts)) +
            row("measured", withDigits(figures.seconds, 1) + " s") +
            row("requests due / made",
                number(figures.requestsDue) + " / " + number(figures.requestsMade)) +
-           row("requests a second", withDigits(told.perSecond, 1)) +
+           row("requests a second", withDigits(derived.perSecond, 1)) +
            row("replies: whole / not modified / other status / none",
                number(figures.whole) + " / " + number(figures.notModified) + " / " +
                    number(figures.refused) + " / " + number(figures.unanswered)) +
            row("poll: p50 / p90 / p99 / max", inMilliseconds(figures.polls)) +
            row("heartbeat: p50 / p90 / p99 / max", inMilliseconds(figures.heartbeats)) +
-           row("CPU a poll", withDigits(told.cpuPerPoll, 3) + " ms") +
-           row("CPU a host and minute", withDigits(told.cpuPerHostMinute, 2) + " ms") +
-           row("memory a host: private / of that heap", withDigits(told.kibPerHost, 1) + " / " +
-                                                            withDigits(told.heapKibPerHost, 1) +
+           row("CPU a poll", withDigits(derived.cpuPerPoll, 3) + " ms") +
+           row("CPU a host and minute", withDigits(derived.cpuPerHostMinute, 2) + " ms") +
+           row("memory a host: private / of that heap", withDigits(derived.kibPerHost, 1) + " / " +
+                                                            withDigits(derived.heapKibPerHost, 1) +
                                                             " KiB") +
-           row("a poll: sent / received", withDigits(told.sentPerPoll, 0) + " / " +
-                                              withDigits(told.receivedPerPoll, 0) + " bytes") +
+           row("a poll: sent / received", withDigits(derived.sentPerPoll, 0) + " / " +
+                                              withDigits(derived.receivedPerPoll, 0) + " bytes") +
            row("connections opened / open at the end",
                number(figures.connectionsOpened) + " / " + number(figures.connectionsOpen));
 }
 
 std::string asJson(const Figures& figures) {
-    const Told told(figures);
+    const Derived derived(figures);
     nlohmann::ordered_json object;
     object["hosts"] = figures.hosts;
     object["seconds"] = rounded(figures.seconds);
     object["requestsDue"] = figures.requestsDue;
     object["requestsMade"] = figures.requestsMade;
-    object["requestsPerSecond"] = rounded(told.perSecond);
+    object["requestsPerSecond"] = rounded(derived.perSecond);
     object["failed"] = figures.failed();
     object["notModified"] = figures.notModified;
     object["latencyMs"] = asObject(figures.polls);
     object["heartbeatLatencyMs"] = asObject(figures.heartbeats);
-    object["cpuMsPerPoll"] = rounded(told.cpuPerPoll);
-    object["cpuMsPerHostMinute"] = rounded(told.cpuPerHostMinute);
-    object["kibPerHost"] = rounded(told.kibPerHost);
-    object["heapKibPerHost"] = rounded(told.heapKibPerHost);
-    object["bytesSentPerPoll"] = rounded(told.sentPerPoll);
-    object["bytesReceivedPerPoll"] = rounded(told.receivedPerPoll);
+    object["cpuMsPerPoll"] = rounded(derived.cpuPerPoll);
+    object["cpuMsPerHostMinute"] = rounded(derived.cpuPerHostMinute);
+    object["kibPerHost"] = rounded(derived.kibPerHost);
+    object["heapKibPerHost"] = rounded(derived.heapKibPerHost);
+    object["bytesSentPerPoll"] = rounded(derived.sentPerPoll);
+    object["bytesReceivedPerPoll"] = rounded(derived.receivedPerPoll);
     object["connectionsOpened"] = figures.connectionsOpened;
     object["connectionsOpen"] = figures.connectionsOpen;
     return object.dump();

@@ -8,20 +8,20 @@
 
 namespace brimlet::fleet {
 
-/// What was seen of all hosts while it was measured.
+/// The figures of all hosts during the measurement.
 struct Figures final {
     int hosts = 0;
     double seconds = 0;
     qint64 requestsDue = 0;
     qint64 requestsMade = 0;
     qint64 whole = 0;       ///< Replies of 200 with a body.
-    qint64 notModified = 0; ///< Replies that the kept one still holds.
+    qint64 notModified = 0; ///< Replies of 304, for a kept reply.
     qint64 refused = 0;     ///< Replies of other statuses.
-    qint64 unanswered = 0;  ///< Requests that no reply came to.
+    qint64 unanswered = 0;  ///< Requests without a reply.
     Latencies::Summary polls;
-    Latencies::Summary heartbeats; ///< Those of the start too.
+    Latencies::Summary heartbeats; ///< Including those of the start.
     double cpuMilliseconds = 0;
-    double kib = 0; ///< Private memory that came with the hosts.
+    double kib = 0; ///< Private memory added by the hosts.
     double heapKib = 0;
     qint64 bytesSent = 0;
     qint64 bytesReceived = 0;

@@ -10,7 +10,7 @@
 
 namespace brimlet::placement {
 
-/// What matters of a request, free of any HTTP library.
+/// The parts of a request that decide the answer, independent of the HTTP library.
 struct Incoming {
     std::string method;
     std::string path;
@@ -28,7 +28,7 @@ struct Reply {
     std::string body;
 };
 
-/// A reply and how it is to be sent.
+/// A reply and how it is sent.
 struct Answer {
     Reply reply;
     std::chrono::milliseconds delay{0};

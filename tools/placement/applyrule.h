@@ -5,8 +5,8 @@
 
 namespace brimlet::placement {
 
-/// Turns the service's own answer into what the scenario wants of that path. Only a reply of status
-/// 200 has keys merged and removed; everything else applies to errors too.
+/// Applies a scenario's rule for the path to the service's own answer. Keys are merged and removed
+/// only in a reply of status 200; everything else applies to errors too.
 void applyRule(const EndpointRule& rule, Answer& answer);
 
 } // namespace brimlet::placement

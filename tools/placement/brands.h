@@ -14,7 +14,7 @@ struct Brand {
     std::string_view tagline;
 };
 
-/// The right brand's tagline is wider than a 108-point capsule on purpose, so that it scrolls.
+/// The right brand's tagline is wider than a 108-point capsule, so that it scrolls.
 inline constexpr std::array<Brand, 2> sampleBrands{{
     {"quiet-bicycle", "left", "Quiet Bike", "Home before the bell"},
     {"palindrome-tea", "right", "Palindrome",

@@ -10,29 +10,31 @@
 
 namespace brimlet::placement {
 
-/// One accepted connection as the HTTP library reads and writes it. Every wait ends at once when
-/// the service stops. Used by one thread; does not own the socket.
+/// One accepted connection, read and written by the HTTP library. Every wait ends at once when the
+/// service stops. Used by one thread; does not own the socket.
 class Connection final : public httplib::Stream {
 public:
-    /// Bytes of one request, head and body; the library's own limits say the rest.
+    /// Bytes of one request, head and body; the library has its own limits for each.
     static constexpr std::size_t requestLimit = 131072;
 
     Connection(socket_t socket, const StopSignal& stop)
         : m_socket(socket)
         , m_stop(stop) {}
 
-    /// Waits for the first byte of a request; false when none comes. Begins a new request limit.
+    /// Waits for the first byte of a request; false when none comes. Restarts the request limit.
     [[nodiscard]] bool waitForRequest(std::chrono::milliseconds time);
     /// Returns when the client has gone or the service stops.
     void waitUntilGone();
-    /// From here on nothing is sent any more.
+    /// Nothing is sent from now on.
     void dropReply() { m_dropped = true; }
     /// The request was longer than the limit and has not been read to its end.
     [[nodiscard]] bool isExhausted() const { return m_received >= requestLimit; }
-    /// Where the request has not been read to its end, what is left must not pass for the next one.
+    /// Closes the connection after the reply, so that the unread rest of a request is not taken for
+    /// the next one.
     void endAfterReply() { m_ending = true; }
     [[nodiscard]] bool endsAfterReply() const { return m_ending; }
-    /// Takes in what the client still sends, so that it can read the reply before the end.
+    /// Reads what the client still sends, since closing a socket with unread bytes would reset the
+    /// connection and could lose the reply.
     void drain();
 
     bool is_readable() const override;

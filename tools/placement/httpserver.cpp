@@ -18,14 +18,14 @@ constexpr std::size_t bodyLimit = 65536;
 
 constexpr std::chrono::seconds keepAlive{300};
 
-// Each open connection holds one thread; a client that is made to hang opens one every 3 seconds
-// for a minute.
+// Each open connection holds one thread. A client whose requests hang opens one every 3 seconds for
+// a minute.
 constexpr std::size_t connectionLimit = 64;
 
 // A cut reply promises this much more than it sends.
 constexpr std::size_t cutBytes = 100;
 
-// The library hands its handlers no connection; each runs on the thread of its own.
+// The library does not pass the connection to its handlers, which run on the connection's thread.
 thread_local Connection* currentConnection = nullptr;
 thread_local bool currentAnswered = false;
 
@@ -41,7 +41,7 @@ std::string lowered(std::string text) {
     return text;
 }
 
-// The library mixes these in among the headers received.
+// The library adds these to the headers received.
 bool isInvented(const std::string& name) {
     return name == "remote_addr" || name == "remote_port" || name == "local_addr" ||
            name == "local_port";
@@ -74,7 +74,7 @@ LogFacts factsOf(const httplib::Request& request) {
     return facts;
 }
 
-// A body is only read where the method calls for one; elsewhere its bytes would be taken for the
+// The library reads a body only with some methods; with the others its bytes would be taken for the
 // next request.
 bool hasUnreadBody(const httplib::Request& request) {
     const bool announced =
@@ -116,8 +116,8 @@ int HttpServer::bind(int port) {
     return bind_to_port("127.0.0.1", port) ? port : -1;
 }
 
-bool HttpServer::serve(Desk& desk) {
-    m_desk = &desk;
+bool HttpServer::serve(RequestHandler& handler) {
+    m_handler = &handler;
     listen_after_bind();
     m_served = true;
     return m_stop.isSet();
@@ -125,7 +125,7 @@ bool HttpServer::serve(Desk& desk) {
 
 void HttpServer::finish() {
     m_stop.set();
-    // Before its loop runs the library would not notice; that is a matter of moments.
+    // The library ignores stop() before its loop runs, which takes only moments.
     while (!is_running() && !m_served) {
         std::this_thread::yield();
     }
@@ -161,12 +161,12 @@ bool HttpServer::process_and_close_socket(socket_t socket) {
 }
 
 void HttpServer::answer(const httplib::Request& request, httplib::Response& response) {
-    // The library watches the length of a body only where it is announced.
+    // The library checks only an announced length.
     if (request.body.size() > bodyLimit) {
         refuse(request, response, 413);
         return;
     }
-    const Answer decided = m_desk->answer(incomingOf(request), factsOf(request));
+    const Answer decided = m_handler->answer(incomingOf(request), factsOf(request));
     currentAnswered = true;
     m_stop.waitFor(decided.delay);
     if (decided.fault == Fault::Hang) {
@@ -205,9 +205,9 @@ void HttpServer::refuse(const httplib::Request& request, httplib::Response& resp
     currentAnswered = true;
     currentConnection->endAfterReply();
     Incoming incoming = incomingOf(request);
-    // Cut off or far too long, so it says little.
+    // It is cut off or far too long.
     incoming.body.clear();
-    m_desk->noteRefusal(incoming, factsOf(request), status);
+    m_handler->logRefusal(incoming, factsOf(request), status);
     Answer refusal;
     refusal.reply = errorReply(status, status == 413   ? "the body is larger than 64 KiB"
                                        : status == 414 ? "the address is too long"

@@ -1,23 +1,22 @@
 #pragma once
 
-#include "tools/placement/desk.h"
+#include "tools/placement/requesthandler.h"
 #include "tools/placement/stopsignal.h"
 
 #include <httplib.h>
 
 namespace brimlet::placement {
 
-/// HTTP/1.1 on the loopback interface; every request goes to the desk. A connection is kept for as
-/// long as its client comes back within five minutes.
+/// HTTP/1.1 on the loopback interface. A connection without a request for five minutes is closed.
 class HttpServer final : public httplib::Server {
 public:
     HttpServer();
 
-    /// The port bound, which also begins to take connections in; -1 with errno set on failure.
+    /// The port that is bound, from then on connections are accepted; -1 with errno set on failure.
     [[nodiscard]] int bind(int port);
-    /// Answers until `finish()`; blocks. The desk outlives the call. False when it ended by itself.
-    [[nodiscard]] bool serve(Desk& desk);
-    /// Ends `serve()` from another thread within moments, whatever requests still hang. Once only.
+    /// Serves until `finish()`; blocks. False when the listening socket failed before that.
+    [[nodiscard]] bool serve(RequestHandler& handler);
+    /// Makes `serve()` return at once, even while requests hang. Called once, from another thread.
     void finish();
 
 private:
@@ -28,7 +27,7 @@ private:
 
     StopSignal m_stop;
     std::atomic<bool> m_served{false};
-    Desk* m_desk = nullptr;
+    RequestHandler* m_handler = nullptr;
 };
 
 } // namespace brimlet::placement

@@ -8,7 +8,7 @@ using nlohmann::json;
 
 namespace {
 
-// Walks a text that did not parse, only to learn where it goes wrong.
+// Parses a text that is not valid JSON again to find the position of its error.
 class PlaceOfError final : public nlohmann::json_sax<json> {
 public:
     bool null() override { return true; }

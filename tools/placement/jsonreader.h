@@ -21,7 +21,7 @@ namespace brimlet::placement {
 [[nodiscard]] std::string toText(const nlohmann::json& value);
 
 /// Reads the keys of one JSON object into variables, one call for each key. The first mistake is
-/// kept and the calls after it do nothing, so that a caller asks for the outcome once.
+/// kept and later calls do nothing, so callers check only once, at the end.
 class JsonReader final {
 public:
     /// `place` begins every message, for example `endpoint "/api/display": `; may be empty.
@@ -35,9 +35,9 @@ public:
     JsonReader& object(const char* key, const std::function<void(const nlohmann::json&)>& use);
     JsonReader& any(const char* key, const std::function<void(const nlohmann::json&)>& use);
 
-    /// From here on a missing key is a mistake.
+    /// Makes a missing key a mistake in later calls.
     JsonReader& required();
-    /// Complains about the first key that was not asked for.
+    /// Makes a key that no call named a mistake.
     JsonReader& nothingElse();
     void fail(const std::string& message);
 

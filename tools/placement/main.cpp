@@ -25,7 +25,7 @@ int complain(const std::string& message, int code) {
     return code;
 }
 
-// Blocked before any thread begins, so that the ending signals wait for the main thread.
+// Called before any thread starts, so that only the main thread receives the ending signals.
 sigset_t blockEndingSignals() {
     sigset_t signals;
     sigemptyset(&signals);
@@ -41,11 +41,11 @@ int run(const Options& options) {
     std::optional<Scenario> scenario;
     if (!options.scenarioFile.empty()) {
         scenarioFile.emplace(options.scenarioFile);
-        ScenarioFile::News news = scenarioFile->look();
-        if (!news.scenario) {
-            return complain(news.complaint, misuse);
+        ScenarioFile::Update update = scenarioFile->reload();
+        if (!update.scenario) {
+            return complain(update.complaint, misuse);
         }
-        scenario = std::move(news.scenario);
+        scenario = std::move(update.scenario);
     }
     RequestLog log;
     if (!options.logFile.empty() && !log.open(options.logFile)) {
@@ -63,10 +63,10 @@ int run(const Options& options) {
     if (scenario) {
         responder.setScenario(*std::move(scenario));
     }
-    Desk desk(std::move(responder), std::move(scenarioFile), std::move(log));
+    RequestHandler handler(std::move(responder), std::move(scenarioFile), std::move(log));
     std::atomic<bool> broken{false};
     std::thread serving([&] {
-        if (!server.serve(desk)) {
+        if (!server.serve(handler)) {
             broken = true;
             ::kill(::getpid(), SIGTERM);
         }

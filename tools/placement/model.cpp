@@ -52,7 +52,7 @@ HostFigures Model::figures(const std::string& token, Instant now) {
     return figures;
 }
 
-// A clock set back never turns the week, so that nothing is banked twice.
+// A clock that is set back does not change the week, so that nothing is banked twice.
 void Model::turnWeek(Instant now) {
     const Day monday = mondayOf(dayOf(now));
     if (m_weekStart && monday > *m_weekStart) {
@@ -77,8 +77,9 @@ std::int64_t Model::weekShare(const Host& host, Day today) const {
     return cents;
 }
 
-// Each day has a seventh of the pool. A past day is shared equally by the hosts for which it was
-// live; today by all who have begun it, and counts only as far as its windows have come.
+// Each day has a seventh of the pool. A past day's part is shared equally by the hosts that were
+// live on it, today's by all hosts with at least one window; of today's, each window up to the
+// fourth earns a quarter.
 std::int64_t Model::dayShare(const Host& host, Day day, Day today) const {
     const auto windowsOn = [day](const Host& of) {
         const auto found = of.week.find(day);

@@ -10,7 +10,7 @@
 
 namespace brimlet::placement {
 
-/// A moment in UTC. The model never reads a clock: every call is told the time.
+/// A moment in UTC. The model never reads a clock: every call gets the time.
 using Instant = std::chrono::sys_seconds;
 
 /// What one heartbeat reports.
@@ -22,11 +22,11 @@ struct Heartbeat {
     bool fromApplications = false;
 };
 
-/// What the weekly split is made of.
+/// The terms of the weekly split.
 struct Terms {
     /// Euro cents shared out in one week.
     std::int64_t poolCents = 250'000;
-    /// Hosts assumed beside the real ones: always live, every day of theirs counts.
+    /// Hosts counted beside the real ones: always live, on every day.
     std::int64_t simulatedHosts = 41;
 };
 
@@ -44,7 +44,7 @@ struct HostFigures {
     bool operator==(const HostFigures&) const = default;
 };
 
-/// Who was live when, and what the week is worth to each host. All days and weeks are UTC, weeks
+/// When each host was live, and its share of the week's pool. All days and weeks are UTC, weeks
 /// begin on Monday. Not thread-safe; state lives in memory only.
 class Model final {
 public:
@@ -58,7 +58,7 @@ public:
     void heartbeat(const std::string& token, const Heartbeat& beat, Instant now);
     void agree(const std::string& token, Instant now);
 
-    /// Turns the week first when `now` lies in a later one, which banks every host's share.
+    /// When `now` is in a later week, that week begins first, which banks every host's share.
     [[nodiscard]] HostFigures figures(const std::string& token, Instant now);
 
 private:

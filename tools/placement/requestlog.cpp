@@ -23,14 +23,14 @@ std::string isoTime(std::chrono::sys_time<std::chrono::milliseconds> time) {
     return text;
 }
 
-// Hides the secrets wherever a client may have put them by mistake.
+// Replaces the secrets in every part of a request, in case a client sent them in a wrong place.
 class Redaction final {
 public:
     Redaction(const Incoming& request, const std::vector<std::string>& knownTokens)
         : m_secrets(knownTokens) {
         const std::string sent =
             splitAuthorization(request.authorization.value_or(std::string{})).secret;
-        // A shorter text says nothing and would blot out half the line.
+        // A shorter one is no secret and would occur by chance all over the line.
         if (sent.size() >= 4) {
             m_secrets.push_back(sent);
         }
@@ -55,7 +55,7 @@ json authorizationEntry(const std::optional<std::string>& authorization, bool kn
     if (!authorization) {
         return nullptr;
     }
-    // Any other word may be a part of the token itself, so it is not repeated.
+    // Any other scheme may be a part of the token, so it is not logged.
     const bool bearer = splitAuthorization(*authorization).scheme == "Bearer";
     return {{"scheme", bearer ? "Bearer" : "other"}, {"token", known ? "known" : "unknown"}};
 }

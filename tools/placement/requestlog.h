@@ -10,7 +10,7 @@
 
 namespace brimlet::placement {
 
-/// What a log line says beside the request itself.
+/// What a log line contains besides the request.
 struct LogFacts {
     std::chrono::sys_time<std::chrono::milliseconds> time;
     /// The query after the "?", as sent; empty for none.
@@ -23,8 +23,8 @@ struct LogFacts {
     Fault fault = Fault::None;
 };
 
-/// One line of the log without its line break: a JSON object. Neither a token of `knownTokens` nor
-/// the credential sent appears in it.
+/// One line of the log, a JSON object, without its line break. It contains neither a token of
+/// `knownTokens` nor the credential that was sent.
 [[nodiscard]] std::string logLine(const Incoming& request, const LogFacts& facts,
                                   const std::vector<std::string>& knownTokens);
 

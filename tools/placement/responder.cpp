@@ -121,7 +121,7 @@ Reply Responder::plainReply(const Incoming& request, Instant now) {
     } else {
         reply = hostReply(request, now);
     }
-    // To be asked about each time, and by nobody on behalf of another.
+    // Replies differ for each token and change at any time.
     reply.headers.emplace_back("Cache-Control", "private, no-cache");
     return reply;
 }

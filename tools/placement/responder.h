@@ -11,7 +11,7 @@
 
 namespace brimlet::placement {
 
-/// The credential of an Authorization header: what follows the scheme and its blanks.
+/// An Authorization header: the scheme, and what follows it and its blanks.
 struct Credential {
     std::string scheme;
     std::string secret;
@@ -22,21 +22,22 @@ struct Credential {
 /// A reply with an object `{"error": message}`.
 [[nodiscard]] Reply errorReply(int status, const std::string& message);
 
-/// Decides the answer to every request: what the model and the files say, then what the scenario
-/// makes of it. Not thread-safe.
+/// Decides the answer to every request: from the model and the pictures, then changed by the
+/// scenario. Not thread-safe.
 class Responder final {
 public:
-    /// `root` is the service's own, without a slash at its end. `picturesByName` holds PNG bytes.
+    /// `root` is the service's own address, without a slash at its end. `picturesByName` holds PNG
+    /// bytes.
     Responder(std::string root, std::map<std::string, std::string, std::less<>> picturesByName);
 
-    /// What hosts have done so far is kept.
+    /// Keeps the hosts' figures.
     void setScenario(Scenario scenario);
     [[nodiscard]] const Scenario& scenario() const { return m_scenario; }
 
-    /// A request counts for the model whatever the scenario then makes of its reply.
+    /// A request counts in the model even where the scenario replaces its reply.
     [[nodiscard]] Answer answer(const Incoming& request, Instant now);
 
-    /// Whether the header holds a bearer token that the scenario knows.
+    /// Whether the Authorization header holds a bearer token of the scenario.
     [[nodiscard]] bool knows(const std::optional<std::string>& authorization) const;
 
 private:

@@ -12,9 +12,8 @@ namespace brimlet::placement {
 
 namespace {
 
-/// Of the body alone: the same text has the same tag, also after a restart. Weak, since the library
-/// may pack the bytes. FNV-1a, since nobody
-/// gains anything here by making two bodies look the same.
+/// A weak ETag from the body alone, so that it stays the same after a restart. Weak, since the
+/// library may compress the body. FNV-1a is enough: a collision would harm only a test.
 std::string tagOf(const std::string& body) {
     std::uint64_t hash = 0xcbf29ce484222325;
     for (const char byte : body) {
@@ -41,8 +40,8 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(" \t") + 1);
 }
 
-/// Whether the tag is in the list of tags between commas. Ours hold no comma; a scenario's that
-/// does is never found, which costs a whole reply.
+/// Whether the comma-separated list contains the tag. A tag with a comma, which only a scenario can
+/// set, is never found; that only costs a whole reply.
 bool names(std::string_view list, std::string_view tag) {
     if (trimmed(list) == "*") {
         return true;
@@ -72,7 +71,7 @@ void revalidate(const Incoming& request, Answer& answer) {
     }
     if (names(request.ifNoneMatch, tag->second)) {
         reply.status = 304;
-        // The length of what is not sent, since the library would say 0.
+        // The length that the body would have; the library would send 0.
         reply.headers.emplace_back("Content-Length", std::to_string(reply.body.size()));
         reply.body.clear();
     }

@@ -4,9 +4,9 @@
 
 namespace brimlet::placement {
 
-/// Names what a GET or HEAD of an endpoint is answered with by an ETag, unless the scenario has
-/// done so, and makes the answer a 304 without a body where the client asked whether just that
-/// still holds. Spoilt replies and others than a 200 stay as they are.
+/// Adds an ETag to the 200 reply to a GET or HEAD of an endpoint, unless the scenario has set one,
+/// and replaces the reply by a 304 without a body when If-None-Match names that tag. Replies with a
+/// fault or another status stay unchanged.
 void revalidate(const Incoming& request, Answer& answer);
 
 } // namespace brimlet::placement

@@ -21,7 +21,7 @@ constexpr std::array<std::pair<Fault, std::string_view>, 5> faultNames{{
     {Fault::Garbage, "garbage"},
 }};
 
-// The service frames its replies itself; a second value would contradict the first.
+// The service sets these itself; a second value would contradict its own.
 bool isFraming(std::string name) {
     std::transform(name.begin(), name.end(), name.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });

@@ -15,7 +15,7 @@
 
 namespace brimlet::placement {
 
-/// How a reply is spoilt on its way out.
+/// A fault in how a reply is sent.
 enum class Fault {
     None,
     Hang,    ///< no answer until the client or the service ends
@@ -29,10 +29,9 @@ enum class Fault {
 
 /// What a scenario changes in the replies of one path.
 struct EndpointRule {
-    /// Keys laid over the reply object, null included; only where the reply is a 200 with an
-    /// object.
+    /// Keys set in the reply object, null included; only where the reply is a 200 with an object.
     nlohmann::json merge = nlohmann::json::object();
-    /// Keys taken out of the reply object, after the merge.
+    /// Keys removed from the reply object, after the merge.
     std::vector<std::string> remove;
     /// The whole body in place of the service's own.
     std::optional<std::string> body;
@@ -42,7 +41,7 @@ struct EndpointRule {
     Fault fault = Fault::None;
 };
 
-/// Everything that can be set about the service; the defaults are the service without a scenario.
+/// All settings of the service; the defaults are the service without a scenario.
 struct Scenario {
     std::vector<std::string> tokens{"demo-host-token"};
     std::string agreementText{
@@ -50,15 +49,15 @@ struct Scenario {
         "camera notch of your laptop. Each week's pool is split among the hosts that were live. "
         "The figure you see is an estimate, not a guarantee. You may pause or stop at any time."};
     Terms terms;
-    /// Creative objects as sent; absent for the sample brands. A URL that begins with "/" is
-    /// completed with the service's own root.
+    /// Creative objects as sent; absent for the sample brands. A URL that begins with "/" gets
+    /// the service's own root before it.
     std::optional<nlohmann::json> creatives;
     std::string weekStatus{"live"};
     bool forceHide = false;
     std::map<std::string, EndpointRule, std::less<>> endpoints;
 };
 
-/// A scenario, or one line saying what is wrong with it and where.
+/// A scenario, or one line that names the mistake and its place.
 using ScenarioResult = std::variant<Scenario, std::string>;
 
 /// Never throws; a key that is not known is an error that names it.

@@ -28,17 +28,17 @@ std::optional<std::string> contents(const std::string& path) {
 ScenarioFile::ScenarioFile(std::string path)
     : m_path(std::move(path)) {}
 
-ScenarioFile::News ScenarioFile::look() {
+ScenarioFile::Update ScenarioFile::reload() {
     std::optional<std::string> text = contents(m_path);
-    if (m_looked && text == m_seen) {
+    if (m_isLoaded && text == m_text) {
         return {};
     }
-    m_looked = true;
-    m_seen = std::move(text);
-    if (!m_seen) {
+    m_isLoaded = true;
+    m_text = std::move(text);
+    if (!m_text) {
         return {std::nullopt, "scenario " + m_path + ": cannot be read, or is larger than 4 MiB"};
     }
-    ScenarioResult result = parseScenario(*m_seen);
+    ScenarioResult result = parseScenario(*m_text);
     if (const auto* error = std::get_if<std::string>(&result)) {
         return {std::nullopt, "scenario " + m_path + ": " + *error};
     }

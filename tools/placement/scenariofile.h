@@ -7,25 +7,25 @@
 
 namespace brimlet::placement {
 
-/// A scenario kept in a file that may be edited at any time. The file is read at every look, which
-/// costs little for its size and misses no edit, however quick.
+/// A scenario in a file that may be edited at any time. Every reload reads the whole file, which is
+/// small, so that no edit is missed.
 class ScenarioFile final {
 public:
     explicit ScenarioFile(std::string path);
 
-    /// What a look at the file brought: a new scenario, a new complaint (one line), or neither when
-    /// nothing changed since the last look.
-    struct News {
+    /// A new scenario, a new complaint (one line), or neither when the file is unchanged since the
+    /// last reload.
+    struct Update {
         std::optional<Scenario> scenario;
         std::string complaint;
     };
-    [[nodiscard]] News look();
+    [[nodiscard]] Update reload();
 
 private:
     std::string m_path;
-    /// The text last seen; absent while the file cannot be read.
-    std::optional<std::string> m_seen;
-    bool m_looked = false;
+    /// The text at the last reload; absent when it could not be read.
+    std::optional<std::string> m_text;
+    bool m_isLoaded = false;
 };
 
 } // namespace brimlet::placement

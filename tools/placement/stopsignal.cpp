@@ -23,7 +23,8 @@ StopSignal::~StopSignal() {
 void StopSignal::set() {
     m_set.store(true);
     const std::uint64_t one = 1;
-    // An eventfd only refuses when its counter would overflow, and then it is readable anyway.
+    // The write fails only when the counter would overflow, and then the eventfd is readable
+    // anyway.
     [[maybe_unused]] const ssize_t written = ::write(m_fd, &one, sizeof one);
 }
 

@@ -5,8 +5,8 @@
 
 namespace brimlet::placement {
 
-/// Tells every thread of the service to end, including those that wait for a socket: `fd()` becomes
-/// readable for good once it is set. Thread-safe.
+/// Ends every thread of the service, also one that waits for a socket: once the signal is set,
+/// `fd()` stays readable. Thread-safe.
 class StopSignal final {
 public:
     StopSignal();

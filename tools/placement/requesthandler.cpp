@@ -1,23 +1,24 @@
-#include "tools/placement/desk.h"
+#include "tools/placement/requesthandler.h"
 
 #include <cstdio>
 
 namespace brimlet::placement {
 
-Desk::Desk(Responder responder, std::optional<ScenarioFile> scenarioFile, RequestLog log)
+RequestHandler::RequestHandler(Responder responder, std::optional<ScenarioFile> scenarioFile,
+                               RequestLog log)
     : m_responder(std::move(responder))
     , m_scenarioFile(std::move(scenarioFile))
     , m_log(std::move(log)) {}
 
-Answer Desk::answer(const Incoming& request, LogFacts facts) {
+Answer RequestHandler::answer(const Incoming& request, LogFacts facts) {
     const std::lock_guard lock(m_mutex);
     if (m_scenarioFile) {
-        ScenarioFile::News news = m_scenarioFile->look();
-        if (news.scenario) {
-            m_responder.setScenario(*std::move(news.scenario));
-        } else if (!news.complaint.empty()) {
+        ScenarioFile::Update update = m_scenarioFile->reload();
+        if (update.scenario) {
+            m_responder.setScenario(*std::move(update.scenario));
+        } else if (!update.complaint.empty()) {
             std::fprintf(stderr, "brimlet-placement: %s; the one before stays in force\n",
-                         news.complaint.c_str());
+                         update.complaint.c_str());
         }
     }
     Answer answer = m_responder.answer(
@@ -30,13 +31,13 @@ Answer Desk::answer(const Incoming& request, LogFacts facts) {
     return answer;
 }
 
-void Desk::noteRefusal(const Incoming& request, LogFacts facts, int status) {
+void RequestHandler::logRefusal(const Incoming& request, LogFacts facts, int status) {
     const std::lock_guard lock(m_mutex);
     facts.status = status;
     write(request, facts);
 }
 
-void Desk::write(const Incoming& request, LogFacts& facts) {
+void RequestHandler::write(const Incoming& request, LogFacts& facts) {
     facts.time = std::chrono::floor<std::chrono::milliseconds>(std::chrono::system_clock::now());
     facts.tokenKnown = m_responder.knows(request.authorization);
     m_log.append(logLine(request, facts, m_responder.scenario().tokens));
