@@ -1,12 +1,12 @@
-# Shared by the scripts that ask the simulated program what it shows. Follows service.sh.
+# Commands to the simulated program's console; for the scripts that read its state. Read after service.sh.
 # shellcheck shell=bash
 # shellcheck disable=SC2154 # $out and $simulator come from service.sh
 
-# Starts the program with its console at hand.
+# Starts the program with its console on descriptors 7 and 8.
 start_simulator_with_console() {
   rm -f "$out/commands" "$out/answers"
   mkfifo "$out/commands" "$out/answers"
-  # Each both ways, so that neither side waits for the other to open it.
+  # Opened for both reading and writing, so that opening does not wait for the other side.
   exec 7<>"$out/commands" 8<>"$out/answers"
   start_simulator --console <&7 >&8
 }
@@ -16,12 +16,12 @@ running() { kill -0 "$simulator" 2>/dev/null; }
 # Prints the program's answer, one line of JSON.
 state() {
   local answer
-  while read -t 0 -u 8 && read -r -t 1 -u 8 answer; do :; done # late answers to earlier questions
+  while read -t 0 -u 8 && read -r -t 1 -u 8 answer; do :; done # late answers to earlier commands
   echo state >&7
   IFS= read -r -t 2 -u 8 answer && printf '%s\n' "$answer"
 }
 
-# tell COMMAND: has it done; the answer is that it is.
+# tell COMMAND: sends a command and expects it to succeed.
 tell() {
   local answer=
   echo "$1" >&7
@@ -29,8 +29,19 @@ tell() {
   [ "$answer" = '{"ok":true}' ] || fail "\"$1\" was answered: $answer"
 }
 
-# shows CONDITION: a jq condition on the state holds. A program that ended fails.
+# shows CONDITION: whether a jq condition on the state holds. Fails when the program has ended.
 shows() {
   running || fail "the program ended"
   [ "$(state | jq "$1")" = true ]
+}
+
+# The desktop's background in all pictures.
+set_background() { hsetroot -add '#9fb2c9' -add '#4a5a72' -gradient 0 >/dev/null; }
+
+# find_window TITLE: sets $x, $y, $width and $height, in pixels of the screen.
+find_window() {
+  local window
+  window=$(xwininfo -name "$1") || fail "the panel's window is not on the X server"
+  read -r x y width height < <(sed -nE 's/^ *(Absolute upper-left [XY]|Width|Height): *//p' <<<"$window" |
+    tr '\n' ' '; echo)
 }

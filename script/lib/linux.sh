@@ -1,3 +1,3 @@
-# Read by the scripts whose tools are Linux's; ends them anywhere else.
+# Ends the script on any other system; for scripts whose tools need Linux.
 # shellcheck shell=bash
 [ "$(uname -s)" = Linux ] || { echo "${0##*/}: this needs Linux; docs/mac.md tells what a Mac can do" >&2; exit 2; }

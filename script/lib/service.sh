@@ -1,5 +1,5 @@
-# Shared by the scripts that show Brimlet: starting and ending the placement service and the
-# simulated program. Expects the machine file as $1, BRIMLET_BIN and BRIMLET_RUN_FOLDER.
+# Starts and ends the placement service and the simulated program; for the scripts that show Brimlet.
+# Expects the machine file in $1, BRIMLET_BIN and BRIMLET_RUN_FOLDER.
 # shellcheck shell=bash disable=SC2317 # functions called by way of an argument
 
 machine=$1
@@ -23,15 +23,15 @@ stop_simulator() {
   end "$simulator"
   simulator=''
 }
-# end PROCESS: no matter whether it runs; empty for none.
+# end PROCESS: ends the process if it runs; nothing for an empty number.
 end() {
   if [ -n "$1" ] && kill "$1" 2>/dev/null; then
-    kill -CONT "$1" 2>/dev/null || true # a stopped one takes notice only then
+    kill -CONT "$1" 2>/dev/null || true # a stopped process handles the signal only then
     wait "$1" 2>/dev/null || true
   fi
 }
 
-# within SECONDS COMMAND...: tries until it succeeds or the time is up.
+# within SECONDS COMMAND...: repeats the command until it succeeds; fails after that time.
 within() {
   local deadline=$((SECONDS + $1))
   shift
@@ -41,8 +41,8 @@ within() {
   done
 }
 
-# Starts the service on a free port and writes the machine file that points to it; further arguments
-# are the service's own.
+# start_service ARGUMENT...: starts the service on a free port, and writes the machine file with its
+# address.
 start_service() {
   "$BRIMLET_BIN/brimlet-placement" --port 0 --log "$out/requests.jsonl" "$@" \
     >"$out/service.log" 2>&1 &
@@ -56,9 +56,9 @@ start_service() {
   echo "service:   $root"
 }
 
-# Starts the program; further arguments are its own.
+# start_simulator ARGUMENT...: starts the program on that machine.
 start_simulator() {
-  # Named, since a program in the background would get an empty input otherwise.
+  # Explicit, since a background process gets an empty standard input otherwise.
   "$BRIMLET_BIN/brimlet-simulator" --machine "$out/machine.json" "$@" \
     <&0 2>"$out/simulator.log" &
   simulator=$!

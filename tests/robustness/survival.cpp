@@ -8,7 +8,7 @@ namespace brimlet {
 namespace {
 
 constexpr int kPatience = 20'000; // milliseconds
-/// So many requests show that the cadence goes on.
+/// As many requests show that polls continue.
 constexpr qsizetype kSeveral = 8;
 
 bool hasPictures(WatchedProgram& watched) {
@@ -18,8 +18,8 @@ bool hasPictures(WatchedProgram& watched) {
            });
 }
 
-/// Whether polls go on in their time, however long each is under way. A busy machine may take its
-/// time, but one request after the other, or a pause because of a fault, takes far longer.
+/// Whether polls continue at their interval, however long each takes. The limit allows for a busy
+/// machine; polls that wait for each other, or pause after a fault, would take far longer.
 bool keepsPace(WatchedProgram& watched) {
     constexpr int kSlack = 6;
     const qsizetype enough = watched.requests() + kSeveral;
@@ -27,7 +27,7 @@ bool keepsPace(WatchedProgram& watched) {
                            kSlack * static_cast<int>(kSeveral) * WatchedProgram::kPollMilliseconds);
 }
 
-/// Waits until no request has come for the time of several polls.
+/// Waits until no request has arrived for the time of several polls.
 bool fallsSilent(WatchedProgram& watched) {
     qsizetype seen = watched.requests();
     QElapsedTimer since;
@@ -60,11 +60,11 @@ QString statusOf(Outcome outcome) {
 }
 
 void begin(WatchedProgram& watched) {
-    QVERIFY(watched.comesToSay(WatchedProgram::goodStatus()));
+    QVERIFY(watched.reaches(WatchedProgram::goodStatus()));
     QTRY_VERIFY_WITH_TIMEOUT(hasPictures(watched), kPatience);
-    // Some rounds of what a start leaves to be done later.
+    // Until the tasks that a start defers are done.
     QTRY_VERIFY_WITH_TIMEOUT(watched.requests() > 5 * kSeveral, kPatience);
-    watched.takeMeasure();
+    watched.recordUse();
 }
 
 void survive(WatchedProgram& watched, const Fault& fault) {
@@ -75,7 +75,7 @@ void survive(WatchedProgram& watched, const Fault& fault) {
     }
     watched.follow(fault.script);
     watched.askAll();
-    QVERIFY(watched.comesToSay(statusOf(fault.outcome)));
+    QVERIFY(watched.reaches(statusOf(fault.outcome)));
     if (fault.outcome == Outcome::Nothing) {
         QVERIFY(fallsSilent(watched));
         QCOMPARE(watched.program().statusLine(), statusOf(fault.outcome));
@@ -88,7 +88,7 @@ void survive(WatchedProgram& watched, const Fault& fault) {
         QCOMPARE(watched.content(), before);
     }
     watched.behave();
-    QVERIFY(watched.comesToSay(WatchedProgram::goodStatus()));
+    QVERIFY(watched.reaches(WatchedProgram::goodStatus()));
     QTRY_COMPARE_WITH_TIMEOUT(watched.complaint(), QString(), kPatience);
     QTRY_COMPARE_WITH_TIMEOUT(watched.content(), before, kPatience);
 }

@@ -6,27 +6,27 @@
 
 namespace brimlet {
 
-/// What a fault at every endpoint amounts to.
+/// The effect of a fault at every endpoint.
 enum class Outcome {
-    TransferFailed, ///< The text for a failed transfer; old content stays.
-    Rejected,       ///< The text for any other status; old content stays.
-    Applied,        ///< No fault at all: the reply counts.
-    Nothing,        ///< Nothing is sent and nothing said; old content stays.
+    TransferFailed, ///< The text for a failed transfer; the content stays.
+    Rejected,       ///< The text for any other status; the content stays.
+    Applied,        ///< The reply counts.
+    Nothing,        ///< No request and no new text; the content stays.
 };
 
 [[nodiscard]] QString statusOf(Outcome outcome);
 
-/// One row of a table of faults: while the service follows the script, or requests go to another
-/// root, the outcome shows; afterwards all is as before. Call from a test function; what is wrong
-/// fails the test.
+/// One row of a table of faults: the service follows the script, or requests go to another root.
+/// `survive` checks the outcome, and that the program is afterwards as before. Called from a test
+/// function.
 struct Fault final {
     QJsonObject script;
     Outcome outcome = Outcome::TransferFailed;
-    QString root{}; ///< The service's own if null.
+    QString root{}; ///< Null for the service's own.
 };
 void survive(WatchedProgram& watched, const Fault& fault);
 
-/// Waits until the program shows the good placement, and takes its measure.
+/// Waits until the program shows the good placement, and records its resource use.
 void begin(WatchedProgram& watched);
 
 } // namespace brimlet

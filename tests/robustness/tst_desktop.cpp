@@ -22,14 +22,14 @@ const QString kHeartbeat = QStringLiteral("POST /api/host/heartbeat");
 const QString kEstimate = QStringLiteral("GET /api/host/me");
 const QString kDisplays = QStringLiteral("displays");
 
-/// Where the overlay is on the 14-inch machine, in the X server's pixels.
+/// The overlay's place on the 14-inch machine, in pixels of the X server.
 const QRect kHome(542, 0, 428, 40);
 
 QJsonObject display(int number, const QJsonArray& frame) {
     return {{QStringLiteral("number"), number}, {QStringLiteral("frame"), frame}};
 }
 
-/// The laptop's own, with a notch of 184 by 32.
+/// The built-in display, with a notch of 184 by 32 points.
 QJsonObject builtIn(int x, int y, int width, int height) {
     const int side = (width - 184) / 2;
     QJsonObject own = display(1, {x, y, width, height});
@@ -54,7 +54,7 @@ Q_SIGNALS:
     void PrepareForSleep(bool start);
 };
 
-/// Cases 36 to 40, what a desktop does to the whole program. The session has no tray of its own.
+/// Cases 36 to 40: what happens to the whole program on a desktop. The session has no tray.
 class TestDesktop final : public QObject {
     Q_OBJECT
 
@@ -68,12 +68,13 @@ class TestDesktop final : public QObject {
                 {QStringLiteral("speed"), speed}};
     }
     [[nodiscard]] QJsonObject machine(int speed) const { return machine(speed, m_service); }
-    /// Where the X server shows the overlay; empty when it does not.
+    /// The overlay's place on the X server; empty when it is not mapped.
     [[nodiscard]] QRect overlay() const {
         const auto window = m_x.windowNamed("Brimlet");
         return window && m_x.isMapped(*window) ? m_x.geometry(*window) : QRect();
     }
-    /// It gets there, and on the way it is nowhere else than where it was or out.
+    /// Waits until the overlay is at the place. False also when it was seen anywhere but at its old
+    /// or new place meanwhile.
     [[nodiscard]] bool overlayMovesTo(const QRect& place) const {
         const QRect before = overlay();
         bool isElsewhere = false;
@@ -94,7 +95,7 @@ private Q_SLOTS:
     void initTestCase() { QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session"); }
     void init() { m_service.setScenario({}); }
 
-    void figuresAreTheSameEverywhere_data() {
+    void figuresAreTheSameInEveryEnvironment_data() {
         QTest::addColumn<EnvironmentChanges>("environment");
         const QString none;
         const auto locale = [this](const char* name) {
@@ -105,7 +106,7 @@ private Q_SLOTS:
         QTest::newRow("Turkish") << locale("tr_TR.UTF-8");
         QTest::newRow("German") << locale("de_DE.UTF-8");
         QTest::newRow("C") << locale("C");
-        QTest::newRow("one that is not there") << locale("eo_XX.UTF-8");
+        QTest::newRow("one that does not exist") << locale("eo_XX.UTF-8");
         const QString home = QStringLiteral("HOME");
         EnvironmentChanges folders;
         for (const char* const name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME",
@@ -115,15 +116,15 @@ private Q_SLOTS:
         QTest::newRow("no HOME") << EnvironmentChanges{{home, none}};
         QTest::newRow("no XDG folders") << folders;
         folders.insert(home, QStringLiteral("/dev/null/at/all"));
-        QTest::newRow("a HOME that is not there") << folders;
+        QTest::newRow("a HOME that does not exist") << folders;
         for (auto it = folders.begin(); it != folders.end(); ++it) {
             *it = QStringLiteral("/dev/null/at/all");
         }
-        QTest::newRow("no folder is there") << folders;
+        QTest::newRow("no folder exists") << folders;
     }
-    void figuresAreTheSameEverywhere() {
+    void figuresAreTheSameInEveryEnvironment() {
         QFETCH(EnvironmentChanges, environment);
-        // Compiled from their sources, so that they need not be the machine's own.
+        // Compiled here, so that the machine need not have them.
         const QString locale = environment.value(QStringLiteral("LC_ALL"));
         if (locale.startsWith(u"tr") || locale.startsWith(u"de")) {
             QCOMPARE(QProcess::execute(QStringLiteral("localedef"),
@@ -131,7 +132,7 @@ private Q_SLOTS:
                                         QStringLiteral("UTF-8"), m_folder.filePath(locale)}),
                      0);
         }
-        // The same from both, since the reply that arrives last wins.
+        // The same from both endpoints, since the reply that arrives last wins.
         const QJsonObject figures{
             {QStringLiteral("merge"), QJsonObject{{QStringLiteral("agreed"), true},
                                                   {QStringLiteral("estimatedCents"), 1234},
@@ -139,7 +140,7 @@ private Q_SLOTS:
         m_service.setScenario({{QStringLiteral("endpoints"),
                                 QJsonObject{{QStringLiteral("/api/host/me"), figures},
                                             {QStringLiteral("/api/host/heartbeat"), figures}}}});
-        environment.insert(QStringLiteral("QT_FATAL_WARNINGS"), QString()); // Qt remarks on some
+        environment.insert(QStringLiteral("QT_FATAL_WARNINGS"), QString()); // Qt warns about some
         SimulatorProcess program(machine(60), environment);
         QTRY_COMPARE_WITH_TIMEOUT(overlay(), kHome, kPatience);
         (void)program.ask("save-token " + kToken.toUtf8());
@@ -167,7 +168,7 @@ private Q_SLOTS:
         const QJsonObject second = display(5, {1512, 100, 800, 600});
         const auto use = [&](const QJsonArray& displays) { program.edit({{kDisplays, displays}}); };
         use({own, second}); // added on the right
-        use({second, own}); // said in another order, which makes it the primary one
+        use({second, own}); // in another order, which makes it the primary one
         use({own, second});
         QVERIFY(overlayMovesTo(kHome));
         // The external one becomes the primary one, with the laptop below and right of it.
@@ -178,7 +179,7 @@ private Q_SLOTS:
         QVERIFY(overlayMovesTo(QRect(400 + 400 - 214, 82, 428, 40)));
         use({first, builtIn(400, 18, 600, 800)}); // rotated
         QVERIFY(overlayMovesTo(QRect(400 + 300 - 214, 82, 428, 40)));
-        // The lid is closed: it stays at the place of the screen that is gone.
+        // The lid is closed: the overlay keeps its place.
         const QRect last = overlay();
         for (const QJsonArray& others :
              {QJsonArray{first}, QJsonArray{first, second}, QJsonArray()}) {
@@ -214,7 +215,7 @@ private Q_SLOTS:
     }
 
     void twoHundredSleepsAreFourHundredHeartbeats() {
-        const PlacementProcess placement; // its log is short
+        const PlacementProcess placement; // a service with a short log
         const auto heartbeats = [&placement] { return placement.requestLines().count(kHeartbeat); };
         const auto polls = [&placement] { return placement.requestLines().count(kEstimate); };
         FakeSleep logind;
@@ -229,7 +230,7 @@ private Q_SLOTS:
                                  kPatience);
         (void)program.ask("save-token " + kToken.toUtf8());
         QTRY_COMPARE_WITH_TIMEOUT(heartbeats(), 1, kPatience);
-        // By then the memory of the start has been given back.
+        // By then the start-up memory has been trimmed.
         QTRY_VERIFY_WITH_TIMEOUT(polls() > 20, kPatience);
         const QString status = program.statusLine();
         const ProcessMeasures measures = program.measures();
@@ -248,7 +249,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(changes, kChanges, 3 * kPatience);
         qInfo("%lld ms", static_cast<long long>(time.elapsed()));
         QTRY_COMPARE_WITH_TIMEOUT(heartbeats(), 1 + kChanges, kPatience);
-        // Polls went on as before, and still do: not one timer more.
+        // Polls continue at their interval: no second timer was started.
         const qsizetype then = polls();
         time.restart();
         QTRY_VERIFY_WITH_TIMEOUT(polls() >= then + 10, kPatience);
@@ -260,7 +261,7 @@ private Q_SLOTS:
         qInfo("%lld KiB more, %lld descriptors, %lld threads",
               static_cast<long long>((after.residentBytes - measures.residentBytes) / 1024),
               static_cast<long long>(after.descriptors), static_cast<long long>(after.threads));
-        // A sanitizer keeps for a while what was freed.
+        // A sanitizer keeps freed memory for a while.
         QVERIFY(kIsSanitized ||
                 after.residentBytes < measures.residentBytes + qint64{8} * 1024 * 1024);
         QTRY_VERIFY_WITH_TIMEOUT(program.measures().descriptors <= measures.descriptors + 2,
@@ -268,7 +269,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(program.measures().threads <= measures.threads, kPatience);
     }
 
-    void aStartAfterAKillFindsNothingInTheWay() {
+    void itStartsAfterAKill() {
         for (int i = 0; i < 2; ++i) {
             SimulatorProcess program(machine(60));
             QTRY_COMPARE_WITH_TIMEOUT(overlay(), kHome, kPatience);
@@ -279,10 +280,10 @@ private Q_SLOTS:
         }
     }
 
-    void withoutATrayThePanelOpensAndOneThatComesTakesTheItem() {
+    void withoutATrayThePanelOpensAndALateTrayGetsTheItem() {
         SimulatorProcess program(machine(60));
         QTRY_VERIFY_WITH_TIMEOUT(isMenuOpen(program), kPatience);
-        for (int i = 0; i < 2; ++i) { // and once more: it restarts
+        for (int i = 0; i < 2; ++i) { // the second time it restarts
             QProcess tray;
             tray.start(sourcePath(u"tests/support/session/tray-host"),
                        {QStringLiteral("notifier")});

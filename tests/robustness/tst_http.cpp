@@ -12,7 +12,7 @@ const QByteArray kHead = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n"
 
 } // namespace
 
-/// Replies that are none, or not the ones they look like.
+/// Faulty replies, and replies that look valid.
 class TestHttp final : public QObject {
     Q_OBJECT
 
@@ -127,7 +127,7 @@ private Q_SLOTS:
         survive(*m_watched, fault);
     }
 
-    // 10
+    // Case 10
     void noPasswordIsEverSent() {
         const QByteArray received = m_watched->service().received();
         QVERIFY(!received.contains("Authorization: Basic"));
@@ -135,8 +135,8 @@ private Q_SLOTS:
         QVERIFY(!received.contains("Proxy-Authorization"));
     }
 
-    // 13
-    void requestsSayNoMoreThanTheyMust() {
+    // Case 13
+    void requestsHaveNoUnneededHeaders() {
         m_watched->follow(WatchedProgram::everywhere(
             {reply(200, m_watched->goodBody(),
                    "Set-Cookie: id=1; Max-Age=99999; Path=/\r\nAlt-Svc: h2=\":443\"\r\n"
@@ -156,7 +156,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(m_watched->complaint(), QString(), kPatience);
     }
 
-    // 14
+    // Case 14
     void anUnchangedPollCostsNoBody() {
         const QString before = m_watched->content();
         qsizetype start = m_watched->service().received().size();
@@ -179,12 +179,12 @@ private Q_SLOTS:
         QCOMPARE(m_watched->program().statusLine(), WatchedProgram::goodStatus());
         QCOMPARE(m_watched->content(), before);
 
-        // As good as a whole reply after another text, too.
+        // A 304 also restores the status line after the display's reply has changed it.
         start = m_watched->service().received().size();
         m_watched->askAll();
         QTRY_VERIFY_WITH_TIMEOUT(
             m_watched->service().received().mid(start).contains("GET /api/display"), kPatience);
-        QVERIFY(m_watched->comesToSay(WatchedProgram::goodStatus()));
+        QVERIFY(m_watched->reaches(WatchedProgram::goodStatus()));
         m_watched->behave();
         QTRY_COMPARE_WITH_TIMEOUT(m_watched->complaint(), QString(), kPatience);
     }

@@ -22,9 +22,9 @@ Q_DECLARE_METATYPE(std::optional<brimlet::StubBus::Kind>)
 namespace {
 
 constexpr int kPatience = 20'000;
-/// Milliseconds from the start of the process to its first answer.
+/// The longest time from the start of the process to its first answer, in milliseconds.
 constexpr qint64 kStart = kIsSanitized ? 4000 : 2000;
-/// Milliseconds to the end.
+/// The longest time from SIGTERM to the end, in milliseconds.
 constexpr qint64 kEnd = kIsSanitized ? 3000 : 1000;
 
 const QString kSession = QStringLiteral("DBUS_SESSION_BUS_ADDRESS");
@@ -32,7 +32,7 @@ const QString kSystem = QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS");
 const QString kDisplay = QStringLiteral("GET /api/display");
 const QString kHeartbeat = QStringLiteral("POST /api/host/heartbeat");
 
-/// A secret service with a fault, while it lives.
+/// A process with a faulty secret service.
 class FaultySecretService final {
 public:
     explicit FaultySecretService(const QString& kind) {
@@ -50,15 +50,15 @@ public:
         m_process.waitForFinished(0);
         return m_process.state() == QProcess::NotRunning;
     }
-    [[nodiscard]] QByteArray words() {
+    [[nodiscard]] QByteArray output() {
         m_process.waitForReadyRead(0);
-        m_words += m_process.readAllStandardOutput();
-        return m_words;
+        m_output += m_process.readAllStandardOutput();
+        return m_output;
     }
 
 private:
     QProcess m_process;
-    QByteArray m_words;
+    QByteArray m_output;
 };
 
 QString keyring() {
@@ -67,8 +67,7 @@ QString keyring() {
 
 } // namespace
 
-/// Case 34, the program where no bus answers and no secret can be had, and case 35, where a secret
-/// might be left behind.
+/// Case 34, the program without an answering bus or keyring, and case 35, the search for the token.
 class TestSecrets final : public QObject {
     Q_OBJECT
 
@@ -89,8 +88,9 @@ class TestSecrets final : public QObject {
         QCOMPARE(filesHolding(m_canary).join(u'\n'), QString());
         QCOMPARE(processfacts::processesKnowing(m_canary.toUtf8()).join(u'\n'), QString());
     }
-    /// A start, a token that is saved, and the end, none of which waits for what does not answer.
-    void live(const EnvironmentChanges& environment) {
+    /// Checks that a start, saving a token and the end do not wait for a service that does not
+    /// answer.
+    void runOnce(const EnvironmentChanges& environment) {
         const qsizetype displays = count(kDisplay);
         const qsizetype heartbeats = count(kHeartbeat);
         QElapsedTimer time;
@@ -109,7 +109,7 @@ class TestSecrets final : public QObject {
         QTRY_VERIFY_WITH_TIMEOUT(count(kHeartbeat) > heartbeats, kPatience);
         compareTokenIsNowhere();
         time.restart();
-        QCOMPARE(program.endBySignal(SIGTERM), 0); // after what is being saved
+        QCOMPARE(program.endBySignal(SIGTERM), 0); // waits for the token to be saved
         QVERIFY2(time.elapsed() < kEnd, QByteArray::number(time.elapsed()).constData());
         QCOMPARE(program.complaints(), QByteArray());
         compareTokenIsNowhere();
@@ -122,36 +122,36 @@ private Q_SLOTS:
         QDir(m_folder.path()).mkdir(QStringLiteral("temporary"));
         qputenv("TMPDIR", QFile::encodeName(m_folder.filePath(QStringLiteral("temporary"))));
         m_service.setScenario({{QStringLiteral("tokens"), QJsonArray{m_canary}}});
-        // Programs and files that everybody has are in memory afterwards.
+        // A first run loads programs and files into the page cache.
         (void)SimulatorProcess(machine(), {{kSession, QStringLiteral("unix:path=/nowhere/bus")}})
             .state();
     }
 
-    void theKeyringOfTheSessionHoldsNothingUp() {
+    void theSessionsKeyringDelaysNothing() {
         if (keyring() == u"unlocked") {
             QSKIP("this keyring answers: see the other variants");
         }
-        live({});
+        runOnce({});
     }
 
-    void aFaultySecretServiceHoldsNothingUp_data() {
+    void aFaultySecretServiceDelaysNothing_data() {
         QTest::addColumn<QString>("kind");
         for (const char* const kind : {"silent", "dying", "dismissing"}) {
             QTest::newRow(kind) << QString::fromLatin1(kind);
         }
     }
-    void aFaultySecretServiceHoldsNothingUp() {
+    void aFaultySecretServiceDelaysNothing() {
         QFETCH(QString, kind);
         if (keyring() != u"none") {
             QSKIP("a real keyring has the name: see the variant without one");
         }
         FaultySecretService secrets(kind);
-        live({});
+        runOnce({});
         QCOMPARE(secrets.isOver(), kind == u"dying");
-        QCOMPARE(secrets.words().contains("dismissed\n"), kind == u"dismissing");
+        QCOMPARE(secrets.output().contains("dismissed\n"), kind == u"dismissing");
     }
 
-    void aBusThatDoesNotAnswerHoldsNothingUp_data() {
+    void aBusThatDoesNotAnswerDelaysNothing_data() {
         QTest::addColumn<QString>("variable");
         QTest::addColumn<std::optional<StubBus::Kind>>("kind");
         using Kind = StubBus::Kind;
@@ -169,7 +169,7 @@ private Q_SLOTS:
             QTest::addRow("system bus: %s", name) << kSystem << kind;
         }
     }
-    void aBusThatDoesNotAnswerHoldsNothingUp() {
+    void aBusThatDoesNotAnswerDelaysNothing() {
         QFETCH(QString, variable);
         QFETCH(std::optional<StubBus::Kind>, kind);
         if (keyring() != u"none") {
@@ -179,17 +179,18 @@ private Q_SLOTS:
         if (kind) {
             bus.emplace(*kind);
         }
-        live({{variable, bus ? bus->address() : QStringLiteral("unix:path=/nowhere/bus")}});
+        runOnce({{variable, bus ? bus->address() : QStringLiteral("unix:path=/nowhere/bus")}});
     }
 
-    void withoutAWordOnBusesItRunsToo() {
+    void withoutBusAddressesItRuns() {
         if (keyring() != u"none") {
             QSKIP("buses are tried where there is no secret to be found");
         }
-        live({{kSession, {}}, {kSystem, {}}, {QStringLiteral("XDG_RUNTIME_DIR"), m_folder.path()}});
+        runOnce(
+            {{kSession, {}}, {kSystem, {}}, {QStringLiteral("XDG_RUNTIME_DIR"), m_folder.path()}});
     }
 
-    void aSecondStartAndAQuestionGetThroughWithoutABus() {
+    void aSecondStartAndQuitWorkWithoutABus() {
         if (keyring() != u"none") {
             QSKIP("buses are tried where there is no secret to be found");
         }
@@ -208,7 +209,7 @@ private Q_SLOTS:
         qputenv("DBUS_SESSION_BUS_ADDRESS", before);
         QCOMPARE(second, 0);
         QVERIFY(isOver);
-        QCOMPARE(quit.exitCode(), 1); // the product itself does not run
+        QCOMPARE(quit.exitCode(), 1); // brimlet itself does not run
         QVERIFY2(taken < 2 * kStart, QByteArray::number(taken).constData());
         QTRY_VERIFY_WITH_TIMEOUT(program.state().value(QStringLiteral("isMenuOpen")).toBool(),
                                  kPatience);
@@ -218,7 +219,7 @@ private Q_SLOTS:
         if (keyring() != u"unlocked") {
             QSKIP("there is no keyring that keeps it");
         }
-        const PlacementProcess stranger;
+        const PlacementProcess other;
         const auto everywhere = [](const QJsonObject& change) {
             QJsonObject endpoints;
             for (const char* const path :
@@ -234,13 +235,13 @@ private Q_SLOTS:
             (void)program.ask("agree");
             QTRY_VERIFY_WITH_TIMEOUT(
                 program.statusLine().startsWith(QStringLiteral("Ads on. This week")), kPatience);
-            const QJsonObject toStranger{
+            const QJsonObject toOther{
                 {QStringLiteral("status"), 302},
                 {QStringLiteral("headers"),
-                 QJsonObject{{QStringLiteral("Location"),
-                              stranger.root() + QStringLiteral("/api/host/me")}}}};
+                 QJsonObject{
+                     {QStringLiteral("Location"), other.root() + QStringLiteral("/api/host/me")}}}};
             for (const QJsonObject& change :
-                 {toStranger, QJsonObject{{QStringLiteral("status"), 401}},
+                 {toOther, QJsonObject{{QStringLiteral("status"), 401}},
                   QJsonObject{{QStringLiteral("fault"), QStringLiteral("cut")}},
                   QJsonObject{{QStringLiteral("fault"), QStringLiteral("garbage")}}}) {
                 const qsizetype before = m_service.requests().size();
@@ -253,7 +254,7 @@ private Q_SLOTS:
             QCOMPARE(program.complaints(), QByteArray());
             program.kill();
         }
-        QVERIFY(stranger.requests().isEmpty());
+        QVERIFY(other.requests().isEmpty());
         m_service.setScenario({{QStringLiteral("tokens"), QJsonArray{m_canary}}});
         SimulatorProcess program(machine(kSpeed));
         QCOMPARE(program.state().value(QStringLiteral("hasToken")).toBool(), true);

@@ -17,19 +17,19 @@ using namespace brimlet;
 namespace {
 
 constexpr int kPatience = 20'000;
-/// A poll every 50 milliseconds, a heartbeat by the clock every 15 seconds.
+/// Polls are 50 milliseconds apart, timed heartbeats 15 seconds.
 constexpr int kSpeed = 60;
 constexpr qint64 kSpacing = 3000 / kSpeed;
 const QString kToken = QStringLiteral("demo-host-token");
 const QString kHeartbeat = QStringLiteral("POST /api/host/heartbeat");
 const QString kEstimate = QStringLiteral("GET /api/host/me");
 
-/// Sets a program's wall clock, from outside and while it runs.
+/// Changes the wall clock of a running program, with libfaketime.
 class WallClock final {
 public:
     WallClock() { jumpTo("+0"); }
 
-    /// Empty when it cannot be done here.
+    /// Empty where libfaketime is not installed.
     [[nodiscard]] static QString library() {
         for (const QString& folder : QDir(QStringLiteral("/usr/lib")).entryList(QDir::Dirs)) {
             const QString path =
@@ -46,7 +46,7 @@ public:
                 {QStringLiteral("FAKETIME_DONT_FAKE_MONOTONIC"), QStringLiteral("1")},
                 {QStringLiteral("FAKETIME_NO_CACHE"), QStringLiteral("1")}};
     }
-    /// From the real time, e.g. "+400d" or "-10d".
+    /// Sets the offset from the real time, e.g. "+400d" or "-10d".
     void jumpTo(const char* offset) const {
         QSaveFile saved(file());
         if (!saved.open(QIODevice::WriteOnly) || saved.write(offset) < 0 || !saved.commit()) {
@@ -64,7 +64,7 @@ qint64 now() {
     return QDateTime::currentMSecsSinceEpoch();
 }
 
-/// When requests of that kind arrived at the service after a moment.
+/// The arrival times of requests of that kind after a moment, in milliseconds.
 std::vector<qint64> arrivals(const PlacementProcess& service, const QString& line, qint64 after) {
     std::vector<qint64> times;
     const QJsonArray requests = service.requests();
@@ -91,12 +91,12 @@ std::size_t mostInHalfASecond(const std::vector<qint64>& times) {
     return most;
 }
 
-/// What fits into half a second, and two that were under way or late.
+/// The polls of half a second, and two that were under way or late.
 constexpr std::size_t kMostInHalfASecond = 500 / kSpacing + 1 + 2;
 
 } // namespace
 
-/// Case 5, a long sleep, and case 7, a wall clock that jumps, for the whole program.
+/// Case 5, a long sleep, and case 7, jumps of the wall clock, for the whole program.
 class TestTime final : public QObject {
     Q_OBJECT
 
@@ -110,10 +110,10 @@ class TestTime final : public QObject {
                 {QStringLiteral("secretStore"), QStringLiteral("memory")},
                 {QStringLiteral("speed"), kSpeed}};
     }
-    /// The start is over, and the token has been tried.
-    void join(SimulatorProcess& program) const {
+    /// Saves the token once the program has started, and waits for the heartbeat.
+    void saveToken(SimulatorProcess& program) const {
         const qsizetype before = count(kHeartbeat);
-        // A first reply that finds a token sends a heartbeat, too.
+        // A first reply with a token would send another heartbeat.
         QTRY_VERIFY_WITH_TIMEOUT(program.statusLine().startsWith(QStringLiteral("Ads on. Add")),
                                  kPatience);
         (void)program.ask("save-token " + kToken.toUtf8());
@@ -122,8 +122,7 @@ class TestTime final : public QObject {
     [[nodiscard]] qsizetype count(const QString& line) const {
         return m_service.requestLines().count(line);
     }
-    /// Polls go on at their pace: within a second of those that follow there are neither many more
-    /// nor many less than there should be.
+    /// Checks that about as many polls arrive within the next second as are due.
     void comparePace(const QString& line = kEstimate) {
         constexpr qint64 kWatched = 1000;
         const qint64 from = now();
@@ -132,7 +131,7 @@ class TestTime final : public QObject {
         times.erase(std::remove_if(times.begin(), times.end(),
                                    [&](qint64 time) { return time > from + kWatched; }),
                     times.end());
-        // A machine that is busy with other things makes it less, never more.
+        // A busy machine delays polls; it never adds any.
         constexpr auto kExpected = static_cast<std::size_t>(kWatched / kSpacing);
         QVERIFY2(times.size() <= kExpected + 2, QByteArray::number(times.size()).constData());
         QVERIFY2(times.size() >= kExpected / 2, QByteArray::number(times.size()).constData());
@@ -154,7 +153,7 @@ private Q_SLOTS:
             QSKIP("needs libfaketime, and no sanitizer beside it");
         }
         const WallClock clock;
-        // Where requests end up while the network is not back.
+        // Receives the requests while the network is away.
         const PlacementProcess away;
         away.setScenario({{QStringLiteral("endpoints"),
                            QJsonObject{{QStringLiteral("/api/host/me"),
@@ -164,7 +163,7 @@ private Q_SLOTS:
         SimulatorProcess program(machine(),
                                  isClockSet ? clock.environment() : EnvironmentChanges());
         const qsizetype before = count(kHeartbeat);
-        join(program);
+        saveToken(program);
         program.edit({{QStringLiteral("screensAsleep"), true}});
         QTRY_COMPARE_WITH_TIMEOUT(count(kHeartbeat), before + 2, kPatience);
         program.freeze();
@@ -176,7 +175,7 @@ private Q_SLOTS:
         QTest::qWait(2000);
         const qint64 wake = now();
         program.thaw();
-        // Ten seconds of the simulated machine are shorter than any patience, so it is a second.
+        // Ten seconds of simulated time would be too short to check, so it is a second.
         if (isReached) {
             QTRY_VERIFY_WITH_TIMEOUT(!arrivals(away, kEstimate, wake + 1000).empty(), kPatience);
             QCOMPARE(away.requestLines().count(kHeartbeat), 1);
@@ -212,7 +211,7 @@ private Q_SLOTS:
             return program.state().value(QStringLiteral("isPaused")).toBool();
         };
         const qsizetype before = count(kHeartbeat);
-        join(program);
+        saveToken(program);
         (void)program.ask("pause");
         QTRY_COMPARE_WITH_TIMEOUT(count(kHeartbeat), before + 2, kPatience);
         QVERIFY(isPaused());
@@ -226,7 +225,7 @@ private Q_SLOTS:
         QCOMPARE(isPaused(), isPausedThen);
         QTRY_COMPARE_WITH_TIMEOUT(program.isPanelShown(), !isPausedThen, kPatience);
         if (isPausedThen) {
-            clock.jumpTo("+400d"); // its end is still known
+            clock.jumpTo("+400d"); // after the pause's end
             QTRY_VERIFY_WITH_TIMEOUT(!isPaused(), kPatience);
             QTRY_VERIFY_WITH_TIMEOUT(program.isPanelShown(), kPatience);
         }

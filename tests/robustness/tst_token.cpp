@@ -14,7 +14,7 @@ QByteArray redirect(int status, const QString& location) {
     return rawReply(status, {}, "Location: " + location.toUtf8() + "\r\n");
 }
 
-/// A certificate for 127.0.0.1 that signs itself, and its key.
+/// The options for a self-signed certificate for 127.0.0.1 and its key.
 QStringList ownIdentity(const QTemporaryDir& folder) {
     const QString certificate = folder.filePath(QStringLiteral("cert.pem"));
     const QString key = folder.filePath(QStringLiteral("key.pem"));
@@ -32,7 +32,7 @@ QStringList ownIdentity(const QTemporaryDir& folder) {
 
 } // namespace
 
-/// Where the token goes, and where it does not.
+/// Which requests carry the token.
 class TestToken final : public QObject {
     Q_OBJECT
 
@@ -41,7 +41,7 @@ class TestToken final : public QObject {
 private Q_SLOTS:
     void initTestCase() {
         m_watched = std::make_unique<WatchedProgram>();
-        m_watched->stranger().follow(
+        m_watched->otherServer().follow(
             {{QStringLiteral("answers"),
               QJsonObject{{QString(), QJsonArray{reply(404, "nothing here")}}}}});
         begin(*m_watched);
@@ -50,7 +50,7 @@ private Q_SLOTS:
 
     void aRedirectSurvives_data() {
         QTest::addColumn<Fault>("fault");
-        const QString stranger = m_watched->stranger().root();
+        const QString other = m_watched->otherServer().root();
         const QString own = m_watched->service().root();
         const auto addRow = [](const QString& name, int status, const QString& to) {
             QTest::newRow(qPrintable(name)) << Fault{
@@ -58,19 +58,19 @@ private Q_SLOTS:
         };
         for (const int status : {301, 302, 303, 307, 308}) {
             addRow(QStringLiteral("15: %1 to another port").arg(status), status,
-                   stranger + QStringLiteral("/take"));
+                   other + QStringLiteral("/take"));
         }
         addRow(QStringLiteral("15: to another host on the same port"), 302,
                QString(own).replace(u"127.0.0.1"_qs, u"localhost"_qs) + QStringLiteral("/x"));
         addRow(QStringLiteral("15: to another scheme"), 302,
                QString(own).replace(u"http:"_qs, u"https:"_qs) + QStringLiteral("/x"));
         addRow(QStringLiteral("15: to a file"), 302, QStringLiteral("file:///etc/passwd"));
-        addRow(QStringLiteral("15: to an address with another's name before it"), 302,
-               QString(stranger).replace(u"http://"_qs, u"http://127.0.0.1@"_qs));
-        addRow(QStringLiteral("15: to where only the slashes lead"), 302,
-               stranger.mid(5) + QStringLiteral("/take"));
-        addRow(QStringLiteral("15: to nowhere"), 302, QStringLiteral("//["));
-        addRow(QStringLiteral("15: to itself for ever"), 302, QStringLiteral("/api/host/me"));
+        addRow(QStringLiteral("15: to another server with the own host as its user name"), 302,
+               QString(other).replace(u"http://"_qs, u"http://127.0.0.1@"_qs));
+        addRow(QStringLiteral("15: to another server by a URL without a scheme"), 302,
+               other.mid(5) + QStringLiteral("/take"));
+        addRow(QStringLiteral("15: to an invalid address"), 302, QStringLiteral("//["));
+        addRow(QStringLiteral("15: to itself without end"), 302, QStringLiteral("/api/host/me"));
         QTest::newRow("15: without an address")
             << Fault{WatchedProgram::everywhere({reply(302, {})}), Outcome::Rejected};
     }
@@ -79,13 +79,13 @@ private Q_SLOTS:
         survive(*m_watched, fault);
     }
 
-    // 15
-    void upToThreeHopsAreFollowedAtHome_data() {
+    // Case 15
+    void upToThreeHopsWithinTheServiceAreFollowed_data() {
         QTest::addColumn<int>("hops");
-        QTest::newRow("15: three hops at home") << 3;
-        QTest::newRow("15: four hops at home") << 4;
+        QTest::newRow("15: three hops within the service") << 3;
+        QTest::newRow("15: four hops within the service") << 4;
     }
-    void upToThreeHopsAreFollowedAtHome() {
+    void upToThreeHopsWithinTheServiceAreFollowed() {
         QFETCH(int, hops);
         QJsonObject script = WatchedProgram::everywhere(
             {send(redirect(307, QStringLiteral("/hop%1").arg(hops - 1)))});
@@ -99,10 +99,10 @@ private Q_SLOTS:
         survive(*m_watched, {script, hops <= 3 ? Outcome::Applied : Outcome::Rejected});
     }
 
-    // 15, 16
-    void onlyAuthorisedRequestsAtHomeCarryTheToken() {
-        QVERIFY(m_watched->stranger().received().contains("GET /take"));
-        QVERIFY(!m_watched->stranger().received().contains("Authorization"));
+    // Cases 15 and 16
+    void onlyAuthorisedRequestsToTheServiceCarryTheToken() {
+        QVERIFY(m_watched->otherServer().received().contains("GET /take"));
+        QVERIFY(!m_watched->otherServer().received().contains("Authorization"));
         qsizetype pictures = 0;
         for (const RawRequest& request : m_watched->service().requests()) {
             const QByteArray target = request.target();
@@ -135,24 +135,24 @@ private Q_SLOTS:
                                          "\r\nAuthorization: Bearer " + token + "\r\n"),
                                      kPatience);
         } else {
-            QVERIFY(m_watched->comesToSay(statusOf(Outcome::TransferFailed)));
+            QVERIFY(m_watched->reaches(statusOf(Outcome::TransferFailed)));
         }
         const QByteArray received = m_watched->service().received().mid(start);
         QVERIFY(isSent || !received.contains("X-Evil"));
         QVERIFY(isSent || !received.contains(token));
         m_watched->askAll();
-        QVERIFY(m_watched->comesToSay(WatchedProgram::goodStatus()));
+        QVERIFY(m_watched->reaches(WatchedProgram::goodStatus()));
         QTRY_COMPARE_WITH_TIMEOUT(m_watched->complaint(), QString(), kPatience);
     }
 
     void anOddRootSurvives_data() {
         QTest::addColumn<Fault>("fault");
         const QString own = m_watched->service().root();
-        const QJsonObject nowhere{
+        const QJsonObject notFound{
             {QStringLiteral("answers"), QJsonObject{{QString(), QJsonArray{reply(404, {})}}}}};
         const auto addRow = [&](const char* name, const QString& root,
                                 Outcome outcome = Outcome::TransferFailed) {
-            QTest::newRow(name) << Fault{nowhere, outcome, root};
+            QTest::newRow(name) << Fault{notFound, outcome, root};
         };
         addRow("19: a port beyond all ports", QStringLiteral("http://127.0.0.1:65536"));
         addRow("19: a port far beyond", QStringLiteral("http://127.0.0.1:99999999999999999999"));
@@ -173,15 +173,15 @@ private Q_SLOTS:
         survive(*m_watched, fault);
     }
 
-    // 19
+    // Case 19
     void aRootIsJoinedToThePathAsItIs() {
         const QByteArray received = m_watched->service().received();
         QVERIFY(received.contains("GET //api/display HTTP/1.1"));
         QVERIFY(!received.contains("Authorization: Basic"));
     }
 
-    // 20
-    void aServiceThatProvesNothingIsToldNothing() {
+    // Case 20
+    void aSelfSignedServiceReceivesNothing() {
         const QTemporaryDir folder;
         FaultServerProcess impostor(ownIdentity(folder));
         QVERIFY(impostor.root().startsWith(u"https://"_qs));
@@ -190,8 +190,8 @@ private Q_SLOTS:
         QCOMPARE(impostor.received(), QByteArray());
     }
 
-    // 20
-    void plainHttpOnATlsPortIsToldNothing() {
+    // Case 20
+    void plainHttpOnATlsPortReceivesNoRequest() {
         FaultServerProcess plain;
         plain.follow({{QStringLiteral("greeting"), QJsonArray{reply(400, "speak plainly")}}});
         survive(*m_watched, {{},

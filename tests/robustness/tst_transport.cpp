@@ -12,7 +12,7 @@ constexpr int kPatience = 20'000; // milliseconds
 
 const QByteArray kHead = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n";
 
-/// 512 MiB of nothing, in half a mebibyte.
+/// 512 MiB of zeros, compressed to half a mebibyte.
 QByteArray bomb() {
     QProcess gzip;
     gzip.start(QStringLiteral("sh"),
@@ -23,7 +23,7 @@ QByteArray bomb() {
 
 } // namespace
 
-/// Hangs, drips, floods and cuts, on the connections of the program itself.
+/// Connections that hang, drip, flood and break.
 class TestTransport final : public QObject {
     Q_OBJECT
 
@@ -51,12 +51,12 @@ private Q_SLOTS:
         addRow("1: a head dripped byte by byte", {drip(kHead + length + "\r\n", 50, true)});
         addRow("1: a body dripped byte by byte",
                {send(kHead + "Content-Length: 100000\r\n\r\n"), drip(" ", 50, true)});
-        addRow("1: one header line after the other", {send(kHead), drip("X: y\r\n", 10, true)});
+        addRow("1: endless header lines, slowly", {send(kHead), drip("X: y\r\n", 10, true)});
         addRow("1: 100 Continue without end", {drip("HTTP/1.1 100 Continue\r\n\r\n", 5, true)});
 
         addRow("2: a body without end", {send(kHead + "\r\n"), flood(QByteArray(65536, ' '))});
         addRow(
-            "2: a body as long as was promised, which is far too long",
+            "2: a body of the announced length, which is far too long",
             {send(kHead + "Content-Length: 1099511627776\r\n\r\n"), flood(QByteArray(65536, ' '))});
         addRow("2: a head without end", {send(kHead), flood("X-Padding: pppppppppppppppp\r\n")});
         addRow("2: a header line without end",
@@ -75,9 +75,9 @@ private Q_SLOTS:
                Outcome::Applied);
         addRow("2: a body one byte longer", {reply(200, whole.leftJustified(most + 1, ' '))});
 
-        QTest::newRow("3: nobody listens")
+        QTest::newRow("3: nothing listens")
             << Fault{{}, Outcome::TransferFailed, QStringLiteral("http://127.0.0.1:1")};
-        QTest::newRow("3: no way there")
+        QTest::newRow("3: no route")
             << Fault{{}, Outcome::TransferFailed, QStringLiteral("http://255.255.255.255")};
         QTest::newRow("3: closed on accepting")
             << Fault{{{QStringLiteral("greeting"), QJsonArray{cut()}}}};
@@ -88,7 +88,7 @@ private Q_SLOTS:
         addRow("3: closed in the head", {send(kHead), cut()});
         addRow("3: closed in the body", {send(kHead + length + "\r\n" + whole.chopped(1)), cut()});
         addRow("3: reset in the body", {send(kHead + length + "\r\n" + whole.chopped(1)), reset()});
-        addRow("3: a body of chunks that ends without the last",
+        addRow("3: chunks without the last one",
                {send(kHead + "Transfer-Encoding: chunked\r\n\r\n" +
                      QByteArray::number(whole.size(), 16) + "\r\n" + whole + "\r\n"),
                 cut()});
@@ -102,24 +102,23 @@ private Q_SLOTS:
         survive(*m_watched, fault);
     }
 
-    // 1
-    void silenceIsWaitedForSixtySeconds() {
+    // Case 1
+    void aSilentServiceTimesOutAfterSixtySeconds() {
         constexpr int kMinute = 60'000 / WatchedProgram::kSpeed;
         WatchedProgram& watched = *m_watched;
         watched.follow(WatchedProgram::everywhere({}));
         QElapsedTimer since;
         since.start();
         watched.askAll();
-        QVERIFY(
-            watched.comesToSay(QStringLiteral("Could not load the live placement. Will retry.")));
+        QVERIFY(watched.reaches(QStringLiteral("Could not load the live placement. Will retry.")));
         QVERIFY2(since.elapsed() >= kMinute, qPrintable(QString::number(since.elapsed())));
         QVERIFY2(since.elapsed() <= 2 * kMinute, qPrintable(QString::number(since.elapsed())));
         watched.behave();
-        QVERIFY(watched.comesToSay(WatchedProgram::goodStatus()));
+        QVERIFY(watched.reaches(WatchedProgram::goodStatus()));
     }
 
-    // 4
-    void droppedPacketsHoldUpABoundedNumberOfRequests() {
+    // Case 4
+    void droppedPacketsDelayABoundedNumberOfRequests() {
         constexpr int kTwoMinutes = 120'000 / WatchedProgram::kSpeed;
         constexpr int kMostOutstanding = 60 / 3;
         WatchedProgram& watched = *m_watched;
@@ -131,16 +130,16 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(
             (most = std::max(most, watched.connections()), since.hasExpired(kTwoMinutes)),
             kPatience);
-        // Besides those of the polls, connections that are kept for later.
+        // And up to five that were kept from before.
         QVERIFY2(most <= kMostOutstanding + 5, qPrintable(QString::number(most)));
         QVERIFY2(most >= kMostOutstanding / 2, qPrintable(QString::number(most)));
         QCOMPARE(watched.content(), before);
         watched.service().resume();
-        // The next tick brings what is new.
+        // The next tick succeeds.
         watched.follow(WatchedProgram::everywhere({faults::reply(200, watched.otherBody())}));
-        QVERIFY(watched.comesToSay(WatchedProgram::otherStatus()));
+        QVERIFY(watched.reaches(WatchedProgram::otherStatus()));
         watched.behave();
-        QVERIFY(watched.comesToSay(WatchedProgram::goodStatus()));
+        QVERIFY(watched.reaches(WatchedProgram::goodStatus()));
         QTRY_COMPARE_WITH_TIMEOUT(watched.complaint(), QString(), kPatience);
     }
 };

@@ -14,18 +14,18 @@ namespace brimlet {
 namespace {
 
 constexpr qint64 kMebibyte = qint64{1024} * 1024;
-/// What may be in use above the measure at the worst moment, and afterwards.
+/// The most memory above the recorded use at the peak, and afterwards.
 constexpr qint64 kPeak = 80 * kMebibyte;
 constexpr qint64 kAfterwards = 8 * kMebibyte;
 /// Connections kept for the next requests, and one for a request under way.
 constexpr qsizetype kConnections = 5;
 
-/// What every request of the program's own has in its first line.
+/// A part of the first line of every request to the API.
 const char* const kApi = "/api/";
 const QStringList kEndpoints{QStringLiteral("/api/display"), QStringLiteral("/api/host/heartbeat"),
                              QStringLiteral("/api/host/me"), QStringLiteral("/api/host/agree")};
 
-/// Every text the status line may ever show.
+/// Every possible text of the status line.
 const QRegularExpression& statusTexts() {
     static const QRegularExpression texts(QRegularExpression::anchoredPattern(QStringLiteral(
         "Loading the live placement…|Paused 24h\\. You may drop out of this week's split\\.|"
@@ -124,7 +124,7 @@ void WatchedProgram::askAll() {
     (void)m_program.ask("save-token " + token());
 }
 
-bool WatchedProgram::comesToSay(const QString& status) {
+bool WatchedProgram::reaches(const QString& status) {
     constexpr int kPatience = 20'000; // milliseconds
     QString said;
     const bool isSaid = QTest::qWaitFor(
@@ -174,7 +174,7 @@ QStringList WatchedProgram::windows() const {
     return titles;
 }
 
-void WatchedProgram::takeMeasure() {
+void WatchedProgram::recordUse() {
     m_before = use();
     m_windows = windows();
     forgetPeakMemory();
@@ -236,8 +236,8 @@ QString WatchedProgram::complaint() {
 }
 
 QString WatchedProgram::leak() const {
-    if (m_stranger.received().contains(token())) {
-        return QStringLiteral("a stranger was told the token");
+    if (m_otherServer.received().contains(token())) {
+        return QStringLiteral("the other server received the token");
     }
     QByteArrayList lines = m_service.received().split('\n');
     lines.removeIf(

@@ -8,59 +8,59 @@
 
 namespace brimlet {
 
-/// The whole program on a hurried machine, between a service that misbehaves as it is told and a
-/// stranger's server that nobody should tell a secret; and what must hold whatever happened.
+/// The whole program at `kSpeed` times its speed, between a service that follows a script of faults
+/// and a second server that must never receive the token; checks what holds after any fault.
 class WatchedProgram final {
 public:
-    /// Polls are a tenth of a second apart, and a request has two seconds.
-    static constexpr int kSpeed = 30;
+    /// Polls are 50 milliseconds apart, and a request times out after a second.
+    static constexpr int kSpeed = 60;
     static constexpr int kPollMilliseconds = 3000 / kSpeed;
 
-    /// The service behaves, and the token is being tried.
+    /// The service gives good replies, and the program sends a heartbeat with the token.
     WatchedProgram();
 
     [[nodiscard]] FaultServerProcess& service() { return m_service; }
-    [[nodiscard]] FaultServerProcess& stranger() { return m_stranger; }
+    [[nodiscard]] FaultServerProcess& otherServer() { return m_otherServer; }
     [[nodiscard]] SimulatorProcess& program() { return m_program; }
 
-    /// The token; found anywhere but where it belongs, it has leaked.
+    /// The token, a text that occurs nowhere else.
     [[nodiscard]] static QByteArray token();
-    /// A good body of any endpoint, with pictures at the service's own address, and what the status
-    /// line says of it.
+    /// A good body for any endpoint, with pictures at the service's own address, and the status
+    /// line that it leads to.
     [[nodiscard]] QByteArray goodBody() const;
     [[nodiscard]] static QString goodStatus();
-    /// Another one, which tells whether it was applied.
+    /// Another one, to see whether it was applied.
     [[nodiscard]] QByteArray otherBody() const;
     [[nodiscard]] static QString otherStatus();
 
-    /// A script with which every endpoint's requests meet these steps. The pictures stay good.
+    /// A script with these steps for every endpoint. Pictures are answered as usual.
     [[nodiscard]] static QJsonObject everywhere(const QJsonArray& steps);
     void follow(const QJsonObject& script);
-    /// From now on requests go to this root.
+    /// Changes the service root in the machine file.
     void moveTo(const QString& root);
-    /// From now on every endpoint gives good replies, and requests go to the service.
+    /// Good replies from every endpoint, and the service's own root, from now on.
     void behave();
 
-    /// Has the program ask for the display and then send a heartbeat, beside its polls.
+    /// Makes the program request the display and then send a heartbeat, besides its polls.
     void askAll();
-    /// Waits until the status line says this. Looks once each time: while a display reply and one
-    /// to the host follow each other, it says now this, now that.
-    [[nodiscard]] bool comesToSay(const QString& status);
-    /// Requests to the service since it began to follow the script that it follows now.
+    /// Waits for this status line. Reads it only once per check, since it alternates while replies
+    /// of different endpoints arrive in turn.
+    [[nodiscard]] bool reaches(const QString& status);
+    /// Requests to the service since the last `follow`.
     [[nodiscard]] qsizetype requests() const;
 
-    /// The figures, the slots and the panel's place, in words that differ when they do.
+    /// The figures, the slots and the panel's place, as a text to compare.
     [[nodiscard]] QString content();
 
-    /// What does not hold although the service behaves again: alive, no window besides the usual
-    /// ones, one of the system's status texts, memory, threads and descriptors as before, nothing
-    /// printed, the token only where it belongs. Empty when all holds.
+    /// The first violation of: the program answers, has no further window, shows one of its status
+    /// texts, has printed nothing, uses memory, threads and descriptors as before, and has sent the
+    /// token only in its header and stored it nowhere. Empty when all of this holds.
     [[nodiscard]] QString complaint();
-    /// Takes what the program uses now as the measure for `complaint`.
-    void takeMeasure();
-    /// What was in use at the worst moment counts from now on.
+    /// Records the present resource use, which `complaint` compares with.
+    void recordUse();
+    /// Restarts the measurement of the peak memory.
     void forgetPeakMemory();
-    /// Open connections more than when the measure was taken, local ones included.
+    /// Open connections more than at `recordUse`, local ones included.
     [[nodiscard]] qsizetype connections() const;
 
 private:
@@ -75,7 +75,7 @@ private:
     [[nodiscard]] QString leak() const;
 
     FaultServerProcess m_service;
-    FaultServerProcess m_stranger;
+    FaultServerProcess m_otherServer;
     SimulatorProcess m_program;
     XServer m_x;
     Use m_before;

@@ -30,7 +30,7 @@ void keepTokenInKeyring() {
     }
 }
 
-/// A host that has signed and has earned something.
+/// Figures of a host that has signed and has earned something.
 QJsonObject scenario() {
     const QJsonObject change{
         {QStringLiteral("merge"),
@@ -40,21 +40,22 @@ QJsonObject scenario() {
                          {QStringLiteral("/api/host/heartbeat"), change}}}};
 }
 
-/// A tick that a busy machine is late for is not made up, and a request that the service is late
-/// for runs out of time, so nothing else is to go first.
-void putFirst(qint64 process) {
+/// Raises the process's priority, since missed ticks are not made up, and a slow service lets
+/// requests time out.
+void raisePriority(qint64 process) {
     const sched_param priority{.sched_priority = 1};
     const QDir threads(QStringLiteral("/proc/%1/task").arg(process));
-    bool isFirst = true;
+    bool isRaised = true;
     for (const QString& thread : threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        isFirst = ::sched_setscheduler(thread.toInt(), SCHED_RR, &priority) == 0 && isFirst;
+        isRaised = ::sched_setscheduler(thread.toInt(), SCHED_RR, &priority) == 0 && isRaised;
     }
-    if (!isFirst) {
-        say(QStringLiteral("no program can be put before others: a busy machine misses ticks"));
+    if (!isRaised) {
+        printProgress(
+            QStringLiteral("no program can be put before others: a busy machine misses ticks"));
     }
 }
 
-/// When the first request arrived, which leaves as the timers start.
+/// The arrival of the first request, which is sent when the timers start.
 qint64 startOf(const PlacementProcess& service) {
     constexpr int kTries = 200;
     for (int tries = 0; tries < kTries; ++tries) {
@@ -78,34 +79,34 @@ void soakADay(const DaySettings& settings, Report& report) {
                                QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}},
                               {QStringLiteral("secretStore"), QStringLiteral("system")},
                               {QStringLiteral("speed"), settings.speed}});
-    putFirst(service.pid());
-    putFirst(program.pid());
-    const Stretch stretch{startOf(service), qRound64(settings.hours * kHour / settings.speed),
-                          settings.speed};
+    raisePriority(service.pid());
+    raisePriority(program.pid());
+    const Span span{startOf(service), qRound64(settings.hours * kHour / settings.speed),
+                    settings.speed};
     if (!program.state().value(QStringLiteral("hasToken")).toBool()) {
         throw Failure("the program does not find the token");
     }
 
-    const qint64 warmUp = std::min(kHour / settings.speed, stretch.length / 4);
-    const qint64 interval = std::min(30 * kSecond, (stretch.length - warmUp) / 4);
+    const qint64 warmUp = std::min(kHour / settings.speed, span.length / 4);
+    const qint64 interval = std::min(30 * kSecond, (span.length - warmUp) / 4);
     UseWatch use(program.pid());
-    for (qint64 passed = warmUp; passed <= stretch.length; passed += interval) {
-        sleepUntil(stretch.start + passed);
+    for (qint64 passed = warmUp; passed <= span.length; passed += interval) {
+        sleepUntil(span.start + passed);
         use.sample();
-        say(QStringLiteral("%1 of %2 s: %3")
-                .arg(passed / kSecond)
-                .arg(stretch.length / kSecond)
-                .arg(use.words()));
+        printProgress(QStringLiteral("%1 of %2 s: %3")
+                          .arg(passed / kSecond)
+                          .arg(span.length / kSecond)
+                          .arg(use.description()));
     }
-    // Late enough for what is under way.
-    sleepUntil(stretch.start + stretch.length + kSecond);
+    // Until the last requests have arrived.
+    sleepUntil(span.start + span.length + kSecond);
     use.sample();
 
     report.begin(
         QStringLiteral("%1 hours, %2 times as fast").arg(settings.hours).arg(settings.speed));
-    judgeRequests(report, timesOf(service.requests()), stretch, settings.isShort);
+    judgeRequests(report, timesOf(service.requests()), span, settings.isShort);
     use.judge(report, settings.isShort);
-    judgeWords(report, program, QStringLiteral("Ads on. This week ~€12.34 estimate."));
+    judgeOutput(report, program, QStringLiteral("Ads on. This week ~€12.34 estimate."));
 }
 
 } // namespace brimlet

@@ -5,13 +5,13 @@
 namespace brimlet {
 
 struct DaySettings final {
-    double hours = 24; ///< As the program counts them.
-    int speed = 60;    ///< A divisor of 3000, so that no interval loses a part of a millisecond.
+    double hours = 24; ///< Of the program's time.
+    int speed = 60;    ///< A divisor of 3000, so that intervals are whole milliseconds.
     bool isShort = false;
 };
 
-/// The program beside the placement service, with a token in its keyring, left alone: counts its
-/// requests and watches what it uses. Needs a desktop session with a keyring. Throws a `Failure`.
+/// Runs the program with the placement service and a token in its keyring; counts its requests and
+/// records its resource use. Needs a desktop session with a keyring. Throws a `Failure`.
 void soakADay(const DaySettings& settings, Report& report);
 
 } // namespace brimlet

@@ -16,19 +16,19 @@ namespace brimlet {
 namespace {
 
 constexpr qint64 kSecond = 1'000; // milliseconds
-/// Rare faults, and many requests at once, take memory for the first time for that long.
+/// Replies until no rare fault or burst of requests allocates memory for the first time.
 constexpr int kWarmUp = 20'000;
 constexpr int kWarmUpOfShortRun = 200;
-/// Good replies, until nothing that was under way before is so still.
+/// Good replies until all earlier requests have ended.
 constexpr int kGoodReplies = 100;
 constexpr double kShareOfFaults = 0.5;
 
-/// Found anywhere but where it belongs, it has leaked.
+/// A text that occurs nowhere else.
 const QByteArray kToken = "canary-Zk3wq9Xb";
-const QString kNowhere = QStringLiteral("nowhere");
-const QByteArray kBadge = "Authorization: Bearer " + kToken + "\r\n";
+const QString kNone = QStringLiteral("nowhere");
+const QByteArray kTokenHeader = "Authorization: Bearer " + kToken + "\r\n";
 
-/// Texts that fit, since ones that scroll keep a hurried program busy.
+/// The texts fit, since scrolling ones would keep a program at this speed busy.
 QByteArray placement(const QString& root) {
     const auto creative = [&root](const QString& slot) {
         return QJsonObject{{QStringLiteral("slotId"), slot},
@@ -47,7 +47,7 @@ QByteArray placement(const QString& root) {
     return QJsonDocument(body).toJson(QJsonDocument::Compact);
 }
 
-/// A program and a service that is as good as it is told.
+/// A program, and a service that gives faulty replies on demand.
 class FaultySoak final {
 public:
     explicit FaultySoak(const FaultySettings& settings)
@@ -66,7 +66,7 @@ public:
         answer(false);
         await(kGoodReplies);
         m_use.sample();
-        say(QStringLiteral("warmed up: ") + m_use.words());
+        printProgress(QStringLiteral("warmed up: ") + m_use.description());
 
         const qint64 before = asked();
         const qint64 start = realTime();
@@ -82,11 +82,11 @@ public:
                          .arg(m_settings.seed)
                          .arg(m_settings.speed));
         report.expectAtLeast(QStringLiteral("replies asked for"), m_settings.replies, replies);
-        report.tell(QStringLiteral("a second"), replies / seconds);
-        tellRequests(report);
+        report.add(QStringLiteral("a second"), replies / seconds);
+        reportRequests(report);
         m_use.judge(report, m_settings.isShort);
-        judgeWords(report, m_program, QStringLiteral("Ads on. This week ~€12.34 estimate."));
-        report.expect(QStringLiteral("where the token is besides its header"), kNowhere, leaks());
+        judgeOutput(report, m_program, QStringLiteral("Ads on. This week ~€12.34 estimate."));
+        report.expect(QStringLiteral("where the token is besides its header"), kNone, leaks());
     }
 
 private:
@@ -97,7 +97,7 @@ private:
             faults::reply(200, pngOf(QColor(Qt::darkGreen)), "Content-Type: image/png\r\n")};
         QJsonObject answers{{QStringLiteral("/left"), image},
                             {QStringLiteral("/right"), image},
-                            // What a fault made of a picture's address.
+                            // A picture address that a fault has changed.
                             {QString(), QJsonArray{faults::reply(404, {})}}};
         for (const char* path :
              {"/api/display", "/api/host/me", "/api/host/heartbeat", "/api/host/agree"}) {
@@ -109,7 +109,7 @@ private:
                                        {QStringLiteral("share"), isFaulty ? kShareOfFaults : 0}}}});
     }
 
-    /// Requests that no timer makes: the display and a heartbeat, and the signature.
+    /// Makes the program send the requests without a timer: display, heartbeat and signature.
     void askAll() {
         if (m_program.ask("save-token " + kToken).isEmpty() || m_program.ask("agree").isEmpty()) {
             throw Failure("the program does not answer");
@@ -118,7 +118,7 @@ private:
 
     [[nodiscard]] qint64 asked() const { return m_service.received().count(" HTTP/1.1\r\n"); }
 
-    /// Until the program has asked for so many replies more.
+    /// Waits until the program has sent as many more requests.
     void await(qint64 replies) {
         constexpr int kPatience = 20;
         const qint64 first = asked();
@@ -135,12 +135,12 @@ private:
             }
             if (m_isFaulty) {
                 askAll();
-                tellProgress(count - first, replies);
+                reportProgress(count - first, replies);
             }
         }
     }
 
-    void tellRequests(Report& report) const {
+    void reportRequests(Report& report) const {
         const QByteArray received = m_service.received();
         const auto count = [&](const char* kind) {
             return received.count(kind + QByteArray(" HTTP/1.1\r\n"));
@@ -148,27 +148,28 @@ private:
         qint64 others = count("");
         for (const char* kind : {"GET /api/display", "GET /api/host/me", "POST /api/host/heartbeat",
                                  "POST /api/host/agree", "GET /left", "GET /right"}) {
-            report.tell(QString::fromLatin1(kind) + QStringLiteral(", warm-up included"),
-                        count(kind));
+            report.add(QString::fromLatin1(kind) + QStringLiteral(", warm-up included"),
+                       count(kind));
             others -= count(kind);
         }
-        report.tell(QStringLiteral("pictures at addresses that a fault changed"), others);
+        report.add(QStringLiteral("pictures at addresses that a fault changed"), others);
     }
 
-    /// How far it is, now and then.
-    void tellProgress(qint64 seen, qint64 due) {
+    /// Reports the progress every ten seconds.
+    void reportProgress(qint64 seen, qint64 due) {
         constexpr qint64 kPause = 10 * kSecond;
-        if (m_use.hasBegun() && realTime() >= m_told + kPause) {
-            m_told = realTime();
-            say(QStringLiteral("%1 of %2 replies: %3").arg(seen).arg(due).arg(m_use.words()));
+        if (m_use.hasBegun() && realTime() >= m_reported + kPause) {
+            m_reported = realTime();
+            printProgress(
+                QStringLiteral("%1 of %2 replies: %3").arg(seen).arg(due).arg(m_use.description()));
         }
     }
 
-    /// Where the token is besides the header of the requests.
+    /// The places where the token is, besides its header.
     [[nodiscard]] QString leaks() {
         QStringList places = filesHolding(QString::fromLatin1(kToken));
-        // What the service received is noted in a file outside of these folders.
-        if (m_service.received().replace(kBadge, {}).contains(kToken)) {
+        // The service's log is outside these folders.
+        if (m_service.received().replace(kTokenHeader, {}).contains(kToken)) {
             places << QStringLiteral("requests");
         }
         if (m_program.answers().contains(kToken) || m_program.complaints().contains(kToken)) {
@@ -180,7 +181,7 @@ private:
                 places << QLatin1String(name);
             }
         }
-        return places.isEmpty() ? kNowhere : places.join(u", ");
+        return places.isEmpty() ? kNone : places.join(u", ");
     }
 
     FaultySettings m_settings;
@@ -188,7 +189,7 @@ private:
     SimulatorProcess m_program;
     UseWatch m_use;
     bool m_isFaulty = false;
-    qint64 m_told = 0;
+    qint64 m_reported = 0;
 };
 
 } // namespace

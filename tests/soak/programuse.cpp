@@ -13,14 +13,14 @@ namespace {
 
 constexpr qint64 kKibibyte = 1024;
 constexpr qint64 kMebibyte = kKibibyte * 1024;
-/// More memory than after the warm-up.
+/// The most memory above that after the warm-up.
 constexpr qint64 kGrowth = kMebibyte;
 constexpr qint64 kGrowthOfShortRun = 8 * kMebibyte;
-/// Connections that may be kept or not at the moment of the sample.
+/// The most kept connections, any number of which may be open during a sample.
 constexpr qint64 kConnections = 4;
 
-/// Resident bytes that the kernel has from no file.
-qint64 ownMemory(qint64 process) {
+/// Resident bytes that do not map a file.
+qint64 anonymousMemory(qint64 process) {
     QFile status(QStringLiteral("/proc/%1/status").arg(process));
     if (status.open(QIODevice::ReadOnly)) {
         for (const QByteArray& line : status.readAll().split('\n')) {
@@ -37,7 +37,7 @@ qint64 ownMemory(qint64 process) {
 ProgramUse useOf(qint64 process) {
     ProgramUse use;
     use.memory = memoryInUse(process);
-    use.own = ownMemory(process);
+    use.anonymous = anonymousMemory(process);
     use.threads = threadCount(process);
     if (use.memory == 0) {
         throw Failure("the program has ended");
@@ -57,44 +57,44 @@ void UseWatch::sample() {
         m_warm = m_last;
         m_isWarm = true;
     }
-    m_most = {std::max(m_most.memory, m_last.memory), std::max(m_most.own, m_last.own),
+    m_most = {std::max(m_most.memory, m_last.memory), std::max(m_most.anonymous, m_last.anonymous),
               std::max(m_most.threads, m_last.threads), std::max(m_most.sockets, m_last.sockets),
               std::max(m_most.others, m_last.others)};
 }
 
-QString UseWatch::words() const {
+QString UseWatch::description() const {
     return QStringLiteral("%1 KiB (%2 its own), %3 threads, %4 sockets, %5 other descriptors")
         .arg(m_last.memory / kKibibyte)
-        .arg(m_last.own / kKibibyte)
+        .arg(m_last.anonymous / kKibibyte)
         .arg(m_last.threads)
         .arg(m_last.sockets)
         .arg(m_last.others);
 }
 
 void UseWatch::judge(Report& report, bool isShort) const {
-    report.tell(QStringLiteral("KiB of memory after the warm-up"), m_warm.memory / kKibibyte);
-    report.tell(QStringLiteral("KiB of memory, most in any sample"), m_most.memory / kKibibyte);
+    report.add(QStringLiteral("KiB of memory after the warm-up"), m_warm.memory / kKibibyte);
+    report.add(QStringLiteral("KiB of memory, most in any sample"), m_most.memory / kKibibyte);
     const QString end = QStringLiteral("KiB of memory at the end");
     if (isMemoryDistorted()) {
-        report.tell(end, m_last.memory / kKibibyte);
+        report.add(end, m_last.memory / kKibibyte);
     } else {
         report.expectAtMost(end,
                             (m_warm.memory + (isShort ? kGrowthOfShortRun : kGrowth)) / kKibibyte,
                             m_last.memory / kKibibyte);
     }
-    const QString own = QStringLiteral("of it no part of a file, ");
-    report.tell(own + QStringLiteral("after the warm-up"), m_warm.own / kKibibyte);
-    report.tell(own + QStringLiteral("at the end"), m_last.own / kKibibyte);
-    report.tell(QStringLiteral("threads, most in any sample"), m_most.threads);
+    const QString anonymous = QStringLiteral("of it no part of a file, ");
+    report.add(anonymous + QStringLiteral("after the warm-up"), m_warm.anonymous / kKibibyte);
+    report.add(anonymous + QStringLiteral("at the end"), m_last.anonymous / kKibibyte);
+    report.add(QStringLiteral("threads, most in any sample"), m_most.threads);
     report.expect(QStringLiteral("threads at the end"), m_warm.threads, m_last.threads);
-    report.tell(QStringLiteral("sockets, most in any sample"), m_most.sockets);
+    report.add(QStringLiteral("sockets, most in any sample"), m_most.sockets);
     report.expectWithin(QStringLiteral("sockets at the end"), m_warm.sockets - kConnections,
                         m_warm.sockets + kConnections, m_last.sockets);
-    report.tell(QStringLiteral("other descriptors, most in any sample"), m_most.others);
+    report.add(QStringLiteral("other descriptors, most in any sample"), m_most.others);
     report.expect(QStringLiteral("other descriptors at the end"), m_warm.others, m_last.others);
 }
 
-void judgeWords(Report& report, SimulatorProcess& program, const QString& status) {
+void judgeOutput(Report& report, SimulatorProcess& program, const QString& status) {
     report.expect(QStringLiteral("status line at the end"), status, program.statusLine());
     report.expect(QStringLiteral("bytes printed"), 0, program.complaints().size());
 }

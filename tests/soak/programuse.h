@@ -5,30 +5,30 @@
 
 namespace brimlet {
 
-/// What a program has in use.
+/// The resources that a program uses.
 struct ProgramUse final {
-    qint64 memory = 0; ///< Resident bytes.
-    qint64 own = 0;    ///< Those among them that are no parts of files, such as code.
+    qint64 memory = 0;    ///< Resident bytes.
+    qint64 anonymous = 0; ///< Those that do not map a file.
     qint64 threads = 0;
-    qint64 sockets = 0; ///< Kept connections among them.
-    qint64 others = 0;  ///< Descriptors that are no sockets.
+    qint64 sockets = 0; ///< Including kept connections.
+    qint64 others = 0;  ///< Other descriptors.
 };
 
 /// Throws a `Failure` when the process is gone.
 [[nodiscard]] ProgramUse useOf(qint64 process);
 
-/// What a program used once it had warmed up, and the most it used at any time since.
+/// A program's use of resources after its warm-up, and the maximum since.
 class UseWatch final {
 public:
     explicit UseWatch(qint64 process)
         : m_process(process) {}
 
-    /// Takes a sample; the others are judged by the first one.
+    /// Takes a sample. The first one is what the last one is compared with.
     void sample();
     [[nodiscard]] bool hasBegun() const { return m_isWarm; }
-    /// The last sample in words.
-    [[nodiscard]] QString words() const;
-    /// Judges the last sample. A short run is given more memory, since it had no time to warm up.
+    /// The last sample as a text.
+    [[nodiscard]] QString description() const;
+    /// Reports the last sample. In a short run, which has not warmed up, more memory is allowed.
     void judge(Report& report, bool isShort) const;
 
 private:
@@ -39,7 +39,7 @@ private:
     ProgramUse m_most;
 };
 
-/// Judges what it printed to standard error and says at last.
-void judgeWords(Report& report, SimulatorProcess& program, const QString& status);
+/// Reports the program's output to standard error and its status line.
+void judgeOutput(Report& report, SimulatorProcess& program, const QString& status);
 
 } // namespace brimlet

@@ -9,7 +9,7 @@
 
 namespace brimlet {
 
-void say(const QString& text) {
+void printProgress(const QString& text) {
     std::fprintf(stderr, "brimlet-soak: %s\n", qUtf8Printable(text));
 }
 

@@ -4,10 +4,10 @@
 
 namespace brimlet {
 
-/// A line on standard error, for those who wait.
-void say(const QString& text);
+/// Prints a line to standard error.
+void printProgress(const QString& text);
 
-/// Milliseconds of real time, as the service's log has them.
+/// The wall clock in milliseconds since 1970, as in the service's log.
 [[nodiscard]] qint64 realTime();
 void sleepUntil(qint64 time);
 

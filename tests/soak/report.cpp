@@ -23,7 +23,7 @@ void Report::begin(const QString& title) {
     print(QStringLiteral("|---|---|---|---|"));
 }
 
-void Report::tell(const QString& what, qint64 seen) {
+void Report::add(const QString& what, qint64 seen) {
     printRow(what, {}, QString::number(seen), {});
 }
 

@@ -4,7 +4,7 @@
 
 namespace brimlet {
 
-/// A program that measures or soaks cannot go on; `what()` says why.
+/// An error that ends a benchmark or soak run; `what()` is its message.
 class Failure final : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

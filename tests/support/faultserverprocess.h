@@ -11,7 +11,7 @@
 
 namespace brimlet {
 
-/// Steps for a server that misbehaves, as its scripts have them.
+/// Steps of a fault server's script.
 namespace faults {
 
 [[nodiscard]] QJsonObject send(const QByteArray& bytes);
@@ -25,7 +25,7 @@ namespace faults {
 
 } // namespace faults
 
-/// A server that misbehaves as it is told, as a process of its own, on a free port.
+/// A process of the fault server, on a free port.
 class FaultServerProcess final {
 public:
     /// `arguments` besides those for the port and the log.
@@ -36,13 +36,13 @@ public:
 
     /// "http://127.0.0.1:port", or https; empty when it did not start.
     [[nodiscard]] const QString& root() const { return m_root; }
-    /// In force when this returns.
+    /// Applies to connections and requests that arrive after this returns.
     void follow(const QJsonObject& script);
 
     /// Every byte of every connection, in the order of arrival.
     [[nodiscard]] QByteArray received() const;
-    /// The requests among those bytes from that place on, in the order of arrival. Each is small
-    /// enough to have come in one piece, so those of several connections do not mix.
+    /// The requests in those bytes from that offset on, in the order of arrival. Each is small
+    /// enough to arrive in one piece, so requests of several connections do not mix.
     [[nodiscard]] std::vector<RawRequest> requests(qsizetype from = 0) const;
     /// Stops and continues the whole process.
     void stop() const;

@@ -8,8 +8,8 @@
 
 namespace brimlet::samples {
 
-/// One good small file of each kind that is decoded, by name: 40 by 30, showing the quadrants in
-/// its first frame.
+/// A small valid file of each decoded format, by name: 40 by 30 pixels, with the quadrants as its
+/// first frame.
 [[nodiscard]] inline QList<std::pair<const char*, QByteArray>> goodFiles() {
     const QSize size(40, 30);
     const QImage picture = quadrants(size);

@@ -8,7 +8,7 @@
 
 namespace brimlet {
 
-/// A 14-inch laptop's own screen, with a notch 184 points wide.
+/// The built-in screen of a 14-inch laptop, with a notch 184 points wide.
 inline Screen notchedScreen(std::uint32_t number) {
     Screen screen;
     screen.number = number;
@@ -37,11 +37,11 @@ struct HostFixture final {
     FakeSecretStore secrets;
     FakeBundle bundle;
     FakeClock clock;
-    // Last, so that it ends its requests while everything that they touch is still there.
+    // Last, so that its requests end before the objects they use.
     FakeHttpClient http{clock};
 };
 
-/// A store that has learnt from the service that the week is live.
+/// A store that has received a display reply with a live week.
 inline std::shared_ptr<HostStore> makeLiveStore(HostFixture& host) {
     host.http.answer(QStringLiteral("/api/display"), 200, R"({"weekStatus":"live"})");
     auto store = host.makeStore();

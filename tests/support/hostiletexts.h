@@ -10,7 +10,7 @@
 
 namespace brimlet {
 
-/// The rows of a test over the texts that a stranger might choose, in its column "text".
+/// Adds rows of hostile texts to the test's column "text".
 inline void addHostileTexts() {
     QTest::addColumn<QString>("text");
     const auto row = [](const char* name, const QString& text) { QTest::newRow(name) << text; };
@@ -41,7 +41,7 @@ inline void addHostileTexts() {
     row("as wide as a sentence", QString(100, QChar(0xFDFD)));
 }
 
-/// Every line of the collection of naughty strings; none where the collection is not there.
+/// Every line of the collection of naughty strings; none where the collection is not installed.
 inline QByteArrayList naughtyStrings() {
     const QDir folder(samplePath(u"strings"));
     QByteArrayList lines;

@@ -4,17 +4,17 @@
 
 namespace brimlet {
 
-/// Stands for the process itself where one is asked about.
+/// As a process's number: the calling process.
 inline constexpr qint64 kThisProcess = 0;
 
-/// Bytes of memory the process has in use now.
+/// Resident bytes of the process.
 [[nodiscard]] qint64 memoryInUse(qint64 process = kThisProcess);
-/// The most it had in use since `forgetPeak`.
+/// The most resident bytes since `forgetPeak`.
 [[nodiscard]] qint64 memoryPeak(qint64 process = kThisProcess);
-/// False when the system does not let the peak be set back.
+/// Resets the peak; false when the system does not allow it.
 [[nodiscard]] bool forgetPeak(qint64 process = kThisProcess);
-/// True when a sanitizer's own memory would drown what is measured. The programs a test starts are
-/// built as it is.
+/// True under a sanitizer, whose own memory would dominate a measurement. The programs that a test
+/// starts are built with the same one.
 [[nodiscard]] bool isMemoryDistorted();
 
 [[nodiscard]] int threadCount(qint64 process = kThisProcess);

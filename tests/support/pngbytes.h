@@ -5,7 +5,7 @@
 
 namespace brimlet {
 
-/// The picture as the bytes of a PNG file.
+/// The image as a PNG file.
 inline QByteArray pngOf(const QImage& picture) {
     QByteArray bytes;
     QBuffer buffer(&bytes);
@@ -14,7 +14,7 @@ inline QByteArray pngOf(const QImage& picture) {
     return bytes;
 }
 
-/// One colour all over.
+/// A PNG of a single colour.
 inline QByteArray pngOf(const QColor& color, QSize size = {32, 32}) {
     QImage picture(size, QImage::Format_ARGB32);
     picture.fill(color);

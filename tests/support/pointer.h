@@ -4,10 +4,10 @@
 #include <QProcess>
 #include <QStringList>
 
-/// What a person does with the pointer and the keyboard. Positions are pixels of the X server.
+/// Pointer and keyboard input, by xdotool. Positions are in pixels of the X server.
 namespace brimlet {
 
-/// Ends the test when it cannot be done. The program's answer is yet to be waited for.
+/// Ends the test program when xdotool fails. Returns before the program has reacted.
 inline void xdotool(const QStringList& arguments) {
     if (QProcess::execute(QStringLiteral("xdotool"), arguments) != 0) {
         qFatal("xdotool %s failed", qPrintable(arguments.join(u' ')));
@@ -30,8 +30,8 @@ inline void key(const char* name) {
     xdotool({QStringLiteral("key"), QString::fromLatin1(name)});
 }
 
-/// Whatever has the keyboard gets the text letter by letter. Only what a US keyboard has: other
-/// letters get lost now and then.
+/// Types the text into the focused window, letter by letter. Only characters of a US keyboard:
+/// others are sometimes lost.
 inline void type(const char* text) {
     xdotool({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("0"),
              QStringLiteral("--"), QString::fromLatin1(text)});

@@ -133,10 +133,10 @@ SimulatorProcess::SimulatorProcess(const QJsonObject& machine,
 
 SimulatorProcess::~SimulatorProcess() {
     if (m_process.state() != QProcess::NotRunning) {
-        thaw(); // one that was stopped takes notice of no other signal
+        thaw(); // a stopped process handles no other signal
         end(m_process);
     }
-    // Shown with the test's own output, where a sanitizer's report would be looked for.
+    // With the test's output, so that sanitizer reports appear there.
     m_complaints += m_process.readAllStandardError();
     std::fputs(m_complaints.constData(), stderr);
 }

@@ -8,10 +8,10 @@
 
 namespace brimlet {
 
-/// What a program finds otherwise than this one: variables by name, null for one that it lacks.
+/// Environment variables to change for a program, by name; a null value removes the variable.
 using EnvironmentChanges = QMap<QString, QString>;
 
-/// What the kernel counts of a process; all -1 when there is none.
+/// A process's use of resources, from the kernel; all -1 when there is no such process.
 struct ProcessMeasures final {
     qint64 residentBytes = -1;
     qint64 descriptors = -1;
@@ -19,7 +19,7 @@ struct ProcessMeasures final {
 };
 [[nodiscard]] ProcessMeasures measuresOf(qint64 process);
 
-/// The development placement service as a process of its own, on a free port.
+/// A process of the development placement service, on a free port.
 class PlacementProcess final {
 public:
     PlacementProcess();
@@ -31,7 +31,7 @@ public:
     [[nodiscard]] const QString& root() const { return m_root; }
     /// Takes effect with the next request.
     void setScenario(const QJsonObject& scenario) const;
-    /// What it received so far, one object a request.
+    /// The requests received so far, one object each.
     [[nodiscard]] QJsonArray requests() const;
     /// The same as "METHOD path".
     [[nodiscard]] QStringList requestLines() const;
@@ -66,10 +66,10 @@ public:
 
     [[nodiscard]] qint64 pid() const { return m_process.processId(); }
     [[nodiscard]] ProcessMeasures measures() const { return measuresOf(pid()); }
-    /// Stops it as it stands, and has it go on.
+    /// Stops and continues the process.
     void freeze() const;
     void thaw() const;
-    /// Ends it without a warning.
+    /// Ends the process with SIGKILL.
     void kill();
     /// Starts the program once more on the same machine; returns the second one's exit code.
     [[nodiscard]] int startAgain() const;
@@ -77,9 +77,9 @@ public:
     [[nodiscard]] int exitCode();
     /// Sends the signal and returns the exit code, or -1 when it crashed or did not end in time.
     [[nodiscard]] int endBySignal(int signal);
-    /// What it has printed to standard error so far.
+    /// Its output to standard error so far.
     [[nodiscard]] QByteArray complaints();
-    /// All that it has answered so far.
+    /// All its answers so far.
     [[nodiscard]] const QByteArray& answers() const { return m_answers; }
 
 private:

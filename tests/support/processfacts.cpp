@@ -20,7 +20,7 @@ QByteArray contents(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// What a link under /proc points to, which need not be a path.
+/// The target of a link under /proc, which need not be a path.
 QString target(const QString& link) {
     QByteArray text(4096, '\0');
     const auto size = ::readlink(QFile::encodeName(link).constData(), text.data(),
@@ -33,7 +33,7 @@ QStringList descriptors(qint64 process) {
         .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot);
 }
 
-/// "0100007F:1F90" as the kernel writes it, in the usual way; of longer addresses only the port.
+/// The kernel's "0100007F:1F90" in the usual form; only the port for longer addresses.
 QString readable(const QByteArray& address) {
     const QList<QByteArray> parts = address.split(':');
     const quint32 host = parts.at(0).toUInt(nullptr, 16);
@@ -81,7 +81,7 @@ QSet<QString> peers(qint64 process) {
             contents(folderOf(process) + QStringLiteral("net/") + name).split('\n').mid(1);
         for (const QByteArray& line : lines) {
             const QList<QByteArray> words = line.simplified().split(' ');
-            // A number of the socket's own, in the last column of "packet", else in the tenth.
+            // The socket's inode is in the last column of "packet", otherwise in the tenth.
             const qsizetype column = name == u"packet" ? 8 : 9;
             if (words.size() <= column || !sockets.contains(words.at(column))) {
                 continue;
@@ -97,7 +97,7 @@ QSet<QString> peers(qint64 process) {
 
 QStringList filesBeingWritten(qint64 process) {
     QStringList files;
-    // What it was born with is not its own: whoever runs the tests may leave a log open to all.
+    // Inherited descriptors do not count: the tests may have been started with an open log.
     QSet<QString> inherited;
     for (const QString& descriptor : descriptors(QCoreApplication::applicationPid())) {
         inherited << target(folderOf(QCoreApplication::applicationPid()) + QStringLiteral("fd/") +
@@ -110,7 +110,7 @@ QStringList filesBeingWritten(qint64 process) {
             contents(folderOf(process) + QStringLiteral("fdinfo/") + descriptor);
         const QByteArray flags = facts.mid(facts.indexOf("flags:") + 6).trimmed();
         const int mode = flags.left(flags.indexOf('\n')).toInt(nullptr, 8) & O_ACCMODE;
-        // Memory without a name shows as a path, too.
+        // Anonymous memory has a path, too.
         if (mode != O_RDONLY && QFileInfo(link).isFile() && !path.startsWith(u"/memfd:") &&
             !inherited.contains(path)) {
             files << path;

@@ -56,7 +56,7 @@ QByteArray frameOf(const QImage& picture, QList<QRgb>& colours) {
     return frame(picture.rect(), 7, codes + '\x81');
 }
 
-/// Codes that each stand for one pixel more than the one before, until the table is full.
+/// Codes that each mean one pixel more than the previous one, until the table is full.
 QByteArray growingCodes(qint64 pixels, int most) {
     constexpr int tableSize = 4096;
     QByteArray data;
@@ -82,7 +82,7 @@ QByteArray growingCodes(qint64 pixels, int most) {
         }
     }
     put(129);
-    put(0); // for what is pending
+    put(0); // flushes the pending bits
     return data;
 }
 

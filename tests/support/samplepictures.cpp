@@ -155,12 +155,12 @@ QByteArray inkJpeg(std::initializer_list<int> samples) {
 }
 
 QByteArray idleJpeg(int scans, bool refines, int restartInterval) {
-    // The only code, of one bit, stands for a level of zero or begins a run of blocks without end
-    // that 14 bits more make 32767 long.
+    // The only code, of one bit, means a level of zero or starts a run of empty blocks, whose length
+    // is 32767 with 14 further bits.
     const QByteArray lengths = '\x01' + QByteArray(15, '\0');
     const QByteArray directCodes = '\0' + lengths + '\0';
     const QByteArray otherCodes = '\x10' + lengths + '\xe0';
-    // Nine runs, of which a restart would leave nothing.
+    // Nine runs, all of which a restart ends.
     const QByteArray runs = QByteArray("\x7f\xfe\xff\0\xfd\xff\0\xfb\xff\0\xf7", 11) +
                             QByteArray("\xff\0\xef\xff\0\xdf\xff\0\xbf\xff\0\x7f\xff\0", 14);
     const QByteArray data = restartInterval == 0 ? runs : QByteArray();

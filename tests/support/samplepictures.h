@@ -15,15 +15,15 @@ namespace brimlet::samples {
 [[nodiscard]] QByteArray interlacedPng(const QImage& picture);
 /// A chunk with its checksum.
 [[nodiscard]] QByteArray pngChunk(const char* type, const QByteArray& data);
-/// Signature and header, then pixels of no meaning: enough for the gate.
+/// Signature and header, then arbitrary pixel data: enough for the validation.
 [[nodiscard]] QByteArray pngOutline(quint32 width, quint32 height, char depth = 8, char kind = 6);
 
 [[nodiscard]] QByteArray jpeg(const QImage& picture, bool isProgressive = false);
-/// With an EXIF segment that says which side is up, from 1 to 8.
+/// With an EXIF orientation, from 1 to 8.
 [[nodiscard]] QByteArray turnedJpeg(const QByteArray& jpeg, char orientation);
-/// A picture of 8 by 8 in one colour, in four inverted inks as Adobe writes them.
+/// A picture of 8 by 8 in one colour, in inverted CMYK as Adobe writes it.
 [[nodiscard]] QByteArray inkJpeg(std::initializer_list<int> samples);
-/// A marker and what belongs to it.
+/// A marker and its segment.
 [[nodiscard]] QByteArray jpegSegment(char code, const QByteArray& data);
 /// A frame header of components that share one sampling.
 [[nodiscard]] QByteArray jpegFrame(char code, int width, int height, int components = 3,
@@ -32,19 +32,19 @@ namespace brimlet::samples {
 [[nodiscard]] QByteArray jpegScan(const QByteArray& components, char first = 0, char last = 63,
                                   char precision = 0);
 /// A progressive picture of 4096 by 4096 in one component and a few hundred bytes: a first scan,
-/// then so many that look at every block and bring nothing, with a restart after so many blocks.
-/// Those that refine walk over all coefficients of each block.
+/// then empty scans that visit every block, with a restart interval in blocks. Refining scans visit
+/// all coefficients of each block.
 [[nodiscard]] QByteArray idleJpeg(int scans, bool refines, int restartInterval = 0);
 
 /// One frame of up to 127 colours, index 127 being transparent.
 [[nodiscard]] QByteArray gif(const QImage& picture);
 /// The frames at the upper left corner of a screen as large as the first.
 [[nodiscard]] QByteArray animatedGif(std::initializer_list<QImage> frames);
-/// One colour all over, in very few bytes.
+/// A single colour, in very few bytes.
 [[nodiscard]] QByteArray plainGif(QSize size);
-/// Data of one code after another that repeats what was before: pixels without end.
+/// Codes that repeat earlier pixels, without end.
 [[nodiscard]] QByteArray endlessGif(QSize size, int codes);
-/// A screen and one frame, its data without meaning: enough for the gate.
+/// A screen and one frame with arbitrary data: enough for the validation.
 [[nodiscard]] QByteArray gifOutline(QSize screen, QRect frame, char codeSize = 7);
 
 [[nodiscard]] QByteArray webp(const QImage& picture, bool isLossless);
@@ -54,11 +54,11 @@ struct WebPFrame final {
 };
 [[nodiscard]] QByteArray animatedWebP(QSize canvas, std::initializer_list<WebPFrame> frames);
 [[nodiscard]] QByteArray webpChunk(const char* kind, const QByteArray& data);
-/// Chunks in their container.
+/// A RIFF container of these chunks.
 [[nodiscard]] QByteArray webpFile(const QByteArray& chunks);
-/// The chunk that announces a canvas: bit 1 for an animation, bit 4 for an alpha channel.
+/// The chunk with the canvas: bit 1 for an animation, bit 4 for an alpha channel.
 [[nodiscard]] QByteArray webpCanvas(QSize size, char flags = 0);
-/// A chunk of lossy or lossless pixels that has a header only.
+/// A chunk of lossy or lossless pixels that consists only of its header.
 [[nodiscard]] QByteArray webpOutline(QSize size, bool isLossless);
 
 } // namespace brimlet::samples

@@ -2,8 +2,8 @@
 
 namespace brimlet {
 
-/// True when the test was built with a sanitizer of memory or threads, and with it the programs it
-/// starts. All takes several times as long there, and nothing else can be preloaded.
+/// True when the test, and the programs it starts, are built with the address or thread sanitizer.
+/// They run several times as slowly, and no further library can be preloaded.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr bool kIsSanitized = true;
 #elif defined(__has_feature)

@@ -8,8 +8,7 @@
 #include <QProcess>
 #include <QStringList>
 
-/// The screen reader of the tests, a client of the accessibility bus like any other; its verbs are
-/// those of tests/support/session/screen-reader.
+/// Runs tests/support/session/screen-reader, a client of the accessibility bus, with its verbs.
 namespace brimlet::ScreenReader {
 
 struct Heard final {
@@ -27,12 +26,12 @@ inline Heard run(const QStringList& arguments) {
             reader.readAllStandardOutput()};
 }
 
-/// Whether that could be done.
+/// Whether the screen reader succeeded.
 [[nodiscard]] inline bool does(const QStringList& arguments) {
     return run(arguments).exitCode == 0;
 }
 
-/// What it is told, one object an element.
+/// The elements it finds, one object each.
 [[nodiscard]] inline QList<QJsonObject> elements(const QStringList& arguments) {
     QList<QJsonObject> elements;
     for (const QByteArray& line : run(arguments).output.split('\n')) {

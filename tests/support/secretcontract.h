@@ -9,14 +9,14 @@
 
 namespace brimlet {
 
-/// What every secret store promises. A test derives from this, lends the store, and may add its own
+/// The contract of every secret store. A test derives from this, provides the store, and may add
 /// slots; the test target lists this header among its sources.
 class SecretContract : public QObject {
     Q_OBJECT
 
 protected:
     [[nodiscard]] virtual SecretStore& store() = 0;
-    /// How many items of that name there are, found out without the store.
+    /// The number of items of that name, not counted through the store.
     [[nodiscard]] virtual qsizetype count(const QString& service, const QString& account) = 0;
 
     [[nodiscard]] std::optional<QByteArray> bytes(const QString& service, const QString& account) {

@@ -13,16 +13,16 @@
 namespace brimlet {
 namespace {
 
-/// Where a program may keep things; in a private desktop all of them are the test's own.
+/// The variables of the folders in which a program may store files.
 const std::array kFolders{"HOME",           "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME",
                           "XDG_CACHE_HOME", "XDG_RUNTIME_DIR", "TMPDIR"};
 
-/// What others write there during the run.
+/// Files that other processes write during the run.
 const QStringList kForeign{
-    QStringLiteral("$XDG_DATA_HOME/keyrings"),    // the secret store's own, encrypted
+    QStringLiteral("$XDG_DATA_HOME/keyrings"),    // the secret store, encrypted
     QStringLiteral("$XDG_RUNTIME_DIR/keyring"),   // its sockets
-    QStringLiteral("$XDG_CACHE_HOME/fontconfig"), // the font library's
-    QStringLiteral("$XDG_CACHE_HOME/openbox"),    // the window manager's
+    QStringLiteral("$XDG_CACHE_HOME/fontconfig"), // the font library
+    QStringLiteral("$XDG_CACHE_HOME/openbox"),    // the window manager
 };
 
 QString variable(const char* name) {

@@ -5,25 +5,25 @@
 
 namespace brimlet {
 
-// The folders in which a program may keep things: home, those named by XDG variables, and the one
-// for temporary files. In a private desktop all of them are the test's own.
+// The folders in which a program may store files: home, those of the XDG variables, and the one for
+// temporary files. In a private desktop all of them belong to the test.
 
-/// The path with its folder's variable in place of the folder, as in "$XDG_CACHE_HOME/a"; itself
-/// when it is in none of them.
+/// The path with the variable in place of its folder, as in "$XDG_CACHE_HOME/a"; unchanged when it
+/// is in none of them.
 [[nodiscard]] QString named(const QString& path);
 
-/// The path that a name of that form stands for.
+/// The path for a name of that form.
 [[nodiscard]] QString unnamed(const QString& name);
 
-/// All that is in these folders, by name, with words that change when the thing does. What the
-/// desktop's own pieces keep there is left out, and so is a folder's time, which changes with what
-/// is in it.
+/// The contents of these folders by name, each with a text that changes when the entry does. Files
+/// of the desktop's own processes are left out, and so are the times of folders, which change with
+/// their contents.
 [[nodiscard]] QMap<QString, QString> kept();
 
-/// The files in these folders that hold the text in one of the ways a program might write it.
+/// The files in these folders that hold the text, in one of several encodings.
 [[nodiscard]] QStringList filesHolding(const QString& text);
 
-/// Notes the name of every file that is made in a folder or renamed into it.
+/// Records the name of every file that is created in a folder or renamed into it.
 class FolderWatch final {
 public:
     explicit FolderWatch(const QString& folder);

@@ -44,7 +44,7 @@ StubBus::StubBus(Kind kind)
     case Kind::Nobody:
         break;
     case Kind::Full:
-        // One is always let wait.
+        // With a limit of 0 the kernel still queues one connection.
         ::listen(m_listener, 0);
         m_waiting = newSocket();
         ::connect(m_waiting, address, sizeof(name));
@@ -74,8 +74,8 @@ QString StubBus::address() const {
 void StubBus::serve() const {
     std::vector<pollfd> sockets{{m_listener, POLLIN, 0}};
     while (!m_isOver) {
-        constexpr int kLookUp = 20; // milliseconds, for the end
-        ::poll(sockets.data(), sockets.size(), kLookUp);
+        constexpr int kInterval = 20; // milliseconds between checks for the end
+        ::poll(sockets.data(), sockets.size(), kInterval);
         for (std::size_t i = 1; i < sockets.size(); ++i) {
             if (sockets[i].revents != 0 && !reply(sockets[i].fd)) {
                 ::close(sockets[i].fd);

@@ -8,16 +8,16 @@
 
 namespace brimlet {
 
-/// Something that listens where a message bus should, and is none.
+/// A server in place of a message bus that does not behave as one.
 class StubBus final {
 public:
     enum class Kind {
-        Nobody,       ///< Its socket is there, and nobody listens on it.
-        Full,         ///< As many wait to be let in as ever may.
-        Silent,       ///< Lets everybody in and says nothing.
-        Mute,         ///< Says nothing any more once it knows who is there.
-        ClosesAtOnce, ///< Ends the connection as soon as somebody says something.
-        ClosesLater,  ///< Ends it once it knows who is there.
+        Nobody,       ///< The socket exists, but no process listens on it.
+        Full,         ///< The queue of waiting connections is full.
+        Silent,       ///< Accepts connections and sends nothing.
+        Mute,         ///< Sends nothing after the authentication.
+        ClosesAtOnce, ///< Closes the connection at the first byte.
+        ClosesLater,  ///< Closes the connection after the authentication.
     };
 
     explicit StubBus(Kind kind);
@@ -29,7 +29,7 @@ public:
 
 private:
     void serve() const;
-    /// False when the connection should end.
+    /// False when the connection must be closed.
     [[nodiscard]] bool reply(int connection) const;
 
     Kind m_kind;

@@ -15,7 +15,7 @@ struct Free {
 template <typename Reply>
 using Owned = std::unique_ptr<Reply, Free>;
 
-/// The numbers in a property that holds some.
+/// The numbers in a property.
 std::vector<qint32> numbers(const QByteArray& property) {
     constexpr qsizetype kSize = sizeof(qint32);
     std::vector<qint32> numbers;
@@ -81,7 +81,7 @@ std::vector<ClientWindow> XServer::windowsOf(qint64 pid) const {
     const xcb_atom_t pidName = atom("_NET_WM_PID");
     const xcb_atom_t titleName = atom("_NET_WM_NAME");
     std::vector<ClientWindow> found;
-    std::vector<xcb_window_t> pending{m_root}; // the next one last
+    std::vector<xcb_window_t> pending{m_root}; // as a stack
     while (!pending.empty()) {
         const xcb_window_t window = pending.back();
         pending.pop_back();
@@ -95,7 +95,7 @@ std::vector<ClientWindow> XServer::windowsOf(qint64 pid) const {
         const Owned<xcb_translate_coordinates_reply_t> origin(
             xcb_translate_coordinates_reply(x, cookie, nullptr));
         const QSize size = geometry(window).size();
-        if (origin && size.isValid()) { // else it has gone meanwhile
+        if (origin && size.isValid()) { // otherwise the window no longer exists
             found.push_back({window, QString::fromUtf8(property(window, titleName)),
                              QRect(QPoint(origin->dst_x, origin->dst_y), size), isMapped(window)});
         }

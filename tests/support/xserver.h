@@ -14,17 +14,17 @@
 
 namespace brimlet {
 
-/// A client's own window, without what the window manager puts around it.
+/// A client's window, without the window manager's frame.
 struct ClientWindow final {
     xcb_window_t id = XCB_WINDOW_NONE;
     QString title;
-    /// On the root window, in pixels, wherever it is in the tree.
+    /// Relative to the root window, in pixels.
     QRect geometry;
-    /// It and all windows it is in are mapped.
+    /// The window and all its parents are mapped.
     bool isViewable = false;
 };
 
-/// What the X server itself knows of windows and pixels, over a connection of its own.
+/// Reads windows and pixels from the X server, over its own connection.
 class XServer final {
 public:
     XServer();
@@ -35,22 +35,22 @@ public:
     [[nodiscard]] std::optional<xcb_window_t> windowNamed(const char* title) const;
     [[nodiscard]] QRect geometry(xcb_window_t window) const;
     [[nodiscard]] bool isMapped(xcb_window_t window) const;
-    /// The shape inside which clicks count, in window pixels.
+    /// The input shape, in window pixels.
     [[nodiscard]] std::vector<QRect> inputShape(xcb_window_t window) const;
-    /// The shape inside which it is drawn.
+    /// The bounding shape, in window pixels.
     [[nodiscard]] std::vector<QRect> boundingShape(xcb_window_t window) const;
-    /// Every window that says it is that process's, in the order of the tree: also those inside a
-    /// frame of the window manager, icons inside a tray, and hidden ones.
+    /// Every window with that process's number, in the order of the tree, including those inside a
+    /// frame of the window manager, icons in a tray, and hidden ones.
     [[nodiscard]] std::vector<ClientWindow> windowsOf(qint64 pid) const;
-    /// What panels leave of the screen, in pixels; empty when no window manager tells.
+    /// The work area, in pixels; empty without a window manager that sets it.
     [[nodiscard]] QRect workArea() const;
-    /// The window that has the keyboard.
+    /// The window with the keyboard focus.
     [[nodiscard]] xcb_window_t focus() const;
-    /// The pointer's picture as it is shown.
+    /// The pointer's present picture.
     [[nodiscard]] QImage cursor() const;
-    /// A part of the screen as it is shown, without the pointer.
+    /// A part of the screen, without the pointer.
     [[nodiscard]] QImage picture(const QRect& area) const;
-    /// A pixel of the screen as it is shown.
+    /// A pixel of the screen.
     [[nodiscard]] QColor pixel(QPoint position) const;
 
 private:

@@ -7,7 +7,7 @@
 namespace brimlet {
 namespace {
 
-/// More than this is not handed to a socket ahead of what it has sent.
+/// The most bytes written to a socket before they are sent.
 constexpr qint64 kAhead = 256 * 1024;
 
 } // namespace
@@ -16,12 +16,12 @@ FaultConnection::FaultConnection(FaultServer& server, QTcpSocket& socket)
     : QObject(&socket)
     , m_server(server)
     , m_socket(socket) {
-    // Each piece goes out by itself.
+    // Each write is sent at once.
     socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &FaultConnection::go);
-    // Queued: a socket says so while it is being written to.
+    // Queued, since the signal is emitted during a write.
     connect(
         &socket, &QTcpSocket::bytesWritten, this,
         [this] {
@@ -40,7 +40,7 @@ FaultConnection::FaultConnection(FaultServer& server, QTcpSocket& socket)
 
 void FaultConnection::read() {
     if (!m_socket.isOpen()) {
-        return; // the greeting was its end
+        return; // the greeting has ended it
     }
     const QByteArray bytes = m_socket.readAll();
     m_server.m_log.write(bytes);

@@ -9,15 +9,15 @@
 
 namespace brimlet {
 
-/// One accepted connection on its way through the steps. The socket's child; both go together when
-/// the connection has ended.
+/// Executes the steps on one accepted connection. A child of the socket; both are deleted when the
+/// connection has ended.
 class FaultConnection final : public QObject {
 public:
     FaultConnection(FaultServer& server, QTcpSocket& socket);
 
 private:
     void read();
-    /// Does what is left to do, as far as it can be done now.
+    /// Continues with the remaining steps until one has to wait.
     void go();
     void drip();
     void reset();

@@ -10,15 +10,15 @@
 
 namespace brimlet {
 
-/// One thing that happens on a connection, after the ones before it.
+/// One step on a connection.
 struct FaultStep final {
     enum class Kind {
         Send,  ///< The bytes at once.
-        Drip,  ///< The bytes one at a time, each after `time`, over and over if `isForEver`.
-        Flood, ///< The bytes over and over, as fast as they are taken, until the other side goes.
+        Drip,  ///< The bytes one at a time, each after `time`, repeatedly if `isForEver`.
+        Flood, ///< The bytes repeatedly, as fast as possible, until the client disconnects.
         Wait,  ///< Nothing for `time`.
-        Cut,   ///< The end of the connection, once all that was sent is out.
-        Reset, ///< The end of the connection at once, as by a crash.
+        Cut,   ///< Closes the connection after all bytes are sent.
+        Reset, ///< Resets the connection, as a crash would.
     };
 
     Kind kind = Kind::Send;
@@ -27,11 +27,11 @@ struct FaultStep final {
     bool isForEver = false;
 };
 
-/// A list that ends without Cut or Reset leaves the connection open: after whole replies the next
-/// request is read, without any the client hangs.
+/// Steps that do not end with Cut or Reset leave the connection open: after whole replies the next
+/// request is read, without one the client waits.
 using FaultSteps = std::vector<FaultStep>;
 
-/// How a server behaves, as one JSON object:
+/// A fault server's behaviour, as one JSON object:
 ///
 ///     {"isAccepting": true, "greeting": [...], "answers": {"/path": [...], "": [...]},
 ///      "random": {"seed": 7, "share": 0.5}}
@@ -44,16 +44,16 @@ struct FaultScript final {
     /// While false, connections stay in the kernel's short queue, and once that is full, a
     /// connection's packets are dropped.
     bool isAccepting = true;
-    /// What happens to a connection before a request is read.
+    /// The steps before a request is read.
     FaultSteps greeting{};
-    /// What a request to exactly this target meets; the empty target stands for all others.
+    /// The steps for a request to exactly this target; the empty target stands for all others.
     QMap<QByteArray, FaultSteps> answers{};
-    /// This share of the requests, from 0 to 1, meets a random fault in place of its answer.
+    /// The share of requests, from 0 to 1, that get a random fault in place of their answer.
     double randomShare = 0;
     quint32 randomSeed = 0;
 };
 
-/// The script, or what is wrong with the text in one line.
+/// The script, or one line about the mistake in the text.
 [[nodiscard]] std::variant<FaultScript, QString> readFaultScript(const QByteArray& json);
 
 } // namespace brimlet

@@ -10,7 +10,7 @@
 namespace brimlet {
 namespace {
 
-/// Short, so that a server that accepts nothing soon lets packets be dropped.
+/// Short, so that packets are soon dropped when nothing is accepted.
 constexpr int kBacklog = 8;
 
 QByteArray bytesOf(const FaultSteps& steps) {
@@ -61,7 +61,7 @@ void FaultServer::follow(FaultScript script) {
 
 void FaultServer::accept() {
     while (QTcpSocket* const socket = m_server->nextPendingConnection()) {
-        new FaultConnection(*this, *socket); // goes with its socket
+        new FaultConnection(*this, *socket); // a child of its socket
     }
 }
 

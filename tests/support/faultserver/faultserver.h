@@ -12,14 +12,14 @@
 
 namespace brimlet {
 
-/// A server on a port of 127.0.0.1 that does to each connection what its script says. It keeps
-/// nothing of connections that have ended, so it can run for days.
+/// A server on a port of 127.0.0.1 that executes its script on each connection. It keeps nothing of
+/// ended connections, so it can run for days.
 class FaultServer final {
 public:
     struct Settings {
-        quint16 port = 0;                       ///< 0 for any free one.
+        quint16 port = 0;                       ///< 0 for any free port.
         std::optional<QSslConfiguration> tls{}; ///< Behind TLS.
-        QString log{};                          ///< Takes every byte received; empty for none.
+        QString log{}; ///< The file for every received byte; empty for none.
     };
 
     explicit FaultServer(const Settings& settings);
@@ -27,11 +27,11 @@ public:
     FaultServer(const FaultServer&) = delete;
     FaultServer& operator=(const FaultServer&) = delete;
 
-    /// What went wrong at the start; empty when it is listening.
+    /// The error at the start; empty when it is listening.
     [[nodiscard]] QString complaint() const { return m_complaint; }
     [[nodiscard]] QString root() const;
 
-    /// In force at once for whatever comes next; what is under way goes on.
+    /// Applies to later connections and requests; steps under way continue.
     void follow(FaultScript script);
 
 private:

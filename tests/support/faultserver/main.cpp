@@ -35,7 +35,7 @@ QSslConfiguration identity(const QString& certificate, const QString& key) {
     return tls;
 }
 
-/// The scripts that come in on standard input, a line each; the end of the input ends the program.
+/// Reads scripts from standard input, one per line; the end of the input ends the program.
 class Scripts final {
 public:
     explicit Scripts(FaultServer& server)
@@ -44,7 +44,7 @@ public:
         QObject::connect(&m_notifier, &QSocketNotifier::activated, &m_notifier, [this] { read(); });
     }
 
-    /// Whether it was one.
+    /// Whether the line was a valid script.
     bool take(const QByteArray& json) {
         auto script = readFaultScript(json);
         if (const auto* const complaint = std::get_if<QString>(&script)) {

@@ -6,8 +6,8 @@
 
 namespace brimlet {
 
-/// Something that goes wrong with a reply that was meant to be these bytes, head and body. The same
-/// generator gives the same faults. None of them lasts: the connection is cut or the reply is over.
+/// Steps for a random fault in the reply with these bytes, head and body. The same state of the
+/// generator gives the same fault. None lasts: the connection is closed or the reply ends.
 [[nodiscard]] FaultSteps randomFault(QRandomGenerator& random, const QByteArray& good);
 
 } // namespace brimlet
