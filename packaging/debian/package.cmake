@@ -1,8 +1,8 @@
-# The Debian package: `cpack` in a build folder makes it of that folder's program; script/package
-# makes the one to hand out.
+# The Debian package: `cpack` in a build folder makes it of that folder's program; script/package makes
+# the one for users.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME brimlet)
-# Staged as by `DESTDIR=… cmake --install`, since one file goes to /etc.
+# Staged with DESTDIR, since one file goes to /etc.
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
@@ -12,7 +12,7 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
-# Nobody to write to yet; the field is mandatory.
+# There is no address yet; the field is mandatory.
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "Brimlet developers <brimlet@example.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "paid advertising beside the camera notch")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
@@ -25,11 +25,11 @@ service every few seconds what to show, and, once the host has entered a
 token, sends it a heartbeat every fifteen minutes. On a screen without a notch
 nothing is shown and nothing is sent.")
 
-# Libraries are found by looking at the program. Beside them it starts xdg-open for a click on a
-# capsule and needs certificates to reach a service over HTTPS.
+# Libraries are found in the program. It also runs xdg-open for a click on a capsule and needs certificates
+# for HTTPS.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "ca-certificates, xdg-utils")
-# Without a secret service the token cannot be kept, without a session bus there is none.
+# The token is kept in a secret service, which needs a session bus.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
   "default-dbus-session-bus | dbus-session-bus, gnome-keyring | libkf5wallet-bin")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "fonts-inter, fonts-noto-color-emoji, libsecret-tools")

@@ -1,9 +1,8 @@
-# Makes of a program the application Brimlet.app, which holds its icon and says in its information
-# property list what it is.
+# Makes the application bundle Brimlet.app of a program, with its icon and information property list.
 set(BRIMLET_MAC_FOLDER ${CMAKE_CURRENT_LIST_DIR})
 
-# brimlet_xml_text(VARIABLE TEXT): the text as an XML element may hold it. CMake fills in the list a
-# second time when it makes the bundle, so the two signs that would be filled in are hidden from it.
+# brimlet_xml_text(VARIABLE TEXT): the text escaped for an XML element. CMake substitutes variables in the
+# list again when it makes the bundle, so $ and @ are escaped too.
 function(brimlet_xml_text variable text)
   string(REPLACE "&" "&amp;" text "${text}")
   string(REPLACE "<" "&lt;" text "${text}")
@@ -13,8 +12,8 @@ function(brimlet_xml_text variable text)
   set(${variable} "${text}" PARENT_SCOPE)
 endfunction()
 
-# brimlet_mac_info_plist(FILE EXECUTABLE): writes the list. The service root is in it only where one
-# was configured; the program knows the default.
+# brimlet_mac_info_plist(FILE EXECUTABLE): writes the list. The service root is in it only where one is
+# configured; otherwise the program uses its default.
 function(brimlet_mac_info_plist file executable)
   if(NOT CMAKE_OSX_DEPLOYMENT_TARGET)
     message(FATAL_ERROR "CMAKE_OSX_DEPLOYMENT_TARGET must say which macOS the application is for")
@@ -29,8 +28,8 @@ function(brimlet_mac_info_plist file executable)
   configure_file(${BRIMLET_MAC_FOLDER}/Info.plist.in ${file} @ONLY)
 endfunction()
 
-# brimlet_mac_bundle(TARGET): build/…/bin/Brimlet.app. CMake names a bundle and its program alike, as
-# Apple's own are.
+# brimlet_mac_bundle(TARGET): makes build/…/bin/Brimlet.app. CMake gives a bundle and its program the same
+# name.
 function(brimlet_mac_bundle target)
   set(folder ${CMAKE_CURRENT_BINARY_DIR}/bundle)
   brimlet_mac_info_plist(${folder}/Info.plist Brimlet)
@@ -45,7 +44,7 @@ function(brimlet_mac_bundle target)
   set_source_files_properties(${folder}/brimlet.icns ${license} PROPERTIES
     MACOSX_PACKAGE_LOCATION Resources)
 
-  # Where script/package-mac puts what the program loads.
+  # script/package-mac copies the libraries to this folder.
   set_target_properties(${target} PROPERTIES
     BUILD_RPATH @executable_path/../Frameworks
     OUTPUT_NAME Brimlet

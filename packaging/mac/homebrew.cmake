@@ -1,9 +1,8 @@
-# Has CMake find Homebrew's libcurl, and the OpenSSL that it is built with. The system has a libcurl
-# too, whose TLS is another library's; Brimlet hands libcurl's TLS sessions to OpenSSL, so the two must
-# be of one make.
+# Makes CMake find Homebrew's libcurl, and the OpenSSL that it is built with. The system's libcurl uses
+# another TLS library; Brimlet passes libcurl's TLS sessions to OpenSSL, so both must use the same one.
 find_program(BREW_PROGRAM brew)
 if(BREW_PROGRAM)
-  # brimlet_brew(VARIABLE ARGUMENT...): what it prints.
+  # brimlet_brew(VARIABLE ARGUMENT...): the output of brew.
   function(brimlet_brew variable)
     execute_process(COMMAND ${BREW_PROGRAM} ${ARGN}
       OUTPUT_VARIABLE said OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
