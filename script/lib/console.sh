@@ -38,6 +38,7 @@ shows() {
 # The desktop's background in all pictures.
 set_background() { hsetroot -add '#9fb2c9' -add '#4a5a72' -gradient 0 >/dev/null; }
 
+# shellcheck disable=SC2034 # for the scripts
 # find_window TITLE: sets $x, $y, $width and $height, in pixels of the screen.
 find_window() {
   local window

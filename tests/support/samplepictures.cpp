@@ -155,8 +155,8 @@ QByteArray inkJpeg(std::initializer_list<int> samples) {
 }
 
 QByteArray idleJpeg(int scans, bool refines, int restartInterval) {
-    // The only code, of one bit, means a level of zero or starts a run of empty blocks, whose length
-    // is 32767 with 14 further bits.
+    // The only code, of one bit, means a level of zero or starts a run of empty blocks, whose
+    // length is 32767 with 14 further bits.
     const QByteArray lengths = '\x01' + QByteArray(15, '\0');
     const QByteArray directCodes = '\0' + lengths + '\0';
     const QByteArray otherCodes = '\x10' + lengths + '\xe0';
