@@ -1,11 +1,11 @@
 // The least a program can do for this job: two black capsules beside the notch of the 14-inch
-// machine with brand and tagline, straight on X and a socket, in one loop without threads. It shows
-// no pictures, opens nothing, expects both creatives, and trusts its service.
+// machine with brand and tagline, on a bare X connection and a socket, in one loop without threads.
+// It shows no pictures, opens nothing, expects both creatives, and trusts its service.
 //   bench-floor ROOT_URL
 
-#include "bench/floor/floorservice.h"
-#include "bench/floor/floorwindow.h"
+#include "bench/floor/service.h"
 #include "bench/floor/taglineloop.h"
+#include "bench/floor/window.h"
 
 #include <algorithm>
 #include <clocale>
@@ -21,12 +21,7 @@ using namespace brimlet;
 using namespace std::chrono_literals;
 using Time = TaglineLoop::Time;
 
-struct Texts final {
-    std::string brand;
-    std::string tagline;
-
-    bool operator==(const Texts&) const = default;
-};
+using Texts = std::pair<std::string, std::string>; ///< Brand and tagline.
 
 /// The left and the right creative's texts; empty where there is none.
 std::array<Texts, 2> textsOf(const std::string& body) {
@@ -55,7 +50,7 @@ public:
 private:
     void doWhatIsDue(Time now) {
         if (m_nextPoll <= now) {
-            m_service.ask();
+            m_service.poll();
             m_nextPoll = now + 3s;
         }
         for (std::size_t slot = 0; slot < m_loops.size(); ++slot) {
@@ -85,7 +80,7 @@ private:
         }
     }
 
-    /// Until the next thing is due, or the service or the X server has something to say.
+    /// Until the next step is due, or input from the service or the X server has arrived.
     void wait() {
         const Time due = std::min({m_nextPoll, m_loops[0].due(), m_loops[1].due()});
         const auto rest =
@@ -105,8 +100,8 @@ private:
         }
     }
 
-    FloorWindow m_window;
-    FloorService m_service;
+    Window m_window;
+    Service m_service;
     Time m_nextPoll;
     std::array<TaglineLoop, 2> m_loops;
     std::array<Texts, 2> m_texts;
