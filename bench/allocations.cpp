@@ -9,7 +9,7 @@ std::atomic<std::uint64_t> counted;
 
 } // namespace
 
-// The C library's own allocator under the name it keeps for those who stand in front of it.
+// The names under which the C library keeps its own allocator for programs that replace it.
 extern "C" {
 void* __libc_malloc(std::size_t size);                    // NOLINT(bugprone-reserved-identifier)
 void* __libc_calloc(std::size_t count, std::size_t size); // NOLINT(bugprone-reserved-identifier)

@@ -4,7 +4,7 @@
 
 namespace brimlet {
 
-/// How often this program has asked for memory so far, whoever asked.
+/// How often this program has allocated memory so far, in libraries too.
 [[nodiscard]] std::uint64_t allocationCount();
 
 } // namespace brimlet

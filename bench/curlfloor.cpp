@@ -1,9 +1,8 @@
-// The least a program can do that polls: it asks for one address every three seconds, reads the
-// reply and forgets it.
+// The least a program can do that polls: every three seconds it requests one address, reads the
+// reply and drops it.
 //   bench-curl-floor ADDRESS
 
 #include <cstdio>
-#include <memory>
 #include <string>
 
 #include <curl/curl.h>
@@ -23,17 +22,16 @@ int main(int argc, char* argv[]) {
         std::fputs("usage: bench-curl-floor ADDRESS\n", stderr);
         return 2;
     }
-    const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> curl(curl_easy_init(),
-                                                                   &curl_easy_cleanup);
+    CURL* const curl = curl_easy_init();
     std::string reply;
-    curl_easy_setopt(curl.get(), CURLOPT_URL, argv[1]);
-    curl_easy_setopt(curl.get(), CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(curl.get(), CURLOPT_FAILONERROR, 1L);
-    curl_easy_setopt(curl.get(), CURLOPT_WRITEFUNCTION, append);
-    curl_easy_setopt(curl.get(), CURLOPT_WRITEDATA, &reply);
+    curl_easy_setopt(curl, CURLOPT_URL, argv[1]);
+    curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(curl, CURLOPT_FAILONERROR, 1L);
+    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, append);
+    curl_easy_setopt(curl, CURLOPT_WRITEDATA, &reply);
     while (true) {
         reply.clear();
-        if (const CURLcode result = curl_easy_perform(curl.get()); result != CURLE_OK) {
+        if (const CURLcode result = curl_easy_perform(curl); result != CURLE_OK) {
             std::fprintf(stderr, "bench-curl-floor: %s\n", curl_easy_strerror(result));
             return 1;
         }

@@ -1,10 +1,8 @@
-// Polls a placement service again and again, each time as soon as the reply before is applied: the
-// real store, requests, HTTP client and event loop, and nothing of a window. What a hundred polls
-// cost can be told from what eleven hundred do.
-//   bench-poll ROOT_URL POLLS [--plain] [--allocations]
-//     --plain         never asks whether the last reply still holds
-//     --allocations   prints how often memory was asked for since the start, as JSON
-// Exits with 0 only if every reply was applied.
+// Polls a placement service again and again, each time as soon as the last reply is applied, with
+// the real store, requests, HTTP client and event loop, and without a window. Prints the
+// allocations since the start. Exits with 0 only if every reply was applied.
+//   bench-poll ROOT_URL POLLS [--plain]
+//     --plain   makes no request conditional
 
 #include "bench/allocations.h"
 #include "host/hoststore.h"
@@ -21,31 +19,7 @@ namespace {
 
 using namespace brimlet;
 
-struct Options final {
-    QString root;
-    int polls = 0;
-    bool isPlain = false;
-    bool countsAllocations = false;
-};
-
-std::optional<Options> optionsOf(const QStringList& arguments) {
-    if (arguments.size() < 3) {
-        return std::nullopt;
-    }
-    Options options{.root = arguments.at(1), .polls = arguments.at(2).toInt()};
-    for (const QString& argument : arguments.mid(3)) {
-        if (argument == QLatin1StringView("--plain")) {
-            options.isPlain = true;
-        } else if (argument == QLatin1StringView("--allocations")) {
-            options.countsAllocations = true;
-        } else {
-            return std::nullopt;
-        }
-    }
-    return options.polls > 0 ? std::optional(options) : std::nullopt;
-}
-
-/// The real client, to which every request can be a new one.
+/// The real client; when plain, no request is conditional.
 class PollingHttpClient final : public HttpClient {
 public:
     explicit PollingHttpClient(bool isPlain)
@@ -72,9 +46,11 @@ QCoro::Task<> poll(std::shared_ptr<HostStore> store, int polls, const int& appli
 
 int main(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
-    const auto options = optionsOf(QCoreApplication::arguments());
-    if (!options) {
-        std::fputs("usage: bench-poll ROOT_URL POLLS [--plain] [--allocations]\n", stderr);
+    const QStringList arguments = QCoreApplication::arguments();
+    const int polls = arguments.value(2).toInt();
+    const bool isPlain = arguments.value(3) == QLatin1StringView("--plain");
+    if (polls <= 0 || arguments.size() != (isPlain ? 4 : 3)) {
+        std::fputs("usage: bench-poll ROOT_URL POLLS [--plain]\n", stderr);
         return 2;
     }
     FakeScreens screens;
@@ -82,21 +58,18 @@ int main(int argc, char* argv[]) {
     FakeSecretStore secrets;
     FakeBundle bundle;
     FakeClock clock;
-    PollingHttpClient http(options->isPlain);
+    PollingHttpClient http(isPlain);
     screens.set({notchedScreen(1)}, {1});
-    bundle.info.insert(QStringLiteral("BrimletAPIURL"), options->root);
+    bundle.info.insert(QStringLiteral("BrimletAPIURL"), arguments.at(1));
     const auto store = HostStore::create({screens, workspace, secrets, http, bundle, clock});
     int applied = 0;
     QObject::connect(store.get(), &HostStore::overlayNeedsRender, store.get(),
                      [&applied] { ++applied; });
-    QTimer::singleShot(0, [&] { startTask(poll(store, options->polls, applied)); });
+    QTimer::singleShot(0, [&] { startTask(poll(store, polls, applied)); });
     const int status = QCoreApplication::exec();
     if (status != 0) {
-        std::fprintf(stderr, "bench-poll: only %d of %d replies were applied\n", applied,
-                     options->polls);
-    } else if (options->countsAllocations) {
-        std::printf("{\"polls\":%d,\"allocations\":%llu}\n", applied,
-                    static_cast<unsigned long long>(allocationCount()));
+        std::fprintf(stderr, "bench-poll: only %d of %d replies were applied\n", applied, polls);
     }
+    std::printf("%llu\n", static_cast<unsigned long long>(allocationCount()));
     return status;
 }

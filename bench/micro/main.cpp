@@ -1,6 +1,5 @@
-// What the program does all day, one piece at a time, with the allocations of each round: a poll
-// that is read, applied and rendered, an address judged, a step of a tagline, a picture checked and
-// decoded. No network and no window system.
+// Single steps of the program, with the allocations of each: pictures, texts, polls and the scroll.
+// No network and no window system.
 
 #include <QApplication>
 

@@ -1,8 +1,8 @@
 // What one step of a scrolling tagline costs: from the wake-up until the rows of its text are
-// copied into a picture of the capsule, at one and at two pixels a point. The line draws its text
-// anew every couple of thousand pixels, which is part of the figure.
+// copied into a picture of the capsule, at one and at two pixels a point. Every couple of thousand
+// pixels the line draws its text again, which is part of the figure.
 
-#include "bench/micro/countallocations.h"
+#include "bench/micro/repeat.h"
 #include "creative/carradioline.h"
 #include "creative/notchfont.h"
 #include "platform/deferred.h"
@@ -13,7 +13,7 @@
 namespace brimlet {
 namespace {
 
-/// Wakes who sleeps when told, and is on the dot then. For one sleeper at a time.
+/// Advanced by hand to the end of the next sleep, exactly.
 class StepClock final : public Clock {
 public:
     [[nodiscard]] TimePoint now() const override { return {}; }
@@ -29,7 +29,6 @@ public:
         m_sleepers.emplace(m_uptime + duration, wake);
         co_await wake;
     }
-    /// Passes time until the next sleep ends.
     void step() {
         const auto next = m_sleepers.extract(m_sleepers.begin());
         m_uptime = std::max(m_uptime, next.key());
@@ -78,18 +77,13 @@ void marqueeStep(benchmark::State& state) {
     }
     paint(0, 20);
     clock.step();
-    {
-        const CountAllocations count(state);
-        for ([[maybe_unused]] auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
-            clock.step();
-        }
-    }
+    repeat(state, [&] { clock.step(); });
     if (steps != static_cast<int>(state.iterations())) {
         state.SkipWithError("the text did not move with every step");
     }
     line.disappear();
 }
-// No more than the text has pixels.
+// No more steps than the text has pixels.
 BENCHMARK(marqueeStep)->ArgName("scale")->Arg(1)->Iterations(4000);
 BENCHMARK(marqueeStep)->ArgName("scale")->Arg(2)->Iterations(8000);
 

@@ -1,61 +1,104 @@
-// What an ordinary picture costs: the gate alone, which every body passes before a decoder sees it,
-// and decoding with the gate before it.
+// What a picture costs: ordinary ones, the largest, and small files that take much work; and what the
+// checks cost that every picture passes before a decoder reads it.
 
-#include "bench/micro/countallocations.h"
-#include "bench/micro/ordinarypicture.h"
+#include "bench/micro/repeat.h"
 #include "creative/images/imagedecoding.h"
 #include "creative/images/imagegate.h"
 #include "tests/support/samplepictures.h"
 
+#include <QRandomGenerator>
+
 namespace brimlet {
 namespace {
 
-QByteArray ordinary(ImageFormat format) {
-    switch (format) {
-    case ImageFormat::Png:
-        return samples::png(hills(kOrdinary));
-    case ImageFormat::Jpeg:
-        return samples::jpeg(hills(kOrdinary));
-    case ImageFormat::Gif:
-        return samples::gif(samples::quadrants(kOrdinary));
-    case ImageFormat::WebP:
-        return samples::webp(hills(kOrdinary), false);
+constexpr QSize kOrdinary(512, 512);
+constexpr QSize kLargest(4096, 4096);
+
+/// Smooth enough to be compressed well, rough enough not to vanish.
+QImage hills(QSize size) {
+    QRandomGenerator random(5);
+    QImage picture(size, QImage::Format_ARGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            picture.setPixel(x, y,
+                             qRgba((x >> 4) & 255, (y >> 4) & 255, ((x ^ y) >> 5) & 255,
+                                   250 + random.bounded(2)));
+        }
     }
-    return {};
+    return picture;
 }
 
-void gate(benchmark::State& state, ImageFormat format) {
-    const QByteArray bytes = ordinary(format);
-    const CountAllocations count(state);
-    bool isLetThrough = false;
-    for ([[maybe_unused]] auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
-        isLetThrough = inspectImage(bytes).has_value();
-    }
-    state.counters["file KiB"] = static_cast<double>(bytes.size()) / 1024;
-    if (!isLetThrough) {
+QImage plain(QSize size, QImage::Format format) {
+    QImage picture(size, format);
+    picture.fill(QColor(200, 100, 50));
+    return picture;
+}
+
+constexpr auto ordinaryPng = [] { return samples::png(hills(kOrdinary)); };
+constexpr auto ordinaryJpeg = [] { return samples::jpeg(hills(kOrdinary)); };
+constexpr auto ordinaryGif = [] { return samples::gif(samples::quadrants(kOrdinary)); };
+constexpr auto ordinaryWebP = [] { return samples::webp(hills(kOrdinary), false); };
+
+void validate(benchmark::State& state, QByteArray (*make)()) {
+    const QByteArray bytes = make();
+    bool isValid = false;
+    repeat(state, [&] { isValid = inspectImage(bytes).has_value(); });
+    if (!isValid) {
         state.SkipWithError("the picture was refused");
     }
 }
-BENCHMARK_CAPTURE(gate, png, ImageFormat::Png);
-BENCHMARK_CAPTURE(gate, jpeg, ImageFormat::Jpeg);
-BENCHMARK_CAPTURE(gate, gif, ImageFormat::Gif);
-BENCHMARK_CAPTURE(gate, webp, ImageFormat::WebP);
+BENCHMARK_CAPTURE(validate, png, ordinaryPng);
+BENCHMARK_CAPTURE(validate, jpeg, ordinaryJpeg);
+BENCHMARK_CAPTURE(validate, gif, ordinaryGif);
+BENCHMARK_CAPTURE(validate, webp, ordinaryWebP);
 
-void decode(benchmark::State& state, ImageFormat format) {
-    const QByteArray bytes = ordinary(format);
-    const CountAllocations count(state);
+struct Sample final {
+    const char* name;
+    QByteArray (*make)();
+};
+
+const Sample kSamples[] = {
+    {"ordinary PNG", ordinaryPng},
+    {"ordinary JPEG", ordinaryJpeg},
+    {"ordinary progressive JPEG", [] { return samples::jpeg(hills(kOrdinary), true); }},
+    {"ordinary GIF", ordinaryGif},
+    {"ordinary lossy WebP", ordinaryWebP},
+    {"ordinary lossless WebP", [] { return samples::webp(hills(kOrdinary), true); }},
+    {"largest plain PNG", [] { return samples::png(plain(kLargest, QImage::Format_ARGB32)); }},
+    {"largest rough PNG", [] { return samples::png(hills(QSize(3000, 3000))); }},
+    {"largest interlaced PNG",
+     [] { return samples::interlacedPng(plain(kLargest, QImage::Format_ARGB32)); }},
+    {"largest deep PNG",
+     [] { return samples::png(plain(QSize(4096, 2048), QImage::Format_RGBA64)); }},
+    {"largest JPEG", [] { return samples::jpeg(hills(kLargest)); }},
+    {"largest progressive JPEG", [] { return samples::jpeg(hills(QSize(4096, 2720)), true); }},
+    {"JPEG of idle scans", [] { return samples::idleJpeg(24, false); }},
+    {"JPEG of idle restarts", [] { return samples::idleJpeg(6, false, 1); }},
+    {"JPEG of idle refinements", [] { return samples::idleJpeg(3, true); }},
+    {"largest GIF", [] { return samples::plainGif(kLargest); }},
+    {"GIF without end", [] { return samples::endlessGif(QSize(16, 16), 2'000'000); }},
+    {"largest lossy WebP",
+     [] { return samples::webp(hills(kLargest).convertToFormat(QImage::Format_RGB32), false); }},
+    {"largest lossless WebP", [] { return samples::webp(hills(QSize(4096, 2730)), true); }},
+};
+
+/// With the checks before it. Costly pictures may be given up.
+void decode(benchmark::State& state, const Sample& sample) {
+    const QByteArray bytes = sample.make();
     bool isDecoded = false;
-    for ([[maybe_unused]] auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
-        isDecoded = decodeImage(bytes).has_value();
-    }
-    if (!isDecoded) {
+    repeat(state, [&] { isDecoded = decodeImage(bytes).has_value(); });
+    state.counters["decoded"] = isDecoded ? 1 : 0;
+    if (!isDecoded && QByteArrayView(sample.name).startsWith("ordinary")) {
         state.SkipWithError("the picture was given up");
     }
 }
-BENCHMARK_CAPTURE(decode, png, ImageFormat::Png)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(decode, jpeg, ImageFormat::Jpeg)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(decode, gif, ImageFormat::Gif)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(decode, webp, ImageFormat::WebP)->Unit(benchmark::kMicrosecond);
+
+const bool kAreRegistered = [] {
+    for (const Sample& sample : kSamples) {
+        benchmark::RegisterBenchmark(sample.name, decode, sample)->Unit(benchmark::kMillisecond);
+    }
+    return true;
+}();
 
 } // namespace
 } // namespace brimlet
