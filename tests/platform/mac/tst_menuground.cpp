@@ -1,7 +1,7 @@
 #include "platform/mac/rules/menuground.h"
 #include "tests/support/testprogram.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QLineEdit>
 #include <QScreen>
 #include <QTest>
@@ -55,7 +55,7 @@ private Q_SLOTS:
     }
 
     void itsPlaceIsBesideTheItemAndInsideTheScreen() {
-        const QRect screen = QGuiApplication::primaryScreen()->geometry();
+        const QRect screen = QApplication::primaryScreen()->geometry();
         QCOMPARE(screen.topLeft(), QPoint(0, 0));
         const double top = screen.height();
         MenuGround ground(
@@ -123,5 +123,5 @@ private Q_SLOTS:
     }
 };
 
-BRIMLET_TEST(TestMenuGround, QGuiApplication)
+BRIMLET_TEST(TestMenuGround, QApplication)
 #include "tst_menuground.moc"
