@@ -8,7 +8,7 @@
 namespace brimlet {
 namespace {
 
-/// Connections kept open between requests for each tenant, by all together.
+/// Connections kept open between requests for each client, by all together.
 constexpr long kIdleConnections = 4;
 
 /// 0 where no reply came.
@@ -21,7 +21,7 @@ int statusOf(const HttpResult& result) {
 
 CurlEngine::CurlEngine(QByteArray moreAuthorities)
     : m_multi(curl_multi_init()) {
-    m_commons.moreAuthorities = std::move(moreAuthorities);
+    m_context.moreAuthorities = std::move(moreAuthorities);
     m_timer.setSingleShot(true);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
 
@@ -33,69 +33,71 @@ CurlEngine::CurlEngine(QByteArray moreAuthorities)
     curl_multi_setopt(multi, CURLMOPT_PIPELINING, long{CURLPIPE_NOTHING});
 }
 
-std::shared_ptr<CurlTenant> CurlEngine::join() {
-    ++m_tenants;
+std::shared_ptr<CurlClientState> CurlEngine::join() {
+    ++m_clients;
     allowConnections();
-    return std::make_shared<CurlTenant>(m_nextScope++);
+    return std::make_shared<CurlClientState>(m_nextScope++);
 }
 
 void CurlEngine::allowConnections() {
-    const long most = kIdleConnections * std::max(m_tenants, 1L); // 0 would mean libcurl's own rule
+    const long most = kIdleConnections * std::max(m_clients, 1L); // 0 would mean libcurl's own rule
     curl_multi_setopt(m_multi.get(), CURLMOPT_MAXCONNECTS, most);
 }
 
-Deferred<HttpResult> CurlEngine::start(HttpRequest request, std::shared_ptr<CurlTenant> tenant) {
-    auto exchange = std::make_unique<CurlExchange>(std::move(request), std::move(tenant));
-    Deferred<HttpResult> outcome = exchange->outcome;
-    CurlUrl address = curlAddress(exchange->request.url);
-    if (exchange->tenant->isGone) {
+Deferred<HttpResult> CurlEngine::start(HttpRequest request,
+                                       std::shared_ptr<CurlClientState> client) {
+    auto chain = std::make_unique<CurlRequestChain>(std::move(request), std::move(client));
+    Deferred<HttpResult> outcome = chain->outcome;
+    CurlUrl address = curlAddress(chain->request.url);
+    if (chain->client->isGone) {
         outcome.resolve(HttpError::Cancelled);
-    } else if (!isSendable(exchange->request) || !address) {
+    } else if (!isSendable(chain->request) || !address) {
         outcome.resolve(HttpError::BadRequest);
     } else {
-        exchange->memo = exchange->tenant->replies.recall(exchange->request);
-        startHop(std::move(exchange), std::move(address));
+        chain->lookup = chain->client->replies.lookUp(chain->request);
+        startTransfer(std::move(chain), std::move(address));
     }
     return outcome;
 }
 
-void CurlEngine::startHop(std::unique_ptr<CurlExchange> exchange, CurlUrl address) {
-    const std::chrono::milliseconds left(exchange->deadline.remainingTime());
+void CurlEngine::startTransfer(std::unique_ptr<CurlRequestChain> chain, CurlUrl address) {
+    const std::chrono::milliseconds left(chain->deadline.remainingTime());
     if (left.count() == 0) {
-        finish(*exchange, HttpError::TimedOut);
+        finish(*chain, HttpError::TimedOut);
         return;
     }
-    const HttpRequest request = exchange->hopRequest();
-    auto hop =
-        std::make_unique<CurlHop>(request, std::move(address), left, m_commons, exchange->tenant);
-    if (!hop->isReady() || curl_multi_add_handle(m_multi.get(), hop->handle()) != CURLM_OK) {
-        finish(*exchange, HttpError::Unreachable);
+    const HttpRequest request = chain->currentRequest();
+    auto transfer =
+        std::make_unique<CurlTransfer>(request, std::move(address), left, m_context, chain->client);
+    if (!transfer->isReady() ||
+        curl_multi_add_handle(m_multi.get(), transfer->handle()) != CURLM_OK) {
+        finish(*chain, HttpError::Unreachable);
         return;
     }
-    hop->exchange = std::move(exchange);
-    CurlHop& started = *hop;
-    started.place = m_hops.insert(m_hops.end(), std::move(hop));
+    transfer->chain = std::move(chain);
+    CurlTransfer& started = *transfer;
+    started.place = m_transfers.insert(m_transfers.end(), std::move(transfer));
 }
 
-void CurlEngine::leave(CurlTenant& tenant) {
-    tenant.isGone = true;
+void CurlEngine::leave(CurlClientState& client) {
+    client.isGone = true;
     Outcomes cancelled;
     for (Outcome& outcome : std::exchange(m_outcomes, {})) {
-        const bool isOwn = outcome.tenant.get() == &tenant;
+        const bool isOwn = outcome.client.get() == &client;
         (isOwn ? cancelled : m_outcomes).push_back(std::move(outcome));
     }
-    for (auto next = m_hops.begin(); next != m_hops.end();) {
-        CurlHop& hop = **next++;
-        if (hop.tenant() != &tenant) {
+    for (auto next = m_transfers.begin(); next != m_transfers.end();) {
+        CurlTransfer& transfer = **next++;
+        if (transfer.client() != &client) {
             continue;
         }
-        if (hop.exchange) {
+        if (transfer.chain) {
             cancelled.push_back(
-                {hop.exchange->outcome, hop.exchange->tenant, HttpError::Cancelled});
+                {transfer.chain->outcome, transfer.chain->client, HttpError::Cancelled});
         }
-        drop(hop);
+        drop(transfer);
     }
-    --m_tenants;
+    --m_clients;
     allowConnections();
     for (Outcome& outcome : cancelled) {
         outcome.result = HttpError::Cancelled;
@@ -111,70 +113,71 @@ void CurlEngine::act(curl_socket_t socket, int events) {
 }
 
 void CurlEngine::collect() {
-    endHops();
+    endTransfers();
 
     struct Settled {
-        std::unique_ptr<CurlExchange> exchange;
+        std::unique_ptr<CurlRequestChain> chain;
         HttpResult result;
         CurlHead head;
     };
     std::vector<Settled> settled;
-    for (CurlHop* const hop : std::exchange(m_commons.news, {})) {
-        hop->setSeen();
-        if (hop->exchange && hop->isSettled()) {
-            settled.push_back({std::move(hop->exchange), hop->takeResult(), hop->head()});
+    for (CurlTransfer* const transfer : std::exchange(m_context.news, {})) {
+        transfer->setSeen();
+        if (transfer->chain && transfer->hasResult()) {
+            settled.push_back(
+                {std::move(transfer->chain), transfer->takeResult(), transfer->head()});
         }
-        if (!hop->exchange && hop->isSpent()) {
-            drop(*hop);
+        if (!transfer->chain && transfer->isDrained()) {
+            drop(*transfer);
         }
     }
     for (Settled& one : settled) {
-        settle(std::move(one.exchange), std::move(one.result), one.head);
+        settle(std::move(one.chain), std::move(one.result), one.head);
     }
 }
 
-void CurlEngine::endHops() {
+void CurlEngine::endTransfers() {
     int left = 0;
     while (const CURLMsg* message = curl_multi_info_read(m_multi.get(), &left)) {
         if (message->msg != CURLMSG_DONE) {
             continue;
         }
-        CurlHop* hop = nullptr;
-        curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &hop);
-        hop->end(message->data.result);
+        CurlTransfer* transfer = nullptr;
+        curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
+        transfer->end(message->data.result);
     }
 }
 
-void CurlEngine::drop(const CurlHop& hop) {
-    curl_multi_remove_handle(m_multi.get(), hop.handle());
-    std::erase(m_commons.news, &hop); // libcurl may have had a last word
-    m_hops.erase(hop.place);
+void CurlEngine::drop(const CurlTransfer& transfer) {
+    curl_multi_remove_handle(m_multi.get(), transfer.handle());
+    std::erase(m_context.news, &transfer); // libcurl may have had a last word
+    m_transfers.erase(transfer.place);
 }
 
-void CurlEngine::settle(std::unique_ptr<CurlExchange> exchange, HttpResult result,
+void CurlEngine::settle(std::unique_ptr<CurlRequestChain> chain, HttpResult result,
                         const CurlHead& head) {
-    CurlTenant& tenant = *exchange->tenant;
-    if (exchange->memo.kept && statusOf(result) == 304) {
-        ++m_commons.traffic.notModified;
+    CurlClientState& client = *chain->client;
+    if (chain->lookup.kept && statusOf(result) == 304) {
+        ++m_context.traffic.notModified;
     }
-    result = tenant.replies.settled(exchange->memo, std::move(result), head.validators());
+    result = client.replies.applyReply(chain->lookup, std::move(result), head.validators());
     const auto* const reply = std::get_if<HttpReply>(&result);
     CurlUrl target;
-    if (reply != nullptr && !tenant.isGone) {
-        target = exchange->redirect(reply->status, head.location());
+    if (reply != nullptr && !client.isGone) {
+        target = chain->redirect(reply->status, head.location());
     }
-    if (target && !tenant.isGone) { // the rule may have dropped the client
-        startHop(std::move(exchange), std::move(target));
+    if (target && !client.isGone) { // the rule may have dropped the client
+        startTransfer(std::move(chain), std::move(target));
     } else {
-        finish(*exchange, std::move(result));
+        finish(*chain, std::move(result));
     }
 }
 
-void CurlEngine::finish(const CurlExchange& exchange, HttpResult result) {
-    if (exchange.tenant->isGone) {
+void CurlEngine::finish(const CurlRequestChain& chain, HttpResult result) {
+    if (chain.client->isGone) {
         result = HttpError::Cancelled;
     }
-    m_outcomes.push_back({exchange.outcome, exchange.tenant, std::move(result)});
+    m_outcomes.push_back({chain.outcome, chain.client, std::move(result)});
     if (m_outcomes.size() == 1) {
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),

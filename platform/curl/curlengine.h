@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/curl/curlexchange.h"
-#include "platform/curl/curlhop.h"
+#include "platform/curl/curlrequestchain.h"
+#include "platform/curl/curltransfer.h"
 
 #include <QSocketNotifier>
 #include <QTimer>
@@ -25,16 +25,16 @@ public:
     CurlEngine(const CurlEngine&) = delete;
     CurlEngine& operator=(const CurlEngine&) = delete;
 
-    /// A new tenant. It leaves, once, before the engine goes.
-    [[nodiscard]] std::shared_ptr<CurlTenant> join();
+    /// A new client. It leaves, once, before the engine goes.
+    [[nodiscard]] std::shared_ptr<CurlClientState> join();
     /// The outcome is there at once for a request that cannot be sent.
     [[nodiscard]] Deferred<HttpResult> start(HttpRequest request,
-                                             std::shared_ptr<CurlTenant> tenant);
-    /// Ends everything of the tenant's that is under way as Cancelled, and whatever it starts from
+                                             std::shared_ptr<CurlClientState> client);
+    /// Ends everything of the client's that is under way as Cancelled, and whatever it starts from
     /// then on. Its connections stay until they are found old.
-    void leave(CurlTenant& tenant);
+    void leave(CurlClientState& client);
 
-    [[nodiscard]] const CurlTraffic& traffic() const { return m_commons.traffic; }
+    [[nodiscard]] const CurlTraffic& traffic() const { return m_context.traffic; }
 
 private:
     struct Socket {
@@ -43,20 +43,20 @@ private:
     };
     struct Outcome {
         Deferred<HttpResult> deferred;
-        std::shared_ptr<CurlTenant> tenant;
+        std::shared_ptr<CurlClientState> client;
         HttpResult result;
     };
     using Outcomes = std::deque<Outcome>;
-    using Hops = std::list<std::unique_ptr<CurlHop>>;
+    using Transfers = std::list<std::unique_ptr<CurlTransfer>>;
 
-    void startHop(std::unique_ptr<CurlExchange> exchange, CurlUrl address);
+    void startTransfer(std::unique_ptr<CurlRequestChain> chain, CurlUrl address);
     void act(curl_socket_t socket, int events);
     void collect();
-    void endHops();
-    void drop(const CurlHop& hop);
+    void endTransfers();
+    void drop(const CurlTransfer& transfer);
     void allowConnections();
-    void settle(std::unique_ptr<CurlExchange> exchange, HttpResult result, const CurlHead& head);
-    void finish(const CurlExchange& exchange, HttpResult result);
+    void settle(std::unique_ptr<CurlRequestChain> chain, HttpResult result, const CurlHead& head);
+    void finish(const CurlRequestChain& chain, HttpResult result);
     static void deliver(Outcomes& outcomes);
     Socket& socketFor(curl_socket_t socket);
 
@@ -64,15 +64,15 @@ private:
     static int onTimerWanted(CURLM* multi, long milliseconds, void* self);
 
     CurlLibrary m_library;
-    CurlCommons m_commons;
-    long m_tenants = 0;
+    CurlTransferContext m_context;
+    long m_clients = 0;
     long m_nextScope = 0;
     Outcomes m_outcomes;
     /// By descriptor, kept disabled when unused: descriptors come back, so there are few.
     std::map<curl_socket_t, std::unique_ptr<Socket>> m_sockets;
     QTimer m_timer;
     CurlMulti m_multi;
-    Hops m_hops;
+    Transfers m_transfers;
 };
 
 } // namespace brimlet

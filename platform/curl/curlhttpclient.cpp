@@ -17,15 +17,15 @@ CurlHttpClient::CurlHttpClient(const QByteArray& moreAuthorities)
 
 CurlHttpClient::CurlHttpClient(std::shared_ptr<CurlEngine> engine)
     : m_engine(std::move(engine))
-    , m_tenant(m_engine->join()) {}
+    , m_client(m_engine->join()) {}
 
 CurlHttpClient::~CurlHttpClient() {
-    m_engine->leave(*m_tenant);
+    m_engine->leave(*m_client);
 }
 
 QCoro::Task<HttpResult> CurlHttpClient::send(HttpRequest request) {
     // The client may be gone when the outcome is there: nothing of it is used after the wait.
-    const Deferred<HttpResult> outcome = m_engine->start(std::move(request), m_tenant);
+    const Deferred<HttpResult> outcome = m_engine->start(std::move(request), m_client);
     co_return co_await outcome;
 }
 

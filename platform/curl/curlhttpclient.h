@@ -10,7 +10,7 @@
 namespace brimlet {
 
 class CurlEngine;
-struct CurlTenant;
+struct CurlClientState;
 
 /// What does the work of clients, for those that are to share it, since one takes 45 KiB. For some
 /// tens of them: at the end of each request all kept connections of the engine are walked through.
@@ -39,7 +39,7 @@ public:
 
 private:
     std::shared_ptr<CurlEngine> m_engine;
-    std::shared_ptr<CurlTenant> m_tenant;
+    std::shared_ptr<CurlClientState> m_client;
 };
 
 } // namespace brimlet

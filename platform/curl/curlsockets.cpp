@@ -67,7 +67,8 @@ bool CurlSockets::add(curl_socket_t socket) {
     return ::fcntl(socket, F_SETFD, FD_CLOEXEC) == 0;
 }
 
-void CurlSockets::shutUnlessQuiet(const SocketEnd& here, const SocketEnd& there, bool hasMoreRead) {
+void CurlSockets::shutDownIfDataIsPending(const SocketEnd& here, const SocketEnd& there,
+                                          bool hasMoreRead) {
     if (here.address.isEmpty() || there.address.isEmpty()) {
         return; // ends without a name are no connection of ours
     }

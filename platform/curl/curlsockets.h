@@ -30,7 +30,7 @@ public:
     /// To be called before the connection between these ends is used again, with whether more of it
     /// was read than was asked for. One on which anything has arrived is shut, so that sending
     /// fails and libcurl goes on with a connection of its own.
-    void shutUnlessQuiet(const SocketEnd& here, const SocketEnd& there, bool hasMoreRead);
+    void shutDownIfDataIsPending(const SocketEnd& here, const SocketEnd& there, bool hasMoreRead);
 
 private:
     using ByEnd = std::multimap<SocketEnd, curl_socket_t>;

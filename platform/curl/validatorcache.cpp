@@ -33,7 +33,7 @@ QByteArray keyOf(const HttpRequest& request) {
 
 } // namespace
 
-ValidatorCache::Memo ValidatorCache::recall(const HttpRequest& request) {
+ValidatorCache::Lookup ValidatorCache::lookUp(const HttpRequest& request) {
     const bool isAsked =
         request.mayRevalidate && request.method == "GET" && !request.body &&
         request.lastStatusWithBody >= 200 &&
@@ -41,47 +41,47 @@ ValidatorCache::Memo ValidatorCache::recall(const HttpRequest& request) {
     if (!isAsked) {
         return {};
     }
-    Memo memo{.key = keyOf(request), .kept = nullptr};
+    Lookup lookup{.key = keyOf(request), .kept = nullptr};
     const auto entry = std::find_if(m_entries.begin(), m_entries.end(),
-                                    [&memo](const Entry& one) { return one.key == memo.key; });
+                                    [&lookup](const Entry& one) { return one.key == lookup.key; });
     if (entry != m_entries.end() && entry->kept->body.size() <= request.bodyLimit) {
         m_entries.splice(m_entries.begin(), m_entries, entry);
-        memo.kept = entry->kept;
+        lookup.kept = entry->kept;
     }
-    return memo;
+    return lookup;
 }
 
-std::optional<HttpHeader> ValidatorCache::question(const Memo& memo) {
-    if (!memo.kept) {
+std::optional<HttpHeader> ValidatorCache::conditionalHeader(const Lookup& lookup) {
+    if (!lookup.kept) {
         return std::nullopt;
     }
-    const Validators& validators = memo.kept->validators;
+    const Validators& validators = lookup.kept->validators;
     if (!validators.etag().isEmpty()) {
         return HttpHeader{"If-None-Match", validators.etag()};
     }
     return HttpHeader{"If-Modified-Since", validators.lastModified()};
 }
 
-HttpResult ValidatorCache::settled(const Memo& memo, HttpResult result,
-                                   const Validators& validators) {
+HttpResult ValidatorCache::applyReply(const Lookup& lookup, HttpResult result,
+                                      const Validators& validators) {
     const auto* const reply = std::get_if<HttpReply>(&result);
     // No reply, and a service in trouble, say nothing about what was kept.
-    if (memo.key.isEmpty() || reply == nullptr || reply->status >= 500) {
+    if (lookup.key.isEmpty() || reply == nullptr || reply->status >= 500) {
         return result;
     }
     if (reply->status == 304) {
-        if (!memo.kept) {
+        if (!lookup.kept) {
             return result; // nobody asked
         }
-        if (!validators.agreesWith(memo.kept->validators)) {
-            forget(memo.key); // the next reply comes whole, and with a validator of its own
+        if (!validators.agreesWith(lookup.kept->validators)) {
+            forget(lookup.key); // the next reply comes whole, and with a validator of its own
         }
-        return HttpReply{200, memo.kept->body};
+        return HttpReply{200, lookup.kept->body};
     }
     if (reply->status == 200 && validators.mayKeep() && reply->body.size() <= kLongestBody) {
-        keep(memo.key, validators, reply->body);
+        keep(lookup.key, validators, reply->body);
     } else {
-        forget(memo.key);
+        forget(lookup.key);
     }
     return result;
 }

@@ -18,18 +18,18 @@ public:
         QByteArray body;
     };
     /// What one request has to do with the cache.
-    struct Memo final {
+    struct Lookup final {
         QByteArray key; ///< Empty when the reply is neither asked about nor kept.
         /// The reply that is asked about, held until the answer is there; null for none.
         std::shared_ptr<const Kept> kept;
     };
 
-    [[nodiscard]] Memo recall(const HttpRequest& request);
+    [[nodiscard]] Lookup lookUp(const HttpRequest& request);
     /// The header that asks, or nothing.
-    [[nodiscard]] static std::optional<HttpHeader> question(const Memo& memo);
+    [[nodiscard]] static std::optional<HttpHeader> conditionalHeader(const Lookup& lookup);
     /// Learns from the outcome of the request, and makes the 304 to its question the kept reply.
-    [[nodiscard]] HttpResult settled(const Memo& memo, HttpResult result,
-                                     const Validators& validators);
+    [[nodiscard]] HttpResult applyReply(const Lookup& lookup, HttpResult result,
+                                        const Validators& validators);
 
 private:
     struct Entry final {

@@ -1,8 +1,8 @@
-// What a hop tells libcurl before it starts.
+// What a transfer tells libcurl before it starts.
 
 #include "platform/curl/authorities.h"
-#include "platform/curl/curlexchange.h"
-#include "platform/curl/curlhop.h"
+#include "platform/curl/curlrequestchain.h"
+#include "platform/curl/curltransfer.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -27,13 +27,14 @@ bool hasHeader(const HttpRequest& request, const char* name) {
 
 } // namespace
 
-// A handle of its own for each hop, never one that was used before: libcurl 7.88 keeps a pointer to
-// a header of the request before, even across a reset, and follows it when a header line begins
-// with a blank.
-CurlHop::CurlHop(const HttpRequest& request, CurlUrl address, std::chrono::milliseconds timeout,
-                 CurlCommons& commons, std::shared_ptr<CurlTenant> tenant)
-    : m_commons(commons)
-    , m_tenant(std::move(tenant))
+// A handle of its own for each transfer, never one that was used before: libcurl 7.88 keeps a
+// pointer to a header of the request before, even across a reset, and follows it when a header line
+// begins with a blank.
+CurlTransfer::CurlTransfer(const HttpRequest& request, CurlUrl address,
+                           std::chrono::milliseconds timeout, CurlTransferContext& context,
+                           std::shared_ptr<CurlClientState> client)
+    : m_context(context)
+    , m_client(std::move(client))
     , m_address(std::move(address))
     , m_lastStatusWithBody(request.lastStatusWithBody)
     , m_bodyLimit(request.bodyLimit)
@@ -44,15 +45,15 @@ CurlHop::CurlHop(const HttpRequest& request, CurlUrl address, std::chrono::milli
     setCallbacks();
 }
 
-void CurlHop::setRules(std::chrono::milliseconds timeout) {
+void CurlTransfer::setRules(std::chrono::milliseconds timeout) {
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
     set(CURLOPT_HTTP09_ALLOWED, 0L);
     set(CURLOPT_FOLLOWLOCATION, 0L);
     set(CURLOPT_TIMEOUT_MS, toLong(timeout));
     set(CURLOPT_NOSIGNAL, 1L);
-    if (m_tenant->scope != 0) {
-        set(CURLOPT_ADDRESS_SCOPE, m_tenant->scope);
+    if (m_client->scope != 0) {
+        set(CURLOPT_ADDRESS_SCOPE, m_client->scope);
     }
     set(CURLOPT_QUICK_EXIT, 1L); // never wait for a hanging name look-up
     set(CURLOPT_BUFFERSIZE, 16L * 1024);
@@ -67,7 +68,7 @@ void CurlHop::setRules(std::chrono::milliseconds timeout) {
         set(CURLOPT_CAPATH, folder.constData());
         set(CURLOPT_CAINFO, static_cast<const char*>(nullptr));
     }
-    if (const QByteArray& moreAuthorities = m_commons.moreAuthorities; !moreAuthorities.isEmpty()) {
+    if (const QByteArray& moreAuthorities = m_context.moreAuthorities; !moreAuthorities.isEmpty()) {
         const bool isFolder = QFileInfo(QFile::decodeName(moreAuthorities)).isDir();
         set(isFolder ? CURLOPT_CAPATH : CURLOPT_CAINFO, moreAuthorities.constData());
     }
@@ -77,7 +78,7 @@ void CurlHop::setRules(std::chrono::milliseconds timeout) {
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
 }
 
-void CurlHop::setRequest(const HttpRequest& request) {
+void CurlTransfer::setRequest(const HttpRequest& request) {
     set(CURLOPT_CURLU, m_address.get());
     if (isLoopback(request.url)) {
         set(CURLOPT_PROXY, "");
@@ -117,7 +118,7 @@ void CurlHop::setRequest(const HttpRequest& request) {
     set(CURLOPT_HTTPHEADER, m_lines.get());
 }
 
-void CurlHop::addLine(const QByteArray& line) {
+void CurlTransfer::addLine(const QByteArray& line) {
     curl_slist* const longer = curl_slist_append(m_lines.get(), line.constData());
     m_isReady = m_isReady && longer != nullptr;
     if (longer != nullptr && !m_lines) {

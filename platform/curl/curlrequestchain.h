@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/curl/curlclientstate.h"
 #include "platform/curl/curlhandles.h"
-#include "platform/curl/curltenant.h"
 #include "platform/deferred.h"
 #include "platform/httpclient.h"
 
@@ -15,11 +15,11 @@ namespace brimlet {
 /// False when the method or a header cannot be sent as it is without changing what is sent.
 [[nodiscard]] bool isSendable(const HttpRequest& request);
 
-/// A request on its way from hop to hop.
-struct CurlExchange final {
-    CurlExchange(HttpRequest asked, std::shared_ptr<CurlTenant> asking)
+/// A request on its way from transfer to transfer.
+struct CurlRequestChain final {
+    CurlRequestChain(HttpRequest asked, std::shared_ptr<CurlClientState> asking)
         : request(std::move(asked))
-        , tenant(std::move(asking))
+        , client(std::move(asking))
         , origin(request.url)
         , deadline(std::min<std::chrono::milliseconds>(request.timeout, std::chrono::hours(24))) {}
 
@@ -27,15 +27,15 @@ struct CurlExchange final {
     /// nothing changed, when the reply is no redirect or one that is not to be followed.
     [[nodiscard]] CurlUrl redirect(int status, const QByteArray& location);
     /// The request with the question that goes to its first address, if any.
-    [[nodiscard]] HttpRequest hopRequest() const;
+    [[nodiscard]] HttpRequest currentRequest() const;
 
     HttpRequest request;
-    std::shared_ptr<CurlTenant> tenant; ///< Who asks.
+    std::shared_ptr<CurlClientState> client; ///< Who asks.
     /// Of the first address; elsewhere nothing is asked about, and nothing kept.
-    ValidatorCache::Memo memo;
+    ValidatorCache::Lookup lookup;
     Url origin;
     QDeadlineTimer deadline;
-    int hopsLeft = 3;
+    int redirectsLeft = 3;
     Deferred<HttpResult> outcome;
 };
 

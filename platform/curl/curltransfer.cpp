@@ -1,6 +1,6 @@
-#include "platform/curl/curlhop.h"
+#include "platform/curl/curltransfer.h"
 
-#include "platform/curl/curlexchange.h"
+#include "platform/curl/curlrequestchain.h"
 
 #include <openssl/ssl.h>
 
@@ -65,32 +65,32 @@ QByteArrayView viewOf(const char* data, std::size_t size) {
 
 } // namespace
 
-void CurlHop::setCallbacks() {
+void CurlTransfer::setCallbacks() {
     set(CURLOPT_PRIVATE, static_cast<void*>(this));
-    set(CURLOPT_HEADERFUNCTION, &CurlHop::onHeader);
+    set(CURLOPT_HEADERFUNCTION, &CurlTransfer::onHeader);
     set(CURLOPT_HEADERDATA, static_cast<void*>(this));
-    set(CURLOPT_WRITEFUNCTION, &CurlHop::onBody);
+    set(CURLOPT_WRITEFUNCTION, &CurlTransfer::onBody);
     set(CURLOPT_WRITEDATA, static_cast<void*>(this));
-    set(CURLOPT_SOCKOPTFUNCTION, &CurlHop::onSocket);
+    set(CURLOPT_SOCKOPTFUNCTION, &CurlTransfer::onSocket);
     set(CURLOPT_SOCKOPTDATA, static_cast<void*>(this));
-    set(CURLOPT_PREREQFUNCTION, &CurlHop::onConnected);
+    set(CURLOPT_PREREQFUNCTION, &CurlTransfer::onConnected);
     set(CURLOPT_PREREQDATA, static_cast<void*>(this));
     // Nothing is printed: this is where a body's bytes are seen before they are unwrapped.
-    set(CURLOPT_DEBUGFUNCTION, &CurlHop::onDebug);
+    set(CURLOPT_DEBUGFUNCTION, &CurlTransfer::onDebug);
     set(CURLOPT_DEBUGDATA, static_cast<void*>(this));
     set(CURLOPT_VERBOSE, 1L);
 }
 
-void CurlHop::end(CURLcode code) {
+void CurlTransfer::end(CURLcode code) {
     m_end = code;
-    tellNews();
+    markReady();
 }
 
-bool CurlHop::isSettled() const {
+bool CurlTransfer::hasResult() const {
     return m_failure || m_end || (m_status != 0 && !m_wantsBody);
 }
 
-HttpResult CurlHop::takeResult() {
+HttpResult CurlTransfer::takeResult() {
     if (m_failure) {
         return *m_failure;
     }
@@ -106,28 +106,28 @@ HttpResult CurlHop::takeResult() {
     if (m_status == 0) {
         return HttpError::Broken; // closed before the head was complete
     }
-    m_tenant->held -= m_body.size();
+    m_client->held -= m_body.size();
     return HttpReply{m_status, std::exchange(m_body, {})};
 }
 
-bool CurlHop::fail(HttpError error) {
+bool CurlTransfer::fail(HttpError error) {
     if (!m_failure) {
         m_failure = error;
     }
     return false;
 }
 
-bool CurlHop::addHeadLine(QByteArrayView line) {
+bool CurlTransfer::addHeadLine(QByteArrayView line) {
     if (const auto error = m_head.add(line)) {
         // A settled status stands, whatever trails a body that nobody asked for.
-        m_isSpent = true;
-        return isSettled() ? false : fail(*error);
+        m_isDrained = true;
+        return hasResult() ? false : fail(*error);
     }
     const bool isEndOfHead = line == "\r\n" || line == "\n";
     return m_status == 0 && isEndOfHead ? endHead() : true;
 }
 
-bool CurlHop::endHead() {
+bool CurlTransfer::endHead() {
     long status = 0;
     curl_easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
     if (status < 100 || status > 999) {
@@ -145,29 +145,29 @@ bool CurlHop::endHead() {
     }
     // The length that a 204 or 304 names is not one of bytes to come.
     const bool hasNoBody = status == 204 || status == 304;
-    m_isSpent = status == 101 || (length > kDrainLimit && !hasNoBody);
-    return !m_isSpent;
+    m_isDrained = status == 101 || (length > kDrainLimit && !hasNoBody);
+    return !m_isDrained;
 }
 
-bool CurlHop::addBody(QByteArrayView bytes) {
+bool CurlTransfer::addBody(QByteArrayView bytes) {
     if (!m_wantsBody) {
-        return !m_isSpent;
+        return !m_isDrained;
     }
     if (bytes.size() > m_bodyLimit - m_body.size()) {
         return fail(HttpError::TooLarge);
     }
-    if (bytes.size() > kHeldLimit - m_tenant->held && m_body.size() + bytes.size() > kSmallBody) {
+    if (bytes.size() > kHeldLimit - m_client->held && m_body.size() + bytes.size() > kSmallBody) {
         return fail(HttpError::TooLarge); // all those under way together hold too much
     }
-    m_tenant->held += bytes.size();
+    m_client->held += bytes.size();
     m_body += bytes;
     return true;
 }
 
-void CurlHop::countRaw(qsizetype bytes) {
+void CurlTransfer::countRaw(qsizetype bytes) {
     m_rawBytes += bytes;
     if (!m_wantsBody) {
-        m_isSpent = m_isSpent || m_rawBytes > kDrainLimit;
+        m_isDrained = m_isDrained || m_rawBytes > kDrainLimit;
         return;
     }
     const auto length = m_head.bodyLength();
@@ -178,66 +178,68 @@ void CurlHop::countRaw(qsizetype bytes) {
     }
 }
 
-void CurlHop::countTraffic(curl_infotype kind, qint64 bytes) {
+void CurlTransfer::countTraffic(curl_infotype kind, qint64 bytes) {
     if (kind == CURLINFO_HEADER_IN || kind == CURLINFO_DATA_IN) {
-        m_commons.traffic.bytesReceived += bytes;
+        m_context.traffic.bytesReceived += bytes;
     } else if (kind == CURLINFO_HEADER_OUT || kind == CURLINFO_DATA_OUT) {
-        m_commons.traffic.bytesSent += bytes;
+        m_context.traffic.bytesSent += bytes;
     }
 }
 
-void CurlHop::tellNews() {
-    if (!m_isNews && ((exchange && isSettled()) || isSpent())) {
-        m_isNews = true;
-        m_commons.news.push_back(this);
+void CurlTransfer::markReady() {
+    if (!m_isReadyMarked && ((chain && hasResult()) || isDrained())) {
+        m_isReadyMarked = true;
+        m_context.news.push_back(this);
     }
 }
 
-std::size_t CurlHop::onHeader(char* data, std::size_t /*one*/, std::size_t size, void* self) {
-    auto* const hop = static_cast<CurlHop*>(self);
-    const bool isTaken = hop->addHeadLine(viewOf(data, size));
-    hop->tellNews();
+std::size_t CurlTransfer::onHeader(char* data, std::size_t /*one*/, std::size_t size, void* self) {
+    auto* const transfer = static_cast<CurlTransfer*>(self);
+    const bool isTaken = transfer->addHeadLine(viewOf(data, size));
+    transfer->markReady();
     return isTaken ? size : 0;
 }
 
-std::size_t CurlHop::onBody(char* data, std::size_t /*one*/, std::size_t size, void* self) {
-    auto* const hop = static_cast<CurlHop*>(self);
+std::size_t CurlTransfer::onBody(char* data, std::size_t /*one*/, std::size_t size, void* self) {
+    auto* const transfer = static_cast<CurlTransfer*>(self);
     // Taking less than was offered ends the transfer.
-    const bool isTaken = hop->addBody(viewOf(data, size));
-    hop->tellNews();
+    const bool isTaken = transfer->addBody(viewOf(data, size));
+    transfer->markReady();
     return isTaken ? size : CURL_WRITEFUNC_ERROR;
 }
 
-int CurlHop::onDebug(CURL* /*easy*/, curl_infotype kind, char* data, std::size_t size, void* self) {
-    auto* const hop = static_cast<CurlHop*>(self);
-    hop->countTraffic(kind, static_cast<qint64>(size));
+int CurlTransfer::onDebug(CURL* /*easy*/, curl_infotype kind, char* data, std::size_t size,
+                          void* self) {
+    auto* const transfer = static_cast<CurlTransfer*>(self);
+    transfer->countTraffic(kind, static_cast<qint64>(size));
     if (kind == CURLINFO_DATA_IN) {
-        hop->countRaw(static_cast<qsizetype>(size));
-        hop->tellNews();
+        transfer->countRaw(static_cast<qsizetype>(size));
+        transfer->markReady();
     } else if (kind == CURLINFO_HEADER_OUT) {
         // Only a proxy is asked for a whole address instead of a path.
         const QByteArrayView head = viewOf(data, size);
         const qsizetype blank = head.indexOf(' ');
-        hop->m_isProxied = blank >= 0 && blank + 1 < head.size() && head[blank + 1] != '/';
+        transfer->m_isProxied = blank >= 0 && blank + 1 < head.size() && head[blank + 1] != '/';
     }
     return 0;
 }
 
-int CurlHop::onSocket(void* self, curl_socket_t socket, curlsocktype /*purpose*/) {
-    const bool isTaken = static_cast<CurlHop*>(self)->m_commons.sockets.add(socket);
+int CurlTransfer::onSocket(void* self, curl_socket_t socket, curlsocktype /*purpose*/) {
+    const bool isTaken = static_cast<CurlTransfer*>(self)->m_context.sockets.add(socket);
     return isTaken ? CURL_SOCKOPT_OK : CURL_SOCKOPT_ERROR;
 }
 
-int CurlHop::onConnected(void* self, char* thereAddress, char* hereAddress, int therePort,
-                         int herePort) {
-    auto* const hop = static_cast<CurlHop*>(self);
+int CurlTransfer::onConnected(void* self, char* thereAddress, char* hereAddress, int therePort,
+                              int herePort) {
+    auto* const transfer = static_cast<CurlTransfer*>(self);
     long newConnections = 0;
-    curl_easy_getinfo(hop->m_easy.get(), CURLINFO_NUM_CONNECTS, &newConnections);
+    curl_easy_getinfo(transfer->m_easy.get(), CURLINFO_NUM_CONNECTS, &newConnections);
     if (newConnections == 0) {
-        hop->m_commons.sockets.shutUnlessQuiet({hereAddress, herePort}, {thereAddress, therePort},
-                                               hasUnreadRecord(hop->m_easy.get()));
+        transfer->m_context.sockets.shutDownIfDataIsPending(
+            {hereAddress, herePort}, {thereAddress, therePort},
+            hasUnreadRecord(transfer->m_easy.get()));
     } else {
-        ++hop->m_commons.traffic.connections;
+        ++transfer->m_context.traffic.connections;
     }
     return CURL_PREREQFUNC_OK;
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/curl/curladdress.h"
-#include "platform/curl/curlcommons.h"
+#include "platform/curl/curlclientstate.h"
 #include "platform/curl/curlhead.h"
-#include "platform/curl/curltenant.h"
+#include "platform/curl/curltransfercontext.h"
 #include "platform/httpclient.h"
 
 #include <list>
@@ -11,22 +11,22 @@
 
 namespace brimlet {
 
-struct CurlExchange;
+struct CurlRequestChain;
 
 /// One request to one address and its reply, redirects left to others. Keeps its limits itself.
 /// Stays where it is: libcurl knows it by its address.
-class CurlHop final {
+class CurlTransfer final {
 public:
-    using Place = std::list<std::unique_ptr<CurlHop>>::iterator;
+    using Place = std::list<std::unique_ptr<CurlTransfer>>::iterator;
 
     /// `timeout` is what is left of the request's.
-    CurlHop(const HttpRequest& request, CurlUrl address, std::chrono::milliseconds timeout,
-            CurlCommons& commons, std::shared_ptr<CurlTenant> tenant);
-    ~CurlHop() { m_tenant->held -= m_body.size(); }
-    CurlHop(const CurlHop&) = delete;
-    CurlHop& operator=(const CurlHop&) = delete;
+    CurlTransfer(const HttpRequest& request, CurlUrl address, std::chrono::milliseconds timeout,
+                 CurlTransferContext& context, std::shared_ptr<CurlClientState> client);
+    ~CurlTransfer() { m_client->held -= m_body.size(); }
+    CurlTransfer(const CurlTransfer&) = delete;
+    CurlTransfer& operator=(const CurlTransfer&) = delete;
 
-    /// False when an option could not be set; the hop is then not to be started.
+    /// False when an option could not be set; the transfer is then not to be started.
     [[nodiscard]] bool isReady() const { return m_isReady; }
     [[nodiscard]] CURL* handle() const { return m_easy.get(); }
 
@@ -35,20 +35,20 @@ public:
     [[nodiscard]] bool hasEnded() const { return m_end.has_value(); }
     /// True once the outcome is settled, which may be before the end: what is left of a body that
     /// nobody asked for is then read to keep the connection, as far as that is cheap.
-    [[nodiscard]] bool isSettled() const;
+    [[nodiscard]] bool hasResult() const;
     /// True when nothing more of the reply is wanted.
-    [[nodiscard]] bool isSpent() const { return m_isSpent || m_failure || m_end; }
+    [[nodiscard]] bool isDrained() const { return m_isDrained || m_failure || m_end; }
     /// Call once, when settled.
     [[nodiscard]] HttpResult takeResult();
     [[nodiscard]] const CurlHead& head() const { return m_head; }
-    [[nodiscard]] const CurlTenant* tenant() const { return m_tenant.get(); }
+    [[nodiscard]] const CurlClientState* client() const { return m_client.get(); }
     /// It was looked at, and is named among the news again when there is more to do.
-    void setSeen() { m_isNews = false; }
+    void setSeen() { m_isReadyMarked = false; }
 
     /// Where its owner has it.
     Place place;
-    /// What the hop is for; gone once its outcome was taken.
-    std::unique_ptr<CurlExchange> exchange;
+    /// What the transfer is for; gone once its outcome was taken.
+    std::unique_ptr<CurlRequestChain> chain;
 
 private:
     template <typename T>
@@ -66,7 +66,7 @@ private:
     void countRaw(qsizetype bytes);
     void countTraffic(curl_infotype kind, qint64 bytes);
     [[nodiscard]] bool fail(HttpError error);
-    void tellNews();
+    void markReady();
 
     static std::size_t onHeader(char* data, std::size_t one, std::size_t size, void* self);
     static std::size_t onBody(char* data, std::size_t one, std::size_t size, void* self);
@@ -75,8 +75,8 @@ private:
     static int onConnected(void* self, char* thereAddress, char* hereAddress, int therePort,
                            int herePort);
 
-    CurlCommons& m_commons;
-    std::shared_ptr<CurlTenant> m_tenant;
+    CurlTransferContext& m_context;
+    std::shared_ptr<CurlClientState> m_client;
     CurlUrl m_address;
     CurlList m_lines;
     QByteArray m_upload;
@@ -90,8 +90,8 @@ private:
     bool m_isReady = true;
     bool m_isProxied = false;
     bool m_wantsBody = false;
-    bool m_isSpent = false;
-    bool m_isNews = false;
+    bool m_isDrained = false;
+    bool m_isReadyMarked = false;
     std::optional<HttpError> m_failure;
     std::optional<CURLcode> m_end;
 

@@ -1,4 +1,4 @@
-#include "platform/curl/curlexchange.h"
+#include "platform/curl/curlrequestchain.h"
 
 #include "platform/curl/curladdress.h"
 
@@ -33,10 +33,10 @@ bool isSendable(const HttpRequest& request) {
            });
 }
 
-CurlUrl CurlExchange::redirect(int status, const QByteArray& location) {
+CurlUrl CurlRequestChain::redirect(int status, const QByteArray& location) {
     const bool isRedirect =
         status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
-    if (!isRedirect || hopsLeft == 0 || !request.mayFollow) {
+    if (!isRedirect || redirectsLeft == 0 || !request.mayFollow) {
         return nullptr;
     }
     const auto target = redirectTarget(request.url, location);
@@ -44,8 +44,8 @@ CurlUrl CurlExchange::redirect(int status, const QByteArray& location) {
     if (!address || !request.mayFollow(request.url, *target)) {
         return nullptr;
     }
-    --hopsLeft;
-    memo = {};
+    --redirectsLeft;
+    lookup = {};
     request.url = *target;
     if (status == 303 || (request.method == "POST" && status < 303)) {
         request.method = "GET";
@@ -58,9 +58,9 @@ CurlUrl CurlExchange::redirect(int status, const QByteArray& location) {
     return address;
 }
 
-HttpRequest CurlExchange::hopRequest() const {
+HttpRequest CurlRequestChain::currentRequest() const {
     HttpRequest asked = request;
-    if (auto header = ValidatorCache::question(memo)) {
+    if (auto header = ValidatorCache::conditionalHeader(lookup)) {
         asked.headers.push_back(*std::move(header));
     }
     return asked;

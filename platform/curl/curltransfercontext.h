@@ -9,15 +9,15 @@
 
 namespace brimlet {
 
-class CurlHop;
+class CurlTransfer;
 
 /// What all hops of an engine use, whosever they are. Outlives them.
-struct CurlCommons final {
+struct CurlTransferContext final {
     QByteArray moreAuthorities;
     CurlSockets sockets;
     CurlTraffic traffic;
     /// The hops of which something is to be done, so that nobody has to ask all of them.
-    std::vector<CurlHop*> news;
+    std::vector<CurlTransfer*> news;
 };
 
 } // namespace brimlet

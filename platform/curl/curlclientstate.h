@@ -5,13 +5,13 @@
 namespace brimlet {
 
 /// What one client has to itself in an engine that it may share with others.
-struct CurlTenant final {
-    explicit CurlTenant(long ownScope)
+struct CurlClientState final {
+    explicit CurlClientState(long ownScope)
         : scope(ownScope) {}
 
     /// libcurl uses a kept connection again only for the scope it was made with; no two tenants
     /// have the same. Its other meaning, the interface that leads to a link-local IPv6 address, is
-    /// left alone by 0, the first tenant's.
+    /// left alone by 0, the first client's.
     const long scope;
     ValidatorCache replies;
     qsizetype held = 0; ///< Bytes of bodies that are not yet handed over.
