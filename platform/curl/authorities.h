@@ -5,12 +5,12 @@
 
 namespace brimlet {
 
-/// True for a folder of certificate authorities with a file for each, named by a hash, as OpenSSL
-/// looks them up.
+/// True for a folder of certificate authorities in files named by hash, which is how OpenSSL looks
+/// them up.
 [[nodiscard]] bool isNamedByHash(const QString& folder);
 
-/// The folder in which libcurl finds the system's authorities one at a time; empty where there is
-/// none, and libcurl's own default is a file of all of them. Looked for once.
+/// The path of such a folder that libcurl uses by default, in the file system's encoding; empty
+/// where it uses a single file of all authorities. Determined once.
 [[nodiscard]] const QByteArray& authoritiesFolder();
 
 } // namespace brimlet

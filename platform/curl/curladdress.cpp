@@ -3,7 +3,7 @@
 namespace brimlet {
 namespace {
 
-/// Paths go out as written, dot segments included.
+/// Keeps dot segments in paths.
 constexpr unsigned kAsWritten = CURLU_PATH_AS_IS;
 
 QByteArray part(const CurlUrl& address, CURLUPart which, unsigned flags = 0) {

@@ -9,15 +9,16 @@
 
 namespace brimlet {
 
-/// The address as libcurl reads it, user info removed. Null unless it is http or https with a host
-/// and libcurl reads the same scheme, host and port out of it as Url did: what was judged by one
-/// parser is then what is fetched by the other.
+/// The address in libcurl's form, without user name and password. Null unless it is http or https,
+/// has a host, and libcurl's parser finds the same scheme, host and port in it as Url: otherwise
+/// the rules could allow one server and libcurl connect to another.
 [[nodiscard]] CurlUrl curlAddress(const Url& url);
 
-/// Where a redirect leads: a Location header's value as sent, relative to the redirecting address.
+/// The target of a redirect. `location` is the Location header's value as sent, absolute or
+/// relative to `from`. Absent when it is no well-formed address.
 [[nodiscard]] std::optional<Url> redirectTarget(const Url& from, const QByteArray& location);
 
-/// True for the three spellings of this machine that are never reached through a proxy.
+/// True for the hosts 127.0.0.1, ::1 and localhost, for which no proxy is used.
 [[nodiscard]] bool isLoopback(const Url& url);
 
 } // namespace brimlet

@@ -1,21 +1,32 @@
 #pragma once
 
+#include "platform/curl/curltraffic.h"
 #include "platform/curl/validatorcache.h"
+#include "platform/deferred.h"
+
+#include <list>
 
 namespace brimlet {
 
-/// What one client has to itself in an engine that it may share with others.
+/// What belongs to one client of an engine. The client and its requests hold it.
 struct CurlClientState final {
+    struct Outcome final {
+        Deferred<HttpResult> deferred;
+        HttpResult result;
+    };
+
     explicit CurlClientState(long ownScope)
         : scope(ownScope) {}
 
-    /// libcurl uses a kept connection again only for the scope it was made with; no two tenants
-    /// have the same. Its other meaning, the interface that leads to a link-local IPv6 address, is
-    /// left alone by 0, the first client's.
+    /// The CURLOPT_ADDRESS_SCOPE of its transfers, a different one for each client: libcurl reuses
+    /// a connection only within the same scope. Otherwise the scope names the interface for a
+    /// link-local IPv6 address. The first client has 0, libcurl's default, and can reach those.
     const long scope;
     ValidatorCache replies;
-    qsizetype held = 0; ///< Bytes of bodies that are not yet handed over.
-    bool isGone = false;
+    CurlTraffic traffic;
+    qsizetype bodyBytes = 0;     ///< Received for bodies that have not been handed over yet.
+    std::list<Outcome> outcomes; ///< To be delivered in a later turn of the event loop.
+    bool isGone = false;         ///< The client was destroyed; its requests end as Cancelled.
 };
 
 } // namespace brimlet

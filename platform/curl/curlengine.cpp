@@ -4,17 +4,37 @@
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
 namespace brimlet {
 namespace {
 
-/// Connections kept open between requests for each client, by all together.
+/// Idle connections kept for each client, counted over all of them.
 constexpr long kIdleConnections = 4;
 
 /// 0 where no reply came.
 int statusOf(const HttpResult& result) {
     const auto* const reply = std::get_if<HttpReply>(&result);
     return reply == nullptr ? 0 : reply->status;
+}
+
+void deliver(CurlClientState& client) {
+    // The coroutine that is resumed may send, destroy the client, or both.
+    while (!client.outcomes.empty()) {
+        CurlClientState::Outcome outcome = std::move(client.outcomes.front());
+        client.outcomes.pop_front();
+        outcome.deferred.resolve(client.isGone ? HttpError::Cancelled : std::move(outcome.result));
+    }
+}
+
+void finish(const CurlRequestChain& chain, HttpResult result) {
+    auto& outcomes = chain.client->outcomes;
+    outcomes.push_back({chain.outcome, std::move(result)});
+    if (outcomes.size() == 1) {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [client = chain.client] { deliver(*client); },
+            Qt::QueuedConnection);
+    }
 }
 
 } // namespace
@@ -34,14 +54,9 @@ CurlEngine::CurlEngine(QByteArray moreAuthorities)
 }
 
 std::shared_ptr<CurlClientState> CurlEngine::join() {
-    ++m_clients;
-    allowConnections();
-    return std::make_shared<CurlClientState>(m_nextScope++);
-}
-
-void CurlEngine::allowConnections() {
-    const long most = kIdleConnections * std::max(m_clients, 1L); // 0 would mean libcurl's own rule
-    curl_multi_setopt(m_multi.get(), CURLMOPT_MAXCONNECTS, most);
+    const long scope = m_clients++;
+    curl_multi_setopt(m_multi.get(), CURLMOPT_MAXCONNECTS, kIdleConnections * m_clients);
+    return std::make_shared<CurlClientState>(scope);
 }
 
 Deferred<HttpResult> CurlEngine::start(HttpRequest request,
@@ -61,79 +76,41 @@ Deferred<HttpResult> CurlEngine::start(HttpRequest request,
 }
 
 void CurlEngine::startTransfer(std::unique_ptr<CurlRequestChain> chain, CurlUrl address) {
-    const std::chrono::milliseconds left(chain->deadline.remainingTime());
-    if (left.count() == 0) {
+    if (chain->deadline.hasExpired()) {
         finish(*chain, HttpError::TimedOut);
         return;
     }
-    const HttpRequest request = chain->currentRequest();
-    auto transfer =
-        std::make_unique<CurlTransfer>(request, std::move(address), left, m_context, chain->client);
+    auto transfer = std::make_unique<CurlTransfer>(std::move(chain), std::move(address), m_context);
     if (!transfer->isReady() ||
         curl_multi_add_handle(m_multi.get(), transfer->handle()) != CURLM_OK) {
-        finish(*chain, HttpError::Unreachable);
+        finish(*transfer->chain, HttpError::Unreachable);
         return;
     }
-    transfer->chain = std::move(chain);
-    CurlTransfer& started = *transfer;
-    started.place = m_transfers.insert(m_transfers.end(), std::move(transfer));
+    m_transfers.push_back(std::move(transfer));
 }
 
 void CurlEngine::leave(CurlClientState& client) {
     client.isGone = true;
-    Outcomes cancelled;
-    for (Outcome& outcome : std::exchange(m_outcomes, {})) {
-        const bool isOwn = outcome.client.get() == &client;
-        (isOwn ? cancelled : m_outcomes).push_back(std::move(outcome));
-    }
     for (auto next = m_transfers.begin(); next != m_transfers.end();) {
-        CurlTransfer& transfer = **next++;
-        if (transfer.client() != &client) {
+        const auto place = next++;
+        const CurlTransfer& transfer = **place;
+        if (&transfer.client() != &client) {
             continue;
         }
         if (transfer.chain) {
-            cancelled.push_back(
-                {transfer.chain->outcome, transfer.chain->client, HttpError::Cancelled});
+            client.outcomes.push_back({transfer.chain->outcome, HttpError::Cancelled});
         }
-        drop(transfer);
+        drop(place);
     }
-    --m_clients;
-    allowConnections();
-    for (Outcome& outcome : cancelled) {
-        outcome.result = HttpError::Cancelled;
-    }
-    deliver(cancelled);
+    deliver(client);
 }
 
 void CurlEngine::act(curl_socket_t socket, int events) {
-    const auto self = shared_from_this(); // a redirect rule is someone else's code
+    const auto self = shared_from_this(); // a redirect rule may destroy the last client
     int running = 0;
     curl_multi_socket_action(m_multi.get(), socket, events, &running);
-    collect();
-}
-
-void CurlEngine::collect() {
     endTransfers();
-
-    struct Settled {
-        std::unique_ptr<CurlRequestChain> chain;
-        HttpResult result;
-        CurlHead head;
-    };
-    std::vector<Settled> settled;
-    for (CurlTransfer* const transfer : std::exchange(m_context.news, {})) {
-        transfer->setSeen();
-        if (transfer->chain && transfer->hasResult()) {
-            settled.push_back(
-                {std::move(transfer->chain), transfer->takeResult(), transfer->head()});
-        }
-        if (!transfer->chain && transfer->isDrained()) {
-            drop(*transfer);
-        }
-    }
-    for (Settled& one : settled) {
-        settle(std::move(one.chain), std::move(one.result), one.head);
-    }
+    collectResults();
 }
 
 void CurlEngine::endTransfers() {
@@ -148,49 +125,46 @@ void CurlEngine::endTransfers() {
     }
 }
 
-void CurlEngine::drop(const CurlTransfer& transfer) {
-    curl_multi_remove_handle(m_multi.get(), transfer.handle());
-    std::erase(m_context.news, &transfer); // libcurl may have had a last word
-    m_transfers.erase(transfer.place);
+void CurlEngine::collectResults() {
+    struct Collected {
+        std::unique_ptr<CurlRequestChain> chain;
+        HttpResult result;
+        CurlHead head;
+    };
+    std::vector<Collected> all;
+    for (auto next = m_transfers.begin(); next != m_transfers.end();) {
+        const auto place = next++;
+        CurlTransfer& transfer = **place;
+        if (transfer.chain && transfer.hasResult()) {
+            all.push_back({std::move(transfer.chain), transfer.takeResult(), transfer.head()});
+        }
+        if (!transfer.chain && transfer.isDrained()) {
+            drop(place);
+        }
+    }
+    // Only now, because a redirect rule may destroy a client and its transfers.
+    for (Collected& one : all) {
+        redirectOrFinish(std::move(one.chain), std::move(one.result), one.head);
+    }
 }
 
-void CurlEngine::settle(std::unique_ptr<CurlRequestChain> chain, HttpResult result,
-                        const CurlHead& head) {
+void CurlEngine::drop(Transfers::iterator place) {
+    curl_multi_remove_handle(m_multi.get(), (*place)->handle());
+    m_transfers.erase(place);
+}
+
+void CurlEngine::redirectOrFinish(std::unique_ptr<CurlRequestChain> chain, HttpResult result,
+                                  const CurlHead& head) {
     CurlClientState& client = *chain->client;
     if (chain->lookup.kept && statusOf(result) == 304) {
-        ++m_context.traffic.notModified;
+        ++client.traffic.notModified;
     }
     result = client.replies.applyReply(chain->lookup, std::move(result), head.validators());
-    const auto* const reply = std::get_if<HttpReply>(&result);
-    CurlUrl target;
-    if (reply != nullptr && !client.isGone) {
-        target = chain->redirect(reply->status, head.location());
-    }
-    if (target && !client.isGone) { // the rule may have dropped the client
+    CurlUrl target = client.isGone ? nullptr : chain->redirect(statusOf(result), head.location());
+    if (target && !client.isGone) { // the redirect rule may have destroyed the client
         startTransfer(std::move(chain), std::move(target));
     } else {
         finish(*chain, std::move(result));
-    }
-}
-
-void CurlEngine::finish(const CurlRequestChain& chain, HttpResult result) {
-    if (chain.client->isGone) {
-        result = HttpError::Cancelled;
-    }
-    m_outcomes.push_back({chain.outcome, chain.client, std::move(result)});
-    if (m_outcomes.size() == 1) {
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [self = shared_from_this()] { deliver(self->m_outcomes); }, Qt::QueuedConnection);
-    }
-}
-
-void CurlEngine::deliver(Outcomes& outcomes) {
-    // Whoever is resumed may send, drop the client, or both; each outcome is taken out beforehand.
-    while (!outcomes.empty()) {
-        Outcome outcome = std::move(outcomes.front());
-        outcomes.pop_front();
-        outcome.deferred.resolve(std::move(outcome.result));
     }
 }
 

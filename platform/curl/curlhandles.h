@@ -6,7 +6,7 @@
 
 namespace brimlet {
 
-/// libcurl's process-wide set-up, counted by libcurl itself. Outlives every handle.
+/// libcurl's process-wide set-up; libcurl counts its users. Must outlive every handle.
 struct CurlLibrary final {
     CurlLibrary() { curl_global_init(CURL_GLOBAL_DEFAULT); }
     ~CurlLibrary() { curl_global_cleanup(); }

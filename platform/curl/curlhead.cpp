@@ -6,14 +6,14 @@
 namespace brimlet {
 namespace {
 
-/// All lines of a reply together, interim replies and trailers included.
+/// Bytes of all header lines of a reply, including interim replies and trailers.
 constexpr qsizetype kHeadLimit = qsizetype{64} * 1024;
 
 bool isNamed(QByteArrayView name, QByteArrayView wanted) {
     return name.compare(wanted, Qt::CaseInsensitive) == 0;
 }
 
-/// Digits only: no sign, no list. A number beyond all bounds is as good as the greatest.
+/// Digits only: no sign, no list. A number beyond 64 bits counts as the largest.
 std::optional<qint64> readLength(const QByteArray& text) {
     const bool isNumber = !text.isEmpty() && std::all_of(text.cbegin(), text.cend(), [](char c) {
         return c >= '0' && c <= '9';
@@ -41,14 +41,14 @@ std::optional<HttpError> CurlHead::add(QByteArrayView line) {
     const QByteArray value = line.sliced(colon + 1).toByteArray().trimmed();
     if (isNamed(name, "Content-Length")) {
         if (m_contentLength) {
-            return HttpError::Broken; // even twice the same says that someone meddled
+            return HttpError::Broken; // given twice, even with the same value
         }
         m_contentLength = readLength(value);
         return m_contentLength ? std::nullopt : std::optional(HttpError::Broken);
     }
     if (isNamed(name, "Transfer-Encoding")) {
-        // In chunks or not at all. libcurl would also unpack what is compressed on the way, one
-        // layer in the other, in one go however long that takes.
+        // Only chunks. libcurl would also decompress gzip, layer within layer, without a time
+        // limit.
         const bool isChunked = !m_isCoded && isNamed(value, "chunked");
         m_isCoded = true;
         return isChunked ? std::nullopt : std::optional(HttpError::Broken);

@@ -7,18 +7,19 @@
 
 namespace brimlet {
 
-/// The header lines of one reply that decide about its body and where it leads, read alongside
-/// libcurl, which is laxer about lengths than is safe.
+/// The header lines of one reply that determine its body and its redirect target. Parsed besides
+/// libcurl, which accepts contradictory lengths.
 class CurlHead final {
 public:
-    /// Takes one line with its line break, the status line included. The error is absent unless the
-    /// reply cannot be trusted.
+    /// Takes one line with its line break, also the status line. An error means that the reply must
+    /// be rejected.
     [[nodiscard]] std::optional<HttpError> add(QByteArrayView line);
-    /// Forgets the lines of an interim reply; they go on counting towards the limit.
+    /// Forgets the lines of an interim (1xx) reply, though their bytes still count for the limit.
     void startOver();
 
-    /// Bytes of body promised; absent without a promise or when the body comes in chunks.
+    /// Bytes; absent without a Content-Length or when the body is chunked.
     [[nodiscard]] std::optional<qint64> bodyLength() const;
+    /// Whether there is a Transfer-Encoding.
     [[nodiscard]] bool isCoded() const { return m_isCoded; }
     /// The first Location header's value, empty for none.
     [[nodiscard]] const QByteArray& location() const { return m_location; }

@@ -4,16 +4,8 @@
 
 namespace brimlet {
 
-std::shared_ptr<CurlEngine> makeCurlEngine(const QByteArray& moreAuthorities) {
-    return std::make_shared<CurlEngine>(moreAuthorities);
-}
-
-const CurlTraffic& trafficOf(const CurlEngine& engine) {
-    return engine.traffic();
-}
-
 CurlHttpClient::CurlHttpClient(const QByteArray& moreAuthorities)
-    : CurlHttpClient(makeCurlEngine(moreAuthorities)) {}
+    : CurlHttpClient(std::make_shared<CurlEngine>(moreAuthorities)) {}
 
 CurlHttpClient::CurlHttpClient(std::shared_ptr<CurlEngine> engine)
     : m_engine(std::move(engine))
@@ -23,8 +15,16 @@ CurlHttpClient::~CurlHttpClient() {
     m_engine->leave(*m_client);
 }
 
+std::unique_ptr<CurlHttpClient> CurlHttpClient::makeSibling() const {
+    return std::unique_ptr<CurlHttpClient>(new CurlHttpClient(m_engine));
+}
+
+const CurlTraffic& CurlHttpClient::traffic() const {
+    return m_client->traffic;
+}
+
 QCoro::Task<HttpResult> CurlHttpClient::send(HttpRequest request) {
-    // The client may be gone when the outcome is there: nothing of it is used after the wait.
+    // Nothing of the client is used after the wait, because it may be destroyed by then.
     const Deferred<HttpResult> outcome = m_engine->start(std::move(request), m_client);
     co_return co_await outcome;
 }

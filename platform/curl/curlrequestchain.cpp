@@ -58,12 +58,12 @@ CurlUrl CurlRequestChain::redirect(int status, const QByteArray& location) {
     return address;
 }
 
-HttpRequest CurlRequestChain::currentRequest() const {
-    HttpRequest asked = request;
+HttpRequest CurlRequestChain::conditionalRequest() const {
+    HttpRequest conditional = request;
     if (auto header = ValidatorCache::conditionalHeader(lookup)) {
-        asked.headers.push_back(*std::move(header));
+        conditional.headers.push_back(*std::move(header));
     }
-    return asked;
+    return conditional;
 }
 
 } // namespace brimlet

@@ -12,26 +12,28 @@
 
 namespace brimlet {
 
-/// False when the method or a header cannot be sent as it is without changing what is sent.
+/// False when the method or a header cannot be sent unchanged, for instance because of a line
+/// break.
 [[nodiscard]] bool isSendable(const HttpRequest& request);
 
-/// A request on its way from transfer to transfer.
+/// A request of a client and the redirects it follows, one transfer after another.
 struct CurlRequestChain final {
-    CurlRequestChain(HttpRequest asked, std::shared_ptr<CurlClientState> asking)
-        : request(std::move(asked))
-        , client(std::move(asking))
+    CurlRequestChain(HttpRequest firstRequest, std::shared_ptr<CurlClientState> sender)
+        : request(std::move(firstRequest))
+        , client(std::move(sender))
         , origin(request.url)
         , deadline(std::min<std::chrono::milliseconds>(request.timeout, std::chrono::hours(24))) {}
 
-    /// Makes `request` the one that the redirect asks for, and tells its address. Null, with
-    /// nothing changed, when the reply is no redirect or one that is not to be followed.
+    /// Makes `request` the one that the redirect calls for and returns its address. Null, with
+    /// nothing changed, when the reply is no redirect or must not be followed.
     [[nodiscard]] CurlUrl redirect(int status, const QByteArray& location);
-    /// The request with the question that goes to its first address, if any.
-    [[nodiscard]] HttpRequest currentRequest() const;
+    /// `request` with the conditional header of `lookup`, if there is one.
+    [[nodiscard]] HttpRequest conditionalRequest() const;
 
-    HttpRequest request;
-    std::shared_ptr<CurlClientState> client; ///< Who asks.
-    /// Of the first address; elsewhere nothing is asked about, and nothing kept.
+    HttpRequest request; ///< The current one.
+    std::shared_ptr<CurlClientState> client;
+    /// Of the first address. Empty after a redirect, so the next request has no condition and its
+    /// reply is not kept.
     ValidatorCache::Lookup lookup;
     Url origin;
     QDeadlineTimer deadline;

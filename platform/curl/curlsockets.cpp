@@ -49,7 +49,8 @@ bool isConnecting(curl_socket_t socket) {
            errno == ENOTCONN;
 }
 
-bool isQuiet(curl_socket_t socket) {
+/// True when the connection is open and has no data to read.
+bool isIdle(curl_socket_t socket) {
     char byte = 0;
     return ::recv(socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT) < 0 &&
            (errno == EAGAIN || errno == EWOULDBLOCK);
@@ -59,7 +60,7 @@ bool isQuiet(curl_socket_t socket) {
 
 bool CurlSockets::add(curl_socket_t socket) {
     if (const auto before = m_places.find(socket); before != m_places.end()) {
-        m_byEnd.erase(before->second);
+        m_byLocalEnd.erase(before->second);
         m_places.erase(before);
     }
     std::erase(m_connecting, socket);
@@ -67,29 +68,29 @@ bool CurlSockets::add(curl_socket_t socket) {
     return ::fcntl(socket, F_SETFD, FD_CLOEXEC) == 0;
 }
 
-void CurlSockets::shutDownIfDataIsPending(const SocketEnd& here, const SocketEnd& there,
-                                          bool hasMoreRead) {
-    if (here.address.isEmpty() || there.address.isEmpty()) {
-        return; // ends without a name are no connection of ours
+void CurlSockets::shutDownIfDataIsPending(const SocketEnd& local, const SocketEnd& remote,
+                                          bool isDataBuffered) {
+    if (local.address.isEmpty() || remote.address.isEmpty()) {
+        return; // no TCP connection
     }
-    learnEnds();
-    const auto [first, last] = m_byEnd.equal_range(here);
+    learnLocalEnds();
+    const auto [first, last] = m_byLocalEnd.equal_range(local);
     std::for_each(first, last, [&](const auto& known) {
         const curl_socket_t socket = known.second;
-        if (endOf(socket, &::getsockname) == here && endOf(socket, &::getpeername) == there &&
-            (hasMoreRead || !isQuiet(socket))) {
+        if (endOf(socket, &::getsockname) == local && endOf(socket, &::getpeername) == remote &&
+            (isDataBuffered || !isIdle(socket))) {
             ::shutdown(socket, SHUT_RDWR);
         }
     });
 }
 
-void CurlSockets::learnEnds() {
-    // Only of a connection that stands: until then its own end may still change.
+void CurlSockets::learnLocalEnds() {
+    // Before a socket is connected its local end may still change.
     std::erase_if(m_connecting, [this](curl_socket_t socket) {
         if (isConnecting(socket)) {
             return false;
         }
-        m_places[socket] = m_byEnd.emplace(endOf(socket, &::getsockname), socket);
+        m_places[socket] = m_byLocalEnd.emplace(endOf(socket, &::getsockname), socket);
         return true;
     });
 }

@@ -10,7 +10,7 @@
 
 namespace brimlet {
 
-/// One end of a connection, the address in digits.
+/// One end of a connection; the address in numeric form, IPv6 without brackets.
 struct SocketEnd final {
     QByteArray address;
     int port = 0;
@@ -21,27 +21,29 @@ struct SocketEnd final {
     }
 };
 
-/// The descriptors that connections were made with. libcurl takes a kept connection on which
-/// something has arrived unasked for a good one, and would read it as the next reply.
+/// The sockets of libcurl's connections. libcurl reuses a kept connection on which data has arrived
+/// since the last reply, and would read that data as the next reply. This finds such a connection
+/// and shuts it down.
 class CurlSockets final {
 public:
-    /// Takes a new descriptor; false when it cannot be kept from other programs.
+    /// Takes a new socket, before it connects. False when it cannot be closed on exec.
     [[nodiscard]] bool add(curl_socket_t socket);
-    /// To be called before the connection between these ends is used again, with whether more of it
-    /// was read than was asked for. One on which anything has arrived is shut, so that sending
-    /// fails and libcurl goes on with a connection of its own.
-    void shutDownIfDataIsPending(const SocketEnd& here, const SocketEnd& there, bool hasMoreRead);
+    /// Call before the connection between these ends is reused. `isDataBuffered` says whether data
+    /// that was read from the socket still waits in the TLS library. After a shutdown sending
+    /// fails, and libcurl opens a new connection.
+    void shutDownIfDataIsPending(const SocketEnd& local, const SocketEnd& remote,
+                                 bool isDataBuffered);
 
 private:
-    using ByEnd = std::multimap<SocketEnd, curl_socket_t>;
+    using ByLocalEnd = std::multimap<SocketEnd, curl_socket_t>;
 
-    void learnEnds();
+    void learnLocalEnds();
 
-    std::vector<curl_socket_t> m_connecting; ///< Their own ends are not known yet.
-    /// By their own end. Some may be closed by now, or be others by now: what they are is asked
-    /// again before anything is done to them.
-    ByEnd m_byEnd;
-    std::map<curl_socket_t, ByEnd::iterator> m_places; ///< A descriptor that comes back moves.
+    std::vector<curl_socket_t> m_connecting; ///< Their local ends are not known yet.
+    /// A socket may have been closed since, and its descriptor reused, so both ends are read again
+    /// before a shutdown.
+    ByLocalEnd m_byLocalEnd;
+    std::map<curl_socket_t, ByLocalEnd::iterator> m_places; ///< In m_byLocalEnd.
 };
 
 } // namespace brimlet

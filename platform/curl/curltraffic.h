@@ -4,13 +4,12 @@
 
 namespace brimlet {
 
-/// What went over an engine's connections since its beginning. Bytes are HTTP's, heads and bodies;
-/// those of TLS around them are not counted.
+/// What a client has sent and received. Bytes are those of HTTP heads and bodies, without TLS.
 struct CurlTraffic final {
     qint64 bytesSent = 0;
     qint64 bytesReceived = 0;
-    qint64 connections = 0; ///< That were opened and carried a request.
-    qint64 notModified = 0; ///< Replies that said that the kept one still holds.
+    qint64 connections = 0; ///< Opened ones that carried a request.
+    qint64 notModified = 0; ///< 304 replies that confirmed a kept reply.
 
     CurlTraffic& operator+=(const CurlTraffic& other) {
         bytesSent += other.bytesSent;

@@ -1,7 +1,5 @@
 #include "platform/curl/curltransfer.h"
 
-#include "platform/curl/curlrequestchain.h"
-
 #include <openssl/ssl.h>
 
 #include <utility>
@@ -9,17 +7,18 @@
 namespace brimlet {
 namespace {
 
-/// Bytes of a body nobody asked for that are read to keep the connection.
+/// How many bytes of an unwanted body are read so that the connection can be used again.
 constexpr qint64 kDrainLimit = qint64{16} * 1024;
 
-/// Bytes of all bodies of a client that are under way together: servers that send large ones and
-/// never end them would fill the memory. Small ones go on even so, since a poll is not to suffer
-/// for somebody's pictures.
-constexpr qsizetype kHeldLimit = qsizetype{16} * 1024 * 1024;
+/// Bytes of all unfinished bodies of one client together. Without a limit, servers that send large
+/// bodies and never end them could fill the memory.
+constexpr qsizetype kUnfinishedLimit = qsizetype{16} * 1024 * 1024;
+/// A body up to this many bytes is received even beyond that limit, so that pictures cannot block
+/// a poll.
 constexpr qsizetype kSmallBody = qsizetype{256} * 1024;
 
 /// How many bytes on the wire one byte of a chunked body may take: a chunk of one byte takes six.
-/// What goes beyond is padding without end.
+/// Beyond that the chunks are padded to make the transfer endless.
 constexpr qint64 kFraming = 8;
 
 HttpError errorOf(CURLcode code) {
@@ -38,7 +37,7 @@ HttpError errorOf(CURLcode code) {
     case CURLE_SSL_CIPHER:
     case CURLE_SSL_ISSUER_ERROR:
         return HttpError::Unreachable;
-    case CURLE_OUT_OF_MEMORY: // what libcurl says of a header line without end
+    case CURLE_OUT_OF_MEMORY: // libcurl's result for an endless header line
     case CURLE_FILESIZE_EXCEEDED:
         return HttpError::TooLarge;
     default:
@@ -46,15 +45,15 @@ HttpError errorOf(CURLcode code) {
     }
 }
 
-/// Whether TLS holds bytes that were not asked for yet: what is left of a record that libcurl read
-/// the end of a body from is in no socket any more.
+/// True when the TLS library has buffered bytes of this connection that libcurl has not read, such
+/// as the rest of a record whose first part ended a body. The socket does not show them.
 bool hasUnreadRecord(CURL* easy) {
     const curl_tlssessioninfo* session = nullptr;
     if (curl_easy_getinfo(easy, CURLINFO_TLS_SSL_PTR, &session) != CURLE_OK ||
         session->internals == nullptr) {
         return false; // no TLS
     }
-    // With another library nothing is known, and no connection is used twice.
+    // Other libraries cannot be asked, so their connections are never used twice.
     return session->backend != CURLSSLBACKEND_OPENSSL ||
            SSL_has_pending(static_cast<const SSL*>(session->internals)) != 0;
 }
@@ -75,15 +74,11 @@ void CurlTransfer::setCallbacks() {
     set(CURLOPT_SOCKOPTDATA, static_cast<void*>(this));
     set(CURLOPT_PREREQFUNCTION, &CurlTransfer::onConnected);
     set(CURLOPT_PREREQDATA, static_cast<void*>(this));
-    // Nothing is printed: this is where a body's bytes are seen before they are unwrapped.
+    // Prints nothing: only this callback sees the bytes of a body before libcurl removes the
+    // chunks.
     set(CURLOPT_DEBUGFUNCTION, &CurlTransfer::onDebug);
     set(CURLOPT_DEBUGDATA, static_cast<void*>(this));
     set(CURLOPT_VERBOSE, 1L);
-}
-
-void CurlTransfer::end(CURLcode code) {
-    m_end = code;
-    markReady();
 }
 
 bool CurlTransfer::hasResult() const {
@@ -96,7 +91,7 @@ HttpResult CurlTransfer::takeResult() {
     }
     if (m_status != 0 && !m_wantsBody) {
         if (m_status == 407 && m_isProxied) {
-            return HttpError::Unreachable; // the proxy's word, not the service's
+            return HttpError::Unreachable; // the proxy replied, not the service
         }
         return HttpReply{m_status, {}};
     }
@@ -106,7 +101,7 @@ HttpResult CurlTransfer::takeResult() {
     if (m_status == 0) {
         return HttpError::Broken; // closed before the head was complete
     }
-    m_client->held -= m_body.size();
+    m_client->bodyBytes -= m_body.size();
     return HttpReply{m_status, std::exchange(m_body, {})};
 }
 
@@ -119,9 +114,8 @@ bool CurlTransfer::fail(HttpError error) {
 
 bool CurlTransfer::addHeadLine(QByteArrayView line) {
     if (const auto error = m_head.add(line)) {
-        // A settled status stands, whatever trails a body that nobody asked for.
         m_isDrained = true;
-        return hasResult() ? false : fail(*error);
+        return hasResult() ? false : fail(*error); // a bad trailer does not change a known result
     }
     const bool isEndOfHead = line == "\r\n" || line == "\n";
     return m_status == 0 && isEndOfHead ? endHead() : true;
@@ -143,7 +137,7 @@ bool CurlTransfer::endHead() {
     if (m_wantsBody) {
         return length > m_bodyLimit ? fail(HttpError::TooLarge) : true;
     }
-    // The length that a 204 or 304 names is not one of bytes to come.
+    // A 204 or 304 has no body, even if it names a length.
     const bool hasNoBody = status == 204 || status == 304;
     m_isDrained = status == 101 || (length > kDrainLimit && !hasNoBody);
     return !m_isDrained;
@@ -156,10 +150,11 @@ bool CurlTransfer::addBody(QByteArrayView bytes) {
     if (bytes.size() > m_bodyLimit - m_body.size()) {
         return fail(HttpError::TooLarge);
     }
-    if (bytes.size() > kHeldLimit - m_client->held && m_body.size() + bytes.size() > kSmallBody) {
-        return fail(HttpError::TooLarge); // all those under way together hold too much
+    if (bytes.size() > kUnfinishedLimit - m_client->bodyBytes &&
+        m_body.size() + bytes.size() > kSmallBody) {
+        return fail(HttpError::TooLarge);
     }
-    m_client->held += bytes.size();
+    m_client->bodyBytes += bytes.size();
     m_body += bytes;
     return true;
 }
@@ -172,40 +167,28 @@ void CurlTransfer::countRaw(qsizetype bytes) {
     }
     const auto length = m_head.bodyLength();
     if (length && m_rawBytes > *length) {
-        (void)fail(HttpError::Broken); // more than was promised
+        fail(HttpError::Broken); // more than was promised
     } else if (m_head.isCoded() && m_rawBytes > kFraming * (m_bodyLimit + kDrainLimit)) {
-        (void)fail(HttpError::TooLarge);
+        fail(HttpError::TooLarge);
     }
 }
 
 void CurlTransfer::countTraffic(curl_infotype kind, qint64 bytes) {
     if (kind == CURLINFO_HEADER_IN || kind == CURLINFO_DATA_IN) {
-        m_context.traffic.bytesReceived += bytes;
+        m_client->traffic.bytesReceived += bytes;
     } else if (kind == CURLINFO_HEADER_OUT || kind == CURLINFO_DATA_OUT) {
-        m_context.traffic.bytesSent += bytes;
-    }
-}
-
-void CurlTransfer::markReady() {
-    if (!m_isReadyMarked && ((chain && hasResult()) || isDrained())) {
-        m_isReadyMarked = true;
-        m_context.news.push_back(this);
+        m_client->traffic.bytesSent += bytes;
     }
 }
 
 std::size_t CurlTransfer::onHeader(char* data, std::size_t /*one*/, std::size_t size, void* self) {
     auto* const transfer = static_cast<CurlTransfer*>(self);
-    const bool isTaken = transfer->addHeadLine(viewOf(data, size));
-    transfer->markReady();
-    return isTaken ? size : 0;
+    return transfer->addHeadLine(viewOf(data, size)) ? size : 0;
 }
 
 std::size_t CurlTransfer::onBody(char* data, std::size_t /*one*/, std::size_t size, void* self) {
     auto* const transfer = static_cast<CurlTransfer*>(self);
-    // Taking less than was offered ends the transfer.
-    const bool isTaken = transfer->addBody(viewOf(data, size));
-    transfer->markReady();
-    return isTaken ? size : CURL_WRITEFUNC_ERROR;
+    return transfer->addBody(viewOf(data, size)) ? size : CURL_WRITEFUNC_ERROR;
 }
 
 int CurlTransfer::onDebug(CURL* /*easy*/, curl_infotype kind, char* data, std::size_t size,
@@ -214,9 +197,8 @@ int CurlTransfer::onDebug(CURL* /*easy*/, curl_infotype kind, char* data, std::s
     transfer->countTraffic(kind, static_cast<qint64>(size));
     if (kind == CURLINFO_DATA_IN) {
         transfer->countRaw(static_cast<qsizetype>(size));
-        transfer->markReady();
     } else if (kind == CURLINFO_HEADER_OUT) {
-        // Only a proxy is asked for a whole address instead of a path.
+        // The request line holds a whole address instead of a path only for a proxy.
         const QByteArrayView head = viewOf(data, size);
         const qsizetype blank = head.indexOf(' ');
         transfer->m_isProxied = blank >= 0 && blank + 1 < head.size() && head[blank + 1] != '/';
@@ -229,17 +211,17 @@ int CurlTransfer::onSocket(void* self, curl_socket_t socket, curlsocktype /*purp
     return isTaken ? CURL_SOCKOPT_OK : CURL_SOCKOPT_ERROR;
 }
 
-int CurlTransfer::onConnected(void* self, char* thereAddress, char* hereAddress, int therePort,
-                              int herePort) {
+int CurlTransfer::onConnected(void* self, char* remoteAddress, char* localAddress, int remotePort,
+                              int localPort) {
     auto* const transfer = static_cast<CurlTransfer*>(self);
     long newConnections = 0;
     curl_easy_getinfo(transfer->m_easy.get(), CURLINFO_NUM_CONNECTS, &newConnections);
     if (newConnections == 0) {
         transfer->m_context.sockets.shutDownIfDataIsPending(
-            {hereAddress, herePort}, {thereAddress, therePort},
+            {localAddress, localPort}, {remoteAddress, remotePort},
             hasUnreadRecord(transfer->m_easy.get()));
     } else {
-        ++transfer->m_context.traffic.connections;
+        ++transfer->m_client->traffic.connections;
     }
     return CURL_PREREQFUNC_OK;
 }

@@ -1,23 +1,15 @@
-// What a transfer tells libcurl before it starts.
+// The options a transfer sets before it starts.
 
 #include "platform/curl/authorities.h"
-#include "platform/curl/curlrequestchain.h"
 #include "platform/curl/curltransfer.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
-#include <limits>
 
 namespace brimlet {
 namespace {
-
-long toLong(std::chrono::milliseconds time) {
-    constexpr std::chrono::milliseconds::rep kMost = std::numeric_limits<int>::max();
-    return static_cast<long>(
-        std::clamp<std::chrono::milliseconds::rep>(time.count(), 1, kMost)); // 0 would mean never
-}
 
 bool hasHeader(const HttpRequest& request, const char* name) {
     return std::any_of(
@@ -27,30 +19,30 @@ bool hasHeader(const HttpRequest& request, const char* name) {
 
 } // namespace
 
-// A handle of its own for each transfer, never one that was used before: libcurl 7.88 keeps a
-// pointer to a header of the request before, even across a reset, and follows it when a header line
-// begins with a blank.
-CurlTransfer::CurlTransfer(const HttpRequest& request, CurlUrl address,
-                           std::chrono::milliseconds timeout, CurlTransferContext& context,
-                           std::shared_ptr<CurlClientState> client)
-    : m_context(context)
-    , m_client(std::move(client))
+// Each transfer has a new handle. libcurl 7.88 keeps a pointer to a header of a handle's last
+// request, even across a reset, and follows it when a header line begins with a blank.
+CurlTransfer::CurlTransfer(std::unique_ptr<CurlRequestChain> ownChain, CurlUrl address,
+                           CurlTransferContext& context)
+    : chain(std::move(ownChain))
+    , m_context(context)
+    , m_client(chain->client)
     , m_address(std::move(address))
-    , m_lastStatusWithBody(request.lastStatusWithBody)
-    , m_bodyLimit(request.bodyLimit)
+    , m_lastStatusWithBody(chain->request.lastStatusWithBody)
+    , m_bodyLimit(chain->request.bodyLimit)
     , m_easy(curl_easy_init()) {
     m_isReady = m_easy != nullptr;
-    setRules(timeout);
-    setRequest(request);
+    setRules();
+    setRequest(chain->conditionalRequest());
     setCallbacks();
 }
 
-void CurlTransfer::setRules(std::chrono::milliseconds timeout) {
+void CurlTransfer::setRules() {
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
     set(CURLOPT_HTTP09_ALLOWED, 0L);
     set(CURLOPT_FOLLOWLOCATION, 0L);
-    set(CURLOPT_TIMEOUT_MS, toLong(timeout));
+    const qint64 left = std::max<qint64>(chain->deadline.remainingTime(), 1); // 0 would mean never
+    set(CURLOPT_TIMEOUT_MS, static_cast<long>(left));
     set(CURLOPT_NOSIGNAL, 1L);
     if (m_client->scope != 0) {
         set(CURLOPT_ADDRESS_SCOPE, m_client->scope);
@@ -62,8 +54,8 @@ void CurlTransfer::setRules(std::chrono::milliseconds timeout) {
     set(CURLOPT_SSL_VERIFYPEER, 1L);
     set(CURLOPT_SSL_VERIFYHOST, 2L);
     set(CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2});
-    // From a folder only the authority that is needed is read. A file of all of them costs nine
-    // mebibytes and twenty milliseconds with each connection.
+    // Of a folder, OpenSSL reads only the authority it needs. A file of all authorities costs nine
+    // mebibytes and twenty milliseconds for each connection.
     if (const QByteArray& folder = authoritiesFolder(); !folder.isEmpty()) {
         set(CURLOPT_CAPATH, folder.constData());
         set(CURLOPT_CAINFO, static_cast<const char*>(nullptr));
@@ -74,7 +66,7 @@ void CurlTransfer::setRules(std::chrono::milliseconds timeout) {
     }
     set(CURLOPT_HTTPAUTH, long{CURLAUTH_NONE});
     set(CURLOPT_NETRC, long{CURL_NETRC_IGNORED});
-    set(CURLOPT_HEADEROPT, long{CURLHEADER_SEPARATE}); // our headers are not for a proxy's CONNECT
+    set(CURLOPT_HEADEROPT, long{CURLHEADER_SEPARATE}); // none of ours in a proxy's CONNECT
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
 }
 
@@ -92,8 +84,9 @@ void CurlTransfer::setRequest(const HttpRequest& request) {
         set(CURLOPT_HTTPGET, 1L);
     }
     if (request.method != "GET" && request.method != "HEAD") {
-        // A kept connection may end just as the request goes out; libcurl would then send it again,
-        // although it may have been acted upon. Nor is its connection kept: polls have one.
+        // When a reused connection ends while the request goes out, libcurl sends the request
+        // again, although the service may already have acted on it. A new connection avoids that.
+        // It is not kept afterwards, since the polls keep one.
         set(CURLOPT_FRESH_CONNECT, 1L);
         set(CURLOPT_FORBID_REUSE, 1L);
     }
@@ -104,14 +97,14 @@ void CurlTransfer::setRequest(const HttpRequest& request) {
     }
 
     set(CURLOPT_USERAGENT, "Brimlet/0.1.0");
-    // A name without a value takes back what libcurl would add by itself.
+    // A name without a value removes the header that libcurl would add by itself.
     for (const char* name : {"Accept", "Content-Type", "Expect", "Proxy-Connection"}) {
         if (!hasHeader(request, name)) {
             addLine(QByteArray(name) + ':');
         }
     }
     for (const HttpHeader& header : request.headers) {
-        // libcurl's way to write a header that is empty.
+        // A semicolon in place of the colon makes libcurl send a header with an empty value.
         addLine(header.value.trimmed().isEmpty() ? header.name + ';'
                                                  : header.name + ": " + header.value);
     }

@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t kMostEntries = 8;
 constexpr qsizetype kLongestBody = qsizetype{64} * 1024;
 
-/// Headers by which the caller asks under conditions of its own.
+/// True for a header that already makes the request conditional, or asks for a part.
 bool isCondition(const HttpHeader& header) {
     const auto names = {"If-None-Match",       "If-Modified-Since", "If-Match",
                         "If-Unmodified-Since", "If-Range",          "Range"};
@@ -19,13 +19,13 @@ bool isCondition(const HttpHeader& header) {
     });
 }
 
-/// The same only for the same address and the same headers, the token's among them: another token
-/// never sees this one's reply. A hash, so that no token outlives its request in here.
+/// A hash of the address and all headers, including the one with the token: a request with another
+/// token never gets this reply, and the cache stores no token.
 QByteArray keyOf(const HttpRequest& request) {
     QCryptographicHash hash(QCryptographicHash::Sha256);
     hash.addData(request.url.absoluteString().toUtf8());
     for (const HttpHeader& header : request.headers) {
-        // Neither holds a line break, or the request would not be sent.
+        // No line break can occur inside, since such a request is not sent.
         hash.addData('\n' + header.name + '\n' + header.value);
     }
     return hash.result();
@@ -34,11 +34,11 @@ QByteArray keyOf(const HttpRequest& request) {
 } // namespace
 
 ValidatorCache::Lookup ValidatorCache::lookUp(const HttpRequest& request) {
-    const bool isAsked =
+    const bool isUsable =
         request.mayRevalidate && request.method == "GET" && !request.body &&
         request.lastStatusWithBody >= 200 &&
         std::none_of(request.headers.cbegin(), request.headers.cend(), isCondition);
-    if (!isAsked) {
+    if (!isUsable) {
         return {};
     }
     Lookup lookup{.key = keyOf(request), .kept = nullptr};
@@ -65,16 +65,16 @@ std::optional<HttpHeader> ValidatorCache::conditionalHeader(const Lookup& lookup
 HttpResult ValidatorCache::applyReply(const Lookup& lookup, HttpResult result,
                                       const Validators& validators) {
     const auto* const reply = std::get_if<HttpReply>(&result);
-    // No reply, and a service in trouble, say nothing about what was kept.
+    // A failure or a server error does not show whether the kept reply is current.
     if (lookup.key.isEmpty() || reply == nullptr || reply->status >= 500) {
         return result;
     }
     if (reply->status == 304) {
         if (!lookup.kept) {
-            return result; // nobody asked
+            return result; // the request was not conditional
         }
         if (!validators.agreesWith(lookup.kept->validators)) {
-            forget(lookup.key); // the next reply comes whole, and with a validator of its own
+            forget(lookup.key); // the next request is answered whole, with its own validator
         }
         return HttpReply{200, lookup.kept->body};
     }
@@ -90,7 +90,7 @@ void ValidatorCache::keep(const QByteArray& key, const Validators& validators,
                           const QByteArray& body) {
     forget(key);
     auto kept = std::make_shared<Kept>(Kept{validators, body});
-    kept->body.squeeze(); // the reply's own may have twice the room
+    kept->body.squeeze(); // a received body may have up to twice the capacity
     m_entries.push_front({key, std::move(kept)});
     if (m_entries.size() > kMostEntries) {
         m_entries.pop_back();

@@ -7,14 +7,14 @@
 namespace brimlet {
 namespace {
 
-/// Bytes. A validator goes out with every poll, so one that is long saves nothing.
+/// Bytes. Every poll sends the validator, so a long one saves nothing.
 constexpr qsizetype kLongest = 256;
 
 bool isNamed(QByteArrayView name, QByteArrayView wanted) {
     return name.compare(wanted, Qt::CaseInsensitive) == 0;
 }
 
-/// True for one entry of a comma-separated list, arguments behind "=" aside.
+/// True when a comma-separated list has that entry; what follows "=" in an entry is ignored.
 bool hasWord(const QByteArray& list, QByteArrayView word) {
     const QList<QByteArray> parts = list.split(',');
     return std::any_of(parts.cbegin(), parts.cend(), [word](const QByteArray& part) {
@@ -26,18 +26,18 @@ bool isPrintable(const QByteArray& text) {
     return std::all_of(text.cbegin(), text.cend(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
-QByteArray withoutMark(const QByteArray& etag) {
+QByteArray withoutWeakMark(const QByteArray& etag) {
     return etag.startsWith("W/") ? etag.sliced(2) : etag;
 }
 
-bool isSoundEtag(const QByteArray& etag) {
-    const QByteArray quoted = withoutMark(etag);
+bool isValidEtag(const QByteArray& etag) {
+    const QByteArray quoted = withoutWeakMark(etag);
     return etag.size() <= kLongest && quoted.size() >= 2 && quoted.startsWith('"') &&
            quoted.indexOf('"', 1) == quoted.size() - 1 && isPrintable(quoted) &&
            !quoted.contains(' ');
 }
 
-bool isSoundDate(const QByteArray& date) {
+bool isValidDate(const QByteArray& date) {
     return !date.isEmpty() && date.size() <= kLongest && isPrintable(date);
 }
 
@@ -45,9 +45,9 @@ bool isSoundDate(const QByteArray& date) {
 
 void Validators::add(QByteArrayView name, const QByteArray& value) {
     if (isNamed(name, "ETag")) {
-        put(m_etag, value, isSoundEtag(value));
+        put(m_etag, value, isValidEtag(value));
     } else if (isNamed(name, "Last-Modified")) {
-        put(m_lastModified, value, isSoundDate(value));
+        put(m_lastModified, value, isValidDate(value));
     } else if (isNamed(name, "Cache-Control")) {
         m_isForbidden = m_isForbidden || hasWord(value, "no-store");
     } else if (isNamed(name, "Vary")) {
@@ -55,8 +55,8 @@ void Validators::add(QByteArrayView name, const QByteArray& value) {
     }
 }
 
-void Validators::put(Once& into, const QByteArray& value, bool isSound) {
-    into.value = isSound && !into.isSeen ? value : QByteArray();
+void Validators::put(Once& into, const QByteArray& value, bool isValid) {
+    into.value = isValid && !into.isSeen ? value : QByteArray();
     into.isSeen = true;
 }
 
@@ -64,11 +64,11 @@ bool Validators::mayKeep() const {
     return !m_isForbidden && !(etag().isEmpty() && lastModified().isEmpty());
 }
 
-bool Validators::agreesWith(const Validators& asked) const {
-    if (!asked.etag().isEmpty()) {
-        return etag().isEmpty() || withoutMark(etag()) == withoutMark(asked.etag());
+bool Validators::agreesWith(const Validators& kept) const {
+    if (!kept.etag().isEmpty()) {
+        return etag().isEmpty() || withoutWeakMark(etag()) == withoutWeakMark(kept.etag());
     }
-    return lastModified().isEmpty() || lastModified() == asked.lastModified();
+    return lastModified().isEmpty() || lastModified() == kept.lastModified();
 }
 
 } // namespace brimlet

@@ -16,16 +16,16 @@ constexpr auto kWarmUpTimeout = 5s;
 constexpr auto kFirstReplies = 10s;
 constexpr auto kCheckInterval = 50ms;
 
-/// An engine per host would cost 45 KiB each; but at the end of each request libcurl checks all
-/// kept connections of its engine. With some tens of hosts per engine both costs are small.
-constexpr std::size_t kHostsPerEngine = 32;
+/// How many hosts share a libcurl multi handle. A handle for each host would take 45 KiB; one for
+/// all would be slow, since libcurl goes through all its connections at the end of each request.
+constexpr std::size_t kHostsPerHandle = 32;
 
 } // namespace
 
 Fleet::Host::Host(Fleet& fleet, QByteArray token)
     : secrets(std::move(token))
-    , http(fleet.engineFor(fleet.m_hosts.size()))
-    , counted(http, fleet.m_statistics)
+    , http(fleet.nextClient())
+    , counted(*http, fleet.m_statistics)
     , store(HostStore::create(
           {fleet.m_screens, fleet.m_workspace, secrets, counted, fleet.m_bundle, fleet.m_clock})) {}
 
@@ -87,17 +87,15 @@ QCoro::Task<> Fleet::awaitFirstReplies() {
     }
 }
 
-const std::shared_ptr<CurlEngine>& Fleet::engineFor(std::size_t host) {
-    if (host / kHostsPerEngine == m_engines.size()) {
-        m_engines.push_back(makeCurlEngine());
-    }
-    return m_engines.at(host / kHostsPerEngine);
+std::unique_ptr<CurlHttpClient> Fleet::nextClient() const {
+    const bool needsHandle = m_hosts.size() % kHostsPerHandle == 0;
+    return needsHandle ? std::make_unique<CurlHttpClient>() : m_hosts.back()->http->makeSibling();
 }
 
 Fleet::Mark Fleet::mark() const {
     Mark mark{m_statistics.polls, m_statistics.heartbeats, {}, cpuMilliseconds()};
-    for (const auto& engine : m_engines) {
-        mark.traffic += trafficOf(*engine);
+    for (const auto& host : m_hosts) {
+        mark.traffic += host->http->traffic();
     }
     return mark;
 }

@@ -37,7 +37,7 @@ private:
         Host(Fleet& fleet, QByteArray token);
 
         OneToken secrets;
-        CurlHttpClient http;
+        std::unique_ptr<CurlHttpClient> http;
         CountingClient counted;
         std::shared_ptr<HostStore> store;
     };
@@ -52,7 +52,7 @@ private:
     [[nodiscard]] QCoro::Task<> warmUp();
     [[nodiscard]] QCoro::Task<> startAll();
     [[nodiscard]] QCoro::Task<> awaitFirstReplies();
-    [[nodiscard]] const std::shared_ptr<CurlEngine>& engineFor(std::size_t host);
+    [[nodiscard]] std::unique_ptr<CurlHttpClient> nextClient() const;
     [[nodiscard]] Mark mark() const;
 
     Options m_options;
@@ -60,7 +60,6 @@ private:
     SleeplessWorkspace m_workspace;
     ServiceBundle m_bundle;
     QtClock m_clock;
-    std::vector<std::shared_ptr<CurlEngine>> m_engines;
     Statistics m_statistics;
     std::vector<std::unique_ptr<Host>> m_hosts;
     MemoryUse m_before;

@@ -16,10 +16,11 @@ namespace {
 
 using Clients = std::vector<std::unique_ptr<CurlHttpClient>>;
 
-Clients clientsOf(const std::shared_ptr<CurlEngine>& engine, int count) {
+Clients siblings(int count) {
     Clients clients;
-    for (int i = 0; i < count; ++i) {
-        clients.push_back(std::make_unique<CurlHttpClient>(engine));
+    clients.push_back(std::make_unique<CurlHttpClient>());
+    for (int i = 1; i < count; ++i) {
+        clients.push_back(clients.front()->makeSibling());
     }
     return clients;
 }
@@ -68,7 +69,7 @@ private Q_SLOTS:
         if (isNamed) {
             url = *Url::fromString(u"http://localhost:%1/"_qs.arg(server.port()));
         }
-        const Clients clients = clientsOf(makeCurlEngine(), kClients);
+        const Clients clients = siblings(kClients);
         for (int round = 0; round < 3; ++round) {
             for (int i = 0; i < kClients; ++i) {
                 QVERIFY(fetch(*clients.at(static_cast<std::size_t>(i)), from(i, url)) ==
@@ -85,7 +86,7 @@ private Q_SLOTS:
     void noConnectionIsLentWhileItsOwnerHasNoUseForIt() {
         RawServer server;
         Guests guests(server);
-        const Clients clients = clientsOf(makeCurlEngine(), 2);
+        const Clients clients = siblings(2);
         const Url url = server.url(u"/"_qs);
         QVERIFY(fetch(*clients[0], from(0, url)).has_value());
         QVERIFY(fetch(*clients[1], from(1, url)).has_value());
@@ -103,7 +104,7 @@ private Q_SLOTS:
     void aKeptReplyIsItsClientsOwn() {
         RawServer server;
         server.answer({}, rawReply(200, "x", "ETag: \"a\"\r\n"));
-        const Clients clients = clientsOf(makeCurlEngine(), 2);
+        const Clients clients = siblings(2);
         HttpRequest request = requestTo(server.url(u"/"_qs));
         request.mayRevalidate = true;
         QVERIFY(fetch(*clients[0], request).has_value());
@@ -117,7 +118,7 @@ private Q_SLOTS:
         RawServer server;
         server.answer("/slow", RawAnswer());
         server.answer("/quick", rawReply(200, "quick"));
-        Clients clients = clientsOf(makeCurlEngine(), 2);
+        Clients clients = siblings(2);
         const Awaited going(clients[0]->send(requestTo(server.url(u"/slow"_qs))));
         const Awaited staying(clients[1]->send(requestTo(server.url(u"/slow"_qs))));
         QTRY_COMPARE(server.requests().size(), 2U);
@@ -138,7 +139,7 @@ private Q_SLOTS:
     }
 
     void outcomesThatWaitToBeHandedOverAreTheirClientsOwn() {
-        Clients clients = clientsOf(makeCurlEngine(), 2);
+        Clients clients = siblings(2);
         HttpRequest late = requestTo(RawServer().url(u"/"_qs));
         late.timeout = 0s; // over before it began, but told in a later turn
         const Awaited going(clients[0]->send(late));
@@ -159,7 +160,7 @@ private Q_SLOTS:
         server.answer("/unfinished", "HTTP/1.1 200 OK\r\nContent-Length: 1048576\r\n\r\n" +
                                          QByteArray(kMebibyte - 1, 'x'));
         server.answer("/large", rawReply(200, QByteArray(kMebibyte, 'x')));
-        const Clients clients = clientsOf(makeCurlEngine(), 2);
+        const Clients clients = siblings(2);
         std::vector<Awaited> unfinished;
         unfinished.reserve(kUnfinished);
         for (int i = 0; i < kUnfinished; ++i) {
@@ -178,7 +179,7 @@ private Q_SLOTS:
         constexpr int kClients = 5;
         RawServer server;
         server.answer({}, rawReply(200, "good"));
-        const Clients clients = clientsOf(makeCurlEngine(), kClients);
+        const Clients clients = siblings(kClients);
         const auto everyoneFetches = [&] {
             return std::all_of(clients.begin(), clients.end(), [&](const auto& client) {
                 return fetch(*client, requestTo(server.url(u"/"_qs))) ==
@@ -198,8 +199,7 @@ private Q_SLOTS:
         const QByteArray reply = rawReply(200, "words", "ETag: \"a\"\r\n");
         const QByteArray same = "HTTP/1.1 304 Same\r\n\r\n";
         server.answer({}, reply);
-        const auto engine = makeCurlEngine();
-        const Clients clients = clientsOf(engine, 2);
+        const Clients clients = siblings(2);
         HttpRequest request = requestTo(server.url(u"/"_qs));
         request.mayRevalidate = true;
         QVERIFY(fetch(*clients[0], request).has_value());
@@ -210,11 +210,14 @@ private Q_SLOTS:
         server.answer({}, rawReply(200, ""));
         QVERIFY(fetch(*clients[1], post).has_value());
 
-        const CurlTraffic& traffic = trafficOf(*engine);
-        QCOMPARE(traffic.bytesSent, server.received().size());
-        QCOMPARE(traffic.bytesReceived, reply.size() + same.size() + rawReply(200, "").size());
-        QCOMPARE(traffic.connections, 2);
-        QCOMPARE(traffic.notModified, 1);
+        CurlTraffic both = clients[0]->traffic();
+        both += clients[1]->traffic();
+        QCOMPARE(both.bytesSent, server.received().size());
+        QCOMPARE(both.bytesReceived, reply.size() + same.size() + rawReply(200, "").size());
+        QCOMPARE(clients[0]->traffic().connections, 1);
+        QCOMPARE(clients[1]->traffic().connections, 1);
+        QCOMPARE(clients[0]->traffic().notModified, 1);
+        QCOMPARE(clients[1]->traffic().notModified, 0);
     }
 };
 
