@@ -9,9 +9,9 @@
 
 namespace brimlet {
 
-/// One creative in one slot, as the service sent it.
+/// One creative of one slot, as the service sent it. Texts may be empty.
 struct SlotCreative final {
-    /// "left" or "right"; anything else is carried but never placed.
+    /// "left" or "right"; a creative with another slot is never shown.
     QString slotId;
     QString brandName;
     QString tagline;
@@ -21,9 +21,9 @@ struct SlotCreative final {
     bool operator==(const SlotCreative&) const = default;
 };
 
-/// The week's state as the placement service reports it. Money is whole euro cents.
+/// The week's state as the placement service reports it. Amounts are euro cents.
 struct Assignment final {
-    /// The service's word for the week; ads show under exactly "live".
+    /// Ads show only while this is exactly "live".
     QString weekStatus = QStringLiteral("unfilled");
     std::int64_t estimatedCents = 0;
     std::int64_t pendingStipendCents = 0;
@@ -41,11 +41,10 @@ struct Assignment final {
     bool operator==(const Assignment&) const = default;
 };
 
-/// What stands before the first reply.
+/// The state before the first reply.
 [[nodiscard]] Assignment initialAssignment(bool fromApplications);
 
-/// Whether a bundle of that path runs from the system's Applications folder; a plain,
-/// case-sensitive prefix test.
+/// Whether the path begins with "/Applications/", in this letter case.
 [[nodiscard]] bool isInApplications(const QString& bundlePath);
 
 } // namespace brimlet

@@ -9,7 +9,7 @@ QByteArray heartbeatBody(bool paused, bool adsVisible, bool fromApplications) {
     body["paused"] = paused;
     body["slotsVisible"] = adsVisible ? Json::array({"left", "right"}) : Json::array();
     body["wakeMinutes"] = 0;
-    // The version of the protocol's client as the service knows it, fixed on purpose.
+    // The version of the protocol, not of the program.
     body["appVersion"] = "0.1.0";
     body["fromApplications"] = fromApplications;
     return QByteArray::fromStdString(body.dump());

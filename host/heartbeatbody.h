@@ -4,7 +4,7 @@
 
 namespace brimlet {
 
-/// The JSON body of a heartbeat.
+/// The JSON body of a heartbeat, in UTF-8.
 [[nodiscard]] QByteArray heartbeatBody(bool paused, bool adsVisible, bool fromApplications);
 
 } // namespace brimlet

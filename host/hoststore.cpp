@@ -45,7 +45,6 @@ HostStore::HostStore(const HostPorts& ports)
     , m_hasNotch(brimlet::hasNotch(builtInScreen(ports.screens))) {}
 
 bool HostStore::isPaused() const {
-    // Without a pause there is nothing to compare, and the clock is left alone.
     return m_pausedUntil && isPausedAt(m_ports.clock.now(), m_pausedUntil);
 }
 
@@ -60,7 +59,7 @@ bool HostStore::inApplications() const {
 }
 
 void HostStore::startTimers() {
-    const auto self = shared_from_this(); // the timers may be all that holds the store
+    const auto self = shared_from_this(); // resetting the timers may drop the last other reference
     m_heartbeatTimer.reset();
     m_estimateTimer.reset();
     m_heartbeatTimer =

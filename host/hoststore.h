@@ -17,8 +17,9 @@
 
 namespace brimlet {
 
-/// What the store needs of the system. The ports outlive the main loop; an HTTP client that goes
-/// ends every request first.
+/// What the store needs of the system. Not owned. The ports must live until the main loop ends. The
+/// HTTP client must be destroyed first: its destructor ends every request, and the store then still
+/// uses the other ports.
 struct HostPorts final {
     Screens& screens;
     Workspace& workspace;
@@ -29,13 +30,18 @@ struct HostPorts final {
 };
 
 /// The one observable state object of the host: token, pause, the week's assignment, status line,
-/// notch and screen state. It drives the periodic requests and answers whether ads may show.
+/// notch and screen state. It sends the periodic requests and decides whether ads may show.
 /// Main thread only. Its timers hold it, so a store whose timers run is never destroyed.
+///
+/// On every request: without a notch nothing is sent and the status line says so. The tasks end
+/// with the request and never throw; a failed request leaves the assignment as it was and shows
+/// only in the status line. Requests may overlap; the reply that arrives last counts.
 class HostStore final : public QObject, public std::enable_shared_from_this<HostStore> {
     Q_OBJECT
 
 public:
-    /// Reads the token and the screens; sends nothing.
+    /// Reads the token from the secret store, which may take two seconds, and the screens. Sends
+    /// nothing.
     [[nodiscard]] static std::shared_ptr<HostStore> create(const HostPorts& ports);
 
     /// Names the ports of the shared store. Called once, before the first use of `shared()`.
@@ -45,51 +51,67 @@ public:
 
     ~HostStore() override = default;
 
-    /// Registers the observers of screen sleep and wake. Called once, by the launch.
+    /// From now on updates `screenAsleep` when the screens sleep or wake, and sends a heartbeat
+    /// each time. Call once.
     void watchScreens();
-    /// (Re)creates both timers and starts the first display refresh and heartbeat.
+    /// Sends a display request and then a heartbeat, and starts the timers: a heartbeat every 900
+    /// seconds, `refreshEstimate()` every 3. A second call restarts both timers.
     void startTimers();
 
-    /// Takes the token as typed, keeps it trimmed in memory and in the secret store (an empty one
-    /// is removed there), and tries it at once.
+    /// Trims the token and keeps it, even without a notch, in memory and in the secret store, where
+    /// an empty one or one that is no valid UTF-16 is removed. A failure of the secret store is
+    /// ignored. Then sends a display request and a heartbeat with the new token.
     void saveToken(const QString& raw);
-    /// Signs the host agreement.
+    /// Signs the host agreement: `ping()` with POST /api/host/agree.
     [[nodiscard]] QCoro::Task<> agree();
-    /// Pauses ads until 24 hours of wall-clock time from now.
+    /// Pauses ads for 24 hours of wall-clock time, even without a notch, and sends a heartbeat. A
+    /// pause is not stored and cannot be ended early; another call extends it.
     void pause24h();
 
-    /// Asks the service and applies its reply. `path` begins with a slash and follows the service
-    /// root as it is.
+    /// Sends a request with the token and applies the reply; without a token nothing happens.
+    /// `path` begins with a slash and is appended to the service root unchanged. A POST has a JSON
+    /// body, `heartbeatBody()` when the path ends with "/heartbeat" and "{}" otherwise; a GET may
+    /// be answered with an unchanged kept reply. Only a 200 with a JSON object is applied. Without
+    /// a reply, or with a 200 that is not JSON, the status line changes for a heartbeat only; after
+    /// every other reply it says that the token was rejected.
     [[nodiscard]] QCoro::Task<> ping(QString path, QByteArray method);
-    /// Fetches the public placement, without the token.
+    /// GET /api/display, the public placement, without the token. Only a 200 with a JSON object is
+    /// applied; otherwise the status line says that loading failed.
     [[nodiscard]] QCoro::Task<> refreshDisplay();
-    /// Asks for the host's own figures, or for the public placement while there is no token.
+    /// `ping()` with GET /api/host/me, or `refreshDisplay()` while there is no token.
     [[nodiscard]] QCoro::Task<> refreshEstimate();
 
-    /// Reads one creative object of a reply; never fails.
+    /// Reads one creative object of a reply. Fields that are missing or have the wrong type are
+    /// empty or absent.
     [[nodiscard]] static SlotCreative parseCreative(const Json& object);
-    /// The service root: the info dictionary's BrimletAPIURL as it stands, else the default. Read
-    /// anew each time.
+    /// The service root: the info dictionary's BrimletAPIURL if that is a string, even an invalid
+    /// address, else http://127.0.0.1:8791.
     [[nodiscard]] static QString apiRoot(const Bundle& bundle);
 
     [[nodiscard]] const QString& token() const { return m_token; }
+    /// The end of the last pause, which may be past.
     [[nodiscard]] std::optional<Clock::TimePoint> pausedUntil() const { return m_pausedUntil; }
     [[nodiscard]] const Assignment& assignment() const { return m_assignment; }
     [[nodiscard]] const QString& statusLine() const { return m_statusLine; }
-    /// Fixed at creation; a later change of screens does not change it.
+    /// Determined at creation; a later change of screens does not change it.
     [[nodiscard]] bool hasNotch() const { return m_hasNotch; }
     [[nodiscard]] bool screenAsleep() const { return m_screenAsleep; }
 
+    /// True before the end of a pause. Reads the clock, so it changes without `objectWillChange()`
+    /// when the pause ends or the clock is set.
     [[nodiscard]] bool isPaused() const;
+    /// `areAdsVisible()` for the current state, and as changeable as `isPaused()`. False until the
+    /// first reply.
     [[nodiscard]] bool adsVisible() const;
 
-    /// Set by the launch, so that the runtime starts once.
+    /// Whether the timers and observers were started. Set by the caller that starts them.
     bool runtimeStarted = false;
 
 Q_SIGNALS:
-    /// A published field is about to change; it still has its old value.
+    /// A field is about to be set, perhaps to an equal value; it still has its old one.
     void objectWillChange();
-    /// The overlay should be rendered from the store's present state, before this returns.
+    /// The overlay should be rendered from the store's current state. Connect directly, so that it
+    /// is rendered before this returns.
     void overlayNeedsRender();
 
 private:

@@ -1,4 +1,4 @@
-// The token in the secret store, and what the host asks for in the menu.
+// The token in the secret store, and the actions of the menu.
 
 #include "host/hoststore.h"
 

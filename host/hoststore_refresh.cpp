@@ -1,4 +1,4 @@
-// The requests to the placement service, and what their replies change.
+// The requests to the placement service, and how their replies are applied.
 
 #include "host/hoststore.h"
 
@@ -12,11 +12,11 @@ namespace {
 
 constexpr int kOk = 200;
 
-/// What a reply of an endpoint amounts to.
+/// How a request ended.
 enum class Outcome {
-    TransferFailed, ///< No reply, or a body that is no JSON at all.
-    NotAnObject,    ///< Valid JSON with something else than an object at the top.
-    OtherStatus,    ///< Anything but 200; the body was not read.
+    TransferFailed, ///< No reply, or a 200 with a body that is not JSON.
+    NotAnObject,    ///< A 200 with JSON whose top level is not an object.
+    OtherStatus,    ///< Any status but 200; there is no body.
     Object,
 };
 
@@ -45,8 +45,8 @@ Reply classified(const HttpResult& result, ReplyReader& reader) {
     return {};
 }
 
-/// The public display carries no credential, so a redirect may also lead to another origin that
-/// the program would fetch from anyway.
+/// The display request carries no token, so its redirects may also lead to another origin that the
+/// link rule allows.
 bool mayFollowDisplay(const Url& from, const Url& to) {
     return isSameOrigin(from, to) || isAllowedLink(to);
 }
@@ -104,7 +104,7 @@ QCoro::Task<> HostStore::ping(QString path, QByteArray method) {
         break;
     case Outcome::NotAnObject:
     case Outcome::OtherStatus:
-        // Said of every other reply, whatever its real cause.
+        // One text for all these causes.
         publish(m_statusLine, statusline::tokenRejected());
         break;
     case Outcome::Object:
@@ -129,7 +129,7 @@ HttpRequest HostStore::authorisedRequest(const Url& url, const QString& path,
 
 void HostStore::transferFailed(const QString& path) {
     const bool isHeartbeat = path.endsWith(QLatin1StringView("/heartbeat"));
-    // The other endpoints leave the text alone but announce it all the same.
+    // For other endpoints the text stays the same, but the field is still announced.
     const QString text = isHeartbeat ? statusline::heartbeatFailed() : m_statusLine;
     publish(m_statusLine, text);
 }

@@ -8,23 +8,23 @@
 namespace brimlet {
 namespace {
 
-/// Beyond any power that a text of bounded length could make up for.
+/// Larger than the number of digits in any reply, so clamping to it does not change the result.
 constexpr int kMaxExponent = 100'000'000;
-/// Stands for every number that is not whole; no field tells fractions apart.
+/// Replaces every number that is not whole; no field accepts a fraction.
 constexpr double kSomeFraction = 0.5;
 
-/// The value of a number's text if that is exactly a whole number of 64 signed bits. A double
-/// would not tell: it holds no more than 53 bits.
+/// The value of a number's text if it is exactly a whole number within 64 signed bits. A double has
+/// only 53 bits and would round it.
 std::optional<std::int64_t> exactWholeNumber(std::string_view text) {
     const bool isNegative = text.starts_with('-');
     text.remove_prefix(isNegative ? 1 : 0);
     const auto mark = std::min(text.find_first_of("eE"), text.size());
     std::string digits;
-    int scale = 0; // what is left is digits times ten to this power
+    int scale = 0; // the value is `digits` times ten to this power
     bool isInFraction = false;
     for (const char c : text.substr(0, mark)) {
         if (c < '0' || c > '9') {
-            isInFraction = true; // the decimal point, in whatever form the reader keeps it
+            isInFraction = true; // the decimal point, perhaps in the locale's form
         } else if (!digits.empty() || c != '0') {
             digits += c;
         }
@@ -58,9 +58,9 @@ std::optional<std::int64_t> exactWholeNumber(std::string_view text) {
     return read.ec == std::errc{} ? std::optional(value) : std::nullopt;
 }
 
-/// The library's own reader, an internal class of 3.11 that stands for forty lines of ours, besides
-/// that it keeps whole numbers exactly however they are written, and remembers whether it gave up
-/// over a number's size.
+/// The library's DOM parser, except that it keeps whole numbers exactly however they are written,
+/// and records whether it stopped because a number was too large. The base is an internal class of
+/// nlohmann/json 3.11 and saves forty lines here.
 class Reader final : public nlohmann::detail::json_sax_dom_parser<Json> {
 public:
     explicit Reader(Json& result)
@@ -102,7 +102,7 @@ Outcome parseOnce(std::string_view text) {
     return outcome;
 }
 
-/// Whether the whole text is one number as JSON writes them, however large.
+/// Whether the whole text is one number in JSON syntax, of any size.
 bool isNumber(std::string_view text) {
     const auto skip = [&text](std::string_view characters, std::size_t most) {
         const auto count = std::min({text.find_first_not_of(characters), text.size(), most});
@@ -126,8 +126,8 @@ bool isNumber(std::string_view text) {
     return text.empty();
 }
 
-/// Whether the whole text is one well-formed number too large for a double. (Not by from_chars,
-/// which macOS does not have for doubles.)
+/// Whether the whole text is one well-formed number too large for a double. Not std::from_chars,
+/// which macOS lacks for doubles.
 bool isHugeNumber(std::string_view text) {
     constexpr std::size_t kDigitsOfLargest = 309;
     const bool mayBe =
@@ -135,8 +135,8 @@ bool isHugeNumber(std::string_view text) {
     return mayBe && isNumber(text) && parseOnce(text).isNumberTooLarge;
 }
 
-/// Writes each number beyond the range of a double as a fraction that no field accepts. Text in
-/// quotes is left alone; whatever else is malformed stays so.
+/// Replaces each number beyond the range of a double by a fraction, which no field accepts. Strings
+/// stay as they are, and malformed text stays malformed.
 std::string withoutHugeNumbers(std::string_view text) {
     constexpr std::string_view kNumberCharacters = "0123456789+-.eE";
     std::string out;
@@ -166,7 +166,7 @@ std::string withoutHugeNumbers(std::string_view text) {
 std::optional<Json> parseJson(const QByteArray& text) {
     const std::string_view view(text.constData(), static_cast<std::size_t>(text.size()));
     if (view.find('\0') != std::string_view::npos) {
-        return std::nullopt; // the reader would take it for the end and not look at the rest
+        return std::nullopt; // the parser would stop there and ignore the rest
     }
     Outcome outcome = parseOnce(view);
     if (!outcome.value && outcome.isNumberTooLarge) {

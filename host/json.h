@@ -10,10 +10,10 @@ namespace brimlet {
 
 using Json = nlohmann::json;
 
-/// Reads one JSON text: strict RFC 8259 in checked UTF-8, a scalar at the top allowed. Absent when
-/// it is anything else. A whole number of 64 bits is kept exactly, as an integer however it is
-/// written (1e3, 1234.0); every other number with a point, a power or too many digits is valid and
-/// kept as some fraction. Of doubled keys the last one counts.
+/// Parses one JSON text: strict RFC 8259 in valid UTF-8, any value at the top level. Absent when
+/// the text is anything else. A whole number that fits 64 bits becomes exactly that integer,
+/// however it is written (1e3, 1234.0). Every other number becomes some fraction, which is not its
+/// value. Of equal keys the last one counts.
 [[nodiscard]] std::optional<Json> parseJson(const QByteArray& text);
 
 } // namespace brimlet

@@ -6,7 +6,7 @@
 namespace brimlet {
 
 QString eurosWithCents(std::int64_t cents) {
-    // Seventeen digits, a minus, a point and two decimals at the most.
+    // At most 17 digits, a minus sign, a point and two decimals.
     std::array<char, 32> text{};
     const double euros = static_cast<double>(cents) / 100.0;
     const auto end =

@@ -6,8 +6,8 @@
 
 namespace brimlet {
 
-/// An amount of euro cents as "€12.34": always two decimals and a point, no grouping, a minus after
-/// the euro sign, whatever the user's locale.
+/// An amount of euro cents as "€12.34", the same in every locale: two decimals, a point, no
+/// grouping, and a minus sign after the euro sign ("€-0.50"). Rounded to a double's 53 bits.
 [[nodiscard]] QString eurosWithCents(std::int64_t cents);
 
 } // namespace brimlet

@@ -9,16 +9,16 @@
 
 namespace brimlet {
 
-/// The first screen, in the system's order, that the system calls built in. A screen without a
-/// number is asked about as display 0, not passed over.
+/// The first screen, in the system's order, for which `isBuiltIn` is true. Called with 0 for a
+/// screen without a number.
 [[nodiscard]] std::optional<Screen>
 builtInScreen(const std::vector<Screen>& screens,
               const std::function<bool(std::uint32_t displayNumber)>& isBuiltIn);
 
-/// The same, over the screens of this moment.
+/// The same for the current screens.
 [[nodiscard]] std::optional<Screen> builtInScreen(const Screens& screens);
 
-/// Whether the built-in screen has strips on both sides of a gap strictly wider than 20 points.
+/// Whether the screen has a usable strip on each side of a gap of more than 20 points.
 [[nodiscard]] bool hasNotch(const std::optional<Screen>& builtIn);
 
 } // namespace brimlet

@@ -3,10 +3,10 @@
 namespace brimlet {
 
 std::shared_ptr<const ReplyReader::Reading> ReplyReader::read(const QByteArray& body) {
-    // A reply of this size is not worth its memory for as long as the program runs.
+    // Bytes. A longer body would take its memory for as long as the program runs.
     constexpr qsizetype kLongestKept = qsizetype{64} * 1024;
     if (m_reading && m_body == body) {
-        m_body = body; // mostly one that is kept elsewhere, too
+        m_body = body; // shares the bytes with the HTTP client's kept reply, if it has one
         return m_reading;
     }
     auto reading = std::make_shared<Reading>();

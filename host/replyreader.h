@@ -6,22 +6,22 @@
 
 namespace brimlet {
 
-/// What the bytes of a reply amount to.
+/// What a reply's body is.
 enum class ReplyKind {
     NoJson,
-    NotAnObject, ///< Valid JSON with something else at the top.
+    NotAnObject, ///< JSON whose top level is something else.
     Object,
 };
 
-/// Reads replies, and remembers the last one: almost every poll brings the same bytes again.
+/// Reads replies and caches the last one, since most polls get the same bytes again.
 class ReplyReader final {
 public:
     struct Reading final {
         ReplyKind kind = ReplyKind::NoJson;
-        ReplyFields fields; ///< Of an object.
+        ReplyFields fields; ///< All absent unless the kind is Object.
     };
 
-    /// Never null. A body of up to 64 KiB is kept until the next one.
+    /// Never null, and valid as long as it is held. Caches a body of up to 64 KiB.
     [[nodiscard]] std::shared_ptr<const Reading> read(const QByteArray& body);
 
 private:

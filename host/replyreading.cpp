@@ -13,7 +13,7 @@ const Json* valueOf(const Json& object, const char* key) {
     return found == object.end() ? nullptr : &*found;
 }
 
-// Whole numbers are integers by now, however they were written.
+// The parser has made every whole number an integer, however it was written.
 std::optional<std::int64_t> wholeNumber(const Json& value) {
     if (value.is_number_unsigned()) {
         const auto number = value.get<std::uint64_t>();

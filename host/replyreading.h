@@ -12,7 +12,7 @@
 namespace brimlet {
 
 // Lenient reading of a reply's fields: a key that is missing, or whose value has the wrong type,
-// is absent, and the caller's default takes its place. Nothing here can fail.
+// is absent, and the caller uses its default. Nothing here fails or throws.
 
 /// Only a JSON string.
 [[nodiscard]] std::optional<QString> readString(const Json& object, const char* key);
@@ -27,17 +27,18 @@ namespace brimlet {
 /// Only a JSON string that is a well-formed address.
 [[nodiscard]] std::optional<Url> readUrl(const Json& object, const char* key);
 
-/// Never fails: an empty object gives a creative with empty texts and absent addresses.
+/// A text that is missing is empty, an address that is missing or malformed is absent. The tagline
+/// is the key "copy", or else "tagline".
 [[nodiscard]] SlotCreative readCreative(const Json& object);
 
-/// All creatives of the key "creatives", in order; none at all unless it is an array of objects.
+/// All creatives of the key "creatives", in order; empty unless it is an array of objects alone.
 [[nodiscard]] std::vector<SlotCreative> readCreatives(const Json& reply);
 
-/// The first creative meant for the slot, by exact name; absent when there is none.
+/// The first creative whose slot is exactly `slotId`.
 [[nodiscard]] std::optional<SlotCreative> creativeOfSlot(const std::vector<SlotCreative>& creatives,
                                                          QLatin1StringView slotId);
 
-/// What a reply says of the week; a field is absent where it says nothing of the right type.
+/// The fields of a reply. Amounts are euro cents.
 struct ReplyFields final {
     std::optional<QString> weekStatus;
     std::optional<std::int64_t> estimatedCents;
@@ -54,7 +55,6 @@ struct ReplyFields final {
     std::optional<SlotCreative> right;
 };
 
-/// All of them at once. Never fails.
 [[nodiscard]] ReplyFields readFields(const Json& reply);
 
 } // namespace brimlet

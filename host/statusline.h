@@ -6,7 +6,7 @@
 
 namespace brimlet::statusline {
 
-// The one line of status that the menu shows. Every text of it stands here.
+// All texts of the status line in the menu.
 
 [[nodiscard]] QString loading();
 [[nodiscard]] QString paused();
@@ -15,11 +15,11 @@ namespace brimlet::statusline {
 [[nodiscard]] QString heartbeatFailed();
 [[nodiscard]] QString tokenRejected();
 
-/// After a reply of the public display endpoint. Outside the Applications folder the line says so
-/// whether or not ads are visible.
+/// After a reply to a display request. Outside the Applications folder the text does not depend on
+/// whether ads are visible.
 [[nodiscard]] QString afterDisplayReply(bool inApplications, bool adsVisible, bool hasToken);
 
-/// After a reply to the host itself. `estimatedCents` are euro cents.
+/// After a reply to a request with the token. `estimatedCents` are euro cents.
 [[nodiscard]] QString afterHostReply(bool inApplications, bool agreed, bool adsVisible,
                                      std::int64_t estimatedCents);
 

@@ -7,8 +7,8 @@
 
 namespace brimlet {
 
-/// The text these bytes encode, every character of it; absent when they are not UTF-8.
-/// QString::fromUtf8 would take a leading U+FEFF for a byte-order mark and drop it.
+/// The decoded text; absent when the bytes are not valid UTF-8. Unlike QString::fromUtf8 it keeps
+/// a leading U+FEFF.
 [[nodiscard]] std::optional<QString> textFromUtf8(std::string_view bytes);
 
 } // namespace brimlet

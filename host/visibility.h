@@ -9,11 +9,12 @@
 
 namespace brimlet {
 
-/// Paused strictly before the end of the pause; a past pause simply stops counting.
+/// True before `pausedUntil`; false at that moment, later, and without a pause.
 [[nodiscard]] bool isPausedAt(Clock::TimePoint now, std::optional<Clock::TimePoint> pausedUntil);
 
-/// The one rule for whether ads may show. Evaluated in the order of the arguments and left at the
-/// first "no", so that `isPaused`, which reads the clock, is asked only on a notched machine.
+/// The rule for whether ads may show: there is a notch, no pause, no sleeping screen, no
+/// `forceHide` and `weekStatus` is exactly "live". Checked in this order up to the first "no", so
+/// `isPaused`, which reads the clock, is called only with a notch.
 [[nodiscard]] bool areAdsVisible(bool hasNotch, const std::function<bool()>& isPaused,
                                  bool screenAsleep, bool forceHide, QStringView weekStatus);
 
