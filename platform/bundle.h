@@ -5,16 +5,16 @@
 
 namespace brimlet {
 
-/// The program as it is installed. Main thread only.
+/// The installed program. Main thread only.
 class Bundle {
 public:
     virtual ~Bundle() = default;
 
-    /// Where the program runs from, e.g. "/Applications/Brimlet.app". Asked afresh each time.
+    /// The path the program runs from, e.g. "/Applications/Brimlet.app". Read again on each call.
     [[nodiscard]] virtual QString path() const = 0;
 
-    /// The value of a key of the info dictionary, of whatever type it has there; invalid when the
-    /// key is missing. Read anew at each question.
+    /// The value of a key of the info dictionary, in the type it has there; invalid when the key is
+    /// missing. Read again on each call.
     [[nodiscard]] virtual QVariant infoDictionaryValue(const QString& key) const = 0;
 
     /// The application identifier in reverse-DNS form.

@@ -6,13 +6,13 @@
 
 namespace brimlet {
 
-/// Where the user's caches lie.
+/// The folder for the user's caches. Main thread only.
 class CachesFolder {
 public:
     virtual ~CachesFolder() = default;
 
-    /// Absolute path without a trailing slash, or absent where the user has none. It need not
-    /// exist yet.
+    /// An absolute path without a trailing slash; the folder may not exist yet. Absent where the
+    /// user has none.
     [[nodiscard]] virtual std::optional<QString> path() const = 0;
 };
 

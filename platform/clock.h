@@ -9,13 +9,13 @@
 
 namespace brimlet {
 
-/// A running repeating timer; destroying it invalidates the timer.
+/// A running repeating timer. Destroying it stops it, also from inside its tick.
 class RepeatingTimer {
 public:
     virtual ~RepeatingTimer() = default;
 };
 
-/// Time, in both senses. Main thread only.
+/// Wall-clock time, monotonic time and timers. Main thread only.
 class Clock {
 public:
     using TimePoint = std::chrono::system_clock::time_point;
@@ -25,17 +25,17 @@ public:
     /// Wall-clock time. It jumps when the user or the network sets the clock.
     [[nodiscard]] virtual TimePoint now() const = 0;
 
-    /// Time passed since some moment before the program began. Monotonic: it never jumps, and it
-    /// stands still while the machine sleeps.
+    /// Time since some moment before the program began. Monotonic; does not advance while the
+    /// machine sleeps.
     [[nodiscard]] virtual std::chrono::nanoseconds uptime() const = 0;
 
-    /// Calls `tick` every `interval`, for the first time after one interval. Monotonic: a jump of
-    /// the wall clock changes nothing, and ticks missed while the machine slept are not made up.
+    /// Calls `tick` every `interval`, the first time after one interval. Monotonic: setting the
+    /// wall clock has no effect, and ticks missed while the machine slept are not made up.
     [[nodiscard]] virtual std::unique_ptr<RepeatingTimer> repeat(std::chrono::milliseconds interval,
                                                                  std::function<void()> tick) = 0;
 
-    /// Ends after `duration` (monotonic), or as soon as a stop is requested. The caller looks at
-    /// the token to tell which.
+    /// Ends after `duration` (monotonic), or as soon as a stop is requested; `stop` shows which it
+    /// was.
     [[nodiscard]] virtual QCoro::Task<> sleep(std::chrono::nanoseconds duration,
                                               std::stop_token stop) = 0;
 };

@@ -8,9 +8,9 @@
 
 namespace brimlet {
 
-/// A value that will be there later: one side resolves it once, the other awaits it once. Copies
-/// share the value. It must be resolved in the end, since a coroutine that waits for it is kept
-/// until then. Resolving resumes the waiting coroutine at once. One thread only.
+/// A value that becomes available later: one side resolves it once, the other awaits it once.
+/// Copies share the value. Resolving resumes the waiting coroutine before it returns. It must be
+/// resolved in the end, or the waiting coroutine leaks. One thread only.
 template <typename T>
 class Deferred final {
 public:

@@ -3,7 +3,7 @@
 namespace brimlet {
 namespace {
 
-/// The port an address leads to, absent where that cannot be told.
+/// The explicit port, or else the scheme's default. Absent for an invalid port or another scheme.
 std::optional<int> effectivePort(const Url& url) {
     if (url.port()) {
         bool isNumber = false;

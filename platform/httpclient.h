@@ -13,9 +13,10 @@
 
 namespace brimlet {
 
+/// Sent byte for byte, without conversion.
 struct HttpHeader final {
-    QByteArray name;
-    QByteArray value;
+    QByteArray name;  ///< ASCII. In any letter case.
+    QByteArray value; ///< ASCII or UTF-8, without control characters. May be empty.
 
     bool operator==(const HttpHeader&) const = default;
 };
@@ -23,28 +24,29 @@ struct HttpHeader final {
 /// Whether a redirect from one address to the next may be followed.
 using RedirectRule = std::function<bool(const Url& from, const Url& to)>;
 
-/// True when scheme, host and port are the same, letter case and a spelled-out default port aside.
+/// True when scheme, host and port are the same, ignoring letter case and an explicit default port.
 [[nodiscard]] bool isSameOrigin(const Url& from, const Url& to);
 
-/// One request. Nothing is sent besides what is named here, a Host, a User-Agent of
-/// "Brimlet/0.1.0", with a body its Content-Length, and what `mayRevalidate` allows.
+/// One request. Besides what is given here only a Host, the User-Agent "Brimlet/0.1.0", for a body
+/// its Content-Length, and for `mayRevalidate` a conditional header are sent.
 struct HttpRequest final {
     Url url;
     QByteArray method = "GET";
-    /// A header holding a control character makes the whole request fail unsent.
+    /// A header with a control character makes the request fail as BadRequest.
     std::vector<HttpHeader> headers{};
     std::optional<QByteArray> body{};
-    /// At most three hops are followed, each only if this allows it; a redirect that is not
-    /// followed is the outcome itself.
+    /// At most three redirects are followed, each only if this returns true. One that is not
+    /// followed becomes the outcome.
     RedirectRule mayFollow = isSameOrigin;
-    /// The body is handed over for the statuses from 200 up to this one, for others it is not read.
+    /// The reply has its body for statuses from 200 up to this one; for others it is empty.
     int lastStatusWithBody = 200;
-    /// Bytes. A longer body makes the request fail.
+    /// Bytes. A longer body makes the request fail as TooLarge.
     qsizetype bodyLimit = qsizetype{1024} * 1024;
-    /// From the start to the last byte, redirects included, however steadily bytes drip in.
+    /// From the start to the last byte, including redirects.
     std::chrono::milliseconds timeout = std::chrono::seconds(60);
-    /// For a GET that is sent again and again: the client may keep the reply and ask the service
-    /// whether it still holds. One that does is the same outcome once more, a 200 with its body.
+    /// For a GET that is repeated: the client may keep the reply and send the next request with a
+    /// condition. When the service confirms the kept reply with a 304, the outcome is the kept
+    /// reply, a 200 with its body.
     bool mayRevalidate = false;
 };
 
@@ -57,24 +59,24 @@ struct HttpReply final {
 
 /// Why no reply came.
 enum class HttpError {
-    BadRequest,  ///< Not a fetchable address or a header that cannot be sent; nothing was sent.
-    Unreachable, ///< No such host, refused, no route, or no trustworthy TLS.
+    BadRequest,  ///< The address cannot be fetched or a header cannot be sent.
+    Unreachable, ///< No such host, refused, no route, or no valid TLS certificate.
     Broken,      ///< Cut off, or not HTTP.
-    TooLarge,    ///< The head or the body passed its limit.
+    TooLarge,    ///< The head or the body exceeded its limit.
     TimedOut,
-    Cancelled, ///< The client went away.
+    Cancelled, ///< The client was destroyed.
 };
 
 using HttpResult = std::variant<HttpReply, HttpError>;
 
-/// Fetches over HTTP/1.1, keeping connections open between requests. No cookies, no remembered
-/// passwords, no reply that the service was not asked about. Main thread only; any number of
-/// requests may be under way.
+/// Fetches over HTTP/1.1 and keeps connections open between requests. Stores no cookies and no
+/// passwords, and answers no request from a cache without asking the service. Main thread only; any
+/// number of requests may be under way.
 class HttpClient {
 public:
     virtual ~HttpClient() = default;
 
-    /// Starts at once. Always ends, at the latest with the request's timeout.
+    /// Starts before it returns. Always ends, at the latest with the request's timeout.
     [[nodiscard]] virtual QCoro::Task<HttpResult> send(HttpRequest request) = 0;
 };
 

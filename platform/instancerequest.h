@@ -2,18 +2,18 @@
 
 namespace brimlet {
 
-/// What the desktop and other starts of the program may ask of the one that runs.
+/// What the desktop, or another start of the program, can request of the running instance.
 enum class InstanceRequest {
     Open,  ///< Open the panel.
     Pause, ///< Pause ads for 24 hours.
     Quit,
 };
 
-/// What a start of the program finds.
+/// The result of a start's claim to be the only instance.
 enum class InstanceClaim {
-    First,    ///< This process is the one that runs from now on.
-    Second,   ///< Another one runs and has been asked for its panel.
-    NoAnswer, ///< Another one runs, but it did not answer or cannot be asked.
+    First,    ///< This process is now the running instance.
+    Second,   ///< Another instance runs and has been asked to open its panel.
+    NoAnswer, ///< Another instance runs, but it did not answer or cannot be asked.
 };
 
 } // namespace brimlet

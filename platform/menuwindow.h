@@ -9,21 +9,22 @@
 namespace brimlet {
 
 /// The native window around the menu-bar panel: free-standing, without a frame, above other
-/// windows, as large as its content and never larger than the screen. It goes away when the user
-/// turns to something else or presses Escape. It is created hidden. Main thread only.
+/// windows, as large as its content but not larger than the screen. It is dismissed when it loses
+/// the keyboard focus or the user presses Escape. It is created hidden. Main thread only.
 class MenuWindow {
 public:
     virtual ~MenuWindow() = default;
 
-    /// Shows it beside the status item's place (global points), in a corner of the screen when that
-    /// is absent, and gives it the keyboard. One that is shown comes to the front.
+    /// Shows it next to the status item, `item` in global points, or in a corner of the screen when
+    /// that is absent, and gives it the keyboard focus. A window that is shown already is raised.
     virtual void present(const std::optional<Rect>& item) = 0;
 
+    /// Hides it and, if it was shown, calls the observers before it returns.
     virtual void dismiss() = 0;
 
     [[nodiscard]] virtual bool isPresented() const = 0;
 
-    /// Calls `dismissed` each time it went away, whoever sent it.
+    /// Calls `dismissed` after each dismissal, by `dismiss()` or by the user.
     virtual ObserverToken observeDismissals(std::function<void()> dismissed) = 0;
 };
 

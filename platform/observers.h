@@ -8,8 +8,8 @@
 
 namespace brimlet {
 
-/// The list of blocks behind a port's notification. Blocks run in the order of registration, on the
-/// main thread; one that is added while the list is being called waits for the next call.
+/// The callbacks of a port's notification, called in the order of registration, on the main thread.
+/// One that is added during a notification is first called at the next one.
 class Observers final {
 public:
     ObserverToken add(std::function<void()> block) {
@@ -18,7 +18,7 @@ public:
     }
 
     void notify() const {
-        // A copy, because a block may register another one and so move the list.
+        // A copy, because a block may add another one, which can reallocate the vector.
         const auto blocks = m_blocks;
         for (const auto& block : blocks) {
             block();

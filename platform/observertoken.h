@@ -4,8 +4,8 @@
 
 namespace brimlet {
 
-/// Proof of a registration. It is a plain name, not an owner: dropping it unregisters nothing, and
-/// a registered block is called for as long as the port lives.
+/// Identifies a registration. Not an owner: a registered block is called as long as the port
+/// exists, whether or not the token is kept.
 enum class ObserverToken : std::uint64_t {};
 
 } // namespace brimlet

@@ -6,14 +6,14 @@
 
 namespace brimlet {
 
-/// The user's wish for less movement on screen. Main thread only.
+/// The desktop's setting for reduced motion. Main thread only.
 class ReduceMotion {
 public:
     virtual ~ReduceMotion() = default;
 
     [[nodiscard]] virtual bool isOn() const = 0;
 
-    /// Calls `changed` after the setting was changed.
+    /// Calls `changed` after each change of the setting.
     virtual ObserverToken observeChanges(std::function<void()> changed) = 0;
 };
 

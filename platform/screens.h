@@ -10,13 +10,13 @@
 
 namespace brimlet {
 
-/// What the system tells of one screen at one moment. A value: never keep it across a change of
-/// screens, ask again.
+/// The system's description of one screen, outdated after the next change of screens. Rectangles
+/// are in global points.
 struct Screen final {
-    /// The system's number of the display; absent where the system gives none or something odd.
+    /// The system's number of the display; absent where the system gives none or an invalid one.
     std::optional<std::uint32_t> number;
     Rect frame;
-    /// The usable strips left and right of a camera notch; absent on a screen without one.
+    /// The usable strips left and right of a camera notch; absent on a screen without a notch.
     std::optional<Rect> auxiliaryTopLeftArea;
     std::optional<Rect> auxiliaryTopRightArea;
 
@@ -31,11 +31,11 @@ public:
     /// All screens in the system's own order; the first is the primary one.
     [[nodiscard]] virtual std::vector<Screen> list() const = 0;
 
-    /// Whether the display of that number is part of the machine. The system answers for any
-    /// number, 0 included, which stands for a screen that has none.
+    /// Whether the display of that number is built into the machine. Any number is allowed; 0
+    /// stands for a screen without one.
     [[nodiscard]] virtual bool isBuiltIn(std::uint32_t displayNumber) const = 0;
 
-    /// Calls `changed` after screens came, went, moved or changed size.
+    /// Calls `changed` after screens were added, removed, moved or resized.
     virtual ObserverToken observeChanges(std::function<void()> changed) = 0;
 };
 

@@ -4,8 +4,8 @@
 
 namespace brimlet {
 
-/// Starts a main-thread task and lets it run on by itself: it begins at once, up to its first
-/// wait, and its caller goes on. A task holds what it touches, so nothing has to wait for it.
+/// Lets a task run without waiting for it. A task has run up to its first wait when it is passed
+/// here, and must hold what it uses afterwards. Main thread only.
 inline void startTask(QCoro::Task<>&& task) {
     [[maybe_unused]] const auto running = std::move(task);
 }

@@ -10,21 +10,22 @@
 
 namespace brimlet {
 
-/// The program's picture in the desktop's bar for such items. It has no title. Main thread only.
+/// The program's icon in the desktop's tray or menu bar. It has no title. Main thread only.
 class StatusItem {
 public:
     virtual ~StatusItem() = default;
 
-    /// Whether there is a bar that shows it. That may change at any time.
+    /// Whether there is a tray or menu bar that shows it, which may change at any time.
     [[nodiscard]] virtual bool isShown() const = 0;
 
-    /// Where it is, in global points; absent where the bar does not tell.
+    /// Its place in global points; absent where that is unknown.
     [[nodiscard]] virtual std::optional<Rect> place() const = 0;
 
-    /// What hovering shows, as plain text.
+    /// Sets the tooltip, plain text.
     virtual void setToolTip(const QString& text) = 0;
 
-    /// Calls `pressed` on each click with the place where the click was, if that is known.
+    /// Calls `pressed` on each click with the place of the item or the click, in global points, if
+    /// that is known.
     virtual ObserverToken observePresses(std::function<void(std::optional<Rect>)> pressed) = 0;
 };
 

@@ -10,7 +10,7 @@
 namespace brimlet {
 namespace {
 
-// The characters of RFC 3986 that may stand unencoded, by component, besides letters and digits.
+// RFC 3986: the characters that need no encoding in any component, besides letters and digits.
 constexpr std::string_view kUnreserved = "-._~";
 constexpr std::string_view kSubDelims = "!$&'()*+,;=";
 
@@ -29,8 +29,8 @@ bool mayStand(char c, std::string_view extra) {
            kSubDelims.find(c) != std::string_view::npos || extra.find(c) != std::string_view::npos;
 }
 
-/// Percent-encodes what may not stand in a component. An encoded triplet is left alone, a percent
-/// sign that begins none is encoded itself.
+/// Percent-encodes the characters that are not allowed in a component; `extra` are the component's
+/// own. An encoded triplet stays as it is; a percent sign that begins none is encoded.
 std::string encoded(std::string_view component, std::string_view extra) {
     constexpr std::string_view kHex = "0123456789ABCDEF";
     std::string out;
@@ -51,8 +51,7 @@ std::string encoded(std::string_view component, std::string_view extra) {
     return out;
 }
 
-/// The five components of a reference, split as RFC 3986 does it, each with its delimiter known to
-/// be there or not.
+/// The five components of a reference according to RFC 3986. Absent means without its delimiter.
 struct Components {
     std::optional<std::string_view> scheme;
     std::optional<std::string_view> authority;
@@ -95,9 +94,9 @@ bool isAscii(std::string_view text) {
     return true;
 }
 
-/// A host with letters beyond ASCII in its "xn--" form, which is what a resolver and a careful
-/// browser use and which does not look like another name. A host that only folds to plain ASCII,
-/// or is no name at all, is percent-encoded as it was written.
+/// A host with non-ASCII letters takes its "xn--" form, which a resolver uses and which cannot look
+/// like another name. A host that IDNA would map to plain ASCII, or cannot map, is percent-encoded
+/// as it was written.
 std::string encodedHost(std::string_view host) {
     if (host.starts_with('[')) {
         return std::string(host);
@@ -109,7 +108,7 @@ std::string encodedHost(std::string_view host) {
             return ace.toStdString();
         }
     }
-    // Delimiters that cannot be part of a name are left for the parser to refuse.
+    // Colons and brackets stay, so that the parser rejects them.
     return encoded(host, ":[]");
 }
 
@@ -119,7 +118,7 @@ std::string encodedAuthority(std::string_view authority) {
         out = encoded(authority.substr(0, at), ":") + '@';
         authority = authority.substr(at + 1);
     }
-    // The port begins at the last colon, unless that belongs to an address in brackets.
+    // The port begins after the last colon, unless that is inside the brackets of an IPv6 address.
     const auto colon = authority.rfind(':');
     const bool hasPort =
         colon != std::string_view::npos && authority.find(']', colon) == std::string_view::npos;
@@ -150,7 +149,7 @@ std::string encodedReference(std::string_view text) {
     return out;
 }
 
-/// Owner of a parsed reference; the parser's result points into the text it was given.
+/// Owns a parsed reference, which points into `text`.
 class ParsedUri final {
 public:
     explicit ParsedUri(const std::string& text)

@@ -7,12 +7,12 @@
 
 namespace brimlet {
 
-/// A web address, the one type from a service's reply to the browser and the HTTP client: what a
-/// rule looked at is what is fetched or opened.
+/// A web address. Replies, rules, the browser and the HTTP client all use this type, so that the
+/// address a rule allowed is exactly the one that is fetched or opened.
 ///
-/// Read as RFC 3986 has it, after percent-encoding the characters that may not stand where they
-/// are. Scheme and host keep the letter case they were written in, but a host with letters beyond
-/// ASCII takes its "xn--" form, which is in small letters.
+/// Parsed according to RFC 3986, after percent-encoding the characters that are not allowed where
+/// they stand. Scheme and host keep their letter case, except that a host with non-ASCII letters
+/// takes its "xn--" form in lower case.
 class Url final {
 public:
     /// Absent for an empty or malformed text. A relative reference ("/path") is well formed.
@@ -25,7 +25,7 @@ public:
     /// As written, without the brackets of an IPv6 address ("::1"); absent when the address has no
     /// host or an empty one.
     [[nodiscard]] const std::optional<QString>& host() const { return m_host; }
-    /// As written, absent when missing or empty. May be beyond 65535.
+    /// As written; absent when missing or empty. Digits, perhaps beyond 65535.
     [[nodiscard]] const std::optional<QString>& port() const { return m_port; }
 
     bool operator==(const Url& other) const { return m_text == other.m_text; }
