@@ -17,11 +17,11 @@ using namespace brimlet;
 
 namespace {
 
-/// Scheme, host and port in one notation, whoever read them.
+/// Scheme, host and port in one notation for all parsers.
 struct Reading final {
     QString scheme;
     QString host; ///< Without brackets.
-    int port = 0; ///< The one that is meant where none is named.
+    int port = 0; ///< The default one if none is given.
 
     bool operator==(const Reading&) const = default;
 };
@@ -30,7 +30,7 @@ int portOf(const QString& scheme, int port) {
     return port > 0 ? port : scheme == u"https" ? 443 : 80;
 }
 
-Reading readByUs(const Url& url) {
+Reading parsedByUs(const Url& url) {
     const QString scheme = url.scheme().value_or(QString());
     return {scheme, url.host().value_or(QString()).toLower(),
             portOf(scheme, url.port().value_or(QString()).toInt())};
@@ -49,20 +49,20 @@ QString withoutBrackets(const QString& host) {
     return host.startsWith(u'[') && host.endsWith(u']') ? host.mid(1, host.size() - 2) : host;
 }
 
-Reading readByCurl(const CurlUrl& address) {
+Reading parsedByCurl(const CurlUrl& address) {
     const QString scheme = curlPart(address, CURLUPART_SCHEME);
     return {scheme, withoutBrackets(curlPart(address, CURLUPART_HOST)).toLower(),
             portOf(scheme, curlPart(address, CURLUPART_PORT).toInt())};
 }
 
-/// The text as libcurl reads it by itself, the way a browser's forgiving parser might.
+/// The text parsed by libcurl alone, which is as lenient as a browser.
 CurlUrl guessedByCurl(const QString& text) {
     CurlUrl address(curl_url());
     const bool isRead = curl_url_set(address.get(), CURLUPART_URL, text.toLatin1(), 0) == CURLUE_OK;
     return isRead ? std::move(address) : nullptr;
 }
 
-Reading readByQt(const QUrl& url) {
+Reading parsedByQt(const QUrl& url) {
     return {url.scheme(), url.host(QUrl::FullyEncoded).toLower(), portOf(url.scheme(), url.port())};
 }
 
@@ -72,7 +72,7 @@ QJsonArray collectedAddresses() {
                                           : QJsonArray();
 }
 
-/// A column of the collection of host names, in which some characters are written as \u0301.
+/// A column of the collected host names, with escapes such as \u0301 decoded.
 QString unescaped(const QByteArray& column) {
     QString text = QString::fromUtf8(column.trimmed());
     for (qsizetype at = text.indexOf(u"\\u"); at >= 0; at = text.indexOf(u"\\u", at + 1)) {
@@ -83,8 +83,8 @@ QString unescaped(const QByteArray& column) {
 
 struct CollectedHost final {
     QString source;
-    bool isSound = false;
-    QStringList encoded; ///< What it may become, by one rule or the other.
+    bool isValid = false;
+    QStringList encoded; ///< What it may become, by either of two rules.
 };
 
 std::vector<CollectedHost> collectedHosts() {
@@ -98,7 +98,7 @@ std::vector<CollectedHost> collectedHosts() {
         if (columns.size() < 7) {
             continue;
         }
-        // An empty column is like the one before.
+        // An empty column has the value of the one before.
         const auto either = [&](int column, const QString& other) {
             const QString text = unescaped(columns.at(column));
             return text.isEmpty() ? other : text;
@@ -114,21 +114,21 @@ std::vector<CollectedHost> collectedHosts() {
 
 } // namespace
 
-/// One parser judges an address, another fetches it, a third opens it: they have to mean the same.
+/// One parser validates an address, another fetches it, a third opens it. They must agree.
 class TestUrlParsers final : public QObject {
     Q_OBJECT
 
     int m_fetched = 0;
 
-    /// What holds for every address that may be fetched and opened.
+    /// Checks an address, if it may be fetched and opened.
     void checkIfAllowed(const QString& text) {
         const auto url = Url::fromString(text);
         if (!url || !isAllowedLink(*url)) {
             return;
         }
         const QString& opened = url->absoluteString();
-        const Reading ours = readByUs(*url);
-        // What is opened is plain, and is no option of the opener's.
+        const Reading ours = parsedByUs(*url);
+        // The opened text is printable ASCII and no command-line option.
         for (const QChar c : opened) {
             QVERIFY(c.unicode() > 0x20 && c.unicode() < 0x7F);
         }
@@ -137,22 +137,22 @@ class TestUrlParsers final : public QObject {
         const CurlUrl fetched = curlAddress(*url);
         const CurlUrl guessed = guessedByCurl(opened);
         m_fetched += fetched ? 1 : 0;
-        QVERIFY(!fetched || readByCurl(fetched) == ours);
-        QVERIFY(!fetched || (guessed && readByCurl(guessed) == ours));
-        // A host that is left out or encoded may be guessed at, so nothing is fetched from it.
+        QVERIFY(!fetched || parsedByCurl(fetched) == ours);
+        QVERIFY(!fetched || (guessed && parsedByCurl(guessed) == ours));
+        // Parsers may guess at a missing or encoded host, so nothing is fetched from it.
         QVERIFY(!fetched || (url->host() && !url->host()->contains(u'%')));
         for (const auto mode : {QUrl::StrictMode, QUrl::TolerantMode}) {
             const QUrl other(opened, mode);
             QVERIFY(!other.isValid() || other.scheme() == ours.scheme);
-            QVERIFY(!other.isValid() || !fetched || readByQt(other) == ours);
-            // This machine is this machine to everybody.
-            QVERIFY(ours.scheme != u"http" || readByQt(other) == ours);
+            QVERIFY(!other.isValid() || !fetched || parsedByQt(other) == ours);
+            // All parsers agree on loopback addresses.
+            QVERIFY(ours.scheme != u"http" || parsedByQt(other) == ours);
         }
-        QVERIFY(ours.scheme != u"http" || (guessed && readByCurl(guessed) == ours));
+        QVERIFY(ours.scheme != u"http" || (guessed && parsedByCurl(guessed) == ours));
     }
 
 private Q_SLOTS:
-    void everyTrickIsReadAlike_data() {
+    void everyTrickyAddressIsParsedAlike_data() {
         QTest::addColumn<QString>("address");
         QTest::addColumn<bool>("isAllowed");
         QTest::addColumn<bool>("isFetched");
@@ -214,7 +214,7 @@ private Q_SLOTS:
         row("http://evil.test\\@localhost/", true, true);
         row("http://[::1]:1/", true, true);
     }
-    void everyTrickIsReadAlike() {
+    void everyTrickyAddressIsParsedAlike() {
         QFETCH(QString, address);
         const auto url = Url::fromString(address);
         QTEST(url && isAllowedLink(*url), "isAllowed");
@@ -222,7 +222,7 @@ private Q_SLOTS:
         checkIfAllowed(address);
     }
 
-    void theCollectedAddressesAreReadAlike() {
+    void theCollectedAddressesAreParsedAlike() {
         const QJsonArray all = collectedAddresses();
         if (all.isEmpty()) {
             QSKIP("no sample file: BRIMLET_CORPORA/url/urltestdata.json is absent");
@@ -231,13 +231,13 @@ private Q_SLOTS:
         for (const auto& entry : all) {
             const QString input = entry.toObject().value(QStringLiteral("input")).toString();
             const QString href = entry.toObject().value(QStringLiteral("href")).toString();
-            // The same with a scheme that is allowed, so that the rest is looked at.
+            // The same with an allowed scheme or host, so that the rest is checked too.
             const QString encrypted = QString(input).replace(u"http:"_qs, u"https:"_qs);
             const QString local = QString(input).replace(u"example"_qs, u"localhost"_qs);
             for (const QString& text : {input, href, encrypted, local}) {
                 checkIfAllowed(text);
                 if (QTest::currentTestFailed()) {
-                    qInfo("it was %s", qPrintable(text));
+                    qInfo("address: %s", qPrintable(text));
                     return;
                 }
             }
@@ -245,7 +245,7 @@ private Q_SLOTS:
         QVERIFY2(m_fetched > 100, qPrintable(QString::number(m_fetched)));
     }
 
-    void aBrowserReadsTheSameHost() {
+    void aBrowserFindsTheSameHost() {
         const QJsonArray all = collectedAddresses();
         if (all.isEmpty()) {
             QSKIP("no sample file: BRIMLET_CORPORA/url/urltestdata.json is absent");
@@ -253,7 +253,7 @@ private Q_SLOTS:
         int compared = 0;
         for (const auto& each : all) {
             const QJsonObject entry = each.toObject();
-            // As a browser writes it, together with what it takes that for.
+            // The serialised form and its parts, as a browser finds them.
             const QString href = entry.value(QStringLiteral("href")).toString();
             const auto url = Url::fromString(href);
             if (!url || (url->scheme() != u"https" && url->scheme() != u"http")) {
@@ -261,7 +261,7 @@ private Q_SLOTS:
             }
             const QString host = entry.value(QStringLiteral("hostname")).toString();
             if (url->host().value_or(QString()).contains(u'%')) {
-                continue; // encoded, as it is shown then
+                continue; // percent-encoded here, in ASCII there
             }
             QVERIFY2(url->host().value_or(QString()) == withoutBrackets(host), qPrintable(href));
             QVERIFY2(entry.value(QStringLiteral("protocol")).toString() == *url->scheme() + u':',
@@ -289,17 +289,17 @@ private Q_SLOTS:
             const auto url = Url::fromString(text);
             const QString read = url ? url->host().value_or(QString()) : QString();
             const bool isForeign = QByteArray(host.source.toLatin1()) != host.source.toUtf8();
-            // Nobody sees letters where there were others.
+            // A host with other letters never becomes plain ASCII.
             if (isForeign && !read.isEmpty()) {
                 QVERIFY2(read.contains(u"xn--") || read.contains(u'%'), qPrintable(read));
             }
-            if (isForeign && host.isSound && read.contains(u"xn--") && !read.contains(u'%')) {
+            if (isForeign && host.isValid && read.contains(u"xn--") && !read.contains(u'%')) {
                 QVERIFY2(host.encoded.contains(read),
                          qPrintable(host.source + u' ' + read + u' ' + host.encoded.join(u' ')));
                 ++encoded;
             }
             if (QTest::currentTestFailed()) {
-                qInfo("it was %s", qPrintable(host.source));
+                qInfo("address: %s", qPrintable(host.source));
                 return;
             }
         }

@@ -10,7 +10,7 @@
 
 namespace brimlet {
 
-/// A client together with the service it talks to, of whatever kind both are.
+/// A client and the service it sends to, either of them real or a fake.
 class HttpPeer {
 public:
     virtual ~HttpPeer() = default;
@@ -20,14 +20,14 @@ public:
     [[nodiscard]] virtual Url url(const QString& path) const = 0;
     /// From now on requests to the path get this.
     virtual void answer(const QString& path, int status, const QByteArray& body) = 0;
-    /// From now on requests to the path get a 200 with this, or a 304 where they ask whether it
-    /// still holds, if the peer has a wire to say so on.
+    /// From now on requests to the path get a 200 with this. A peer with a real connection tags the
+    /// reply, and answers a request that has the tag as its condition with a 304.
     virtual void answerTagged(const QString& path, const QByteArray& body) = 0;
     /// From now on requests to the path are never answered.
     virtual void hang(const QString& path) = 0;
-    /// What reached the service, in that order, e.g. "GET /api/display".
+    /// The requests that reached the service, in order, e.g. "GET /api/display".
     [[nodiscard]] virtual QStringList log() const = 0;
-    /// Lets time pass, really or not.
+    /// Waits, or advances a fake clock.
     virtual void pass(std::chrono::milliseconds time) = 0;
 };
 
@@ -46,14 +46,18 @@ private:
 
 [[nodiscard]] HttpRequest requestTo(const Url& url, const QByteArray& method = "GET");
 
-/// Sends, waits, and gives the outcome; absent when there is none after ten seconds.
+/// With the token "t0ken", which tests search for where it must not be, and a timeout of 5 seconds.
+[[nodiscard]] HttpRequest authorised(const Url& url, const QByteArray& method = "GET");
+
+/// Of a well-formed address in ASCII.
+[[nodiscard]] Url urlOf(const char* text);
+
+/// Sends, waits, and returns the outcome; absent when there is none after ten seconds.
 [[nodiscard]] std::optional<HttpResult> fetch(HttpClient& client, HttpRequest request);
 
-/// What every implementation of the port does alike.
-struct HttpCheck final {
-    const char* name;
-    void (*run)(HttpPeer& peer);
-};
-[[nodiscard]] const std::vector<HttpCheck>& httpContract();
+/// The contract of every implementation of the port, one row for each check: the data function of a
+/// test and the test itself.
+void addHttpContractRows();
+void runHttpContractRow(HttpPeer& peer);
 
 } // namespace brimlet

@@ -17,23 +17,23 @@
 
 namespace brimlet {
 
-/// A request as it came in, byte for byte.
+/// A request, byte for byte as it was received.
 struct RawRequest final {
-    QByteArray head; ///< Up to and with the empty line.
+    QByteArray head; ///< Including the empty line at its end.
     QByteArray body;
 
     /// The head's lines, the request line first, without line breaks.
     [[nodiscard]] QList<QByteArray> lines() const;
     [[nodiscard]] QByteArray method() const { return head.left(head.indexOf(' ')); }
     [[nodiscard]] QByteArray target() const;
-    /// The value of a header, letter case of its name aside; null when it is missing.
+    /// The value of a header, whose name is compared without case; null when it is missing.
     [[nodiscard]] QByteArray header(const QByteArray& name) const;
 
-    /// Takes the first whole request off the front; absent while there is none yet.
+    /// Removes the first request from `bytes`; absent until it is complete.
     [[nodiscard]] static std::optional<RawRequest> take(QByteArray& bytes);
 };
 
-/// One accepted connection, at the mercy of whoever answers on it.
+/// One accepted connection, on which an answer may send anything.
 class RawConnection final {
 public:
     explicit RawConnection(QTcpSocket& socket)
@@ -43,13 +43,13 @@ public:
 
     void send(const QByteArray& bytes);
     void sendAfter(std::chrono::milliseconds delay, const QByteArray& bytes);
-    /// Closes once all that was sent is out.
+    /// Closes the connection after everything was sent.
     void cut() { m_socket.disconnectFromHost(); }
-    /// Ends with a reset instead of a close.
+    /// Resets the connection.
     void reset();
-    /// Sends the bytes again and again as fast as they are taken.
+    /// Sends the bytes repeatedly, as fast as they are received.
     void flood(const QByteArray& bytes);
-    /// Sends the bytes one at a time, then from the start again if `forEver`.
+    /// Sends the bytes one at a time, and if `forEver` again from the start.
     void drip(const QByteArray& bytes, std::chrono::milliseconds every, bool forEver = false);
     [[nodiscard]] bool isOpen() const { return m_socket.state() == QTcpSocket::ConnectedState; }
 
@@ -64,14 +64,14 @@ private:
     QTimer m_dripping;
 };
 
-/// What a test's server does with a request: anything, or nothing.
+/// Handles a request; may also leave it unanswered.
 using RawAnswer = std::function<void(RawConnection&, const RawRequest&)>;
 
-/// A server on a port of 127.0.0.1 that says what it is told, HTTP or not, and remembers every
-/// byte that reached it.
+/// A server on a free port of 127.0.0.1 that sends any bytes, HTTP or not, and records every byte
+/// it receives.
 class RawServer final {
 public:
-    /// With a configuration, behind TLS.
+    /// Uses TLS if there is a configuration.
     explicit RawServer(const std::optional<QSslConfiguration>& tls = std::nullopt);
     ~RawServer();
     RawServer(const RawServer&) = delete;
@@ -81,16 +81,17 @@ public:
     /// "http://127.0.0.1:port" and the path, or https.
     [[nodiscard]] Url url(const QString& path) const;
 
-    /// Called when a connection was accepted, before anything was read.
+    /// Sets what is called for each accepted connection, before anything is read.
     void onConnect(std::function<void(RawConnection&)> greet) { m_greet = std::move(greet); }
-    /// Requests to exactly this target from now on; an empty target stands for all others.
+    /// Sets the answer to requests with exactly this target; the empty target stands for all
+    /// others.
     void answer(const QByteArray& target, RawAnswer answer);
     /// The same with fixed bytes; the connection stays open.
     void answer(const QByteArray& target, const QByteArray& bytes);
-    /// Fixed bytes, then the end of the connection.
+    /// The same with fixed bytes, after which the connection is closed.
     void answerAndCut(const QByteArray& target, const QByteArray& bytes);
 
-    /// Accepted so far, and of those still open.
+    /// How many were accepted so far, and how many of those are open.
     [[nodiscard]] int connections() const { return static_cast<int>(m_connections.size()); }
     [[nodiscard]] int openConnections() const;
     [[nodiscard]] RawConnection& connection(int index) { return *m_connections.at(toIndex(index)); }

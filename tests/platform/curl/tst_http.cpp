@@ -63,17 +63,10 @@ class TestHttp final : public QObject {
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
 
-    void itKeepsTheContract_data() {
-        QTest::addColumn<std::size_t>("index");
-        for (std::size_t i = 0; i < httpContract().size(); ++i) {
-            QTest::newRow(httpContract()[i].name) << i;
-        }
-    }
-
+    void itKeepsTheContract_data() { addHttpContractRows(); }
     void itKeepsTheContract() {
-        QFETCH(const std::size_t, index);
         CurlPeer peer;
-        httpContract()[index].run(peer);
+        runHttpContractRow(peer);
     }
 
     void oneConnectionServesOneRequestAfterAnother() {
@@ -89,7 +82,7 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), 1);
     }
 
-    void aKeptConnectionThatWentStaleIsReplaced() {
+    void aKeptConnectionThatWasClosedIsReplaced() {
         RawServer server;
         server.answer({}, rawReply(200, "x"));
         CurlHttpClient client;
@@ -100,7 +93,7 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), 2);
     }
 
-    void afterAHeapOfRequestsFewConnectionsAreKept() {
+    void afterManyRequestsFewConnectionsAreKept() {
         RawServer server;
         CurlHttpClient client;
         std::vector<Awaited> replies;
@@ -150,7 +143,7 @@ private Q_SLOTS:
         QCOMPARE(found, 1);
     }
 
-    void atRestAndWhileWaitingNothingWakes() {
+    void nothingWakesUpWhileIdleOrWaiting() {
         RawServer server;
         server.answer("/good", rawReply(200, "x"));
         CurlHttpClient client;
@@ -160,7 +153,7 @@ private Q_SLOTS:
 
         QSignalSpy wakes(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake);
         wait(1000ms);
-        // The waiting loop's own two timers, and a turn or two to settle.
+        // Two timers of wait() itself, and a few turns of the event loop before it is idle.
         QVERIFY2(wakes.count() <= 6, QByteArray::number(wakes.count()).constData());
     }
 };

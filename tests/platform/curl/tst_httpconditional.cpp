@@ -20,7 +20,7 @@ HttpRequest poll(const Url& url, const QByteArray& token = "t0ken") {
     return request;
 }
 
-/// A good reply with a tag, or "same" where the request already has that tag.
+/// A 200 with the tag, or `same` for a request with that tag as its condition.
 RawAnswer tagged(const QByteArray& tag, const QByteArray& body, const QByteArray& same = kSame) {
     return [=](RawConnection& connection, const RawRequest& request) {
         connection.send(request.header("If-None-Match") == tag
@@ -29,7 +29,8 @@ RawAnswer tagged(const QByteArray& tag, const QByteArray& body, const QByteArray
     };
 }
 
-QByteArray question(const RawServer& server, std::size_t index) {
+/// The value of the request's condition; empty for none.
+QByteArray condition(const RawServer& server, std::size_t index) {
     const RawRequest& request = server.requests().at(index);
     return request.header("If-None-Match") + request.header("If-Modified-Since");
 }
@@ -40,7 +41,7 @@ bool isReply(const std::optional<HttpResult>& result, int status, const QByteArr
 
 } // namespace
 
-/// Asking whether a reply still holds: what goes out, and what a 304 is worth.
+/// Which requests are conditional, and how a 304 is applied.
 class TestHttpConditional final : public QObject {
     Q_OBJECT
 
@@ -51,7 +52,7 @@ private Q_SLOTS:
         const QByteArray same =
             "HTTP/1.1 304 Not Modified\r\n"
             "Date: Sat, 01 Aug 2026 10:00:00 GMT\r\nETag: \"5d8c72a5edda8d6a\"\r\n"
-            "Content-Length: 20000\r\n\r\n"; // of the body that is not sent
+            "Content-Length: 20000\r\n\r\n"; // the length of the 200's body
         RawServer server;
         server.answer({}, tagged("\"5d8c72a5edda8d6a\"", QByteArray(20'000, 'x'), same));
         CurlHttpClient client;
@@ -65,9 +66,9 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), 1);
     }
 
-    void theQuestionRepeatsTheValidatorAndNothingElseChanges_data() {
+    void aConditionalRequestAddsOnlyTheValidator_data() {
         QTest::addColumn<QByteArray>("headers");
-        QTest::addColumn<QByteArray>("line"); // empty: nothing is asked
+        QTest::addColumn<QByteArray>("line"); // empty: no condition
         const QByteArray date = "Sat, 01 Aug 2026 10:00:00 GMT";
         const QByteArray dated = "Last-Modified: " + date + "\r\n";
         const QByteArray tag = "ETag: \"a\"\r\n";
@@ -89,7 +90,7 @@ private Q_SLOTS:
         QTest::newRow("none") << QByteArray() << QByteArray();
     }
 
-    void theQuestionRepeatsTheValidatorAndNothingElseChanges() {
+    void aConditionalRequestAddsOnlyTheValidator() {
         QFETCH(const QByteArray, headers);
         QFETCH(const QByteArray, line);
         RawServer server;
@@ -105,16 +106,16 @@ private Q_SLOTS:
         QCOMPARE(server.requests().at(1).lines(), expected);
     }
 
-    void theTagOfAnInterimReplyIsNotTheReplys() {
+    void theTagOfAnInterimReplyIsIgnored() {
         RawServer server;
         server.answer({}, "HTTP/1.1 103 Hints\r\nETag: \"a\"\r\n\r\n" + rawReply(200, "x"));
         CurlHttpClient client;
         QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, "x"));
         QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, "x"));
-        QCOMPARE(question(server, 1), QByteArray());
+        QCOMPARE(condition(server, 1), QByteArray());
     }
 
-    void onlyTheVerySameRequestAsks_data() {
+    void onlyTheSameRequestIsMadeConditional_data() {
         QTest::addColumn<QByteArray>("what");
         for (const char* what : {"same", "token", "header", "address", "query", "POST", "HEAD",
                                  "body", "unasked", "own tag", "own date", "range", "less room"}) {
@@ -122,7 +123,7 @@ private Q_SLOTS:
         }
     }
 
-    void onlyTheVerySameRequestAsks() {
+    void onlyTheSameRequestIsMadeConditional() {
         QFETCH(const QByteArray, what);
         RawServer server;
         server.answer({}, rawReply(200, "12345", "ETag: \"a\"\r\n"));
@@ -160,10 +161,10 @@ private Q_SLOTS:
                                     : what == "own tag"  ? "\"mine\""
                                     : what == "own date" ? "mine"
                                                          : "";
-        QCOMPARE(question(server, 1), expected);
+        QCOMPARE(condition(server, 1), expected);
     }
 
-    void a304ToTheCallersOwnQuestionStaysA304() {
+    void a304ToTheCallersOwnConditionStaysA304() {
         RawServer server;
         server.answer({}, kSame);
         CurlHttpClient client;
@@ -173,20 +174,21 @@ private Q_SLOTS:
         QVERIFY(isReply(fetch(client, request), 304, {}));
     }
 
-    void whatA304BringsAlongIsNotRead_data() {
+    void theRestOfA304IsIgnored_data() {
         QTest::addColumn<QByteArray>("same");
         const QByteArray head = "HTTP/1.1 304 Not Modified\r\n";
         QTest::newRow("body") << head + "\r\nlies";
         QTest::newRow("body with a length") << head + "Content-Length: 4\r\n\r\nlies";
         QTest::newRow("length without a body") << head + "Content-Length: 4\r\n\r\n";
-        QTest::newRow("length beyond all") << head + "Content-Length: 99999999999999999999\r\n\r\n";
+        QTest::newRow("length beyond 64 bits")
+            << head + "Content-Length: 99999999999999999999\r\n\r\n";
         QTest::newRow("chunks") << head +
                                        "Transfer-Encoding: chunked\r\n\r\n4\r\nlies\r\n0\r\n\r\n";
         QTest::newRow("another reply") << kSame + rawReply(200, "lies", "ETag: \"lie\"\r\n");
         QTest::newRow("location") << head + "Location: /elsewhere\r\n\r\n";
     }
 
-    void whatA304BringsAlongIsNotRead() {
+    void theRestOfA304IsIgnored() {
         QFETCH(const QByteArray, same);
         RawServer server;
         server.answer({}, tagged("\"a\"", "truth", same));
@@ -194,10 +196,10 @@ private Q_SLOTS:
         for (int i = 0; i < 4; ++i) {
             QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, "truth"));
         }
-        QCOMPARE(question(server, 3), "\"a\"");
+        QCOMPARE(condition(server, 3), "\"a\"");
     }
 
-    void a304ThatCannotBeTrustedIsNoReply() {
+    void aMalformed304IsBroken() {
         RawServer server;
         server.answer({}, tagged("\"a\"", "x",
                                  "HTTP/1.1 304 Same\r\nContent-Length: 1\r\n"

@@ -10,18 +10,18 @@ using namespace brimlet;
 
 namespace {
 
-/// Bytes. A body at its limit of 1 MiB while it grows, and the server, which is in here too.
+/// Bytes. For a body that grows to its limit of 1 MiB, and for the server in this process.
 constexpr qint64 kMostGrowth = qint64{6} * 1024 * 1024;
 
 } // namespace
 
-/// What comes without end, as fast as it is taken.
+/// Replies without end, sent as fast as they are read.
 class TestHttpEndless final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void initTestCase() {
-        // What is set up once does not count.
+        // So that allocations of the first request are not measured.
         RawServer server;
         server.answer({}, rawReply(200, QByteArray(100'000, 'x')));
         CurlHttpClient client;
@@ -30,7 +30,7 @@ private Q_SLOTS:
 
     void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
 
-    void whatHasNoEndIsCutShort_data() {
+    void anEndlessReplyIsTooLarge_data() {
         QTest::addColumn<QByteArray>("start");
         QTest::addColumn<QByteArray>("more");
         const QByteArray ok = "HTTP/1.1 200 OK\r\n";
@@ -49,7 +49,7 @@ private Q_SLOTS:
             << QByteArray("HTTP/1.1 103 Hints\r\nLink: </x>\r\n\r\n").repeated(3'000);
     }
 
-    void whatHasNoEndIsCutShort() {
+    void anEndlessReplyIsTooLarge() {
         QFETCH(const QByteArray, start);
         QFETCH(const QByteArray, more);
         RawServer server;
@@ -68,7 +68,7 @@ private Q_SLOTS:
         QTRY_COMPARE(server.openConnections(), 0);
     }
 
-    void aPicturesEndlessBodyIsCutAtItsOwnLimit() {
+    void anEndlessBodyIsCutAtTheRequestsOwnLimit() {
         RawServer server;
         server.answer({}, [](RawConnection& connection, const RawRequest&) {
             connection.send("HTTP/1.1 200 OK\r\n\r\n");
@@ -85,7 +85,7 @@ private Q_SLOTS:
                  QByteArray::number(growth).constData());
     }
 
-    void whatIsCompressedOnTheWayIsNotUnpacked_data() {
+    void aCompressedTransferEncodingIsNotDecompressed_data() {
         QTest::addColumn<QByteArray>("coding");
         QTest::addColumn<QByteArray>("body");
         const QByteArray bomb = qCompress(QByteArray(64'000'000, '\0'), 9).sliced(4);
@@ -95,7 +95,7 @@ private Q_SLOTS:
                                    << QByteArray::number(bomb.size(), 16) + "\r\n" + bomb;
     }
 
-    void whatIsCompressedOnTheWayIsNotUnpacked() {
+    void aCompressedTransferEncodingIsNotDecompressed() {
         QFETCH(const QByteArray, coding);
         QFETCH(const QByteArray, body);
         RawServer server;

@@ -43,17 +43,10 @@ class TestHttpFake final : public QObject {
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
 
-    void itKeepsTheContract_data() {
-        QTest::addColumn<std::size_t>("index");
-        for (std::size_t i = 0; i < httpContract().size(); ++i) {
-            QTest::newRow(httpContract()[i].name) << i;
-        }
-    }
-
+    void itKeepsTheContract_data() { addHttpContractRows(); }
     void itKeepsTheContract() {
-        QFETCH(const std::size_t, index);
         FakePeer peer;
-        httpContract()[index].run(peer);
+        runHttpContractRow(peer);
     }
 };
 

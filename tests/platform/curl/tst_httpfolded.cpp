@@ -8,15 +8,15 @@
 using namespace brimlet;
 using namespace std::chrono_literals;
 
-/// Header lines that continue the one before, as they once were allowed to. libcurl 7.88 looks for
-/// that one even in the memory of an earlier request.
+/// Header lines that begin with a blank, the obsolete way to continue the line before. libcurl 7.88
+/// looks for that line even in the freed memory of an earlier request.
 class TestHttpFolded final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
 
-    void aLineThatContinuesNothingIsHarmless_data() {
+    void aFoldedHeaderLineIsHarmless_data() {
         QTest::addColumn<QByteArray>("head");
         QTest::addColumn<bool>("isReply");
         QTest::newRow("after the status")
@@ -29,7 +29,7 @@ private Q_SLOTS:
         QTest::newRow("after a header")
             << QByteArray("HTTP/1.1 200 OK\r\nX-A: b\r\n folded: y\r\n") << true;
     }
-    void aLineThatContinuesNothingIsHarmless() {
+    void aFoldedHeaderLineIsHarmless() {
         QFETCH(QByteArray, head);
         QFETCH(bool, isReply);
         const HttpResult good = HttpReply{200, "x"};

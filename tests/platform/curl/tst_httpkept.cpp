@@ -14,28 +14,28 @@ const QByteArray kIntruder = "HTTP/1.1 200 OK\r\nContent-Length: 8\r\n\r\nintrud
 
 } // namespace
 
-/// What happens on a connection that is kept from one request to the next.
+/// Connections that are kept from one request to the next.
 class TestHttpKept final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
 
-    void whatComesUnaskedIsNeverTheNextReply_data() {
+    void bytesAfterAReplyAreNeverTheNextReply_data() {
         QTest::addColumn<QByteArray>("reply");
         QTest::addColumn<int>("status");
         const QByteArray inChunks = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
         QTest::newRow("after a body") << rawReply(200, "first") << 200;
         QTest::newRow("after chunks") << inChunks + "5\r\nfirst\r\n0\r\n\r\n" << 200;
         QTest::newRow("after no body") << rawReply(200, "") << 200;
-        QTest::newRow("after a body nobody asked for") << rawReply(404, "words") << 404;
+        QTest::newRow("after an unwanted body") << rawReply(404, "words") << 404;
         QTest::newRow("after a 204") << QByteArray("HTTP/1.1 204 None\r\n\r\n") << 204;
         QTest::newRow("after a 304") << QByteArray("HTTP/1.1 304 Same\r\n\r\n") << 304;
         QTest::newRow("after a 304 with a length")
             << QByteArray("HTTP/1.1 304 Same\r\nContent-Length: 5\r\n\r\n") << 304;
     }
 
-    void whatComesUnaskedIsNeverTheNextReply() {
+    void bytesAfterAReplyAreNeverTheNextReply() {
         QFETCH(const QByteArray, reply);
         QFETCH(const int, status);
         RawServer server;
@@ -53,14 +53,16 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), 2);
     }
 
-    void excessInTheSameReadIsNoReplyEither_data() { whatComesUnaskedIsNeverTheNextReply_data(); }
+    void bytesInTheSameReadAreNotTheNextReplyEither_data() {
+        bytesAfterAReplyAreNeverTheNextReply_data();
+    }
 
-    void excessInTheSameReadIsNoReplyEither() {
+    void bytesInTheSameReadAreNotTheNextReplyEither() {
         QFETCH(const QByteArray, reply);
         RawServer server;
         server.answer("/next", rawReply(200, "next"));
         CurlHttpClient client;
-        // The second is longer than what is read at a time, so that a part stays behind.
+        // The second is longer than libcurl reads at a time, so that a part stays in the socket.
         for (const QByteArray& excess : {kIntruder, kIntruder.repeated(2000)}) {
             server.answer("/first", reply + excess);
             QVERIFY(fetch(client, requestTo(server.url(u"/first"_qs))).has_value());
@@ -71,7 +73,7 @@ private Q_SLOTS:
         }
     }
 
-    void aGetWhoseConnectionEndsAsItGoesOutIsSentOnceMore() {
+    void aGetWhoseReusedConnectionClosesIsRetried() {
         RawServer server;
         server.answer("/first", rawReply(200, "x"));
         CurlHttpClient client;
@@ -88,7 +90,7 @@ private Q_SLOTS:
         QCOMPARE(server.requests().size(), 3U);
     }
 
-    void aGetIsNotSentWithoutEnd() {
+    void aGetIsRetriedOnlyOnce() {
         RawServer server;
         server.answer("/first", rawReply(200, "x"));
         CurlHttpClient client;

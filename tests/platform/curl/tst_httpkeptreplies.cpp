@@ -30,7 +30,7 @@ bool isReply(const std::optional<HttpResult>& result, int status, const QByteArr
 
 } // namespace
 
-/// Which replies are kept to be asked about, and for how long.
+/// Which replies are kept for conditional requests, and for how long.
 class TestHttpKeptReplies final : public QObject {
     Q_OBJECT
 
@@ -59,31 +59,31 @@ private Q_SLOTS:
         QCOMPARE(server.requests().at(1).header("If-None-Match").isNull(), !isKept);
     }
 
-    void eightAreKeptAndTheLongestUnusedGoes() {
+    void eightRepliesAreKeptAndTheLeastRecentlyUsedIsDropped() {
         RawServer server;
         server.answer({}, [](RawConnection& connection, const RawRequest& request) {
             connection.send(request.header("If-None-Match").isNull() ? good("x") : kSame);
         });
         CurlHttpClient client;
-        const auto asks = [&](int number) {
+        const auto isConditional = [&](int number) {
             (void)fetch(client, poll(server.url(u"/%1"_qs.arg(number))));
             return !server.requests().back().header("If-None-Match").isNull();
         };
         for (int i = 1; i <= 8; ++i) {
-            QVERIFY(!asks(i));
+            QVERIFY(!isConditional(i));
         }
-        QVERIFY(asks(1)); // used, so 2 is next to go
-        QVERIFY(!asks(9));
-        QVERIFY(asks(1));
+        QVERIFY(isConditional(1)); // used, so 2 is the next to be dropped
+        QVERIFY(!isConditional(9));
+        QVERIFY(isConditional(1));
         for (int i = 3; i <= 9; ++i) {
-            QVERIFY(asks(i));
+            QVERIFY(isConditional(i));
         }
-        QVERIFY(!asks(2));
+        QVERIFY(!isConditional(2));
     }
 
-    void theOutcomeDecidesWhatBecomesOfTheKeptReply_data() {
-        QTest::addColumn<QByteArray>("reply"); // empty: none
-        QTest::addColumn<QByteArray>("asked"); // by the request after it
+    void theOutcomeDecidesWhetherTheKeptReplyStays_data() {
+        QTest::addColumn<QByteArray>("reply");     // empty: none
+        QTest::addColumn<QByteArray>("condition"); // of the request after it
         const QByteArray a = "\"a\"";
         QTest::newRow("the same") << kSame << a;
         QTest::newRow("the same, by name")
@@ -106,9 +106,9 @@ private Q_SLOTS:
         QTest::newRow("a cut 304") << QByteArray("HTTP/1.1 304 Same\r\nETag: \"b\"\r\n") << a;
     }
 
-    void theOutcomeDecidesWhatBecomesOfTheKeptReply() {
+    void theOutcomeDecidesWhetherTheKeptReplyStays() {
         QFETCH(const QByteArray, reply);
-        QFETCH(const QByteArray, asked);
+        QFETCH(const QByteArray, condition);
         RawServer server;
         server.answer({}, good("old"));
         CurlHttpClient client;
@@ -118,10 +118,10 @@ private Q_SLOTS:
         QCOMPARE(server.requests().back().header("If-None-Match"), "\"a\"");
         server.answer({}, good("whole"));
         QVERIFY(fetch(client, poll(server.url(u"/a"_qs))).has_value());
-        QCOMPARE(server.requests().back().header("If-None-Match"), asked);
+        QCOMPARE(server.requests().back().header("If-None-Match"), condition);
     }
 
-    void whatWasRedirectedIsNeitherAskedAboutNorKept() {
+    void redirectTargetsGetNoConditionAndAreNotKept() {
         RawServer server;
         server.answer("/a", good("x"));
         CurlHttpClient client;
@@ -140,7 +140,7 @@ private Q_SLOTS:
         QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 304, {}));
     }
 
-    void overlappingQuestionsAreBothAnswered() {
+    void overlappingConditionalRequestsAreAllAnswered() {
         RawServer server;
         server.answer({}, good("old"));
         CurlHttpClient client;
@@ -157,7 +157,7 @@ private Q_SLOTS:
         server.connection(1).send(good("new", "\"b\""));
         QTRY_VERIFY(second.isDone());
         QVERIFY(isReply(second.result(), 200, "new"));
-        server.connection(0).send(kSame); // to what has been replaced meanwhile
+        server.connection(0).send(kSame); // its condition has been replaced meanwhile
         QTRY_VERIFY(first.isDone());
         QVERIFY(isReply(first.result(), 200, "old"));
 

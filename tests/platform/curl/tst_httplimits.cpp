@@ -40,13 +40,13 @@ class TestHttpLimits final : public QObject {
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
 
-    void aRequestThatSaysNothingHasTheUsualLimits() {
+    void aRequestHasDefaultLimits() {
         const HttpRequest request = requestTo(RawServer().url(u"/"_qs));
         QCOMPARE(request.bodyLimit, kMebibyte);
         QCOMPARE(request.timeout, std::chrono::milliseconds(60s));
     }
 
-    void aBodyHasItsLimit_data() {
+    void aBodyBeyondItsLimitIsTooLarge_data() {
         QTest::addColumn<QByteArray>("reply");
         QTest::addColumn<qsizetype>("limit");
         QTest::addColumn<qsizetype>("size"); // -1: too large
@@ -68,7 +68,7 @@ private Q_SLOTS:
             << chunked(QByteArray(50'000, 'x'), 1) << kMebibyte << qsizetype{50'000};
     }
 
-    void aBodyHasItsLimit() {
+    void aBodyBeyondItsLimitIsTooLarge() {
         QFETCH(const QByteArray, reply);
         QFETCH(const qsizetype, limit);
         QFETCH(const qsizetype, size);
@@ -85,14 +85,14 @@ private Q_SLOTS:
         }
     }
 
-    void anAnnouncedLengthBeyondTheLimitEndsItAtOnce() {
+    void anAnnouncedLengthBeyondTheLimitFailsAtOnce() {
         RawServer server;
         server.answer({}, "HTTP/1.1 200 OK\r\nContent-Length: 1048577\r\n\r\n");
         CurlHttpClient client;
         QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpError::TooLarge));
     }
 
-    void aHeadHasItsLimit_data() {
+    void aHeadBeyondItsLimitIsTooLarge_data() {
         QTest::addColumn<QByteArray>("head");
         QTest::addColumn<bool>("isTooLarge");
         for (const qsizetype size : {kHeadLimit - 1, kHeadLimit, kHeadLimit + 1}) {
@@ -113,7 +113,7 @@ private Q_SLOTS:
             << true;
     }
 
-    void aHeadHasItsLimit() {
+    void aHeadBeyondItsLimitIsTooLarge() {
         QFETCH(const QByteArray, head);
         QFETCH(const bool, isTooLarge);
         RawServer server;
@@ -124,7 +124,7 @@ private Q_SLOTS:
                 (isTooLarge ? HttpResult(HttpError::TooLarge) : HttpResult(HttpReply{200, "x"})));
     }
 
-    void theDeadlineHoldsHoweverSteadilyBytesDrip_data() {
+    void bytesThatKeepComingDoNotExtendTheDeadline_data() {
         QTest::addColumn<QByteArray>("start");
         QTest::addColumn<QByteArray>("drops");
         QTest::newRow("body") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 5000\r\n\r\n")
@@ -138,7 +138,7 @@ private Q_SLOTS:
             << QByteArray("x");
     }
 
-    void theDeadlineHoldsHoweverSteadilyBytesDrip() {
+    void bytesThatKeepComingDoNotExtendTheDeadline() {
         QFETCH(const QByteArray, start);
         QFETCH(const QByteArray, drops);
         RawServer server;
@@ -156,7 +156,7 @@ private Q_SLOTS:
         QTRY_COMPARE(server.openConnections(), 0);
     }
 
-    void oneHeaderLineAtATimeIsTooSlowAsWell() {
+    void headerLinesThatKeepComingDoNotExtendTheDeadline() {
         RawServer server;
         server.answer({}, [](RawConnection& connection, const RawRequest&) {
             connection.send("HTTP/1.1 200 OK\r\n");
@@ -170,14 +170,14 @@ private Q_SLOTS:
         QVERIFY(fetch(client, request) == HttpResult(HttpError::TimedOut));
     }
 
-    void theDeadlineIsOneInstant_data() {
+    void aReplyMustBeCompleteBeforeTheDeadline_data() {
         QTest::addColumn<std::chrono::milliseconds>("lag");
         QTest::addColumn<bool>("isInTime");
         QTest::newRow("before") << 300ms << true;
         QTest::newRow("after") << 900ms << false;
     }
 
-    void theDeadlineIsOneInstant() {
+    void aReplyMustBeCompleteBeforeTheDeadline() {
         QFETCH(const std::chrono::milliseconds, lag);
         QFETCH(const bool, isInTime);
         RawServer server;
@@ -215,7 +215,7 @@ private Q_SLOTS:
         QTRY_VERIFY(openDescriptors() <= before);
     }
 
-    void onlyStatusesAskedForCarryABody_data() {
+    void onlyWantedStatusesCarryABody_data() {
         QTest::addColumn<int>("status");
         QTest::addColumn<int>("last");
         QTest::addColumn<bool>("hasBody");
@@ -228,7 +228,7 @@ private Q_SLOTS:
         }
     }
 
-    void onlyStatusesAskedForCarryABody() {
+    void onlyWantedStatusesCarryABody() {
         QFETCH(const int, status);
         QFETCH(const int, last);
         QFETCH(const bool, hasBody);
@@ -243,7 +243,7 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), 1);
     }
 
-    void aBodyNobodyAskedForNeitherHoldsUpNorSpoilsTheStatus_data() {
+    void anUnwantedBodyNeitherDelaysNorChangesTheStatus_data() {
         QTest::addColumn<QByteArray>("rest");
         QTest::addColumn<QByteArray>("flood");
         const QByteArray inChunks = "Transfer-Encoding: chunked\r\n\r\n";
@@ -251,7 +251,7 @@ private Q_SLOTS:
             << QByteArray("Content-Length: 9\r\n\r\nx") << QByteArray();
         QTest::newRow("large, unfinished")
             << QByteArray("Content-Length: 99999\r\n\r\nx") << QByteArray();
-        QTest::newRow("announced beyond all")
+        QTest::newRow("length beyond 64 bits")
             << QByteArray("Content-Length: 99999999999999999999\r\n\r\n") << QByteArray();
         QTest::newRow("until closed, endless") << QByteArray("\r\n") << QByteArray(9999, 'x');
         QTest::newRow("bad chunk") << inChunks + "zz\r\n" << QByteArray();
@@ -260,7 +260,7 @@ private Q_SLOTS:
                                           << QByteArray("A: b\r\n").repeated(999);
     }
 
-    void aBodyNobodyAskedForNeitherHoldsUpNorSpoilsTheStatus() {
+    void anUnwantedBodyNeitherDelaysNorChangesTheStatus() {
         QFETCH(const QByteArray, rest);
         QFETCH(const QByteArray, flood);
         RawServer server;
@@ -277,11 +277,11 @@ private Q_SLOTS:
         timer.start();
         QVERIFY(fetch(client, request) == HttpResult(HttpReply{503, {}}));
         QVERIFY(timer.elapsed() < 1000);
-        // Whatever is left of it ends with the request's own time.
+        // The rest of the body ends with the request's timeout at the latest.
         QTRY_COMPARE(server.openConnections(), 0);
     }
 
-    void bodiesThatNeverEndHoldABoundedAmountTogether() {
+    void unfinishedBodiesTogetherAreBounded() {
         constexpr qsizetype kMebibyte = qsizetype{1024} * 1024;
         RawServer server;
         const QByteArray most(4 * kMebibyte - 1, 'x');
@@ -304,7 +304,7 @@ private Q_SLOTS:
             return std::count_if(stalled.cbegin(), stalled.cend(),
                                  [](const Awaited& one) { return one.isDone(); });
         };
-        // Four of them fit at the most; each of the others is given up as soon as it does not.
+        // At most four of them fit; each of the others fails once it exceeds the limit.
         QTRY_VERIFY_WITH_TIMEOUT(ended() >= 8, 20'000);
         QVERIFY(ended() < 12);
         for (const Awaited& one : stalled) {
@@ -312,7 +312,7 @@ private Q_SLOTS:
         }
         QVERIFY(fetch(client, requestOf(u"/small"_qs)) ==
                 HttpResult(HttpReply{200, QByteArray(256 * 1024, 's')}));
-        // Once they have run out of time there is room again.
+        // After their timeouts there is room again.
         QTRY_COMPARE_WITH_TIMEOUT(ended(), 12, 30'000);
         QVERIFY(fetch(client, requestOf(u"/whole"_qs)) == HttpResult(HttpReply{200, most + 'x'}));
     }

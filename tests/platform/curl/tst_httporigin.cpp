@@ -39,8 +39,8 @@ private Q_SLOTS:
                                       << "http://a.test./" << false;
         QTest::newRow("other port") << "http://a.test/"
                                     << "http://a.test:81/" << false;
-        QTest::newRow("port beyond all") << "http://a.test:65536/"
-                                         << "http://a.test:65536/" << false;
+        QTest::newRow("port beyond 65535") << "http://a.test:65536/"
+                                           << "http://a.test:65536/" << false;
         QTest::newRow("relative") << "/x"
                                   << "/x" << false;
         QTest::newRow("no host") << "http:///x"

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Sets an environment variable for as long as it lives.
+/// Sets an environment variable until its destruction.
 class Variable final {
 public:
     Variable(const char* name, const QByteArray& value)
@@ -25,17 +25,6 @@ public:
 private:
     const char* m_name;
 };
-
-HttpRequest authorised(const Url& url) {
-    HttpRequest request = requestTo(url);
-    request.headers = {{"Authorization", "Bearer t0ken"}};
-    request.timeout = 5s;
-    return request;
-}
-
-Url urlOf(const char* text) {
-    return Url::fromString(QString::fromLatin1(text)).value();
-}
 
 } // namespace
 
@@ -59,14 +48,14 @@ private Q_SLOTS:
         QCOMPARE(request.header("User-Agent"), "Brimlet/0.1.0");
     }
 
-    void thisMachineIsNeverReachedThroughAProxy_data() {
+    void loopbackIsNeverReachedThroughAProxy_data() {
         QTest::addColumn<QString>("host");
         QTest::newRow("address") << "127.0.0.1";
         QTest::newRow("name") << "localhost";
         QTest::newRow("name in capitals") << "LOCALHOST";
     }
 
-    void thisMachineIsNeverReachedThroughAProxy() {
+    void loopbackIsNeverReachedThroughAProxy() {
         QFETCH(const QString, host);
         RawServer proxy;
         RawServer server;
@@ -81,14 +70,14 @@ private Q_SLOTS:
         QCOMPARE(proxy.connections(), 0);
     }
 
-    void aProxySeesNothingOfASecureRequest_data() {
+    void aProxySeesOnlyTheHostOfASecureRequest_data() {
         QTest::addColumn<QByteArray>("reply");
         QTest::newRow("407") << rawReply(407, "x", "Proxy-Authenticate: Basic\r\n");
         QTest::newRow("garbage") << QByteArray("garbage\r\n\r\n");
         QTest::newRow("accepts, then nonsense") << QByteArray("HTTP/1.1 200 OK\r\n\r\nnonsense");
     }
 
-    void aProxySeesNothingOfASecureRequest() {
+    void aProxySeesOnlyTheHostOfASecureRequest() {
         QFETCH(const QByteArray, reply);
         RawServer proxy;
         proxy.answerAndCut({}, reply);
@@ -102,7 +91,7 @@ private Q_SLOTS:
         QVERIFY(!proxy.received().contains("/a"));
     }
 
-    void aProxysWordOnAPlainRequestIsTakenAsAFailure_data() {
+    void aProxysErrorOnAPlainRequestIsAFailure_data() {
         QTest::addColumn<QByteArray>("reply");
         QTest::addColumn<int>("error");
         QTest::newRow("407") << rawReply(407, "x", "Proxy-Authenticate: Basic\r\n")
@@ -113,7 +102,7 @@ private Q_SLOTS:
                              << int(HttpError::Broken);
     }
 
-    void aProxysWordOnAPlainRequestIsTakenAsAFailure() {
+    void aProxysErrorOnAPlainRequestIsAFailure() {
         QFETCH(const QByteArray, reply);
         QFETCH(const int, error);
         RawServer proxy;
@@ -126,7 +115,7 @@ private Q_SLOTS:
         QVERIFY(!proxy.received().contains("uthorization"));
     }
 
-    void aProxyThatIsGoneIsNotGoneAround() {
+    void anUnreachableProxyIsNotBypassed() {
         std::optional<RawServer> proxy(std::in_place);
         const QByteArray address = "127.0.0.1:" + QByteArray::number(proxy->port());
         proxy.reset();
@@ -138,32 +127,32 @@ private Q_SLOTS:
         }
     }
 
-    void hostsMayBeExceptedFromTheProxy_data() {
+    void theEnvironmentMayExceptHostsFromTheProxy_data() {
         QTest::addColumn<QByteArray>("name");
         QTest::newRow("small letters") << QByteArray("no_proxy");
         QTest::newRow("capitals") << QByteArray("NO_PROXY");
     }
 
-    void hostsMayBeExceptedFromTheProxy() {
+    void theEnvironmentMayExceptHostsFromTheProxy() {
         QFETCH(const QByteArray, name);
         RawServer proxy;
         proxy.answer({}, rawReply(200, "the proxy's"));
         RawServer server;
         server.answer({}, rawReply(200, "its own"));
         const Variable http("http_proxy", "127.0.0.1:" + QByteArray::number(proxy.port()));
-        // This machine too, but spelled as no rule of ours knows it.
+        // Loopback, but not one of the spellings for which no proxy is used.
         const QByteArray host = "127.0.0.2";
         const QByteArray text = "http://" + host + ':' + QByteArray::number(server.port()) + '/';
         CurlHttpClient client;
         QVERIFY(fetch(client, requestTo(urlOf(text))) == HttpResult(HttpReply{200, "the proxy's"}));
         const Variable excepted(name.constData(), host);
         const auto result = fetch(client, requestTo(urlOf(text)));
-        // Nobody listens there, which is seen only by whoever asks directly.
+        // Without the proxy the request fails, because the server does not listen there.
         QVERIFY(result == HttpResult(HttpError::Unreachable));
         QCOMPARE(proxy.requests().size(), 1U);
     }
 
-    void threeSpellingsOfThisMachineAreKnown() {
+    void loopbackHasThreeSpellings() {
         for (const char* text : {"http://127.0.0.1/", "http://[::1]:8791/", "https://LocalHost/"}) {
             QVERIFY2(isLoopback(urlOf(text)), text);
         }

@@ -18,14 +18,14 @@ QList<QByteArray> sorted(QList<QByteArray> lines) {
 
 } // namespace
 
-/// What goes out, byte for byte, and what never does.
+/// Which bytes are sent, and which never are.
 class TestHttpRequests final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
 
-    void aGetSendsNothingBesidesWhatItNames() {
+    void aGetSendsOnlyWhatTheRequestNames() {
         RawServer server;
         server.answer({}, rawReply(200, "x"));
         CurlHttpClient client;
@@ -41,7 +41,7 @@ private Q_SLOTS:
         QCOMPARE(server.requests().at(0).body, QByteArray());
     }
 
-    void aPostSendsItsBodyAndNothingBesidesWhatItNames_data() {
+    void aPostSendsItsBodyAndOnlyWhatTheRequestNames_data() {
         QTest::addColumn<QByteArray>("body");
         QTest::newRow("braces") << QByteArray("{}");
         QTest::newRow("bytes of any value") << QByteArray("a\0\r\n\xFF", 5);
@@ -49,7 +49,7 @@ private Q_SLOTS:
         QTest::newRow("two megabytes") << QByteArray(2'000'000, 'x');
     }
 
-    void aPostSendsItsBodyAndNothingBesidesWhatItNames() {
+    void aPostSendsItsBodyAndOnlyWhatTheRequestNames() {
         QFETCH(const QByteArray, body);
         RawServer server;
         server.answer({}, rawReply(200, "x"));
@@ -67,7 +67,7 @@ private Q_SLOTS:
         QCOMPARE(server.requests().at(0).body, body);
     }
 
-    void noContentTypeIsMadeUp() {
+    void noContentTypeIsAdded() {
         RawServer server;
         server.answer({}, rawReply(200, "x"));
         CurlHttpClient client;
@@ -80,7 +80,7 @@ private Q_SLOTS:
         QVERIFY(!server.received().contains("Content-Type"));
     }
 
-    void whatCannotBeSentAsItIsStaysUnsent_data() {
+    void aHeaderThatCannotBeSentUnchangedIsRejected_data() {
         QTest::addColumn<QByteArray>("name");
         QTest::addColumn<QByteArray>("value");
         QTest::newRow("line break in the value") << QByteArray("A") << QByteArray("b\r\nC: d");
@@ -94,7 +94,7 @@ private Q_SLOTS:
         QTest::newRow("no name") << QByteArray() << QByteArray("b");
     }
 
-    void whatCannotBeSentAsItIsStaysUnsent() {
+    void aHeaderThatCannotBeSentUnchangedIsRejected() {
         QFETCH(const QByteArray, name);
         QFETCH(const QByteArray, value);
         RawServer server;
@@ -107,17 +107,17 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), 0);
     }
 
-    void aTokenIsOneHeaderHoweverLongOrForeign_data() {
+    void anyTokenIsSentAsOneHeader_data() {
         QTest::addColumn<QByteArray>("token");
         QTest::newRow("10 KB") << QByteArray(10'000, 't');
         QTest::newRow("100 KB") << QByteArray(100'000, 't');
         QTest::newRow("not ASCII") << QByteArray("t\u00F6k\u00EBn \U0001F511");
         QTest::newRow("not UTF-8") << QByteArray("\xFF\xFE\x80");
-        QTest::newRow("what separates headers") << QByteArray("a: b, c; d=\"e\"");
+        QTest::newRow("separators") << QByteArray("a: b, c; d=\"e\"");
         QTest::newRow("percent") << QByteArray("%s%n%0d%0aX: y");
     }
 
-    void aTokenIsOneHeaderHoweverLongOrForeign() {
+    void anyTokenIsSentAsOneHeader() {
         QFETCH(const QByteArray, token);
         RawServer server;
         server.answer({}, rawReply(200, "x"));
@@ -130,7 +130,7 @@ private Q_SLOTS:
         QCOMPARE(server.requests().at(0).header("Authorization"), "Bearer " + token);
     }
 
-    void aMethodIsOneWord() {
+    void aMethodThatIsNotOneWordIsRejected() {
         RawServer server;
         CurlHttpClient client;
         for (const char* method : {"", "GET /other HTTP/1.1\r\nX:", "GET\n"}) {
@@ -166,7 +166,7 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), 0);
     }
 
-    void letterCaseAndSpelledOutPortsAreNoDifference() {
+    void letterCaseAndExplicitPortsMakeNoDifference() {
         RawServer server;
         server.answer({}, rawReply(200, "x"));
         CurlHttpClient client;

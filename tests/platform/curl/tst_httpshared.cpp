@@ -25,17 +25,17 @@ Clients siblings(int count) {
     return clients;
 }
 
-/// A request that says whose it is.
+/// A request with the number of its client in a header.
 HttpRequest from(int client, const Url& url) {
     HttpRequest request = requestTo(url);
     request.headers.push_back({"X-Client", QByteArray::number(client)});
     return request;
 }
 
-/// Notes whose requests came over each connection, and answers them.
-class Guests final {
+/// Answers all requests and records which clients used each connection.
+class ClientRecorder final {
 public:
-    explicit Guests(RawServer& server) {
+    explicit ClientRecorder(RawServer& server) {
         server.answer({}, [this](RawConnection& connection, const RawRequest& request) {
             byConnection[&connection].insert(request.header("X-Client"));
             connection.send(rawReply(200, "x"));
@@ -47,7 +47,7 @@ public:
 
 } // namespace
 
-/// What clients of one engine do not share.
+/// Clients that share an engine, and what they do not share.
 class TestHttpShared final : public QObject {
     Q_OBJECT
 
@@ -64,7 +64,7 @@ private Q_SLOTS:
         QFETCH(const bool, isNamed);
         constexpr int kClients = 8;
         RawServer server;
-        Guests guests(server);
+        const ClientRecorder recorder(server);
         Url url = server.url(u"/"_qs);
         if (isNamed) {
             url = *Url::fromString(u"http://localhost:%1/"_qs.arg(server.port()));
@@ -78,14 +78,14 @@ private Q_SLOTS:
         }
         QCOMPARE(server.connections(), kClients);
         QCOMPARE(server.openConnections(), kClients);
-        for (const auto& [connection, who] : guests.byConnection) {
+        for (const auto& [connection, who] : recorder.byConnection) {
             QCOMPARE(who.size(), 1U);
         }
     }
 
-    void noConnectionIsLentWhileItsOwnerHasNoUseForIt() {
+    void anIdleConnectionIsNotUsedByAnotherClient() {
         RawServer server;
-        Guests guests(server);
+        const ClientRecorder recorder(server);
         const Clients clients = siblings(2);
         const Url url = server.url(u"/"_qs);
         QVERIFY(fetch(*clients[0], from(0, url)).has_value());
@@ -96,12 +96,12 @@ private Q_SLOTS:
         const Awaited two(clients[0]->send(from(0, url)));
         QTRY_VERIFY(one.isDone() && two.isDone());
         QCOMPARE(server.connections(), 3);
-        for (const auto& [connection, who] : guests.byConnection) {
+        for (const auto& [connection, who] : recorder.byConnection) {
             QCOMPARE(who.size(), 1U);
         }
     }
 
-    void aKeptReplyIsItsClientsOwn() {
+    void keptRepliesAreNotShared() {
         RawServer server;
         server.answer({}, rawReply(200, "x", "ETag: \"a\"\r\n"));
         const Clients clients = siblings(2);
@@ -114,7 +114,7 @@ private Q_SLOTS:
         QCOMPARE(server.requests().at(2).header("If-None-Match"), "\"a\"");
     }
 
-    void aClientThatGoesEndsItsOwnRequestsAlone() {
+    void destroyingAClientEndsOnlyItsOwnRequests() {
         RawServer server;
         server.answer("/slow", RawAnswer());
         server.answer("/quick", rawReply(200, "quick"));
@@ -138,10 +138,10 @@ private Q_SLOTS:
                 HttpResult(HttpReply{200, "quick"}));
     }
 
-    void outcomesThatWaitToBeHandedOverAreTheirClientsOwn() {
+    void destroyingAClientCancelsOnlyItsOwnUndeliveredOutcomes() {
         Clients clients = siblings(2);
         HttpRequest late = requestTo(RawServer().url(u"/"_qs));
-        late.timeout = 0s; // over before it began, but told in a later turn
+        late.timeout = 0s; // expires at once, but is delivered in a later turn
         const Awaited going(clients[0]->send(late));
         const Awaited staying(clients[1]->send(late));
         QVERIFY(!going.isDone() && !staying.isDone());
@@ -153,7 +153,7 @@ private Q_SLOTS:
         QVERIFY(staying.result() == HttpResult(HttpError::TimedOut));
     }
 
-    void largeBodiesOfOneLeaveTheOthersTheirRoom() {
+    void theLimitOnUnfinishedBodiesIsNotShared() {
         constexpr qsizetype kMebibyte = qsizetype{1024} * 1024;
         constexpr int kUnfinished = 17; // one more than fit
         RawServer server;
@@ -170,12 +170,12 @@ private Q_SLOTS:
             return std::any_of(unfinished.begin(), unfinished.end(),
                                [](const Awaited& one) { return one.isDone(); });
         };
-        QTRY_VERIFY(hasOneFailed()); // the first one's room is used up
+        QTRY_VERIFY(hasOneFailed()); // the first client's limit is reached
         QVERIFY(fetch(*clients[1], requestTo(server.url(u"/large"_qs))) ==
                 HttpResult(HttpReply{200, QByteArray(kMebibyte, 'x')}));
     }
 
-    void whatComesUnaskedSpoilsOneConnectionAndNoReply() {
+    void unrequestedBytesCloseOneConnectionAndSpoilNoReply() {
         constexpr int kClients = 5;
         RawServer server;
         server.answer({}, rawReply(200, "good"));
@@ -194,7 +194,7 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), kClients + 1);
     }
 
-    void everyByteIsCounted() {
+    void everyByteIsCountedForItsClient() {
         RawServer server;
         const QByteArray reply = rawReply(200, "words", "ETag: \"a\"\r\n");
         const QByteArray same = "HTTP/1.1 304 Same\r\n\r\n";

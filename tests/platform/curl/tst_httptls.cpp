@@ -23,17 +23,17 @@ bool runOpenssl(const QStringList& arguments) {
            openssl.exitCode() == 0;
 }
 
-/// A certificate that signs itself, made afresh, with its key.
+/// A new self-signed certificate with its key.
 class Certificate final {
 public:
-    enum class Age { Good, RunOut };
+    enum class Age { Valid, Expired };
 
-    explicit Certificate(const QString& name, Age age = Age::Good) {
+    explicit Certificate(const QString& name, Age age = Age::Valid) {
         m_isMade = runOpenssl({u"req"_qs, u"-x509"_qs, u"-newkey"_qs, u"ec"_qs, u"-pkeyopt"_qs,
                                u"ec_paramgen_curve:P-256"_qs, u"-nodes"_qs, u"-subj"_qs,
                                u"/CN=test"_qs, u"-addext"_qs, u"subjectAltName="_qs + name,
                                u"-days"_qs, u"2"_qs, u"-keyout"_qs, keyPath(), u"-out"_qs, path()});
-        if (age == Age::RunOut) {
+        if (age == Age::Expired) {
             m_isMade =
                 m_isMade && runOpenssl({u"x509"_qs, u"-in"_qs, path(), u"-signkey"_qs, keyPath(),
                                         u"-days"_qs, u"-1"_qs, u"-out"_qs, path()});
@@ -60,21 +60,20 @@ private:
 
 const QString kOurAddress = u"IP:127.0.0.1"_qs;
 
-HttpRequest authorised(const Url& url) {
-    HttpRequest request = requestTo(url);
-    request.headers = {{"Authorization", "Bearer t0ken"}};
-    request.timeout = 5s;
-    return request;
-}
-
-Url urlOf(const char* text) {
-    return Url::fromString(QString::fromLatin1(text)).value();
-}
-
 } // namespace
 
 class TestHttpTls final : public QObject {
     Q_OBJECT
+
+    /// A server with this certificate receives no byte of a request.
+    static void checkRefusal(const Certificate& certificate, const QByteArray& moreAuthorities) {
+        QVERIFY(certificate.isMade());
+        RawServer server(certificate.configuration());
+        CurlHttpClient client(moreAuthorities);
+        QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) ==
+                HttpResult(HttpError::Unreachable));
+        QVERIFY(server.received().isEmpty());
+    }
 
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
@@ -93,14 +92,9 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), 1);
     }
 
-    void aCertificateOfOurOwnMakingIsRefused() {
+    void aSelfSignedCertificateIsRefused() {
         const Certificate certificate(kOurAddress);
-        QVERIFY(certificate.isMade());
-        RawServer server(certificate.configuration());
-        CurlHttpClient client;
-        QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) ==
-                HttpResult(HttpError::Unreachable));
-        QVERIFY(server.received().isEmpty());
+        checkRefusal(certificate, {});
     }
 
     void anAuthorityIsFoundInAFolderByItsHash() {
@@ -121,7 +115,7 @@ private Q_SLOTS:
         QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) == HttpResult(HttpReply{200, "x"}));
     }
 
-    void theSystemsAuthoritiesAreReadOneByOneWhereTheyCanBe() {
+    void aSystemFolderOfAuthoritiesNamedByHashIsUsed() {
         if (!isNamedByHash(u"/etc/ssl/certs"_qs)) {
             QSKIP("this system keeps its authorities elsewhere");
         }
@@ -130,38 +124,28 @@ private Q_SLOTS:
 
     void aTrustedCertificateWithAnotherNameIsRefused() {
         const Certificate certificate(u"DNS:other.test"_qs);
-        QVERIFY(certificate.isMade());
-        RawServer server(certificate.configuration());
-        CurlHttpClient client(QFile::encodeName(certificate.path()));
-        QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) ==
-                HttpResult(HttpError::Unreachable));
-        QVERIFY(server.received().isEmpty());
+        checkRefusal(certificate, QFile::encodeName(certificate.path()));
     }
 
-    void aTrustedCertificateThatHasRunOutIsRefused() {
-        const Certificate certificate(kOurAddress, Certificate::Age::RunOut);
-        QVERIFY(certificate.isMade());
-        RawServer server(certificate.configuration());
-        CurlHttpClient client(QFile::encodeName(certificate.path()));
-        QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) ==
-                HttpResult(HttpError::Unreachable));
-        QVERIFY(server.received().isEmpty());
+    void anExpiredTrustedCertificateIsRefused() {
+        const Certificate certificate(kOurAddress, Certificate::Age::Expired);
+        checkRefusal(certificate, QFile::encodeName(certificate.path()));
     }
 
-    void theOldProtocolIsRefused_data() {
+    void tlsBefore12IsRefused_data() {
         QTest::addColumn<QString>("version");
         QTest::addColumn<bool>("isAccepted");
         QTest::newRow("1.1") << "-tls1_1" << false;
         QTest::newRow("1.2") << "-tls1_2" << true;
     }
 
-    void theOldProtocolIsRefused() {
+    void tlsBefore12IsRefused() {
         QFETCH(const QString, version);
         QFETCH(const bool, isAccepted);
         const Certificate certificate(kOurAddress);
         QVERIFY(certificate.isMade());
         QProcess server;
-        // Without -www it prints what it is asked instead of answering.
+        // With -www it answers requests; without it, it prints them.
         server.start(u"openssl"_qs,
                      QStringList{u"s_server"_qs, u"-accept"_qs, u"127.0.0.1:0"_qs, version,
                                  u"-cipher"_qs, u"DEFAULT@SECLEVEL=0"_qs, u"-cert"_qs,
@@ -182,7 +166,7 @@ private Q_SLOTS:
         }
     }
 
-    void whatComesUnaskedIsNoReplyBehindTlsEither() {
+    void bytesAfterAReplyAreNeverTheNextReplyOverTls() {
         const Certificate certificate(kOurAddress);
         QVERIFY(certificate.isMade());
         RawServer server(certificate.configuration());
@@ -190,7 +174,7 @@ private Q_SLOTS:
         CurlHttpClient client(QFile::encodeName(certificate.path()));
         QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) == HttpResult(HttpReply{200, "x"}));
         server.connection(0).send(rawReply(200, "intruder"));
-        RawServer other; // by the time this has answered, the intruder is there
+        RawServer other; // once this has answered, the intruder has arrived
         other.answer({}, rawReply(200, "y"));
         QVERIFY(fetch(client, requestTo(other.url(u"/"_qs))) == HttpResult(HttpReply{200, "y"}));
         for (int i = 0; i < 3; ++i) {
@@ -200,18 +184,18 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), 2);
     }
 
-    void whatComesInTheSameRecordAsABodyIsNoReplyEither_data() {
+    void bytesInTheSameTlsRecordAreNeverTheNextReply_data() {
         QTest::addColumn<QByteArray>("head");
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<HttpReply>("reply");
-        QTest::newRow("a body in a record of its own")
+        QTest::newRow("a body in a separate record")
             << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\n") << QByteArray("first")
             << HttpReply{200, "first"};
-        QTest::newRow("a body that nobody asked for")
+        QTest::newRow("an unwanted body")
             << QByteArray("HTTP/1.1 404 No\r\nContent-Length: 5\r\n\r\n") << QByteArray("first")
             << HttpReply{404, {}};
     }
-    void whatComesInTheSameRecordAsABodyIsNoReplyEither() {
+    void bytesInTheSameTlsRecordAreNeverTheNextReply() {
         QFETCH(QByteArray, head);
         QFETCH(QByteArray, body);
         QFETCH(HttpReply, reply);

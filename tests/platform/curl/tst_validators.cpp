@@ -70,7 +70,7 @@ private Q_SLOTS:
         QCOMPARE(validators.mayKeep(), counts);
     }
 
-    void whatIsGivenTwiceDoesNotCount() {
+    void aValidatorGivenTwiceIsIgnored() {
         Validators validators;
         validators.add("ETag", "\"a\"");
         validators.add("etag", "\"a\"");
@@ -82,7 +82,7 @@ private Q_SLOTS:
         QVERIFY(!validators.mayKeep());
     }
 
-    void theServiceMayForbidToKeepAReply_data() {
+    void theServiceMayForbidKeepingAReply_data() {
         QTest::addColumn<QByteArray>("name");
         QTest::addColumn<QByteArray>("value");
         QTest::addColumn<bool>("mayKeep");
@@ -102,7 +102,7 @@ private Q_SLOTS:
             << QByteArray("Vary") << QByteArray("Authorization") << true;
     }
 
-    void theServiceMayForbidToKeepAReply() {
+    void theServiceMayForbidKeepingAReply() {
         QFETCH(const QByteArray, name);
         QFETCH(const QByteArray, value);
         Validators validators;
@@ -113,18 +113,18 @@ private Q_SLOTS:
         QTEST(validators.mayKeep(), "mayKeep");
     }
 
-    void a304ContradictsByNamingAnother_data() {
-        QTest::addColumn<QByteArray>("askedTag");
-        QTest::addColumn<QByteArray>("askedDate");
+    void a304WithAnotherValidatorDisagrees_data() {
+        QTest::addColumn<QByteArray>("keptTag");
+        QTest::addColumn<QByteArray>("keptDate");
         QTest::addColumn<QByteArray>("tag");
         QTest::addColumn<QByteArray>("date");
         QTest::addColumn<bool>("agrees");
         const QByteArray a = "\"a\"";
         const QByteArray none;
-        QTest::newRow("nothing said") << a << none << none << none << true;
+        QTest::newRow("no validator") << a << none << none << none << true;
         QTest::newRow("the same") << a << none << a << none << true;
         QTest::newRow("the same, but weak") << a << none << "W/" + a << none << true;
-        QTest::newRow("weak asked") << "W/" + a << none << a << none << true;
+        QTest::newRow("weak kept") << "W/" + a << none << a << none << true;
         QTest::newRow("another") << a << none << QByteArray("\"b\"") << none << false;
         QTest::newRow("another date aside")
             << a << QByteArray("then") << a << QByteArray("now") << true;
@@ -135,18 +135,18 @@ private Q_SLOTS:
         QTest::newRow("no date") << none << QByteArray("then") << a << none << true;
     }
 
-    void a304ContradictsByNamingAnother() {
-        QFETCH(const QByteArray, askedTag);
-        QFETCH(const QByteArray, askedDate);
+    void a304WithAnotherValidatorDisagrees() {
+        QFETCH(const QByteArray, keptTag);
+        QFETCH(const QByteArray, keptDate);
         QFETCH(const QByteArray, tag);
         QFETCH(const QByteArray, date);
-        Validators asked;
-        asked.add("ETag", askedTag);
-        asked.add("Last-Modified", askedDate);
-        Validators said;
-        said.add("ETag", tag);
-        said.add("Last-Modified", date);
-        QTEST(said.agreesWith(asked), "agrees");
+        Validators kept;
+        kept.add("ETag", keptTag);
+        kept.add("Last-Modified", keptDate);
+        Validators reply;
+        reply.add("ETag", tag);
+        reply.add("Last-Modified", date);
+        QTEST(reply.agreesWith(kept), "agrees");
     }
 };
 
