@@ -20,7 +20,7 @@ class TestDisplayRefresh final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theRequestIsPlain() {
+    void theRequestHasNoTokenAndNoBody() {
         HostFixture host;
         host.keepToken("t");
         const auto store = host.makeStore();
@@ -45,7 +45,7 @@ private Q_SLOTS:
         QVERIFY(!request.mayFollow(request.url, *Url::fromString(u"ftp://10.0.0.1/x")));
     }
 
-    void anEmptyReplyUnfillsThePlacementAndLeavesTheFigures() {
+    void anEmptyReplyClearsThePlacementAndKeepsTheFigures() {
         HostFixture host;
         host.keepToken("t");
         const auto store = host.makeStore();
@@ -98,7 +98,7 @@ private Q_SLOTS:
                                     QStringLiteral("live 1 1 1")}));
     }
 
-    void everyFailureShowsTheOneTextAndKeepsTheCreatives_data() {
+    void everyFailureShowsTheSameTextAndKeepsTheCreatives_data() {
         QTest::addColumn<int>("status"); // 0: the transfer fails
         QTest::addColumn<QByteArray>("body");
         QTest::newRow("transfer fails") << 0 << QByteArray();
@@ -114,7 +114,7 @@ private Q_SLOTS:
         QTest::newRow("no JSON") << 200 << QByteArray("<html>");
         QTest::newRow("empty") << 200 << QByteArray();
     }
-    void everyFailureShowsTheOneTextAndKeepsTheCreatives() {
+    void everyFailureShowsTheSameTextAndKeepsTheCreatives() {
         QFETCH(int, status);
         QFETCH(QByteArray, body);
         HostFixture host;
@@ -141,14 +141,14 @@ private Q_SLOTS:
         QCOMPARE(store->assignment().weekStatus, QStringLiteral("first"));
     }
 
-    void withoutATokenTheHostIsToldToAddOne() {
+    void withoutATokenTheLineSaysToAddOne() {
         HostFixture host;
         const auto store = makeLiveStore(host);
         QCOMPARE(store->statusLine(),
                  QStringLiteral("Ads on. Add your approved host token to qualify for payouts."));
     }
 
-    void withATokenEligibilityIsBeingChecked() {
+    void withATokenTheLineSaysThatEligibilityIsChecked() {
         HostFixture host;
         host.keepToken("t");
         const auto store = makeLiveStore(host);

@@ -15,9 +15,9 @@ namespace {
 /// A request whose reply the store applies.
 struct Endpoint final {
     const char* path;
-    void (*ask)(HostStore& store);
-    QString failed;    ///< What a failed transfer says; null where the line stays as it was.
-    QString notObject; ///< What valid JSON says that is no object.
+    void (*request)(HostStore& store);
+    QString failed;    ///< The line after a failed transfer; null where it does not change.
+    QString notObject; ///< The line after valid JSON that is no object.
 };
 
 std::vector<Endpoint> endpoints() {
@@ -35,10 +35,10 @@ std::vector<Endpoint> endpoints() {
              tokenRejected()}};
 }
 
-/// A store in the middle of a live week, asked for more at one endpoint.
-struct AskedStore final {
-    explicit AskedStore(Endpoint asked)
-        : endpoint(std::move(asked)) {
+/// A store in a live week that gets a further reply from one endpoint.
+struct LiveStore final {
+    explicit LiveStore(Endpoint ownEndpoint)
+        : endpoint(std::move(ownEndpoint)) {
         host.keepToken("t");
         store = host.makeStore();
         host.http.answer(QStringLiteral("/api/host/me"), 200,
@@ -52,9 +52,9 @@ struct AskedStore final {
 
     void receive(const QByteArray& body) {
         host.http.answer(QString::fromLatin1(endpoint.path), 200, body);
-        endpoint.ask(*store);
+        endpoint.request(*store);
     }
-    /// Nothing is changed but the line, which says that the transfer failed.
+    /// True when the line says that the transfer failed, and nothing else changed.
     [[nodiscard]] bool isFailed() const {
         return store->assignment() == before &&
                store->statusLine() == (endpoint.failed.isNull() ? lineBefore : endpoint.failed);
@@ -62,7 +62,7 @@ struct AskedStore final {
     [[nodiscard]] bool isNotAnObject() const {
         return store->assignment() == before && store->statusLine() == endpoint.notObject;
     }
-    /// A reply without a single field that is known: the week is unfilled, the slots are empty.
+    /// True after a reply without any known field: the week is unfilled, the slots are empty.
     [[nodiscard]] bool isEmptied() const {
         const Assignment& week = store->assignment();
         return week.weekStatus == u"unfilled" && !week.left && !week.right &&
@@ -80,7 +80,7 @@ QByteArray nested(int depth) {
     return QByteArray(depth, '[') + QByteArray(depth, ']');
 }
 
-/// So many keys, each another one, are just less than a mebibyte.
+/// Different keys, just less than a mebibyte of them.
 QByteArray manyKeys() {
     QByteArray keys;
     for (int i = 0; i < 90'000; ++i) {
@@ -91,7 +91,7 @@ QByteArray manyKeys() {
 
 } // namespace
 
-/// Replies that parsers stumble over, at each endpoint of the store.
+/// Malformed and unusual JSON as the reply of each endpoint.
 class TestHostileJson final : public QObject {
     Q_OBJECT
 
@@ -108,49 +108,49 @@ class TestHostileJson final : public QObject {
     }
 
 private Q_SLOTS:
-    void theSampleFilesAreAppliedOrRefused_data() { addEndpoints(); }
-    void theSampleFilesAreAppliedOrRefused() {
+    void theSampleFilesAreAppliedOrRejected_data() { addEndpoints(); }
+    void theSampleFilesAreAppliedOrRejected() {
         const QDir folder(samplePath(u"json"));
         const QStringList names = folder.entryList({QStringLiteral("*.json")}, QDir::Files);
         if (names.isEmpty()) {
             QSKIP("no sample files: the folder BRIMLET_CORPORA/json is absent");
         }
         int applied = 0;
-        int refused = 0;
+        int rejected = 0;
         for (const QString& name : names) {
             QFile file(folder.filePath(name));
             QVERIFY(file.open(QIODevice::ReadOnly));
             const QByteArray body = file.readAll();
-            AskedStore asked(fetchedEndpoint());
-            asked.receive(body);
+            LiveStore live(fetchedEndpoint());
+            live.receive(body);
             if (name.startsWith(u"n_")) {
-                QVERIFY2(asked.isFailed(), qPrintable(name));
-                ++refused;
+                QVERIFY2(live.isFailed(), qPrintable(name));
+                ++rejected;
             } else if (name.startsWith(u"y_")) {
-                // Another reader tells whether there is an object.
+                // Qt's parser shows whether the top level is an object.
                 const bool isObject = QJsonDocument::fromJson(body).isObject();
-                QVERIFY2(isObject ? asked.isEmptied() : asked.isNotAnObject(), qPrintable(name));
+                QVERIFY2(isObject ? live.isEmptied() : live.isNotAnObject(), qPrintable(name));
                 applied += isObject ? 1 : 0;
             } else {
-                QVERIFY2(asked.isFailed() || asked.isNotAnObject() || asked.isEmptied(),
+                QVERIFY2(live.isFailed() || live.isNotAnObject() || live.isEmptied(),
                          qPrintable(name));
             }
         }
         QVERIFY(applied > 5);
-        QVERIFY(refused > 50);
+        QVERIFY(rejected > 50);
     }
 
-    void notEvenWhatStandsBeforeTheFaultIsApplied_data() { addEndpoints(); }
-    void notEvenWhatStandsBeforeTheFaultIsApplied() {
+    void nothingOfATruncatedReplyIsApplied_data() { addEndpoints(); }
+    void nothingOfATruncatedReplyIsApplied() {
         const QByteArray whole = R"({"weekStatus":"other","estimatedCents":5,"creatives":[]})";
         for (qsizetype size = 0; size < whole.size(); ++size) {
-            AskedStore asked(fetchedEndpoint());
-            asked.receive(whole.first(size));
-            QVERIFY2(asked.isFailed(), whole.first(size).constData());
+            LiveStore live(fetchedEndpoint());
+            live.receive(whole.first(size));
+            QVERIFY2(live.isFailed(), whole.first(size).constData());
         }
     }
 
-    void oddTextsAreFailedTransfers_data() {
+    void invalidTextsAreFailedTransfers_data() {
         QTest::addColumn<QByteArray>("body");
         QTest::newRow("a NUL after the end") << QByteArray("{}\0", 3);
         QTest::newRow("a NUL in a string") << QByteArray("{\"weekStatus\":\"a\0b\"}", 20);
@@ -164,71 +164,71 @@ private Q_SLOTS:
         QTest::newRow("UTF-16") << QByteArray("\xff\xfe{\0}\0", 6);
         QTest::newRow("100 000 open lists") << QByteArray(100'000, '[');
         QTest::newRow("100 000 open objects") << QByteArray("{\"a\":").repeated(100'000);
-        // Five megabytes are more than a reply may have.
+        // Five megabytes, more than a reply may have.
         QTest::newRow("a million keys")
             << '{' + QByteArray("\"\":1,").repeated(1'000'000) + "\"a\":1}";
     }
-    void oddTextsAreFailedTransfers() {
+    void invalidTextsAreFailedTransfers() {
         QFETCH(QByteArray, body);
         for (const Endpoint& endpoint : endpoints()) {
-            AskedStore asked(endpoint);
-            asked.receive(body);
-            QVERIFY2(asked.isFailed(), endpoint.path);
+            LiveStore live(endpoint);
+            live.receive(body);
+            QVERIFY2(live.isFailed(), endpoint.path);
         }
     }
 
-    void oddObjectsAreAppliedAllTheSame_data() {
-        QTest::addColumn<QByteArray>("odd"); // what stands before the field that counts
-        QTest::newRow("a doubled key") << QByteArray(R"("weekStatus":"first",)");
-        QTest::newRow("a doubled key of another type") << QByteArray(R"("weekStatus":[{}],)");
+    void unusualObjectsAreApplied_data() {
+        QTest::addColumn<QByteArray>("unusual"); // precedes the field that is checked
+        QTest::newRow("an equal key") << QByteArray(R"("weekStatus":"first",)");
+        QTest::newRow("an equal key of another type") << QByteArray(R"("weekStatus":[{}],)");
         QTest::newRow("an empty key") << QByteArray(R"("":"",)");
         QTest::newRow("a key with a NUL") << QByteArray(R"("weekStatus\u0000":"other",)");
-        QTest::newRow("100 000 lists in each other") << "\"x\":" + nested(100'000) + ',';
+        QTest::newRow("100 000 nested lists") << "\"x\":" + nested(100'000) + ',';
         QTest::newRow("100 000 lists as creatives") << "\"creatives\":" + nested(100'000) + ',';
         QTest::newRow("90 000 keys") << manyKeys();
         QTest::newRow("one key 150 000 times") << QByteArray("\"a\":1,").repeated(150'000);
         QTest::newRow("a number of 100 000 digits")
             << "\"estimatedCents\":" + QByteArray(100'000, '9') + ',';
     }
-    void oddObjectsAreAppliedAllTheSame() {
-        QFETCH(QByteArray, odd);
+    void unusualObjectsAreApplied() {
+        QFETCH(QByteArray, unusual);
         for (const Endpoint& endpoint : endpoints()) {
-            AskedStore asked(endpoint);
-            asked.receive('{' + odd + "\"weekStatus\":\"last\"}");
-            QCOMPARE(asked.store->assignment().weekStatus, QStringLiteral("last"));
-            QVERIFY(!asked.store->assignment().left);
+            LiveStore live(endpoint);
+            live.receive('{' + unusual + "\"weekStatus\":\"last\"}");
+            QCOMPARE(live.store->assignment().weekStatus, QStringLiteral("last"));
+            QVERIFY(!live.store->assignment().left);
         }
     }
 
-    void aByteOrderMarkIsPassedOver() {
+    void aByteOrderMarkIsSkipped() {
         for (const Endpoint& endpoint : endpoints()) {
-            AskedStore asked(endpoint);
-            asked.receive("\xef\xbb\xbf{\"weekStatus\":\"marked\"}");
-            QCOMPARE(asked.store->assignment().weekStatus, QStringLiteral("marked"));
+            LiveStore live(endpoint);
+            live.receive("\xef\xbb\xbf{\"weekStatus\":\"marked\"}");
+            QCOMPARE(live.store->assignment().weekStatus, QStringLiteral("marked"));
         }
     }
 
     void ofTenThousandCreativesTheFirstOfEachSlotIsShown() {
         const QByteArray others = QByteArray(R"({"slotId":"top"},)").repeated(10'000);
         for (const Endpoint& endpoint : endpoints()) {
-            AskedStore asked(endpoint);
-            asked.receive("{\"creatives\":[" + others +
-                          R"({"slotId":"right","brandName":"R"},{"slotId":"right"},)" +
-                          R"({"slotId":"left","brandName":"L"})" + "]}");
-            QCOMPARE(asked.store->assignment().left->brandName, QStringLiteral("L"));
-            QCOMPARE(asked.store->assignment().right->brandName, QStringLiteral("R"));
+            LiveStore live(endpoint);
+            live.receive("{\"creatives\":[" + others +
+                         R"({"slotId":"right","brandName":"R"},{"slotId":"right"},)" +
+                         R"({"slotId":"left","brandName":"L"})" + "]}");
+            QCOMPARE(live.store->assignment().left->brandName, QStringLiteral("L"));
+            QCOMPARE(live.store->assignment().right->brandName, QStringLiteral("R"));
         }
     }
 
     void anEscapedNulStaysInItsText() {
         for (const Endpoint& endpoint : endpoints()) {
-            AskedStore asked(endpoint);
-            asked.receive("{\"weekStatus\":\"live\\u0000\",\"creatives\":[{\"slotId\":\"left\","
-                          "\"brandName\":\"a\\u0000b\","
-                          "\"assetUrl\":\"https://a.test/\\u0000.png\"}]}");
-            const Assignment& week = asked.store->assignment();
+            LiveStore live(endpoint);
+            live.receive("{\"weekStatus\":\"live\\u0000\",\"creatives\":[{\"slotId\":\"left\","
+                         "\"brandName\":\"a\\u0000b\","
+                         "\"assetUrl\":\"https://a.test/\\u0000.png\"}]}");
+            const Assignment& week = live.store->assignment();
             QCOMPARE(week.weekStatus.size(), 5);
-            QVERIFY(!asked.store->adsVisible()); // it is not "live"
+            QVERIFY(!live.store->adsVisible()); // it is not "live"
             QCOMPARE(week.left->brandName, QStringView(u"a\0b", 3));
             QCOMPARE(week.left->assetURL->absoluteString(),
                      QStringLiteral("https://a.test/%00.png"));
@@ -239,10 +239,10 @@ private Q_SLOTS:
         constexpr qsizetype limit = qsizetype{1024} * 1024;
         for (const qsizetype size : {limit - 1, limit, limit + 1}) {
             for (const Endpoint& endpoint : endpoints()) {
-                AskedStore asked(endpoint);
-                asked.receive(QByteArray(R"({"weekStatus":"full"})").leftJustified(size, ' '));
-                QCOMPARE(asked.isFailed(), size > limit);
-                QCOMPARE(asked.store->assignment().weekStatus == u"full", size <= limit);
+                LiveStore live(endpoint);
+                live.receive(QByteArray(R"({"weekStatus":"full"})").leftJustified(size, ' '));
+                QCOMPARE(live.isFailed(), size > limit);
+                QCOMPARE(live.store->assignment().weekStatus == u"full", size <= limit);
             }
         }
     }

@@ -27,14 +27,14 @@ class TestHostReply final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void withoutATokenThePublicPlacementIsAskedFor() {
+    void withoutATokenThePublicPlacementIsRequested() {
         HostFixture host;
         const auto store = host.makeStore();
         startTask(store->refreshEstimate());
         QCOMPARE(host.http.log(), QStringList{QStringLiteral("GET /api/display")});
     }
 
-    void withATokenTheHostsFiguresAreAskedFor() {
+    void withATokenTheHostsFiguresAreRequested() {
         HostFixture host;
         host.keepToken("t");
         const auto store = host.makeStore();
@@ -42,7 +42,7 @@ private Q_SLOTS:
         QCOMPARE(host.http.log(), QStringList{QStringLiteral("GET /api/host/me")});
     }
 
-    void everyFieldIsTakenOver() {
+    void everyFieldIsApplied() {
         HostFixture host;
         host.keepToken("t");
         const auto store = host.makeStore();
@@ -76,13 +76,13 @@ private Q_SLOTS:
         QCOMPARE(store->assignment().liveBucketsNeeded, 4);
     }
 
-    void aMissingFromApplicationsIsTestedLocally_data() {
+    void aMissingFromApplicationsIsDeterminedLocally_data() {
         QTest::addColumn<QString>("path");
         QTest::addColumn<bool>("expected");
         QTest::newRow("in the folder") << QStringLiteral("/Applications/Brimlet.app") << true;
-        QTest::newRow("elsewhere") << QStringLiteral("/opt/Brimlet.app") << false;
+        QTest::newRow("outside it") << QStringLiteral("/opt/Brimlet.app") << false;
     }
-    void aMissingFromApplicationsIsTestedLocally() {
+    void aMissingFromApplicationsIsDeterminedLocally() {
         QFETCH(QString, path);
         HostFixture host;
         host.keepToken("t");
@@ -97,7 +97,7 @@ private Q_SLOTS:
         QTest::newRow("an empty list") << QByteArray(R"({"creatives":[]})");
         QTest::newRow("no list") << QByteArray("{}");
         QTest::newRow("a map") << QByteArray(R"({"creatives":{"left":{"slotId":"left"}}})");
-        QTest::newRow("one element no object")
+        QTest::newRow("one element is no object")
             << QByteArray(R"({"creatives":[{"slotId":"left"},{"slotId":"right"},1]})");
     }
     void repliesWithoutCreativesClearBothSlots() {
@@ -193,7 +193,7 @@ private Q_SLOTS:
                  QStringLiteral("Sign the host agreement. Pay is an estimate, not a guarantee."));
     }
 
-    void aCopyElsewhereIsToldToMoveWhateverTheServiceBelieves() {
+    void outsideApplicationsTheLineSaysToMoveWhateverTheReplySays() {
         HostFixture host;
         host.keepToken("t");
         host.bundle.bundlePath = QStringLiteral("/home/a/brimlet");

@@ -12,7 +12,7 @@ const QString kHeartbeat = QStringLiteral("POST /api/host/heartbeat");
 const QString kEstimate = QStringLiteral("GET /api/host/me");
 const QString kDisplay = QStringLiteral("GET /api/display");
 
-/// A store with a token whose timers run and whose first requests are out.
+/// A store with a token, running timers and its first requests sent.
 std::shared_ptr<HostStore> makeStartedStore(HostFixture& host) {
     host.keepToken("t");
     host.http.answer(QStringLiteral("/api/display"), 200, "{}");
@@ -91,7 +91,7 @@ private Q_SLOTS:
         QObject::connect(store.get(), &HostStore::objectWillChange,
                          [&] { linesSeen << store->statusLine(); });
         store->pause24h();
-        // The end of the pause, then the line: both announced while the old line stood.
+        // Two announcements, of the pause and of the line, both before the line changed.
         QCOMPARE(linesSeen, (QStringList{QStringLiteral("Loading the live placement…"),
                                          QStringLiteral("Loading the live placement…")}));
         QCOMPARE(store->statusLine(),
@@ -136,7 +136,7 @@ private Q_SLOTS:
         QVERIFY(!host.makeStore()->isPaused());
     }
 
-    void theClockIsReadOnlyOnANotchedMachine() {
+    void theClockIsReadOnlyWithANotch() {
         HostFixture host;
         host.screens.set({}, {});
         const auto store = host.makeStore();
@@ -149,15 +149,17 @@ private Q_SLOTS:
     void onlyALiveWeekShowsAds_data() {
         QTest::addColumn<QByteArray>("reply");
         QTest::addColumn<bool>("visible");
-        const QByteArray slots2 = R"("creatives":[{"slotId":"left","brandName":"A"},
+        const QByteArray bothSlots = R"("creatives":[{"slotId":"left","brandName":"A"},
                                      {"slotId":"right","brandName":"B"}])";
         QTest::newRow("live, both slots")
-            << QByteArray("{\"weekStatus\":\"live\"," + slots2 + "}") << true;
+            << QByteArray("{\"weekStatus\":\"live\"," + bothSlots + "}") << true;
         QTest::newRow("live, both slots empty") << QByteArray(R"({"weekStatus":"live"})") << true;
         QTest::newRow("live but hidden by the service, both slots")
-            << QByteArray("{\"weekStatus\":\"live\",\"forceHide\":true," + slots2 + "}") << false;
+            << QByteArray("{\"weekStatus\":\"live\",\"forceHide\":true," + bothSlots + "}")
+            << false;
         QTest::newRow("Live") << QByteArray(R"({"weekStatus":"Live"})") << false;
-        QTest::newRow("behind a mark") << QByteArray(R"({"weekStatus":"\ufefflive"})") << false;
+        QTest::newRow("after a byte-order mark")
+            << QByteArray(R"({"weekStatus":"\ufefflive"})") << false;
         QTest::newRow("trailing blank") << QByteArray(R"({"weekStatus":"live "})") << false;
         QTest::newRow("unfilled") << QByteArray("{}") << false;
     }
@@ -287,7 +289,7 @@ private Q_SLOTS:
         QCOMPARE(host.http.log().count(kEstimate), 300);
     }
 
-    void aJumpOfTheWallClockLeavesTheTicksAlone() {
+    void aJumpOfTheWallClockDoesNotChangeTheTicks() {
         HostFixture host;
         const auto store = makeStartedStore(host);
         host.http.clear();
@@ -308,7 +310,7 @@ private Q_SLOTS:
         QCOMPARE(host.http.log().count(kEstimate), 10);
     }
 
-    void aRenderRequestWithoutAnOverlayIsNothing() {
+    void aRenderRequestWithoutAnOverlayDoesNothing() {
         HostFixture host;
         const auto store = makeLiveStore(host);
         store->pause24h();

@@ -29,14 +29,14 @@ private Q_SLOTS:
         QCOMPARE(host.makeStore()->token(), QStringLiteral("stored"));
     }
 
-    void whateverCannotBeReadIsNoToken_data() {
+    void aTokenThatCannotBeReadIsEmpty_data() {
         QTest::addColumn<int>("error");
         QTest::newRow("not found") << int(SecretError::NotFound);
         QTest::newRow("locked") << int(SecretError::Locked);
         QTest::newRow("unavailable") << int(SecretError::Unavailable);
         QTest::newRow("timed out") << int(SecretError::TimedOut);
     }
-    void whateverCannotBeReadIsNoToken() {
+    void aTokenThatCannotBeReadIsEmpty() {
         QFETCH(int, error);
         HostFixture host;
         host.keepToken("stored");
@@ -44,21 +44,21 @@ private Q_SLOTS:
         QCOMPARE(host.makeStore()->token(), QString());
     }
 
-    void bytesThatAreNotUtf8AreNoToken_data() {
+    void aTokenThatIsNotUtf8IsEmpty_data() {
         QTest::addColumn<QByteArray>("stored");
         QTest::newRow("a lone byte") << QByteArray("abc\xff");
         QTest::newRow("cut off") << QByteArray("abc\xe2\x82");
         QTest::newRow("overlong") << QByteArray("\xc0\xaf");
         QTest::newRow("a surrogate") << QByteArray("\xed\xa0\x80");
     }
-    void bytesThatAreNotUtf8AreNoToken() {
+    void aTokenThatIsNotUtf8IsEmpty() {
         QFETCH(QByteArray, stored);
         HostFixture host;
         host.keepToken(stored);
         QCOMPARE(host.makeStore()->token(), QString());
     }
 
-    void aTokenIsStoredWithoutBlanksAtItsEnds_data() {
+    void aTokenIsTrimmed_data() {
         QTest::addColumn<QString>("raw");
         QTest::addColumn<QString>("token");
         QTest::newRow("as it is") << QStringLiteral("abc") << QStringLiteral("abc");
@@ -70,11 +70,11 @@ private Q_SLOTS:
             << QStringLiteral("\r\n\tabc\r\n") << QStringLiteral("abc");
         QTest::newRow("no-break and line separators")
             << QStringLiteral("\u00a0\u2028abc\u2029\u0085") << QStringLiteral("abc");
-        QTest::newRow("a mark is no blank")
+        QTest::newRow("a byte-order mark stays")
             << QStringLiteral("\ufeffabc") << QStringLiteral("\ufeffabc");
-        QTest::newRow("beyond ASCII") << QStringLiteral(" tökén ") << QStringLiteral("tökén");
+        QTest::newRow("not ASCII") << QStringLiteral(" tökén ") << QStringLiteral("tökén");
     }
-    void aTokenIsStoredWithoutBlanksAtItsEnds() {
+    void aTokenIsTrimmed() {
         QFETCH(QString, raw);
         QFETCH(QString, token);
         HostFixture host;
@@ -121,7 +121,7 @@ private Q_SLOTS:
         QCOMPARE(host.makeStore()->token(), QString());
     }
 
-    void theMenuSeesTheTokenBeforeTheStoreIsWritten() {
+    void theTokenIsPublishedBeforeTheStoreIsWritten() {
         HostFixture host;
         const auto store = host.makeStore();
         QString tokenAtWrite;
@@ -130,7 +130,7 @@ private Q_SLOTS:
         QCOMPARE(tokenAtWrite, QStringLiteral("abc"));
     }
 
-    void aSavedTokenIsTriedAtOnceDisplayFirst() {
+    void savingATokenSendsADisplayRequestAndThenAHeartbeat() {
         HostFixture host;
         host.http.answer(QStringLiteral("/api/display"), 200, "{}");
         const auto store = host.makeStore();
@@ -140,7 +140,7 @@ private Q_SLOTS:
         QCOMPARE(host.http.requests().at(1).headers.at(0).value, QByteArray("Bearer abc"));
     }
 
-    void anEmptyTokenIsFollowedByTheDisplayAlone() {
+    void savingAnEmptyTokenSendsOnlyADisplayRequest() {
         HostFixture host;
         host.keepToken("stored");
         host.http.answer(QStringLiteral("/api/display"), 200, "{}");
@@ -181,7 +181,7 @@ private Q_SLOTS:
         QVERIFY(!store->isPaused());
     }
 
-    void pausingRendersAndThenTellsTheService() {
+    void pausingRendersAndThenSendsAHeartbeat() {
         HostFixture host;
         host.keepToken("t");
         const auto store = makeLiveStore(host);
@@ -211,7 +211,7 @@ private Q_SLOTS:
                  QStringLiteral("Paused 24h. You may drop out of this week's split."));
     }
 
-    void withoutANotchTokenAndPauseAreKeptAllTheSame() {
+    void withoutANotchTokenAndPauseAreStillKept() {
         HostFixture host;
         host.screens.set({}, {});
         const auto store = host.makeStore();

@@ -22,7 +22,7 @@ private Q_SLOTS:
         QTest::newRow("-50") << qint64{-50} << QStringLiteral("€-0.50");
         QTest::newRow("no grouping") << qint64{123456} << QStringLiteral("€1234.56");
         QTest::newRow("whole euros") << qint64{1500} << QStringLiteral("€15.00");
-        // A double holds about sixteen digits; the figure goes through one.
+        // The amount is converted to a double, which has about sixteen digits.
         QTest::newRow("largest") << std::numeric_limits<qint64>::max()
                                  << QStringLiteral("€92233720368547760.00");
         QTest::newRow("smallest") << std::numeric_limits<qint64>::min()
@@ -33,7 +33,7 @@ private Q_SLOTS:
         QTEST(eurosWithCents(cents), "shown");
     }
 
-    void theUsersLocaleChangesNothing() {
+    void theLocaleMakesNoDifference() {
         const std::string before = std::setlocale(LC_ALL, nullptr);
         for (const char* name : {"de_DE.UTF-8", "tr_TR.UTF-8", "C"}) {
             if (std::setlocale(LC_ALL, name) == nullptr) {

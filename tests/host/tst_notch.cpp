@@ -76,7 +76,7 @@ private Q_SLOTS:
         QVERIFY(hasNotch(builtInScreen(screens)));
     }
 
-    void aScreenWithoutANumberIsAskedAboutAsDisplayZero() {
+    void aScreenWithoutANumberIsCheckedAsDisplayZero() {
         std::vector<std::uint32_t> asked;
         const auto isBuiltIn = [&](std::uint32_t number) {
             asked.push_back(number);

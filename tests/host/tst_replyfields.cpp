@@ -10,7 +10,7 @@ namespace {
 constexpr qint64 kLargest = std::numeric_limits<qint64>::max();
 constexpr qint64 kSmallest = std::numeric_limits<qint64>::min();
 
-/// A value as it is written, and what a field of each type makes of it.
+/// A JSON value, and what a field of each type reads from it.
 struct Value final {
     const char* name;
     QByteArray text;
@@ -19,7 +19,7 @@ struct Value final {
     std::optional<QString> string{};
 };
 
-/// No key at all, and every kind of value that JSON knows.
+/// A missing key, and every kind of JSON value.
 std::vector<Value> values() {
     return {{.name = "missing", .text = {}},
             {.name = "null", .text = "null"},
@@ -51,13 +51,13 @@ std::vector<Value> values() {
             {.name = "empty object", .text = "{}"}};
 }
 
-/// A reply with that value in the field, and without the field where it is missing.
+/// A reply with that value in the field, or without the field for the missing value.
 QByteArray replyWith(const char* key, const Value& value) {
     return value.text.isEmpty() ? QByteArray("{}")
                                 : "{\"" + QByteArray(key) + "\":" + value.text + '}';
 }
 
-/// A store that has had a reply with a value other than the default in each field.
+/// A store after a reply with a value other than the default in each field.
 struct FullStore final {
     FullStore() {
         host.keepToken("t");
@@ -88,8 +88,8 @@ struct FullStore final {
 
 } // namespace
 
-/// Each field of each reply with each kind of value: the value, or that field's default, and no
-/// other field is touched by it.
+/// Each field of each reply with each kind of value: the field has the value or its default, and no
+/// other field changes.
 class TestReplyFields final : public QObject {
     Q_OBJECT
 
@@ -110,11 +110,11 @@ class TestReplyFields final : public QObject {
     }
 
 private Q_SLOTS:
-    void aFieldOfTheDisplayReply_data() {
+    void aFieldOfADisplayReplyHasItsValueOrDefault_data() {
         addRows({"weekStatus", "forceHide", "creatives", "estimatedCents", "agreed",
                  "agreementText", "fromApplications"});
     }
-    void aFieldOfTheDisplayReply() {
+    void aFieldOfADisplayReplyHasItsValueOrDefault() {
         QFETCH(QByteArray, field);
         const Value value = fetchedValue();
         FullStore full;
@@ -128,12 +128,12 @@ private Q_SLOTS:
         QCOMPARE(full.afterDisplayReply(replyWith(field.constData(), value)), expected);
     }
 
-    void aFieldOfTheHostReply_data() {
+    void aFieldOfAHostReplyHasItsValueOrDefault_data() {
         addRows({"weekStatus", "estimatedCents", "pendingStipendCents", "liveHostCount",
                  "liveDaysThisWeek", "liveBucketsToday", "liveBucketsNeeded", "forceHide", "agreed",
                  "fromApplications", "agreementText", "creatives"});
     }
-    void aFieldOfTheHostReply() {
+    void aFieldOfAHostReplyHasItsValueOrDefault() {
         QFETCH(QByteArray, field);
         const Value value = fetchedValue();
         FullStore full;
@@ -162,15 +162,15 @@ private Q_SLOTS:
         QCOMPARE(full.afterHostReply(replyWith(field.constData(), value)), expected);
     }
 
-    void aFieldOfACreative_data() {
+    void aFieldOfACreativeHasItsValueOrDefault_data() {
         addRows({"slotId", "brandName", "copy", "tagline", "assetUrl", "brandUrl"});
     }
-    void aFieldOfACreative() {
+    void aFieldOfACreativeHasItsValueOrDefault() {
         QFETCH(QByteArray, field);
         const Value value = fetchedValue();
         SlotCreative expected;
         expected.slotId = QStringLiteral("left");
-        const bool hasSlot = field != "slotId"; // no value here names one
+        const bool hasSlot = field != "slotId"; // no value in the table is a valid slot
         if (field == "brandName") {
             expected.brandName = value.string.value_or(QString());
         } else if (field == "copy" || field == "tagline") {

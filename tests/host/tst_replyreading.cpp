@@ -126,7 +126,7 @@ private Q_SLOTS:
         row("\"\\u20ac 5\"", QStringLiteral("€ 5"));
         row("\"\\ud83d\\ude00\"", QStringLiteral("😀"));
         row("\"a\\u0000b\"", QString::fromUtf16(u"a\0b", 3));
-        // A text may begin with what in a file would be a byte-order mark.
+        // U+FEFF at the start of a JSON string is part of the text.
         row("\"\\ufefflive\"", QStringLiteral("\ufefflive"));
         row("3", QString());
         row("true", QString());
@@ -188,7 +188,7 @@ private Q_SLOTS:
         QCOMPARE(creative.brandURL->absoluteString(), QStringLiteral("https://a.test/"));
     }
 
-    void theFieldNamesSpellingOfUrlsIsNotTheWires() {
+    void keysThatEndInCapitalUrlAreIgnored() {
         const auto creative =
             HostStore::parseCreative(object(R"({"assetURL":"ftp:a","brandURL":"ftp:a"})"));
         QVERIFY(!creative.assetURL);
@@ -289,19 +289,19 @@ private Q_SLOTS:
         QTEST(parseJson(body).has_value(), "isValid");
     }
 
-    void aNumberBeyondADoubleSpoilsOnlyItsOwnField() {
+    void aNumberBeyondADoubleAffectsOnlyItsOwnField() {
         const Json reply = object(R"({"estimatedCents":1e400,"weekStatus":"live","a":"1e400"})");
         QVERIFY(!readInteger(reply, "estimatedCents"));
         QCOMPARE(readString(reply, "weekStatus").value_or(QString()), QStringLiteral("live"));
         QCOMPARE(readString(reply, "a").value_or(QString()), QStringLiteral("1e400"));
     }
 
-    void ofDoubledKeysTheLastOneCounts() {
+    void ofEqualKeysTheLastOneCounts() {
         QCOMPARE(readInteger(object(R"({"a":1,"a":2})"), "a").value_or(0), 2);
         QVERIFY(!readInteger(object(R"({"a":1,"a":null})"), "a"));
     }
 
-    void aByteOrderMarkBeforeTheTextIsPassedOver() {
+    void aByteOrderMarkBeforeTheTextIsSkipped() {
         QCOMPARE(readInteger(object("\xef\xbb\xbf{\"a\":1}"), "a").value_or(0), 1);
     }
 
@@ -313,14 +313,14 @@ private Q_SLOTS:
         QCOMPARE(readInteger(object(text + "\"last\":7}"), "last").value_or(0), 7);
     }
 
-    void eachFieldOfACreativeTakesItsValueOrItsDefault_data() {
+    void aFieldOfACreativeWithTheWrongTypeHasItsDefault_data() {
         QTest::addColumn<QByteArray>("value"); // empty: the key is missing
         QTest::newRow("missing") << QByteArray();
         for (const char* value : {"null", "true", "1", "1.5", "[]", "{}", "[\"a\"]"}) {
             QTest::newRow(value) << QByteArray(value);
         }
     }
-    void eachFieldOfACreativeTakesItsValueOrItsDefault() {
+    void aFieldOfACreativeWithTheWrongTypeHasItsDefault() {
         QFETCH(QByteArray, value);
         for (const char* key : {"slotId", "brandName", "copy", "tagline", "assetUrl", "brandUrl"}) {
             const QByteArray text = value.isEmpty()
@@ -330,7 +330,7 @@ private Q_SLOTS:
         }
     }
 
-    void whatABodyAmountsTo_data() {
+    void aBodyIsAnObjectOtherJsonOrNoJson_data() {
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<int>("kind");
         QTest::newRow("object") << QByteArray("{}") << int(ReplyKind::Object);
@@ -339,7 +339,7 @@ private Q_SLOTS:
         QTest::newRow("empty") << QByteArray() << int(ReplyKind::NoJson);
         QTest::newRow("cut") << QByteArray("{\"weekStatus\":") << int(ReplyKind::NoJson);
     }
-    void whatABodyAmountsTo() {
+    void aBodyIsAnObjectOtherJsonOrNoJson() {
         QFETCH(QByteArray, body);
         QFETCH(int, kind);
         ReplyReader reader;
@@ -347,7 +347,7 @@ private Q_SLOTS:
         QCOMPARE(int(reader.read(body)->kind), kind);
     }
 
-    void theSameBytesAreReadOnce() {
+    void theSameBytesAreParsedOnce() {
         const QByteArray body("{\"weekStatus\":\"live\",\"estimatedCents\":5}");
         ReplyReader reader;
         const auto first = reader.read(body);
@@ -362,7 +362,7 @@ private Q_SLOTS:
         QVERIFY(reader.read(body) != first);
     }
 
-    void aVeryLongReplyIsReadEachTime() {
+    void aVeryLongReplyIsParsedEachTime() {
         const QByteArray body = "{\"weekStatus\":\"" + QByteArray(65'536, 'x') + "\"}";
         ReplyReader reader;
         const auto first = reader.read(body);
@@ -373,18 +373,18 @@ private Q_SLOTS:
         QCOMPARE(int(reader.read(QByteArray())->kind), int(ReplyKind::NoJson));
     }
 
-    void aNulByteIsNoEnd() {
+    void aNulByteDoesNotEndTheText() {
         QVERIFY(!parseJson(QByteArray("{}\0", 3)));
         QVERIFY(!parseJson(QByteArray("{}\0}", 4)));
     }
 
-    void deepNestingIsSurvived() {
+    void deepNestingIsParsed() {
         constexpr int kDepth = 100'000;
         QVERIFY(parseJson(QByteArray(kDepth, '[') + QByteArray(kDepth, ']')));
         QVERIFY(!parseJson(QByteArray(kDepth, '[')));
     }
 
-    void theSampleFilesAreAcceptedAndRefused() {
+    void theSampleFilesAreAcceptedOrRejected() {
         const QDir folder(samplePath(u"json"));
         const QStringList names = folder.entryList({QStringLiteral("*.json")}, QDir::Files);
         if (names.isEmpty()) {

@@ -31,13 +31,13 @@ class TestServiceClient final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theRootIsWhatTheInfoDictionarySays_data() {
+    void theRootIsAStringOfTheInfoDictionaryOrTheDefault_data() {
         QTest::addColumn<QVariant>("value");
         QTest::addColumn<QString>("root");
         const auto standard = QStringLiteral("http://127.0.0.1:8791");
         QTest::newRow("missing") << QVariant() << standard;
         QTest::newRow("a number") << QVariant(8791) << standard;
-        QTest::newRow("a truth value") << QVariant(true) << standard;
+        QTest::newRow("a boolean") << QVariant(true) << standard;
         QTest::newRow("a list") << QVariant(QStringList{standard}) << standard;
         const auto same = [](const char* name, const char* text) {
             const QString root = QString::fromUtf8(text);
@@ -48,7 +48,7 @@ private Q_SLOTS:
         same("blanks stay", " https://service.test ");
         same("empty stays empty", "");
     }
-    void theRootIsWhatTheInfoDictionarySays() {
+    void theRootIsAStringOfTheInfoDictionaryOrTheDefault() {
         QFETCH(QVariant, value);
         FakeBundle bundle;
         if (value.isValid()) {
@@ -57,7 +57,7 @@ private Q_SLOTS:
         QTEST(HostStore::apiRoot(bundle), "root");
     }
 
-    void theRootIsReadAnewForEachRequest() {
+    void theRootIsReadForEachRequest() {
         HostFixture host;
         host.keepToken("t");
         const auto store = host.makeStore();
@@ -155,7 +155,7 @@ private Q_SLOTS:
         }
     }
 
-    void methodsAreComparedByLetterCase() {
+    void methodsAreCaseSensitive() {
         HostFixture host;
         host.keepToken("t");
         const auto store = host.makeStore();
@@ -192,7 +192,7 @@ private Q_SLOTS:
         }
     }
 
-    void everyKindOfFailedTransferIsOne_data() {
+    void everyKindOfFailedTransferHasTheSameEffect_data() {
         QTest::addColumn<int>("error");
         QTest::newRow("bad request") << int(HttpError::BadRequest);
         QTest::newRow("unreachable") << int(HttpError::Unreachable);
@@ -201,7 +201,7 @@ private Q_SLOTS:
         QTest::newRow("timed out") << int(HttpError::TimedOut);
         QTest::newRow("cancelled") << int(HttpError::Cancelled);
     }
-    void everyKindOfFailedTransferIsOne() {
+    void everyKindOfFailedTransferHasTheSameEffect() {
         QFETCH(int, error);
         HostFixture host;
         host.keepToken("t");
@@ -214,7 +214,7 @@ private Q_SLOTS:
         }
     }
 
-    void requestsHaveSixtySecondsAndStayWithTheirOrigin() {
+    void requestsHaveSixtySecondsAndStayAtTheirOrigin() {
         HostFixture host;
         host.keepToken("t");
         const auto store = host.makeStore();

@@ -9,7 +9,7 @@ class TestStatusLine final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theTextsAreTheProductsOwn_data() {
+    void theTextsAreExact_data() {
         QTest::addColumn<QString>("shown");
         QTest::addColumn<QString>("text");
         const auto row = [](const char* name, const QString& shown, const QString& text) {
@@ -26,22 +26,22 @@ private Q_SLOTS:
         row("rejected", statusline::tokenRejected(),
             QStringLiteral("Server rejected the host token."));
     }
-    void theTextsAreTheProductsOwn() {
+    void theTextsAreExact() {
         QFETCH(QString, shown);
         QTEST(shown, "text");
     }
 
-    void aDisplayReplyTellsHowToQualify_data() {
+    void afterADisplayReplyTheLineSaysHowToQualify_data() {
         QTest::addColumn<bool>("inApplications");
         QTest::addColumn<bool>("adsVisible");
         QTest::addColumn<bool>("hasToken");
         QTest::addColumn<QString>("line");
         const auto move =
             QStringLiteral("Ads are on. Move Brimlet to Applications to qualify for payouts.");
-        QTest::newRow("elsewhere, hidden, no token") << false << false << false << move;
-        QTest::newRow("elsewhere, hidden, token") << false << false << true << move;
-        QTest::newRow("elsewhere, visible, no token") << false << true << false << move;
-        QTest::newRow("elsewhere, visible, token") << false << true << true << move;
+        QTest::newRow("outside, hidden, no token") << false << false << false << move;
+        QTest::newRow("outside, hidden, token") << false << false << true << move;
+        QTest::newRow("outside, visible, no token") << false << true << false << move;
+        QTest::newRow("outside, visible, token") << false << true << true << move;
         const auto none = QStringLiteral("No live placement right now.");
         QTest::newRow("hidden, no token") << true << false << false << none;
         QTest::newRow("hidden, token") << true << false << true << none;
@@ -51,24 +51,24 @@ private Q_SLOTS:
         QTest::newRow("visible, token")
             << true << true << true << QStringLiteral("Ads on. Checking payout eligibility\u2026");
     }
-    void aDisplayReplyTellsHowToQualify() {
+    void afterADisplayReplyTheLineSaysHowToQualify() {
         QFETCH(bool, inApplications);
         QFETCH(bool, adsVisible);
         QFETCH(bool, hasToken);
         QTEST(statusline::afterDisplayReply(inApplications, adsVisible, hasToken), "line");
     }
 
-    void aHostReplyTellsWhatTheWeekIsWorth_data() {
+    void afterAHostReplyTheLineShowsTheEstimate_data() {
         QTest::addColumn<bool>("inApplications");
         QTest::addColumn<bool>("agreed");
         QTest::addColumn<bool>("adsVisible");
         QTest::addColumn<QString>("line");
         const auto drag =
             QStringLiteral("Drag Brimlet into Applications. Live time only counts from there.");
-        QTest::newRow("elsewhere, not agreed, hidden") << false << false << false << drag;
-        QTest::newRow("elsewhere, not agreed, visible") << false << false << true << drag;
-        QTest::newRow("elsewhere, agreed, hidden") << false << true << false << drag;
-        QTest::newRow("elsewhere, agreed, visible") << false << true << true << drag;
+        QTest::newRow("outside, not agreed, hidden") << false << false << false << drag;
+        QTest::newRow("outside, not agreed, visible") << false << false << true << drag;
+        QTest::newRow("outside, agreed, hidden") << false << true << false << drag;
+        QTest::newRow("outside, agreed, visible") << false << true << true << drag;
         const auto sign =
             QStringLiteral("Sign the host agreement. Pay is an estimate, not a guarantee.");
         QTest::newRow("not agreed, hidden") << true << false << false << sign;
@@ -78,7 +78,7 @@ private Q_SLOTS:
         QTest::newRow("agreed, hidden")
             << true << true << false << QStringLiteral("Ads off. This week ~€12.34 estimate.");
     }
-    void aHostReplyTellsWhatTheWeekIsWorth() {
+    void afterAHostReplyTheLineShowsTheEstimate() {
         QFETCH(bool, inApplications);
         QFETCH(bool, agreed);
         QFETCH(bool, adsVisible);

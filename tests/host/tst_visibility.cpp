@@ -26,7 +26,7 @@ private Q_SLOTS:
 
     void withoutAPauseNothingIsPaused() { QVERIFY(!isPausedAt(Clock::TimePoint{}, std::nullopt)); }
 
-    void everythingMustAllowAds_data() {
+    void adsNeedEveryCondition_data() {
         QTest::addColumn<bool>("hasNotch");
         QTest::addColumn<bool>("paused");
         QTest::addColumn<bool>("screenAsleep");
@@ -34,7 +34,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("weekStatus");
         QTest::addColumn<bool>("visible");
         const QString live = QStringLiteral("live");
-        // Every combination; only one of them shows ads.
+        // Every combination; only one shows ads.
         for (int bits = 0; bits < 32; ++bits) {
             const bool notch = bits & 16;
             const bool pause = bits & 8;
@@ -52,7 +52,7 @@ private Q_SLOTS:
             << true << false << false << false << QStringLiteral("live ") << false;
         QTest::newRow("empty status") << true << false << false << false << QString() << false;
     }
-    void everythingMustAllowAds() {
+    void adsNeedEveryCondition() {
         QFETCH(bool, hasNotch);
         QFETCH(bool, paused);
         QFETCH(bool, screenAsleep);
@@ -62,16 +62,16 @@ private Q_SLOTS:
         QTEST(areAdsVisible(hasNotch, isPaused, screenAsleep, forceHide, weekStatus), "visible");
     }
 
-    void thePauseIsAskedOnlyOnANotchedMachine() {
-        int asked = 0;
-        const auto isPaused = [&asked] {
-            ++asked;
+    void thePauseIsCheckedOnlyWithANotch() {
+        int calls = 0;
+        const auto isPaused = [&calls] {
+            ++calls;
             return false;
         };
         QVERIFY(!areAdsVisible(false, isPaused, false, false, u"live"));
-        QCOMPARE(asked, 0);
+        QCOMPARE(calls, 0);
         QVERIFY(areAdsVisible(true, isPaused, false, false, u"live"));
-        QCOMPARE(asked, 1);
+        QCOMPARE(calls, 1);
     }
 };
 

@@ -13,9 +13,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Lets time pass on a clock until something is so.
-using PassUntil = std::function<bool(const std::function<bool()>&)>;
-
 bool passOnFake(FakeClock& clock, const std::function<bool()>& isSo) {
     for (int i = 0; i < 1000 && !isSo(); ++i) {
         clock.advance(1ms);
@@ -45,15 +42,15 @@ QCoro::Task<> sleepThenAppend(Clock& clock, int milliseconds, QList<int>& order)
 
 } // namespace
 
-/// What every clock keeps to, run over the fake one, the real one and a hurried one.
+/// The contract of every clock, for the fake, the real and an accelerated one.
 class TestClock final : public QObject {
     Q_OBJECT
 
-    enum Kind { Fake, Real, Hurried };
+    enum Kind { Fake, Real, Accelerated };
 
     FakeClock m_fake;
     QtClock m_real;
-    SimulatedClock m_hurried{m_real, 3};
+    SimulatedClock m_accelerated{m_real, 3};
 
     Clock& clockOf(int kind) {
         switch (kind) {
@@ -62,7 +59,7 @@ class TestClock final : public QObject {
         case Real:
             return m_real;
         default:
-            return m_hurried;
+            return m_accelerated;
         }
     }
     bool pass(int kind, const std::function<bool()>& isSo) {
@@ -72,12 +69,12 @@ class TestClock final : public QObject {
         QTest::addColumn<int>("kind");
         QTest::newRow("fake") << int(Fake);
         QTest::newRow("real") << int(Real);
-        QTest::newRow("hurried") << int(Hurried);
+        QTest::newRow("accelerated") << int(Accelerated);
     }
 
 private Q_SLOTS:
-    void aTimerTicksAgainAndAgain_data() { allClocks(); }
-    void aTimerTicksAgainAndAgain() {
+    void aTimerTicksRepeatedly_data() { allClocks(); }
+    void aTimerTicksRepeatedly() {
         QFETCH(int, kind);
         int ticks = 0;
         const auto timer = clockOf(kind).repeat(5ms, [&] { ++ticks; });
@@ -129,8 +126,8 @@ private Q_SLOTS:
         QCOMPARE(woken, 1);
     }
 
-    void aSleepThatWasStoppedBeforeDoesNotBegin_data() { allClocks(); }
-    void aSleepThatWasStoppedBeforeDoesNotBegin() {
+    void aSleepWithAStoppedTokenEndsAtOnce_data() { allClocks(); }
+    void aSleepWithAStoppedTokenEndsAtOnce() {
         QFETCH(int, kind);
         int woken = 0;
         std::stop_source stop;
@@ -164,8 +161,8 @@ private Q_SLOTS:
         QCOMPARE(order, (QList<int>{3, 6, 9}));
     }
 
-    void aSleepOfAMonthGoesOn_data() { allClocks(); }
-    void aSleepOfAMonthGoesOn() {
+    void aSleepOfAMonthDoesNotEndEarly_data() { allClocks(); }
+    void aSleepOfAMonthDoesNotEndEarly() {
         QFETCH(int, kind);
         int ticks = 0;
         int woken = 0;
@@ -188,13 +185,13 @@ private Q_SLOTS:
         QVERIFY(clockOf(kind).uptime() - before >= 5ms);
     }
 
-    void aJumpOfTheWallClockLeavesUptimeAlone() {
+    void aJumpOfTheWallClockDoesNotChangeUptime() {
         const auto before = m_fake.uptime();
         m_fake.jump(400 * 24h);
         QCOMPARE(m_fake.uptime(), before);
     }
 
-    void aHurriedClockPassesTimeFasterInEverySense() {
+    void anAcceleratedClockSpeedsUpTimersSleepsAndBothTimes() {
         FakeClock real;
         SimulatedClock clock(real, 60);
         const auto start = clock.now();
@@ -214,7 +211,7 @@ private Q_SLOTS:
         QCOMPARE(clock.uptime() - uptime, std::chrono::nanoseconds(1min));
     }
 
-    void aLateTimerDoesNotMakeUpForWhatItMissed() {
+    void aLateTimerDoesNotMakeUpForMissedTicks() {
         std::vector<std::chrono::nanoseconds> ticks;
         const auto timer = m_real.repeat(5ms, [&] {
             ticks.push_back(m_real.uptime());
@@ -226,7 +223,7 @@ private Q_SLOTS:
         QVERIFY(ticks[2] - ticks[1] >= 5ms);
     }
 
-    void aTimerOfAClockThatIsGoneIsSilent() {
+    void aTimerOfADestroyedClockIsSilent() {
         int ticks = 0;
         auto clock = std::make_unique<QtClock>();
         auto timer = clock->repeat(1ms, [&] { ++ticks; });
@@ -238,7 +235,7 @@ private Q_SLOTS:
         QCOMPARE(ticks, 0);
     }
 
-    void aTickMayEndItsClock() {
+    void aTickMayDestroyItsClock() {
         auto clock = std::make_unique<QtClock>();
         int ticks = 0;
         const auto tick = [&] {

@@ -17,20 +17,20 @@ namespace {
 
 constexpr int kPatience = 15'000;
 
-/// The other program: says whether it runs from now on, and then what is asked of it.
+/// The other process: prints whether it is the first instance, and then each request to it.
 int runOther(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
     quitOnTerminationSignals();
-    const auto say = [](const char* line) {
+    const auto print = [](const char* line) {
         std::puts(line);
         std::fflush(stdout);
     };
     InstanceLock lock(QString::fromLocal8Bit(argv[1]));
-    QObject::connect(&lock, &InstanceLock::requested, qApp, [say](InstanceRequest request) {
-        say(request == InstanceRequest::Open ? "open" : "pause");
+    QObject::connect(&lock, &InstanceLock::requested, qApp, [print](InstanceRequest request) {
+        print(request == InstanceRequest::Open ? "open" : "pause");
     });
     const bool isFirst = lock.claim() == InstanceClaim::First;
-    say(isFirst ? "first" : "second");
+    print(isFirst ? "first" : "second");
     return isFirst ? QCoreApplication::exec() : 0;
 }
 
@@ -46,7 +46,7 @@ class TestInstanceLock final : public QObject {
     void startOther() {
         m_other.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--other"), file()});
     }
-    [[nodiscard]] QString heard() {
+    [[nodiscard]] QString nextLine() {
         if (!m_other.canReadLine()) {
             m_other.waitForReadyRead(kPatience);
         }
@@ -60,26 +60,26 @@ private Q_SLOTS:
         QFile::remove(file());
     }
 
-    void withNobodyThereNobodyIsAsked() {
+    void withoutARunningInstanceNoneIsAsked() {
         const InstanceLock lock(file());
         QVERIFY(!lock.ask(InstanceRequest::Quit));
         QVERIFY(!QFileInfo::exists(file()));
     }
 
-    void theSecondAsksTheFirstForItsPanel() {
+    void theSecondInstanceAsksTheFirstToOpenItsPanel() {
         startOther();
-        QCOMPARE(heard(), QStringLiteral("first"));
+        QCOMPARE(nextLine(), QStringLiteral("first"));
         InstanceLock lock(file());
         QCOMPARE(lock.claim(), InstanceClaim::Second);
-        QCOMPARE(heard(), QStringLiteral("open"));
+        QCOMPARE(nextLine(), QStringLiteral("open"));
     }
 
-    void theFirstIsAskedToPauseAndToQuit() {
+    void theFirstInstanceCanBeAskedToPauseAndToQuit() {
         startOther();
-        QCOMPARE(heard(), QStringLiteral("first"));
+        QCOMPARE(nextLine(), QStringLiteral("first"));
         const InstanceLock lock(file());
         QVERIFY(lock.ask(InstanceRequest::Pause));
-        QCOMPARE(heard(), QStringLiteral("pause"));
+        QCOMPARE(nextLine(), QStringLiteral("pause"));
         QVERIFY(lock.ask(InstanceRequest::Quit));
         QVERIFY(m_other.waitForFinished(kPatience));
         QCOMPARE(m_other.exitStatus(), QProcess::NormalExit);
@@ -87,25 +87,25 @@ private Q_SLOTS:
         QVERIFY(!lock.ask(InstanceRequest::Quit));
     }
 
-    void oneThatWasKilledLeavesTheLock() {
+    void aKilledInstanceReleasesTheLock() {
         startOther();
-        QCOMPARE(heard(), QStringLiteral("first"));
+        QCOMPARE(nextLine(), QStringLiteral("first"));
         m_other.kill();
         QVERIFY(m_other.waitForFinished(kPatience));
         QVERIFY(QFileInfo::exists(file()));
         startOther();
-        QCOMPARE(heard(), QStringLiteral("first"));
+        QCOMPARE(nextLine(), QStringLiteral("first"));
     }
 
-    void whereNoFileCanBeEveryoneIsTheFirst() {
+    void withoutALockFileEveryInstanceIsTheFirst() {
         InstanceLock lock(m_folder.filePath(QStringLiteral("no/such/folder/lock")));
         QCOMPARE(lock.claim(), InstanceClaim::First);
         QVERIFY(!lock.ask(InstanceRequest::Open));
     }
 
-    void oneThatCannotBeAskedIsNoAnswer() {
+    void aLockWithoutAProcessIsNoAnswer() {
 #ifdef F_OFD_SETLK
-        // Such a lock is nobody's: the system names no process that holds it.
+        // For such a lock the system names no process that holds it.
         QFile held(file());
         QVERIFY(held.open(QIODevice::ReadWrite));
         struct flock whole {};

@@ -19,7 +19,7 @@ class TestMenuPlacement final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void thePanelStandsBesideTheItemAndInsideTheFreePart_data() {
+    void thePanelIsBesideTheItemInTheAvailableArea_data() {
         QTest::addColumn<QSize>("panel");
         QTest::addColumn<Item>("item");
         QTest::addColumn<QRect>("available");
@@ -49,22 +49,22 @@ private Q_SLOTS:
             << kPanel << Item(QRect(1474, 100, 28, 28)) << besideRightBar << QPoint(1124, 134);
         QTest::newRow("lower half of a bar at the right")
             << kPanel << Item(QRect(1474, 900, 28, 28)) << besideRightBar << QPoint(1124, 394);
-        QTest::newRow("the pointer's place in the middle of a bar at the left")
+        QTest::newRow("at the pointer in the middle of a bar at the left")
             << kPanel << Item(QRect(20, 480, 1, 1)) << besideLeftBar << QPoint(48, 482);
-        QTest::newRow("a bar that covers what it did not reserve")
+        QTest::newRow("a bar that reserved no space")
             << kPanel << Item(QRect(700, 0, 24, 24)) << screen << QPoint(542, 30);
         QTest::newRow("an item deep inside two bars")
             << kPanel << Item(QRect(700, 10, 24, 24)) << QRect(0, 80, 1512, 850) << QPoint(542, 80);
 
         QTest::newRow("upper right corner without an item")
             << kPanel << Item() << screen << QPoint(1166, 6);
-        QTest::newRow("the corner that bars leave")
+        QTest::newRow("upper right corner inside the bars")
             << kPanel << Item() << QRect(48, 24, 1400, 900) << QPoint(1102, 30);
 
         const QRect leftOfPrimary(-1920, -200, 1920, 1080);
         QTest::newRow("item on a screen left of and above the origin")
             << kPanel << Item(QRect(-30, -200, 24, 24)) << leftOfPrimary << QPoint(-340, -170);
-        QTest::newRow("item at the bottom of it")
+        QTest::newRow("item at the bottom of that screen")
             << kPanel << Item(QRect(-1910, 850, 24, 24)) << leftOfPrimary << QPoint(-1920, 344);
         QTest::newRow("corner of that screen")
             << kPanel << Item() << leftOfPrimary << QPoint(-346, -194);
@@ -72,21 +72,21 @@ private Q_SLOTS:
         QTest::newRow("item at the left end of a second screen")
             << kPanel << Item(QRect(1512, 1052, 24, 24)) << rightOfPrimary << QPoint(1512, 546);
 
-        QTest::newRow("higher than the free part: from its top")
+        QTest::newRow("higher than the available area: from its top")
             << QSize(340, 700) << Item(QRect(700, 572, 28, 28)) << QRect(0, 0, 1512, 572)
             << QPoint(544, 0);
-        QTest::newRow("as high as the free part")
+        QTest::newRow("as high as the available area")
             << QSize(340, 572) << Item(QRect(700, 572, 28, 28)) << QRect(0, 0, 1512, 572)
             << QPoint(544, 0);
-        QTest::newRow("wider than the free part: from its left")
+        QTest::newRow("wider than the available area: from its left")
             << kPanel << Item(QRect(100, 0, 24, 24)) << QRect(20, 24, 300, 958) << QPoint(20, 30);
-        QTest::newRow("larger than the free part without an item")
+        QTest::newRow("larger than the available area without an item")
             << kPanel << Item() << QRect(20, 24, 300, 400) << QPoint(20, 24);
-        QTest::newRow("a gap is given up before the panel leaves the free part")
+        QTest::newRow("the gap is dropped before the panel leaves the available area")
             << QSize(340, 950) << Item(QRect(700, 0, 24, 24)) << QRect(0, 24, 1512, 952)
             << QPoint(542, 26);
     }
-    void thePanelStandsBesideTheItemAndInsideTheFreePart() {
+    void thePanelIsBesideTheItemInTheAvailableArea() {
         QFETCH(QSize, panel);
         QFETCH(Item, item);
         QFETCH(QRect, available);
@@ -96,7 +96,7 @@ private Q_SLOTS:
         QVERIFY(available.contains(shown));
     }
 
-    void thePanelGoesToTheItemsScreen_data() {
+    void thePanelIsOnTheItemsScreen_data() {
         QTest::addColumn<QSize>("wish");
         QTest::addColumn<Item>("item");
         QTest::addColumn<QRect>("frame");
@@ -112,13 +112,13 @@ private Q_SLOTS:
         QTest::newRow("item on no screen: the first")
             << wish << Item(QRect(9000, 0, 24, 24)) << QRect(1172, 30, 340, 500);
         QTest::newRow("no item: the first") << wish << Item() << QRect(1166, 30, 340, 500);
-        QTest::newRow("higher than the first screen's free part")
+        QTest::newRow("higher than the first screen's available area")
             << QSize(340, 2000) << Item(QRect(700, 0, 24, 24)) << QRect(542, 24, 340, 958);
         QTest::newRow("larger than the second's in both directions")
             << QSize(3000, 2000) << Item(QRect(-30, -200, 24, 24))
             << QRect(-1920, -200, 1920, 1060);
     }
-    void thePanelGoesToTheItemsScreen() {
+    void thePanelIsOnTheItemsScreen() {
         QFETCH(QSize, wish);
         QFETCH(Item, item);
         const std::vector<MenuScreen> screens{

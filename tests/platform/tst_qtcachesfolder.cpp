@@ -10,7 +10,7 @@ class TestQtCachesFolder final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void itIsTheUsersAndSharedByAllPrograms() {
+    void itIsTheUsersFolderForAllPrograms() {
         qunsetenv("XDG_CACHE_HOME");
         const QStringList known{QDir::homePath() + QStringLiteral("/.cache"),
                                 QDir::homePath() + QStringLiteral("/Library/Caches")};

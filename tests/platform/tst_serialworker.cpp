@@ -26,8 +26,8 @@ void waitForStop(const std::stop_token& stop) {
     stopped.acquire();
 }
 
-/// Time that even a busy machine keeps to. A worker that waits for a job for ever takes longer.
-constexpr qint64 kBearable = 5000;
+/// Milliseconds. Enough on a busy machine, and less than a worker takes that never gives up.
+constexpr qint64 kPatience = 5000;
 
 } // namespace
 
@@ -35,7 +35,7 @@ class SerialWorkerTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void jobsRunInTheOrderTheyCame() {
+    void jobsRunInOrder() {
         SerialWorker worker;
         const auto order = std::make_shared<std::vector<int>>();
         for (int i = 0; i < 100; ++i) {
@@ -64,29 +64,29 @@ private Q_SLOTS:
         QVERIFY(worker.run([](const std::stop_token&) {}, in(5s)));
     }
 
-    void aRunThatCannotStopIsGivenUpAtItsDeadline() {
+    void aRunThatCannotStopIsAbandonedAtItsDeadline() {
         SerialWorker worker;
-        const auto gate = std::make_shared<std::binary_semaphore>(0);
+        const auto mayEnd = std::make_shared<std::binary_semaphore>(0);
         QElapsedTimer timer;
         timer.start();
-        QVERIFY(!worker.run([gate](const std::stop_token&) { gate->acquire(); }, in(50ms)));
-        QVERIFY(timer.elapsed() >= 50 && timer.elapsed() < kBearable);
-        gate->release();
+        QVERIFY(!worker.run([mayEnd](const std::stop_token&) { mayEnd->acquire(); }, in(50ms)));
+        QVERIFY(timer.elapsed() >= 50 && timer.elapsed() < kPatience);
+        mayEnd->release();
         QVERIFY(worker.run([](const std::stop_token&) {}, in(5s)));
     }
 
-    void aRunThatNeverBeganHasNoEffect() {
+    void aRunThatMissesItsDeadlineInTheQueueHasNoEffect() {
         SerialWorker worker;
-        const auto gate = std::make_shared<std::binary_semaphore>(0);
+        const auto mayEnd = std::make_shared<std::binary_semaphore>(0);
         const auto hasRun = std::make_shared<std::atomic<bool>>(false);
-        worker.post([gate](const std::stop_token&) { gate->acquire(); });
+        worker.post([mayEnd](const std::stop_token&) { mayEnd->acquire(); });
         QVERIFY(!worker.run([hasRun](const std::stop_token&) { *hasRun = true; }, in(20ms)));
-        gate->release();
+        mayEnd->release();
         QVERIFY(worker.run([](const std::stop_token&) {}, in(5s)));
         QVERIFY(!*hasRun);
     }
 
-    void jobsThatEndInTimeAreWaitedFor() {
+    void theDestructorWaitsForJobsThatEndInTime() {
         std::optional<SerialWorker> worker(std::in_place);
         const auto count = std::make_shared<int>(0);
         for (int i = 0; i < 10; ++i) {
@@ -96,7 +96,7 @@ private Q_SLOTS:
         QCOMPARE(*count, 10);
     }
 
-    void aHangingJobIsAskedToStopAndTheRestDropped() {
+    void theDestructorStopsAHangingJobAndDropsTheRest() {
         std::optional<SerialWorker> worker(std::in_place);
         const auto hasRun = std::make_shared<std::atomic<bool>>(false);
         const auto wasStopped = std::make_shared<std::atomic<bool>>(false);
@@ -108,27 +108,27 @@ private Q_SLOTS:
         QElapsedTimer timer;
         timer.start();
         worker.reset();
-        QVERIFY(timer.elapsed() >= 700 && timer.elapsed() < kBearable);
+        QVERIFY(timer.elapsed() >= 700 && timer.elapsed() < kPatience);
         QTRY_VERIFY(*wasStopped);
         QTRY_COMPARE(hasRun.use_count(), 1);
         QVERIFY(!*hasRun);
     }
 
-    void aJobThatHeedsNothingIsLeftBehindAndTheRestDropped() {
+    void theDestructorAbandonsAJobThatIgnoresTheStopAndDropsTheRest() {
         std::optional<SerialWorker> worker(std::in_place);
-        const auto gate = std::make_shared<std::binary_semaphore>(0);
+        const auto mayEnd = std::make_shared<std::binary_semaphore>(0);
         const auto isDone = std::make_shared<std::atomic<bool>>(false);
         const auto hasRun = std::make_shared<std::atomic<bool>>(false);
-        worker->post([gate, isDone](const std::stop_token&) {
-            gate->acquire();
+        worker->post([mayEnd, isDone](const std::stop_token&) {
+            mayEnd->acquire();
             *isDone = true;
         });
         worker->post([hasRun](const std::stop_token&) { *hasRun = true; });
         QElapsedTimer timer;
         timer.start();
         worker.reset();
-        QVERIFY(timer.elapsed() >= 800 && timer.elapsed() < kBearable);
-        gate->release();
+        QVERIFY(timer.elapsed() >= 800 && timer.elapsed() < kPatience);
+        mayEnd->release();
         QTRY_VERIFY(*isDone);
         QTRY_COMPARE(hasRun.use_count(), 1);
         QVERIFY(!*hasRun);

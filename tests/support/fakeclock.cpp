@@ -4,7 +4,7 @@
 
 namespace brimlet {
 
-/// Takes its timer off the clock, unless the clock went first.
+/// Removes its timer from the clock, unless the clock was destroyed first.
 class FakeClock::Handle final : public RepeatingTimer {
 public:
     Handle(FakeClock& clock, int id)
@@ -30,7 +30,7 @@ FakeClock::~FakeClock() {
         sleeper.resolve(false);
     }
     *m_isAlive = false;
-    // A tick may hold the owner of its own timer, whose going would reach back in here.
+    // Destroying a tick may destroy the owner of its timer, whose handle must not use m_entries.
     const auto entries = std::exchange(m_entries, {});
 }
 

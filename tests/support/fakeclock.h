@@ -8,9 +8,8 @@
 
 namespace brimlet {
 
-/// A clock that stands still until a test moves it. Wall-clock and monotonic time move together
-/// with `advance`; `jump` moves only the wall clock. Sleeps that are still under way when the
-/// clock goes are ended.
+/// A clock that moves only when a test moves it. `advance` moves wall-clock and monotonic time,
+/// `jump` only the wall clock. The destructor ends all sleeps.
 class FakeClock final : public Clock {
 public:
     FakeClock() = default;
@@ -28,14 +27,14 @@ public:
     [[nodiscard]] QCoro::Task<> sleep(std::chrono::nanoseconds duration,
                                       std::stop_token stop) override;
 
-    /// Passes time in the order things fall due; a tick may start new timers and sleeps.
+    /// Advances both times and runs what becomes due, in order; a tick may start timers and sleeps.
     void advance(std::chrono::nanoseconds duration);
     void jump(std::chrono::nanoseconds duration) { m_wall += toWall(duration); }
     /// Calls `action` once after `delay`.
     void after(std::chrono::nanoseconds delay, std::function<void()> action);
 
     [[nodiscard]] int runningTimers() const;
-    /// Sleeps that have neither ended nor been stopped.
+    /// Sleeps that have not ended.
     [[nodiscard]] int runningSleeps() const;
     /// How often the wall clock was read.
     mutable int readings = 0;
@@ -43,7 +42,7 @@ public:
 private:
     struct Entry {
         std::chrono::nanoseconds due{};
-        std::chrono::nanoseconds interval{}; ///< Zero for what happens once.
+        std::chrono::nanoseconds interval{}; ///< Zero for a single call.
         std::function<void()> action;
     };
     class Handle;

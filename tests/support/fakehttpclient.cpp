@@ -3,7 +3,7 @@
 namespace brimlet {
 
 FakeHttpClient::~FakeHttpClient() {
-    // A request that ends may lead to the next one, which then ends at once.
+    // An outcome may be followed by another request, which then ends at once.
     m_isClosing = true;
     for (const auto& outcome : std::exchange(m_outcomes, {})) {
         outcome.resolve(HttpError::Cancelled);

@@ -10,11 +10,11 @@
 
 namespace brimlet {
 
-/// A service behind no network, programmed per path: it answers, lags, fails, or hangs until the
-/// request's own deadline on the fake clock. A path nobody programmed waits for `resolve`.
+/// A service without a network, with a behaviour for each path: it answers, lags, fails, or hangs
+/// until the request's timeout on the fake clock. A request to another path waits for `resolve`.
 class FakeHttpClient final : public HttpClient {
 public:
-    /// The clock outlives the client.
+    /// The clock must outlive the client.
     explicit FakeHttpClient(FakeClock& clock)
         : m_clock(clock) {}
     ~FakeHttpClient() override;
@@ -23,13 +23,13 @@ public:
 
     [[nodiscard]] QCoro::Task<HttpResult> send(HttpRequest request) override;
 
-    /// From now on requests whose address ends in `path` get this, after the lag.
+    /// From now on requests whose address ends with `path` get this after the lag.
     void answer(const QString& path, HttpResult result, std::chrono::milliseconds lag = {});
     void answer(const QString& path, int status, const QByteArray& body);
     /// From now on requests to the path are never answered.
     void hang(const QString& path);
 
-    /// Ends the request of that place in `requests()`, counted from 0.
+    /// Ends the request at that index of `requests()`.
     void resolve(std::size_t index, HttpResult result);
 
     /// All requests so far, in the order sent.
@@ -45,7 +45,7 @@ private:
         bool hangs = false;
     };
 
-    /// What the request lets through of a result: no body of a status it does not read.
+    /// Applies the request's limits: no body for a status without one, TooLarge for a long body.
     [[nodiscard]] static HttpResult within(const HttpRequest& request, HttpResult result);
     [[nodiscard]] const Behaviour* behaviourOf(const Url& url) const;
 

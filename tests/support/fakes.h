@@ -18,7 +18,7 @@
 
 namespace brimlet {
 
-/// Screens that a test sets; number 0 is built in only when the test says so.
+/// Screens that a test sets. Only the numbers it lists are built in, 0 included.
 class FakeScreens final : public Screens {
 public:
     [[nodiscard]] std::vector<Screen> list() const override { return m_screens; }
@@ -61,7 +61,7 @@ private:
     Observers m_wake;
 };
 
-/// A store in memory that can be locked, fail or lose what is added.
+/// A store in memory that can fail.
 class FakeSecretStore final : public SecretStore {
 public:
     [[nodiscard]] SecretResult read(const QString& service, const QString& account) override {
@@ -90,10 +90,10 @@ public:
         return m_items.value({service, account}).size();
     }
 
-    /// What every call meets, instead of the items.
+    /// If set, the result of every read; writes then have no effect.
     std::optional<SecretError> failure;
     int removals = 0;
-    /// Called as a write begins.
+    /// Called at the start of each `remove`, which begins every change of the item.
     std::function<void()> willWrite;
 
 private:
@@ -136,10 +136,10 @@ public:
     std::optional<QString> folder;
 };
 
-/// Remembers what it was told, in order, e.g. "front", "out", "ignores on", "frame".
+/// Records the calls in order, e.g. "front", "out", "ignores on", "frame".
 class FakeOverlayWindow final : public OverlayWindow {
 public:
-    /// What is left to see after the window is gone; the test owns it.
+    /// Outlives the window; owned by the test.
     struct Record {
         QStringList calls;
         Rect frame;
@@ -190,17 +190,17 @@ public:
 
     bool shown = true;
     std::optional<Rect> itsPlace = Rect{1400, 950, 24, 24};
-    /// All that it was told, in order.
+    /// All that were set, in order.
     QStringList toolTips;
 
 private:
     std::vector<std::function<void(std::optional<Rect>)>> m_pressed;
 };
 
-/// Remembers where it was presented, and can go away by itself.
+/// Records where it was presented.
 class FakeMenuWindow final : public MenuWindow {
 public:
-    /// What is left to see after the window is gone; the test owns it.
+    /// Outlives the window; owned by the test.
     struct Record {
         FakeMenuWindow* window = nullptr;
         std::vector<std::optional<Rect>> presentations;
