@@ -6,9 +6,9 @@
 #include "menu/menuscroll.h"
 #include "overlay/overlayview.h"
 #include "platform/linux/linuxworkspace.h"
-#include "platform/linux/silentbuses.h"
 #include "platform/linux/singleinstance.h"
-#include "platform/linux/startmemory.h"
+#include "platform/linux/startupmemory.h"
+#include "platform/linux/unresponsivebuses.h"
 #include "platform/linux/x11.h"
 #include "platform/linux/x11menuwindow.h"
 #include "platform/linux/x11overlaywindow.h"
@@ -64,7 +64,7 @@ bool prepareLinuxApplication() {
         }
         setForQt("QT_QPA_PLATFORM", "xcb");
     }
-    leaveOutSilentBuses();
+    disableUnresponsiveBuses();
     QApplication::setStyle(QStringLiteral("Fusion"));
     // Through shared memory each paint would wait for the X server to have read the one before it.
     // What a scroll paints is a few kilobytes, which are sent faster than waited for.
@@ -85,7 +85,7 @@ void configureLinuxApplication() {
     });
     // By then the capsules are shown and fonts and pictures found.
     constexpr std::chrono::seconds kStartIsOver{2};
-    QTimer::singleShot(kStartIsOver, Qt::VeryCoarseTimer, qApp, giveBackStartMemory);
+    QTimer::singleShot(kStartIsOver, Qt::VeryCoarseTimer, qApp, trimStartupMemory);
 }
 
 OverlayWindowFactory overlayWindowFactory(const std::function<QRectF()>& primaryGeometry,
@@ -118,7 +118,7 @@ void obeyRequests(const SingleInstance& instance, BrimletApp& app) {
 }
 
 void askRunningProgram(const SingleInstance& instance, InstanceRequest request) {
-    leaveOutSilentBuses();
+    disableUnresponsiveBuses();
     const SingleInstance::Answer answer = instance.ask(request);
     if (answer == SingleInstance::Answer::Nobody) {
         std::fputs("brimlet: Brimlet is not running.\n", stderr);
@@ -139,7 +139,7 @@ void followDesktop(const HostStore& store, LinuxWorkspace& workspace) {
                                  [&workspace, isDue] {
                                      *isDue = false;
                                      workspace.checkPanelPower();
-                                     X11Watch::shared().look();
+                                     X11Watch::shared().drainEvents();
                                  },
                                  Qt::QueuedConnection);
                          }

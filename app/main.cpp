@@ -11,6 +11,7 @@
 #include "platform/linux/singleinstance.h"
 #include "platform/linux/traystatusitem.h"
 #include "platform/linux/xdgcachesfolder.h"
+#include "platform/qt/desktopscreens.h"
 #include "platform/qt/qtclock.h"
 
 #include <QApplication>
@@ -49,10 +50,9 @@ int main(int argc, char* argv[]) {
 
     CreativeImageCache::setSharedPorts({http, cachesFolder});
     const CreativeEnvironment environment{CreativeImageCache::shared(), clock, reduceMotion};
-    BrimletApp app(
-        {screens, workspace, secrets, http, bundle, clock},
-        {screens, workspace, overlayWindowFactory(QtScreens::primaryGeometry, environment)},
-        {statusItem, clock, menuWindowFactory(QtScreens::primaryGeometry, environment)});
+    BrimletApp app({screens, workspace, secrets, http, bundle, clock},
+                   {screens, workspace, overlayWindowFactory(primaryGeometry, environment)},
+                   {statusItem, clock, menuWindowFactory(primaryGeometry, environment)});
     obeyRequests(instance, app);
     followDesktop(*HostStore::shared(), workspace);
     return app.run();

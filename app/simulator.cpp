@@ -13,6 +13,7 @@
 #include "platform/linux/singleinstance.h"
 #include "platform/linux/traystatusitem.h"
 #include "platform/linux/xdgcachesfolder.h"
+#include "platform/qt/desktopscreens.h"
 #include "platform/qt/qtclock.h"
 #include "platform/simulated/memorysecretstore.h"
 #include "platform/simulated/notchwindow.h"
@@ -55,7 +56,7 @@ int main(int argc, char* argv[]) {
                    stderr);
     };
     // Before the application object, which ends a program without a display in its own words.
-    if (const QString complaint = MachineFile::complaintAbout(commandLine.machineFile);
+    if (const QString complaint = MachineFile::errorIn(commandLine.machineFile);
         !complaint.isEmpty()) {
         say(complaint);
         return 2;
@@ -72,7 +73,7 @@ int main(int argc, char* argv[]) {
     }
 
     MachineFile file(commandLine.machineFile);
-    QObject::connect(&file, &MachineFile::complained, &file, say);
+    QObject::connect(&file, &MachineFile::failed, &file, say);
     if (const QString complaint = file.load(); !complaint.isEmpty()) {
         say(complaint);
         return 2;
@@ -105,7 +106,7 @@ int main(int argc, char* argv[]) {
     const auto primary = [&file] { return simulatedPrimaryGeometry(file.machine()); };
     BrimletApp app({screens, workspace, *secrets, http, bundle, clock},
                    {screens, workspace, overlayWindowFactory(primary, environment)},
-                   {statusItem, clock, menuWindowFactory(QtScreens::primaryGeometry, environment)});
+                   {statusItem, clock, menuWindowFactory(primaryGeometry, environment)});
     obeyRequests(instance, app);
 
     QObject::connect(app.store().get(), &HostStore::overlayNeedsRender, &notch,

@@ -15,13 +15,15 @@ struct Model final {
     NotchedPanel panel;
 };
 
-// The notch of the 14-inch is known to lie at 1328 to 1696, which is the middle. The others are
-// derived from it and from pictures.
+// Panel sizes are the native resolutions. Only the 14-inch notch has been measured: it spans the
+// columns 1328 to 1696. The other notches are estimates from it and from photographs, and may be
+// some pixels off.
 constexpr NotchedPanel kPro14{3024, 1964, 368, 64};
 constexpr NotchedPanel kPro16{3456, 2234, 368, 64};
 constexpr NotchedPanel kAir13{2560, 1664, 325, 56};
 constexpr NotchedPanel kAir15{2880, 1864, 325, 56};
 
+// The names are those of the Linux kernel's device trees for Apple silicon.
 constexpr std::array kModels{
     Model{"apple,j314s", kPro14}, Model{"apple,j314c", kPro14}, Model{"apple,j414s", kPro14},
     Model{"apple,j414c", kPro14}, Model{"apple,j316s", kPro16}, Model{"apple,j316c", kPro16},
@@ -40,11 +42,11 @@ constexpr std::array kModels{
     return connector.startsWith(QLatin1StringView("eDP"));
 }
 
-/// What the file begins with; empty when it cannot be read.
-[[nodiscard]] QByteArray beginning(const QString& path) {
-    constexpr qint64 kEnough = 4096;
+/// The first 4 KiB of the file; empty when it cannot be read.
+[[nodiscard]] QByteArray readStart(const QString& path) {
+    constexpr qint64 kMaxBytes = 4096;
     QFile file(path);
-    return file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ? file.read(kEnough)
+    return file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ? file.read(kMaxBytes)
                                                                   : QByteArray();
 }
 
@@ -63,8 +65,7 @@ std::optional<NotchedPanel> notchedPanel(const QByteArrayList& compatible) {
 }
 
 bool showsBand(const NotchedPanel& panel, const QString& connector, const Rect& frame) {
-    // Rounding to points moves the ratio of the sides by two thousandths at most; without the band
-    // it is greater by four hundredths.
+    // Rounding to points changes the aspect ratio by 0.002 at most, hiding the band by 0.04.
     constexpr double kTolerance = 0.01;
     const double whole = static_cast<double>(panel.width) / panel.height;
     return mayBePanel(connector) && frame.width > 0 && frame.height > 0 &&
@@ -76,8 +77,8 @@ std::optional<NotchStrips> notchStrips(const NotchedPanel& panel, std::optional<
     if (!showNotch.value_or(true) || !showsBand(panel, connector, frame)) {
         return std::nullopt;
     }
-    // A desktop may scale its screens by anything, so only ratios count. Products come first, since
-    // they are exact.
+    // Desktops scale screens by arbitrary factors, so only ratios are used. Multiplying before
+    // dividing keeps the intermediate results exact.
     const double doubledLeft = panel.width - panel.notchWidth;
     const double doubledRight = panel.width + panel.notchWidth;
     const double gapStart = std::floor(doubledLeft * frame.width / (2.0 * panel.width));
@@ -90,8 +91,8 @@ std::optional<NotchStrips> notchStrips(const NotchedPanel& panel, std::optional<
 
 QByteArrayList readCompatible(const QString& root) {
     QByteArrayList names =
-        beginning(QDir(root).filePath(QStringLiteral("proc/device-tree/compatible"))).split('\0');
-    // Each name ends with a zero byte; what follows the last one is cut off or none.
+        readStart(QDir(root).filePath(QStringLiteral("proc/device-tree/compatible"))).split('\0');
+    // Each name ends with a zero byte; the rest after the last one is empty or truncated.
     names.removeLast();
     return names;
 }
@@ -99,7 +100,7 @@ QByteArrayList readCompatible(const QString& root) {
 std::optional<bool> readShowNotch(const QString& root) {
     for (const QString& driver : {QStringLiteral("appledrm"), QStringLiteral("apple_dcp")}) {
         const QByteArray value =
-            beginning(QDir(root).filePath(
+            readStart(QDir(root).filePath(
                           QStringLiteral("sys/module/%1/parameters/show_notch").arg(driver)))
                 .trimmed();
         if (value == "1" || value == "Y" || value == "y") {

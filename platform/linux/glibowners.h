@@ -6,7 +6,7 @@
 
 namespace brimlet {
 
-// Owners of GLib's handles. Each takes over one reference and gives it back.
+// Owners of GLib handles. Each takes over one reference and releases it.
 
 struct GObjectUnref {
     void operator()(gpointer object) const { g_object_unref(object); }
@@ -24,19 +24,19 @@ struct GHashTableUnref {
 };
 using GHashTablePtr = std::unique_ptr<GHashTable, GHashTableUnref>;
 
-/// A list together with the objects in it.
+/// Frees a list and releases the objects in it.
 struct GObjectListFree {
     void operator()(GList* list) const { g_list_free_full(list, g_object_unref); }
 };
 using GObjectListPtr = std::unique_ptr<GList, GObjectListFree>;
 
-/// While it lives, what GLib does for the thread that made it stays within that thread: nothing of
-/// it ends up in the main loop, whatever kind of loop that is.
+/// Gives the current thread a GLib main context of its own for the lifetime of this object. GLib
+/// calls made on the thread then dispatch their sources there and not in the main loop.
 class GOwnContext final {
 public:
     GOwnContext() { g_main_context_push_thread_default(m_context); }
     ~GOwnContext() {
-        // What was posted still holds references.
+        // Pending sources hold references until they are dispatched.
         while (g_main_context_iteration(m_context, FALSE) != FALSE) {
         }
         g_main_context_pop_thread_default(m_context);

@@ -8,7 +8,7 @@
 namespace brimlet {
 namespace {
 
-/// The symbol's shape in one colour.
+/// The symbol in one colour, drawn into `box`.
 QImage silhouette(QSize size, const QRectF& box, const QColor& color) {
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -19,7 +19,7 @@ QImage silhouette(QSize size, const QRectF& box, const QColor& color) {
     return image;
 }
 
-/// The name under which trays find the symbol among the installed icons; empty where it is none.
+/// The name of the symbol in the icon theme; empty when it is not installed.
 QString installedName() {
     const QString name = QStringLiteral("app.brimlet.host-symbolic");
     const QString file = QStringLiteral("icons/hicolor/symbolic/apps/%1.svg").arg(name);

@@ -4,9 +4,9 @@
 
 namespace brimlet {
 
-/// The status item's picture: a laptop seen from the front, its notch included. A tray that knows
-/// the installed icons gets the symbolic one by name and colours it itself; any other gets it in
-/// white with a dark edge, which can be seen on light bars and on dark ones.
+/// The status item's icon: the front of a laptop with a notch. Where the symbolic icon is
+/// installed, the icon has its name, and trays that support icon themes colour it themselves. Other
+/// trays get a white picture with a dark edge, which is visible on light and dark bars.
 [[nodiscard]] QIcon laptopSymbol();
 
 } // namespace brimlet

@@ -11,14 +11,14 @@
 namespace brimlet {
 namespace {
 
-/// Leaves the start of the program, which waits for one, within two seconds.
-constexpr std::chrono::milliseconds readingTime(1500);
+/// The program's start waits for one read and must take less than two seconds.
+constexpr std::chrono::milliseconds kReadTimeout(1500);
 
 [[nodiscard]] SecretItemName itemName(const QString& service, const QString& account) {
     return {service.toUtf8(), account.toUtf8()};
 }
 
-/// A job that makes a call of the Secret Service's.
+/// A worker job that makes a blocking Secret Service call, cancelled when the job is stopped.
 [[nodiscard]] SerialWorker::Job jobOf(std::function<void(GCancellable*)> call) {
     return [call = std::move(call)](const std::stop_token& stop) {
         const GOwnContext context;
@@ -38,7 +38,7 @@ LibsecretStore::~LibsecretStore() = default;
 
 SecretResult LibsecretStore::read(const QString& service, const QString& account) {
     using Answer = std::variant<SecretValuePtr, SecretError>;
-    const auto deadline = std::chrono::steady_clock::now() + readingTime;
+    const auto deadline = std::chrono::steady_clock::now() + kReadTimeout;
     const auto answer = std::make_shared<Answer>(SecretError::Unavailable);
     const bool isInTime =
         m_worker->run(jobOf([answer, name = itemName(service, account)](GCancellable* cancellable) {
@@ -63,12 +63,12 @@ void LibsecretStore::remove(const QString& service, const QString& account) {
 }
 
 void LibsecretStore::add(const QString& service, const QString& account, const QByteArray& value) {
-    // Not "text/plain": some services store text in their own encoding.
-    const std::shared_ptr<SecretValue> kept(
+    // Not "text/plain": some services convert text to their own encoding.
+    const std::shared_ptr<SecretValue> secret(
         secret_value_new(value.constData(), value.size(), "application/octet-stream"),
         SecretValueUnref());
-    m_worker->post(jobOf([name = itemName(service, account), kept](GCancellable* cancellable) {
-        secretservice::store(name, kept.get(), cancellable);
+    m_worker->post(jobOf([name = itemName(service, account), secret](GCancellable* cancellable) {
+        secretservice::store(name, secret.get(), cancellable);
     }));
 }
 

@@ -8,17 +8,17 @@ namespace brimlet {
 
 class SerialWorker;
 
-/// The desktop's keyring, by way of libsecret.
+/// The desktop's keyring, accessed through libsecret.
 ///
-/// Every call to it is made on one worker thread, in order, because any of them may block: a
-/// service that hangs for 25 seconds, a write until the user has answered its prompt. The thread
-/// has a GLib context of its own, so that no answer depends on the kind of event loop Qt runs on,
-/// and exists only while there is something to do. Here a read waits for its answer up to the
-/// deadline; a write is left behind. Values stay in libsecret's wiped memory on their way.
+/// All libsecret calls run in order on one worker thread, because each of them may block: 25
+/// seconds when the service hangs, a write until the user has answered its prompt. The thread
+/// exists only while there are calls, and has its own GLib context, so the calls work with any
+/// event loop that Qt uses. A read waits for the worker for up to 1.5 s; a write returns at once.
+/// Written values are kept in libsecret's memory, which is wiped when it is freed.
 class LibsecretStore final : public SecretStore {
 public:
     LibsecretStore();
-    /// Gives writes under way up to 0.8 s to end, then cancels them.
+    /// Waits up to 0.8 s for pending writes, then cancels them.
     ~LibsecretStore() override;
     LibsecretStore(const LibsecretStore&) = delete;
     LibsecretStore& operator=(const LibsecretStore&) = delete;

@@ -4,15 +4,16 @@
 
 namespace brimlet {
 
-/// "/Applications/Brimlet.app" when the executable lies where a package manager installs programs
-/// (below /usr or /opt), else the folder the program is installed in.
+/// "/Applications/Brimlet.app" for an executable below /usr or /opt, where package managers install
+/// programs; otherwise the folder that contains the executable's "bin" folder. The path must be
+/// absolute and free of symbolic links.
 [[nodiscard]] QString bundlePath(const QString& resolvedExecutable);
 
-/// The program in its installation folder: the executable in "bin", the info dictionary as a JSON
-/// object in "share/brimlet/info.json".
+/// The program in its installation folder: the executable is in "bin", the info dictionary is a
+/// JSON object in "share/brimlet/info.json", read at each call.
 class LinuxBundle final : public Bundle {
 public:
-    /// Symbolic links in the path are followed once, here.
+    /// Resolves symbolic links in the path.
     explicit LinuxBundle(const QString& executable);
 
     [[nodiscard]] QString path() const override;

@@ -25,21 +25,21 @@ const QString animationDurationFactor = QStringLiteral("AnimationDurationFactor"
 /// Settings by group and key.
 using Settings = QMap<QString, QVariantMap>;
 
-/// What a file of KDE's settings says of the factor, if anything.
+/// The animation factor in one of KDE's configuration files; absent when the file has none.
 [[nodiscard]] std::optional<QString> factorIn(const QString& path) {
-    // Some colour schemes make it several kilobytes long.
-    constexpr qint64 kLongest = 1 << 20;
+    // Colour schemes are stored there too, and take several kilobytes.
+    constexpr qint64 kMaxBytes = 1 << 20;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         return std::nullopt;
     }
     bool isInGroup = false;
     std::optional<QString> factor;
-    const QList<QByteArray> lines = file.read(kLongest).split('\n');
+    const QList<QByteArray> lines = file.read(kMaxBytes).split('\n');
     for (const QByteArray& untrimmed : lines) {
         const QByteArray line = untrimmed.trimmed();
         if (line.startsWith('[')) {
-            // A group or key may carry marks, as in "[KDE][$i]".
+            // A group or key may have flags, as in "[KDE][$i]".
             isInGroup = line == "[KDE]" || line.startsWith("[KDE][$");
         } else if (const auto equals = line.indexOf('='); isInGroup && equals > 0) {
             const QByteArray key = line.left(equals).trimmed();
@@ -51,7 +51,7 @@ using Settings = QMap<QString, QVariantMap>;
     return factor;
 }
 
-[[nodiscard]] bool isNone(const QVariant& factor) {
+[[nodiscard]] bool disablesAnimations(const QVariant& factor) {
     bool isNumber = false;
     const double number = factor.toDouble(&isNumber);
     return isNumber && number <= 0;
@@ -63,41 +63,40 @@ LinuxReduceMotion::LinuxReduceMotion(QStringList configFolders)
     : m_configFolders(std::move(configFolders))
     , m_portalWatcher(portalName, QDBusConnection::sessionBus(),
                       QDBusServiceWatcher::WatchForRegistration) {
-    // Qt looks the slot's types up by name, and knows this one only after it was used.
+    // The slot below is connected by name, which needs its parameter types registered.
     qRegisterMetaType<QDBusVariant>();
     QDBusConnection::sessionBus().connect(portalName, portalPath, settingsInterface,
                                           QStringLiteral("SettingChanged"), this,
                                           SLOT(settingChanged(QString, QString, QDBusVariant)));
-    // What changed is in the arguments, but reading the short file again is as good and does not
-    // depend on their form.
+    // The arguments say what changed, but reading the short file again needs no knowledge of their
+    // format.
     QDBusConnection::sessionBus().connect(
         QString(), QStringLiteral("/kdeglobals"), QStringLiteral("org.kde.kconfig.notify"),
-        QStringLiteral("ConfigChanged"), this, SLOT(kdeSettingsChanged()));
+        QStringLiteral("ConfigChanged"), this, SLOT(readKdeFiles()));
     connect(&m_portalWatcher, &QDBusServiceWatcher::serviceRegistered, this,
-            &LinuxReduceMotion::askPortal);
-    kdeSettingsChanged();
-    askPortal();
+            &LinuxReduceMotion::readPortalSettings);
+    readKdeFiles();
+    readPortalSettings();
 }
 
 ObserverToken LinuxReduceMotion::observeChanges(std::function<void()> changed) {
     return m_observers.add(std::move(changed));
 }
 
-void LinuxReduceMotion::askPortal() {
-    // Read alone would wrap its value once too often, and its successor is too new for many
-    // desktops.
-    auto question = QDBusMessage::createMethodCall(portalName, portalPath, settingsInterface,
-                                                   QStringLiteral("ReadAll"));
-    question.setArguments({QStringList{appearance, gnomeInterface, kdeGroup}});
+void LinuxReduceMotion::readPortalSettings() {
+    // Read wraps its value in one variant too many, and many desktops lack its successor ReadOne.
+    auto request = QDBusMessage::createMethodCall(portalName, portalPath, settingsInterface,
+                                                  QStringLiteral("ReadAll"));
+    request.setArguments({QStringList{appearance, gnomeInterface, kdeGroup}});
     auto* const watcher =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), this);
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(request), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         const QDBusPendingReply<> reply(*watcher);
         if (!reply.isError() && reply.reply().signature() == QLatin1StringView("a{sa{sv}}")) {
             const auto settings = qdbus_cast<Settings>(reply.reply().arguments().at(0));
             for (auto group = settings.cbegin(); group != settings.cend(); ++group) {
                 for (auto key = group->cbegin(); key != group->cend(); ++key) {
-                    take(group.key(), key.key(), key.value());
+                    apply(group.key(), key.key(), key.value());
                 }
             }
             update();
@@ -108,29 +107,29 @@ void LinuxReduceMotion::askPortal() {
 
 void LinuxReduceMotion::settingChanged(const QString& group, const QString& key,
                                        const QDBusVariant& value) {
-    take(group, key, value.variant());
+    apply(group, key, value.variant());
     update();
 }
 
-void LinuxReduceMotion::kdeSettingsChanged() {
-    // KDE removes the key when the factor is the usual one.
+void LinuxReduceMotion::readKdeFiles() {
+    // KDE removes the key when the factor has its default value.
     m_areKdeAnimationsOff = false;
     for (const QString& folder : std::as_const(m_configFolders)) {
         if (const auto factor = factorIn(QDir(folder).filePath(QStringLiteral("kdeglobals")))) {
-            m_areKdeAnimationsOff = isNone(*factor);
+            m_areKdeAnimationsOff = disablesAnimations(*factor);
             break;
         }
     }
     update();
 }
 
-void LinuxReduceMotion::take(const QString& group, const QString& key, const QVariant& value) {
+void LinuxReduceMotion::apply(const QString& group, const QString& key, const QVariant& value) {
     if (group == appearance && key == QLatin1StringView("reduced-motion")) {
         m_isMotionReduced = value.toUInt() == 1;
     } else if (group == gnomeInterface && key == QLatin1StringView("enable-animations")) {
         m_areGnomeAnimationsOff = !value.toBool();
     } else if (group == kdeGroup && key == animationDurationFactor) {
-        m_areKdeAnimationsOff = isNone(value);
+        m_areKdeAnimationsOff = disablesAnimations(value);
     }
 }
 

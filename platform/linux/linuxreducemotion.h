@@ -12,19 +12,20 @@
 
 namespace brimlet {
 
-/// The desktop's settings, as its portal tells them: reduced motion where that is known, GNOME's
-/// switch for animations, and the factor by which KDE stretches them, where 0 is none. Any of them
-/// is enough. Until the portal has answered, and where there is none, KDE's factor alone counts.
+/// Reduced motion as set in the desktop. It is on when any of these is set: the desktop portal's
+/// "reduced-motion", GNOME's "enable-animations" turned off, or KDE's "AnimationDurationFactor" of
+/// 0 or less.
 ///
-/// KDE's factor is also read from the files that hold it, at the start and when KDE's settings say
-/// that they have changed, since the portal of many KDE versions does not pass such a change on.
-/// What was read or told last counts, so the portal's answer at the start replaces the files'.
-/// GNOME's switch is the portal's alone: only GSettings could read where it is kept.
+/// All three come from the settings portal on the session bus, asynchronously. KDE's factor is also
+/// read from its configuration files, at construction and whenever KDE signals a change, because
+/// the portals of many KDE versions do not report that change. The most recent source counts, so
+/// the portal's first reply replaces the value from the files. GNOME's switch has no such second
+/// source, since reading it needs GSettings.
 class LinuxReduceMotion final : public QObject, public ReduceMotion {
     Q_OBJECT
 
 public:
-    /// `configFolders` are the folders that may have KDE's "kdeglobals", the strongest first.
+    /// `configFolders` may contain KDE's "kdeglobals"; earlier folders take precedence.
     explicit LinuxReduceMotion(QStringList configFolders = QStandardPaths::standardLocations(
                                    QStandardPaths::GenericConfigLocation));
 
@@ -33,11 +34,11 @@ public:
 
 private Q_SLOTS:
     void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
-    void kdeSettingsChanged();
+    void readKdeFiles();
 
 private:
-    void askPortal();
-    void take(const QString& group, const QString& key, const QVariant& value);
+    void readPortalSettings();
+    void apply(const QString& group, const QString& key, const QVariant& value);
     void update();
 
     QStringList m_configFolders;

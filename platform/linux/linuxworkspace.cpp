@@ -1,6 +1,6 @@
 #include "platform/linux/linuxworkspace.h"
 
-#include "platform/linux/silentbuses.h"
+#include "platform/linux/unresponsivebuses.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -22,14 +22,14 @@ const QString mutterName = QStringLiteral("org.gnome.Mutter.DisplayConfig");
 const QString mutterPath = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
 const QString powerSaveMode = QStringLiteral("PowerSaveMode");
 
-/// The one line of a sysfs attribute; empty when it cannot be read.
+/// The value of a sysfs attribute, trimmed; empty when it cannot be read.
 [[nodiscard]] QByteArray attribute(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
 }
 
-/// Whether there is a built-in panel and none is lit. A laptop with two graphics cards has a
-/// connector on each, of which one is not connected and always off.
+/// Whether there is a built-in panel and it is not lit. A laptop with two graphics cards has a
+/// panel connector on each; the unused one reports "disconnected" and is skipped.
 [[nodiscard]] bool isPanelOff(const QString& drmFolder) {
     bool hasPanel = false;
     const QDir folder(drmFolder);
@@ -62,17 +62,17 @@ LinuxWorkspace::LinuxWorkspace(QString drmFolder)
     QDBusConnection::systemBus().connect(logindName, QStringLiteral("/org/freedesktop/login1"),
                                          QStringLiteral("org.freedesktop.login1.Manager"),
                                          QStringLiteral("PrepareForSleep"), this,
-                                         SLOT(machineGoesToSleep(bool)));
+                                         SLOT(prepareForSleep(bool)));
     QDBusConnection::sessionBus().connect(mutterName, mutterPath, propertiesInterface,
                                           QStringLiteral("PropertiesChanged"), this,
                                           SLOT(mutterChanged(QString, QVariantMap, QStringList)));
     connect(&m_logindWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
-            [this] { machineGoesToSleep(false); });
+            [this] { prepareForSleep(false); });
     connect(&m_mutterWatcher, &QDBusServiceWatcher::serviceRegistered, this,
-            &LinuxWorkspace::askMutter);
+            &LinuxWorkspace::readMutterMode);
     connect(&m_mutterWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
             [this] { setMutterMode(0); });
-    askMutter();
+    readMutterMode();
 }
 
 ObserverToken LinuxWorkspace::observeScreensDidSleep(std::function<void()> block) {
@@ -91,7 +91,7 @@ void LinuxWorkspace::open(const Url& url) {
     QProcess opener;
     opener.setProgram(QStringLiteral("xdg-open"));
     opener.setArguments({text});
-    opener.setProcessEnvironment(environmentForOthers());
+    opener.setProcessEnvironment(childEnvironment());
     opener.setStandardOutputFile(QProcess::nullDevice());
     opener.setStandardErrorFile(QProcess::nullDevice());
     opener.startDetached();
@@ -102,7 +102,7 @@ void LinuxWorkspace::checkPanelPower() {
     update();
 }
 
-void LinuxWorkspace::machineGoesToSleep(bool isStarting) {
+void LinuxWorkspace::prepareForSleep(bool isStarting) {
     m_isMachineAsleep = isStarting;
     update();
 }
@@ -115,17 +115,17 @@ void LinuxWorkspace::mutterChanged(const QString& interface, const QVariantMap& 
     if (changed.contains(powerSaveMode)) {
         setMutterMode(changed.value(powerSaveMode).toInt());
     } else if (invalidated.contains(powerSaveMode)) {
-        askMutter();
+        readMutterMode();
     }
 }
 
-void LinuxWorkspace::askMutter() {
-    auto question = QDBusMessage::createMethodCall(mutterName, mutterPath, propertiesInterface,
-                                                   QStringLiteral("Get"));
-    question.setArguments({mutterName, powerSaveMode});
-    question.setAutoStartService(false);
+void LinuxWorkspace::readMutterMode() {
+    auto request = QDBusMessage::createMethodCall(mutterName, mutterPath, propertiesInterface,
+                                                  QStringLiteral("Get"));
+    request.setArguments({mutterName, powerSaveMode});
+    request.setAutoStartService(false);
     auto* const watcher =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), this);
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(request), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         const QDBusPendingReply<QDBusVariant> reply(*watcher);
         if (reply.isValid()) {
@@ -136,7 +136,7 @@ void LinuxWorkspace::askMutter() {
 }
 
 void LinuxWorkspace::setMutterMode(int mode) {
-    // 0 is on and -1 unknown; 1 to 3 are the ways of being off.
+    // 0 is on, -1 unknown; 1 (standby), 2 (suspend) and 3 (off) are dark.
     m_isMutterSaving = mode > 0;
     update();
 }

@@ -12,35 +12,34 @@ namespace brimlet {
 
 /// The desktop session.
 ///
-/// No single sign tells on every desktop that the screens sleep, so there are three: logind going
-/// to suspend the machine, Mutter's power saving, and the power state of the built-in panel in
-/// sysfs. The screens are asleep while any of them says so, and a block is called each time that
-/// changes. A missing bus or service only takes its sign away.
+/// No single source reports sleeping screens on every desktop, so three are combined: logind's
+/// announcement of a suspend, Mutter's power save mode, and the power state of the built-in panel
+/// in sysfs. The screens count as asleep while any of them says so; observers are called each time
+/// the combined state changes. A missing bus or service counts as awake.
 class LinuxWorkspace final : public QObject, public Workspace {
     Q_OBJECT
 
 public:
-    /// `drmFolder` is where the kernel lists the connectors of the graphics cards.
+    /// `drmFolder` is the sysfs folder that lists the connectors of the graphics cards.
     explicit LinuxWorkspace(QString drmFolder = QStringLiteral("/sys/class/drm"));
 
     ObserverToken observeScreensDidSleep(std::function<void()> block) override;
     ObserverToken observeScreensDidWake(std::function<void()> block) override;
 
-    /// Starts "xdg-open", which knows every desktop's own way, as a program of its own that is no
-    /// child of this one. Only an address with a scheme is handed over.
+    /// Starts "xdg-open" as a detached process. An address without a scheme is ignored.
     void open(const Url& url) override;
 
-    /// Looks at the panel's power state. The kernel does not announce it, so this is called from a
-    /// tick that happens anyway.
+    /// Reads the panel's power state. The kernel sends no notification of a change, so the caller
+    /// polls this; observers may be called before it returns.
     void checkPanelPower();
 
 private Q_SLOTS:
-    void machineGoesToSleep(bool isStarting);
+    void prepareForSleep(bool isStarting);
     void mutterChanged(const QString& interface, const QVariantMap& changed,
                        const QStringList& invalidated);
 
 private:
-    void askMutter();
+    void readMutterMode();
     void setMutterMode(int mode);
     void update();
 

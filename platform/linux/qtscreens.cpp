@@ -58,7 +58,7 @@ void QtScreens::announce() {
 
 std::vector<Screen> QtScreens::list() const {
     const QRectF primary = primaryGeometry();
-    // The driver's setting may be changed at any time.
+    // The driver's setting can change at any time.
     const std::optional<bool> showNotch = m_panel ? readShowNotch(m_root) : std::nullopt;
     std::vector<Screen> screens;
     for (const QScreen* screen : QGuiApplication::screens()) {
@@ -88,10 +88,6 @@ bool QtScreens::isBuiltIn(std::uint32_t displayNumber) const {
 
 ObserverToken QtScreens::observeChanges(std::function<void()> changed) {
     return m_observers.add(std::move(changed));
-}
-
-QRectF QtScreens::primaryGeometry() {
-    return brimlet::primaryGeometry();
 }
 
 } // namespace brimlet

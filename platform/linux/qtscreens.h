@@ -5,7 +5,6 @@
 #include "platform/screens.h"
 
 #include <QObject>
-#include <QRectF>
 #include <QString>
 
 #include <optional>
@@ -14,25 +13,24 @@ class QScreen;
 
 namespace brimlet {
 
-/// Whether a connector of that name drives a laptop's own panel.
+/// Whether a connector of that name (such as "eDP-1") drives a laptop's built-in panel.
 [[nodiscard]] bool isInternalConnector(const QString& name);
 
-/// The screens Qt sees, the primary one first. A screen's number is its place in that list,
-/// counted from 1. Only the panel of an Apple laptop that shows its band has strips beside a notch.
+/// Qt's screens, the primary one first. A screen's number is its 1-based position in that list, and
+/// changes when screens come and go. Only the panel of an Apple laptop that shows the band beside
+/// its notch has auxiliary areas.
 class QtScreens final : public QObject, public Screens {
     Q_OBJECT
 
 public:
-    /// Needs the application object. `root` is the folder that holds the kernel's "proc" and "sys";
-    /// after the construction nothing is read there unless the machine has a notch.
+    /// Needs the application object. `root` is the folder that contains "proc" and "sys". The
+    /// device tree is read once, here; the display driver's setting at each `list()`, but only on a
+    /// laptop with a notch.
     explicit QtScreens(QString root = QStringLiteral("/"));
 
     [[nodiscard]] std::vector<Screen> list() const override;
     [[nodiscard]] bool isBuiltIn(std::uint32_t displayNumber) const override;
     ObserverToken observeChanges(std::function<void()> changed) override;
-
-    /// The primary screen in Qt's space; empty while there is none.
-    [[nodiscard]] static QRectF primaryGeometry();
 
 private:
     void watch(QScreen* screen);

@@ -3,8 +3,8 @@
 namespace brimlet::secretservice {
 namespace {
 
-/// The name only labels what is written. It is left out of searches, so that an item which another
-/// program wrote under the same attributes counts.
+/// The schema name is written but not matched in searches, so that items written by other programs
+/// with the same attributes are found.
 const SecretSchema schema = {
     "app.brimlet.host.Secret",
     SECRET_SCHEMA_DONT_MATCH_NAME,
@@ -27,9 +27,9 @@ const SecretSchema schema = {
     if (!bus) {
         return nullptr;
     }
-    // GLib would end the program together with the bus.
+    // By default GLib ends the process when the bus closes.
     g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
-    // Not the shared instance, which would belong to the thread that asked for it first.
+    // Not the shared instance, which belongs to the thread that first requested it.
     return GObjectPtr<SecretService>(secret_service_open_sync(
         SECRET_TYPE_SERVICE, nullptr, SECRET_SERVICE_NONE, cancellable, nullptr));
 }
@@ -84,7 +84,7 @@ void clear(const SecretItemName& name, GCancellable* cancellable) {
     if (!service) {
         return;
     }
-    // Unlike secret_service_clear, which passes over what is locked.
+    // secret_service_clear would skip locked items.
     const Found found =
         search(service.get(), name, SECRET_SEARCH_ALL | SECRET_SEARCH_UNLOCK, cancellable);
     for (GList* entry = found.items.get(); entry != nullptr; entry = entry->next) {

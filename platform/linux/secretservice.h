@@ -13,28 +13,29 @@ namespace brimlet {
 struct SecretValueUnref {
     void operator()(SecretValue* value) const { secret_value_unref(value); }
 };
-/// Bytes in memory that is not swapped out where the system allows that, and wiped at the end.
+/// Bytes in memory that libsecret wipes when it is freed and, where the system allows it, keeps
+/// from being swapped out.
 using SecretValuePtr = std::unique_ptr<SecretValue, SecretValueUnref>;
 
-/// The attributes an item is found by, UTF-8.
+/// The attributes that identify an item, in UTF-8.
 struct SecretItemName final {
     QByteArray service;
     QByteArray account;
 };
 
-/// The desktop's Secret Service, asked anew by each call: one that starts, ends or is replaced
-/// while the program runs makes no difference. The calls block until the service has answered or
-/// the call is cancelled, and belong on a thread that has a GOwnContext.
+/// Calls to the desktop's Secret Service. Each call connects anew, so a service may be started,
+/// ended or replaced at any time. A call blocks until the service has answered or `cancellable` is
+/// cancelled; make it on a thread that has a GOwnContext.
 namespace secretservice {
 
-/// Never prompts. A cancelled call is Unavailable.
+/// Never prompts. A cancelled call gives Unavailable.
 [[nodiscard]] std::variant<SecretValuePtr, SecretError> find(const SecretItemName& name,
                                                              GCancellable* cancellable);
 
-/// Deletes every item of that name. May prompt.
+/// Deletes all items of that name, after prompting the user if they are locked.
 void clear(const SecretItemName& name, GCancellable* cancellable);
 
-/// Stores into the user's default collection. May prompt.
+/// Stores into the user's default collection, after prompting the user if it is locked.
 void store(const SecretItemName& name, SecretValue* value, GCancellable* cancellable);
 
 } // namespace secretservice

@@ -1,20 +1,21 @@
 #include "platform/linux/traystatusitem.h"
 
 #include "platform/linux/laptopsymbol.h"
-#include "platform/linux/qtscreens.h"
 #include "platform/qt/desktopgeometry.h"
+#include "platform/qt/desktopscreens.h"
 
 #include <QCursor>
 
 namespace brimlet {
 namespace {
 
-/// The pointer is where the click was, but for Wayland, where it is known only above windows.
+/// The place of a click, taken from the pointer. Absent under Wayland, where the pointer's position
+/// is known only over the program's own windows.
 std::optional<Rect> pointerPlace() {
     if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) {
         return std::nullopt;
     }
-    return fromQt(QRectF(QCursor::pos(), QSizeF(1, 1)), QtScreens::primaryGeometry());
+    return fromQt(QRectF(QCursor::pos(), QSizeF(1, 1)), primaryGeometry());
 }
 
 } // namespace
@@ -35,7 +36,7 @@ std::optional<Rect> TrayStatusItem::place() const {
     if (geometry.isEmpty()) {
         return std::nullopt;
     }
-    return fromQt(QRectF(geometry), QtScreens::primaryGeometry());
+    return fromQt(QRectF(geometry), primaryGeometry());
 }
 
 void TrayStatusItem::setToolTip(const QString& text) {
@@ -51,7 +52,7 @@ ObserverToken TrayStatusItem::observePresses(std::function<void(std::optional<Re
 }
 
 void TrayStatusItem::pressed(QSystemTrayIcon::ActivationReason reason) {
-    // The first click of a double one has been told already.
+    // A double click follows a click that has been reported already.
     if (reason == QSystemTrayIcon::DoubleClick) {
         return;
     }

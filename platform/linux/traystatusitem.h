@@ -11,7 +11,8 @@
 
 namespace brimlet {
 
-/// The status item in a desktop's tray, as soon as there is one.
+/// The status item in the desktop's tray. It appears once a tray is running, which may be long
+/// after construction, and then follows trays of the same kind that end and return.
 class TrayStatusItem final : public QObject, public StatusItem {
     Q_OBJECT
 
@@ -19,7 +20,7 @@ public:
     TrayStatusItem();
 
     [[nodiscard]] bool isShown() const override { return m_icon != nullptr; }
-    /// Trays on the bus do not tell where they show it.
+    /// StatusNotifier trays do not report the place; XEmbed trays do.
     [[nodiscard]] std::optional<Rect> place() const override;
     void setToolTip(const QString& text) override;
     ObserverToken observePresses(std::function<void(std::optional<Rect>)> pressed) override;

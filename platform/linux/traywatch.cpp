@@ -14,8 +14,8 @@ namespace {
 
 const QString notifierName = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString notifierPath = QStringLiteral("/StatusNotifierWatcher");
-/// Milliseconds; a watcher that hangs does not keep a tray of the other kind from being used.
-constexpr int kPatience = 3000;
+/// In milliseconds. After that an XEmbed tray is used even if the notifier watcher hangs.
+constexpr int kTimeout = 3000;
 
 } // namespace
 
@@ -23,59 +23,57 @@ TrayWatch::TrayWatch()
     : m_notifierWatcher(notifierName, QDBusConnection::sessionBus(),
                         QDBusServiceWatcher::WatchForRegistration) {
     connect(&m_notifierWatcher, &QDBusServiceWatcher::serviceRegistered, this,
-            &TrayWatch::askNotifier);
-    // A host may come after the watcher.
+            &TrayWatch::checkNotifier);
+    // A host may register later than the watcher.
     QDBusConnection::sessionBus().connect(notifierName, notifierPath, notifierName,
                                           QStringLiteral("StatusNotifierHostRegistered"), this,
-                                          SLOT(askNotifier()));
+                                          SLOT(checkNotifier()));
     QCoreApplication::instance()->installNativeEventFilter(this);
-    askNotifier();
+    checkNotifier();
 }
 
-TrayWatch::~TrayWatch() = default;
-
-void TrayWatch::askNotifier() {
+void TrayWatch::checkNotifier() {
     if (!QDBusConnection::sessionBus().isConnected()) {
-        // No answer would come, not even a failure.
-        QMetaObject::invokeMethod(this, &TrayWatch::askTray, Qt::QueuedConnection);
+        // The call below would never finish, not even with an error.
+        QMetaObject::invokeMethod(this, &TrayWatch::checkXEmbed, Qt::QueuedConnection);
         return;
     }
-    auto question = QDBusMessage::createMethodCall(
-        notifierName, notifierPath, QStringLiteral("org.freedesktop.DBus.Properties"),
-        QStringLiteral("Get"));
-    question.setArguments({notifierName, QStringLiteral("IsStatusNotifierHostRegistered")});
-    question.setAutoStartService(false);
+    auto request = QDBusMessage::createMethodCall(notifierName, notifierPath,
+                                                  QStringLiteral("org.freedesktop.DBus.Properties"),
+                                                  QStringLiteral("Get"));
+    request.setArguments({notifierName, QStringLiteral("IsStatusNotifierHostRegistered")});
+    request.setAutoStartService(false);
     auto* const watcher = new QDBusPendingCallWatcher(
-        QDBusConnection::sessionBus().asyncCall(question, kPatience), this);
+        QDBusConnection::sessionBus().asyncCall(request, kTimeout), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         const QDBusPendingReply<QDBusVariant> reply(*watcher);
         if (reply.isValid() && reply.value().variant().toBool()) {
-            tell();
+            emitFound();
         } else {
-            askTray();
+            checkXEmbed();
         }
         watcher->deleteLater();
     });
 }
 
-void TrayWatch::askTray() {
+void TrayWatch::checkXEmbed() {
     if (x11::hasSystemTray()) {
-        tell();
+        emitFound();
     }
 }
 
 bool TrayWatch::nativeEventFilter(const QByteArray& /*eventType*/, void* message,
                                   qintptr* /*result*/) {
     if (x11::announcesSystemTray(message)) {
-        // Queued: Qt itself has yet to learn of it.
-        QMetaObject::invokeMethod(this, &TrayWatch::askTray, Qt::QueuedConnection);
+        // Queued, because Qt has not handled the event yet.
+        QMetaObject::invokeMethod(this, &TrayWatch::checkXEmbed, Qt::QueuedConnection);
     }
     return false;
 }
 
-void TrayWatch::tell() {
-    if (!m_isTold) {
-        m_isTold = true;
+void TrayWatch::emitFound() {
+    if (!m_isFound) {
+        m_isFound = true;
         QCoreApplication::instance()->removeNativeEventFilter(this);
         Q_EMIT found();
     }

@@ -20,7 +20,7 @@ xcb_atom_t atomNamed(xcb_connection_t* x, std::string_view name) {
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
-// The selections of screen 0, the only one that desktops use today.
+// The selections of screen 0. Today's desktops use no other screen.
 
 xcb_atom_t compositorSelection(xcb_connection_t* x) {
     static const xcb_atom_t atom = atomNamed(x, "_NET_WM_CM_S0");
@@ -81,7 +81,7 @@ void activate(WId window) {
     message.format = 32;
     message.window = static_cast<xcb_window_t>(window);
     message.type = atomNamed(x, "_NET_ACTIVE_WINDOW");
-    message.data.data32[0] = 2; // the user's own wish
+    message.data.data32[0] = 2; // source indication: a direct user action
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
     xcb_send_event(x, 0, root,
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,

@@ -7,28 +7,29 @@
 
 namespace brimlet::x11 {
 
-// What Qt does not offer of the X server. On another platform, such as the offscreen one, these do
-// nothing and report a compositor and no tray.
+// Requests to the X server that Qt does not offer, on Qt's connection and the main thread. On other
+// Qt platforms, such as "offscreen", they do nothing and report a compositor and no tray.
 
-/// Whether the X server that DISPLAY names takes connections. Needs no application object.
+/// Whether the X server named by DISPLAY accepts connections. Needs no application object.
 [[nodiscard]] bool canConnect();
 
-/// Clicks on the window count only inside the rectangles (pixels of the screen); elsewhere, and
-/// everywhere without any, they reach what is underneath.
+/// Limits the window's clickable area to the rectangles, in physical pixels relative to the window.
+/// Clicks elsewhere go to the windows below; so do all clicks when there are no rectangles.
 void setInputShape(WId window, const std::vector<QRect>& rectangles);
 
-/// Whether somebody blends transparent windows with what is behind them. Asks the X server and
-/// waits for its answer; X11Watch knows without.
+/// Whether a compositor runs, which blends transparent windows with what is behind them. Costs a
+/// round trip to the X server; X11Watch answers without one.
 [[nodiscard]] bool hasCompositor();
 
-/// Gives the window the keyboard, as a wish of the user's that window managers follow even when the
-/// user was last busy with another program.
+/// Asks the window manager to give the window the keyboard focus, as a direct user action, which
+/// window managers follow even when another program was used last.
 void activate(WId window);
 
-/// Whether there is an XEmbed tray.
+/// Whether an XEmbed tray is running. Costs a round trip to the X server.
 [[nodiscard]] bool hasSystemTray();
 
-/// Whether an event of the X server's says that an XEmbed tray has come.
+/// Whether an event announces a new XEmbed tray. `event` is an xcb_generic_event_t, as passed to
+/// Qt's native event filters.
 [[nodiscard]] bool announcesSystemTray(const void* event);
 
 } // namespace brimlet::x11

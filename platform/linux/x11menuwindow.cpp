@@ -19,18 +19,18 @@ X11MenuWindow::X11MenuWindow(std::unique_ptr<QWidget> content,
     setAttribute(Qt::WA_TranslucentBackground);
     setWindowTitle(QStringLiteral("Brimlet panel"));
     m_content->setParent(this);
-    // A window manager that is busy may take the keyboard away for a moment while it gives it.
-    constexpr std::chrono::milliseconds kMoment{100};
-    m_dismissal.setInterval(kMoment);
+    // While it activates the window, a busy window manager may take the keyboard away for a moment.
+    constexpr std::chrono::milliseconds kDismissalDelay{100};
+    m_dismissal.setInterval(kDismissalDelay);
     m_dismissal.setSingleShot(true);
     connect(&m_dismissal, &QTimer::timeout, this, &X11MenuWindow::dismiss);
 }
 
 void X11MenuWindow::present(const std::optional<Rect>& item) {
     if (!isVisible()) {
-        forgetNativeWindow();
+        destroyNativeWindow();
         m_item = item ? std::optional(toQt(*item, m_primaryGeometry()).toRect()) : std::nullopt;
-        // The keyboard begins above the first control, so that no key presses one by accident.
+        // Focus starts before the first control, so that no key press activates one by accident.
         m_content->setFocus();
     }
     m_isRound = X11Watch::shared().hasCompositor();
@@ -44,7 +44,7 @@ void X11MenuWindow::dismiss() {
     hide();
 }
 
-void X11MenuWindow::forgetNativeWindow() {
+void X11MenuWindow::destroyNativeWindow() {
     if (!isVisible()) {
         destroy();
     }
@@ -82,15 +82,15 @@ void X11MenuWindow::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
-    fit(); // what it shows has been brought up to date by now
+    fit(); // the content has updated its size hint by now
 }
 
 void X11MenuWindow::hideEvent(QHideEvent* event) {
     m_dismissal.stop();
     if (!event->spontaneous()) {
         m_dismissals.notify();
-        // Later, since this may be the native window's own event.
-        QMetaObject::invokeMethod(this, &X11MenuWindow::forgetNativeWindow, Qt::QueuedConnection);
+        // Queued, because this may run inside an event of the native window.
+        QMetaObject::invokeMethod(this, &X11MenuWindow::destroyNativeWindow, Qt::QueuedConnection);
     }
 }
 

@@ -12,15 +12,15 @@
 
 namespace brimlet {
 
-/// The menu-bar panel's window on an X server: a tool window of its own, not a popup, which would
-/// swallow the click that closes it. Its ground is the content's; where a compositor runs its
-/// corners are round.
+/// The menu-bar panel's window under X11. It is a tool window and not a popup, because a popup
+/// would swallow the click that closes it. Its background has the content's window colour; its
+/// corners are round while a compositor runs.
 class X11MenuWindow final : public QWidget, public MenuWindow {
     Q_OBJECT
 
 public:
-    /// Takes the content as its child, which is as large as its size hint says. `primaryGeometry`
-    /// gives the primary screen in Qt's space at the time of asking.
+    /// Takes ownership of the content and sizes it to its size hint. `primaryGeometry` returns the
+    /// primary screen's current geometry in Qt's space.
     X11MenuWindow(std::unique_ptr<QWidget> content, std::function<QRectF()> primaryGeometry);
 
     void present(const std::optional<Rect>& item) override;
@@ -36,18 +36,18 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    /// Nothing is kept for a window that is not shown. Besides, Qt notes only a moment later that a
-    /// hidden window has lost the keyboard; shown again by then, it would never be told that it has
-    /// it, nor that it loses it.
-    void forgetNativeWindow();
-    /// Takes the content's size and goes where that fits.
+    /// Destroys the native window of a hidden panel to save its memory. It also keeps the focus
+    /// state correct: Qt notices only after a delay that a hidden window has lost the keyboard, and
+    /// a native window that is shown again before that gets no further activation events.
+    void destroyNativeWindow();
+    /// Resizes to the content's size hint and moves to the place beside the status item.
     void fit();
 
     QWidget* m_content;
     std::function<QRectF()> m_primaryGeometry;
     std::optional<QRect> m_item; ///< In Qt's space.
     bool m_isRound = true;
-    QTimer m_dismissal; ///< Runs while another window has the keyboard.
+    QTimer m_dismissal; ///< Runs while another window has the keyboard; dismisses the panel.
     Observers m_dismissals;
 };
 

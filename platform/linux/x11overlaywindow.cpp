@@ -45,7 +45,7 @@ void X11OverlayWindow::orderFrontRegardless() {
 
 /// Nothing to do while it is shown and nobody else's window was touched since it came forward.
 void X11OverlayWindow::bringForward() {
-    const std::uint64_t arrangement = X11Watch::shared().othersArrangement();
+    const std::uint64_t arrangement = X11Watch::shared().foreignStackingSerial();
     if (isVisible() && arrangement == m_arrangement) {
         return;
     }

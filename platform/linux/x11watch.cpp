@@ -26,14 +26,14 @@ X11Watch::X11Watch() {
         return;
     }
     const xcb_setup_t* const setup = xcb_get_setup(program);
-    m_ownWindowsMask = ~setup->resource_id_mask;
-    m_ownWindows = setup->resource_id_base;
+    m_ownIdMask = ~setup->resource_id_mask;
+    m_ownIdBase = setup->resource_id_base;
 
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
     const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(x, root, XCB_CW_EVENT_MASK, &events);
 
-    // Of screen 0, the only one that desktops use today.
+    // The selection of screen 0. Today's desktops use no other screen.
     constexpr std::string_view kSelection("_NET_WM_CM_S0");
     const auto nameCookie = xcb_intern_atom(x, 0, kSelection.size(), kSelection.data());
     const auto versionCookie =
@@ -52,62 +52,62 @@ X11Watch::X11Watch() {
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-    // Asked after having been told to listen, so that no change falls between.
+    // Queried after the event selection above, so that no change is missed in between.
     const XcbOwned<xcb_get_selection_owner_reply_t> owner(
         xcb_get_selection_owner_reply(x, xcb_get_selection_owner(x, compositor), nullptr));
     m_hasCompositor = owner && owner->owner != XCB_WINDOW_NONE;
 }
 
-std::uint64_t X11Watch::othersArrangement() {
-    look();
-    return m_othersArrangement;
+std::uint64_t X11Watch::foreignStackingSerial() {
+    drainEvents();
+    return m_foreignStackingSerial;
 }
 
-std::uint64_t X11Watch::arrangement() {
-    look();
-    return m_arrangement;
+std::uint64_t X11Watch::stackingSerial() {
+    drainEvents();
+    return m_stackingSerial;
 }
 
 bool X11Watch::hasCompositor() {
-    look();
+    drainEvents();
     return m_connection ? m_hasCompositor : x11::hasCompositor();
 }
 
-void X11Watch::look() {
+void X11Watch::drainEvents() {
     while (m_connection) {
         const XcbOwned<xcb_generic_event_t> event(xcb_poll_for_event(m_connection.get()));
         if (event) {
-            note(*event);
+            handleEvent(*event);
         } else if (xcb_connection_has_error(m_connection.get()) == 0) {
             return;
         } else {
             m_connection.reset();
         }
     }
-    ++m_arrangement;
-    ++m_othersArrangement;
+    ++m_stackingSerial;
+    ++m_foreignStackingSerial;
 }
 
-void X11Watch::note(const xcb_generic_event_t& event) {
+void X11Watch::handleEvent(const xcb_generic_event_t& event) {
     constexpr std::uint8_t kSentByClient = 0x80;
     const int type = event.response_type & ~kSentByClient;
     // NOLINTBEGIN(*-reinterpret-cast): X's way
     if (type == XCB_MAP_NOTIFY || type == XCB_CONFIGURE_NOTIFY || type == XCB_REPARENT_NOTIFY ||
         type == XCB_CIRCULATE_NOTIFY) {
-        ++m_arrangement;
-        // All four name the window at the same place.
+        ++m_stackingSerial;
+        // In all four the window is at the same offset.
         const xcb_window_t window = reinterpret_cast<const xcb_map_notify_event_t&>(event).window;
-        const bool isOwn = (window & m_ownWindowsMask) == m_ownWindows;
-        // Nothing here sends a window to the back.
-        const bool isAtTheBack =
+        const bool isOwn = (window & m_ownIdMask) == m_ownIdBase;
+        // This program never lowers its windows to the bottom, so another program did it.
+        const bool isAtBottom =
             type == XCB_CONFIGURE_NOTIFY &&
             reinterpret_cast<const xcb_configure_notify_event_t&>(event).above_sibling ==
                 XCB_WINDOW_NONE;
-        if (!isOwn || isAtTheBack) {
-            ++m_othersArrangement;
+        if (!isOwn || isAtBottom) {
+            ++m_foreignStackingSerial;
         }
     } else if (type == m_firstFixesEvent + XCB_XFIXES_SELECTION_NOTIFY) {
-        // The only selection that was asked for.
+        // No other selection is watched.
         m_hasCompositor =
             reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event).owner !=
             XCB_WINDOW_NONE;

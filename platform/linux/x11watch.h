@@ -7,42 +7,45 @@
 
 namespace brimlet {
 
-/// What other programs did on the X screen since the last look. It listens on a connection of its
-/// own that nobody waits for: what arrives there lies until somebody looks, so that windows which
-/// are moved about wake nobody here. Without such a connection nothing is ever taken for unchanged.
+/// Tracks the stacking order of windows and the compositor on the X screen. The events arrive on a
+/// separate X connection that the event loop does not watch, so windows being moved about do not
+/// wake this program: events stay queued until the next call. When that connection fails, every
+/// call reports a change. Main thread only.
 class X11Watch final {
 public:
-    /// The one of the process, listening from the first use on.
+    /// The process's only instance, which receives events from the first call on. Needs the
+    /// application object.
     [[nodiscard]] static X11Watch& shared();
 
     X11Watch(const X11Watch&) = delete;
     X11Watch& operator=(const X11Watch&) = delete;
 
-    /// Reads what lies there. To be called every few seconds, since the X server keeps what nobody
-    /// reads. Costs it nothing.
-    void look();
+    /// Reads the queued events. Call it every few seconds, because the X server buffers unread
+    /// events. Sends no request to the X server.
+    void drainEvents();
 
-    /// A number that is another one once a window of another program was shown, moved or put into
-    /// another order, or one of this program's was sent to the back.
-    [[nodiscard]] std::uint64_t othersArrangement();
-    /// The same of all windows.
-    [[nodiscard]] std::uint64_t arrangement();
-    /// Whether somebody blends transparent windows with what is behind them.
+    /// A number that changes whenever a window of another program is shown, moved, resized or
+    /// restacked, or one of this program's windows is lowered to the bottom. Drains the events.
+    [[nodiscard]] std::uint64_t foreignStackingSerial();
+    /// The same for the windows of all programs, this one included.
+    [[nodiscard]] std::uint64_t stackingSerial();
+    /// Whether a compositor runs, which blends transparent windows with what is behind them.
     [[nodiscard]] bool hasCompositor();
 
 private:
     X11Watch();
-    void note(const xcb_generic_event_t& event);
+    void handleEvent(const xcb_generic_event_t& event);
 
     struct Disconnect {
         void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
     };
     std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
-    std::uint32_t m_ownWindows = 0;     ///< What the numbers of this program's windows begin with.
-    std::uint32_t m_ownWindowsMask = 0; ///< The bits that say so.
+    // A window belongs to this program if its resource id, masked, equals the base.
+    std::uint32_t m_ownIdBase = 0;
+    std::uint32_t m_ownIdMask = 0;
     std::uint8_t m_firstFixesEvent = 0;
-    std::uint64_t m_arrangement = 0;
-    std::uint64_t m_othersArrangement = 0;
+    std::uint64_t m_stackingSerial = 0;
+    std::uint64_t m_foreignStackingSerial = 0;
     bool m_hasCompositor = true;
 };
 

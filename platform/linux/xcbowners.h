@@ -12,11 +12,11 @@ namespace brimlet {
 struct FreeXcbReply {
     void operator()(void* reply) const { std::free(reply); } // NOLINT(*-no-malloc)
 };
-/// What libxcb hands over: a reply or an event, or null.
+/// Owns a reply or an event that libxcb allocated; null when there is none.
 template <typename Reply>
 using XcbOwned = std::unique_ptr<Reply, FreeXcbReply>;
 
-/// The program's own connection; null where its windows are not the X server's.
+/// Qt's X connection, which Qt owns; null when Qt uses another platform than X11.
 [[nodiscard]] inline xcb_connection_t* xcbConnectionOfQt() {
     const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     return x11 == nullptr ? nullptr : x11->connection();

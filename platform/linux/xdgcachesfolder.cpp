@@ -17,9 +17,10 @@ namespace {
     return QDir::cleanPath(path);
 }
 
-/// The home folder that the system notes for the user; one that exists nowhere for a user without.
-[[nodiscard]] QString notedHome() {
-    const passwd* const user = getpwuid(getuid()); // NOLINT(concurrency-mt-unsafe): one thread asks
+/// The home folder in the user database; "/nonexistent" for a user without one.
+[[nodiscard]] QString homeInDatabase() {
+    const passwd* const user =
+        getpwuid(getuid()); // NOLINT(concurrency-mt-unsafe): main thread only
     const auto home = absolutePath(user == nullptr ? QByteArray() : QByteArray(user->pw_dir));
     return home.value_or(QStringLiteral("/nonexistent"));
 }
@@ -30,7 +31,7 @@ std::optional<QString> XdgCachesFolder::path() const {
     if (auto caches = absolutePath(qgetenv("XDG_CACHE_HOME"))) {
         return caches;
     }
-    const QString home = absolutePath(qgetenv("HOME")).value_or(notedHome());
+    const QString home = absolutePath(qgetenv("HOME")).value_or(homeInDatabase());
     return QDir(home).filePath(QStringLiteral(".cache"));
 }
 

@@ -11,22 +11,23 @@
 #include <functional>
 #include <vector>
 
-/// A view that tells a tracker when the pointer comes into its boxes and leaves them, and shows
-/// their tooltips, whether the program is active or not.
+/// A view that reports to a tracker when the pointer enters and leaves its boxes, and shows their
+/// tooltips, also while the program is not active.
 @interface BrimletHoverView : NSView <NSViewToolTipOwner>
 
-/// Places are in the view's coordinates, y down. The tracker stays until it is forgotten.
+/// Positions are in the view's coordinates, in points, y down. The tracker must live until
+/// `forgetTracker`. `toolTipAt` returns the tooltip at a position, empty for none.
 - (instancetype)initWithTracker:(brimlet::HoverTracker*)tracker
                        toolTips:(std::function<QString(QPoint)>)toolTipAt;
 
-/// Takes the place of the boxes before.
+/// Replaces the boxes.
 - (void)followBoxes:(const std::vector<QRect>&)boxes;
 
-/// The tracker goes: nothing is told any more.
+/// Stops all reports to the tracker, which may then be destroyed.
 - (void)forgetTracker;
 
-/// Tells the tracker where the pointer is. A box that comes under a resting pointer is not entered
-/// by it, nor is one left when its window goes.
-- (void)lookForPointer;
+/// Reports the pointer's current position to the tracker. Needed because AppKit sends no event when
+/// a box appears under a resting pointer or the window of an entered box is hidden.
+- (void)updatePointerPosition;
 
 @end

@@ -22,7 +22,7 @@
     return self;
 }
 
-// As Qt counts, so that boxes need no conversion.
+// Qt's coordinates, so that boxes need no conversion.
 - (BOOL)isFlipped {
     return YES;
 }
@@ -47,14 +47,14 @@
         [_areas addObject:area];
         [self addToolTipRect:rect owner:self userData:nullptr];
     }
-    [self lookForPointer];
+    [self updatePointerPosition];
 }
 
 - (void)forgetTracker {
     _tracker = nullptr;
 }
 
-- (void)lookForPointer {
+- (void)updatePointerPosition {
     if (_tracker == nullptr) {
         return;
     }

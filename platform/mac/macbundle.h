@@ -4,11 +4,12 @@
 
 namespace brimlet {
 
-/// The application bundle. Outside one, as a bare executable, its path is the executable's folder.
+/// The main bundle. For a bare executable its path is the executable's folder.
 class MacBundle final : public Bundle {
 public:
     [[nodiscard]] QString path() const override;
-    /// A text, a number as a double, or for anything else a value that is neither.
+    /// A string, a number as a double, or an empty QVariantMap for a value of any other type.
+    /// Invalid when the key is missing.
     [[nodiscard]] QVariant infoDictionaryValue(const QString& key) const override;
     [[nodiscard]] QString identifier() const override;
 };

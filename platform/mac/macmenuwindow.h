@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/mac/rules/menuground.h"
+#include "platform/mac/rules/menubackground.h"
 #include "platform/menuwindow.h"
 #include "platform/observers.h"
 
@@ -14,12 +14,13 @@
 
 namespace brimlet {
 
-/// The menu-bar panel's window: a panel that takes the keyboard without making the program the
-/// active one, so that the keyboard comes back to where it was by itself. Where something else made
-/// the program active, such as a second start from the Finder, that is undone when the panel goes.
+/// The menu-bar panel's window: an NSPanel that takes the keyboard without activating the program,
+/// so that closing it returns the keyboard to the active program. If the program has become active
+/// for another reason, such as a second start from the Finder, `dismiss` activates the previous
+/// program.
 class MacMenuWindow final : public MenuWindow {
 public:
-    /// Takes the content, which is as large as its size hint says.
+    /// Takes ownership of the content and sizes it to its size hint.
     explicit MacMenuWindow(std::unique_ptr<QWidget> content);
     ~MacMenuWindow() override;
     MacMenuWindow(const MacMenuWindow&) = delete;
@@ -35,12 +36,12 @@ public:
 private:
     struct Native;
 
-    /// Goes away if it is there.
+    /// Hides the panel and notifies the observers; does nothing when it is hidden.
     void close();
-    /// Takes the content's size and goes where that fits.
+    /// Resizes to the content's size hint and moves to the place beside the status item.
     void fit();
 
-    MenuGround m_ground;
+    MenuBackground m_background;
     std::unique_ptr<Native> m_native;
     bool m_isPresented = false;
     Observers m_dismissals;

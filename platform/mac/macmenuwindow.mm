@@ -14,7 +14,7 @@ struct MacMenuWindow::Native final {
 };
 
 MacMenuWindow::MacMenuWindow(std::unique_ptr<QWidget> content)
-    : m_ground(
+    : m_background(
           std::move(content), [this] { dismiss(); }, [this] { fit(); },
           [this] { [m_native->panel invalidateShadow]; })
     , m_native(std::make_unique<Native>())
@@ -26,29 +26,29 @@ MacMenuWindow::MacMenuWindow(std::unique_ptr<QWidget> content)
     panel.collectionBehavior = NSWindowCollectionBehaviorMoveToActiveSpace |
                                NSWindowCollectionBehaviorFullScreenAuxiliary |
                                NSWindowCollectionBehaviorIgnoresCycle;
-    putInto(panel.contentView, m_ground);
+    putInto(panel.contentView, m_background);
 }
 
 MacMenuWindow::~MacMenuWindow() {
     m_isPresented = false;
     [m_native->panel orderOut:nil];
-    [viewOf(m_ground) removeFromSuperview];
+    [viewOf(m_background) removeFromSuperview];
 }
 
 void MacMenuWindow::present(const std::optional<Rect>& item) {
     if (!std::exchange(m_isPresented, true)) {
-        m_ground.appear(item);
+        m_background.appear(item);
         fit();
     }
     [m_native->panel orderFrontRegardless];
     [m_native->panel makeKeyWindow];
-    [m_native->panel makeFirstResponder:viewOf(m_ground)];
+    [m_native->panel makeFirstResponder:viewOf(m_background)];
 }
 
 void MacMenuWindow::dismiss() {
     close();
-    // A program without a Dock icon has no menus: the bar still shows those of the one before. That
-    // is not asked for when the user turned to another program, who has chosen by that.
+    // This program has no menus, so the menu bar still belongs to the previously active program. It
+    // is not activated in close(), which also runs when the user has just switched programs.
     if (NSApp.active) {
         [NSWorkspace.sharedWorkspace.menuBarOwningApplication activateWithOptions:0];
     }
@@ -59,15 +59,16 @@ void MacMenuWindow::close() {
         return;
     }
     [m_native->panel orderOut:nil];
-    // Qt takes being the first responder as the start of a window's activity, each time anew. It
-    // hears of the end, by the line above, only while its view is still that.
+    // Qt treats its view becoming the first responder as a window activation, so the view has to
+    // become it anew each time. It is reset only after orderOut:, whose deactivation Qt notices
+    // only while its view is the first responder.
     [m_native->panel makeFirstResponder:nil];
-    m_ground.hide();
+    m_background.hide();
     m_dismissals.notify();
 }
 
 void MacMenuWindow::fit() {
-    if (const auto frame = m_isPresented ? m_ground.fit() : std::nullopt) {
+    if (const auto frame = m_isPresented ? m_background.fit() : std::nullopt) {
         [m_native->panel setFrame:nativeRect(*frame) display:YES];
     }
 }

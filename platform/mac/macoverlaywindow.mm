@@ -66,7 +66,7 @@ void MacOverlayWindow::orderFrontRegardless() {
 
 void MacOverlayWindow::orderOut() {
     [m_native->panel orderOut:nil];
-    [m_native->hoverView lookForPointer];
+    [m_native->hoverView updatePointerPosition];
     m_content->hide();
 }
 
@@ -82,7 +82,7 @@ void MacOverlayWindow::setFrame(const Rect& frame) {
 
 void MacOverlayWindow::setIgnoresMouseEvents(bool ignores) {
     m_native->panel.ignoresMouseEvents = ignores;
-    [m_native->hoverView lookForPointer];
+    [m_native->hoverView updatePointerPosition];
 }
 
 void MacOverlayWindow::setClickable(const QRegion& clickable) {

@@ -10,7 +10,8 @@
 
 namespace brimlet {
 
-/// "Reduce motion" in the accessibility settings.
+/// "Reduce motion" in macOS's accessibility settings. Observers are also called when another
+/// display setting for accessibility changes.
 class MacReduceMotion final : public ReduceMotion {
 public:
     MacReduceMotion();

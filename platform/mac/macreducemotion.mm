@@ -6,7 +6,6 @@
 
 namespace brimlet {
 
-// Told of any of the display's accessibility settings.
 MacReduceMotion::MacReduceMotion()
     : m_registration(onNotification(NSWorkspace.sharedWorkspace.notificationCenter,
                                     NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification,

@@ -12,7 +12,7 @@
 
 namespace brimlet {
 
-/// NSScreen's list, read anew at each question.
+/// The list of NSScreen, read at each call.
 class MacScreens final : public Screens {
 public:
     MacScreens();

@@ -20,8 +20,8 @@ struct CFReleaser final {
 template <typename Ref>
 using CFOwner = std::unique_ptr<std::remove_pointer_t<Ref>, CFReleaser>;
 
-/// Leaves the start of the program, which waits for one, within two seconds.
-constexpr std::chrono::milliseconds readingTime(1500);
+/// The program's start waits for one read and must take less than two seconds.
+constexpr std::chrono::milliseconds kReadTimeout(1500);
 
 static_assert(keychainstatus::kSuccess == errSecSuccess);
 static_assert(keychainstatus::kUserCanceled == errSecUserCanceled);
@@ -91,7 +91,7 @@ SecretResult copyMatching(const KeychainQuery& query) {
 } // namespace
 
 SecretResult MacSecretStore::read(const QString& service, const QString& account) {
-    const auto deadline = std::chrono::steady_clock::now() + readingTime;
+    const auto deadline = std::chrono::steady_clock::now() + kReadTimeout;
     const auto answer = std::make_shared<SecretResult>(SecretError::Unavailable);
     const bool isInTime =
         m_worker.run([answer, query = keychainReading(service, account)](

@@ -7,11 +7,11 @@ namespace brimlet {
 
 /// Generic passwords in the user's default keychain.
 ///
-/// A keychain that is locked, or one that finds the program signed anew, asks the user and waits
-/// for the answer. So every call is made on a thread of its own, in order; a read is waited for up
-/// to a deadline and then given up here, while the question stays on the screen. No call can be
-/// broken off: what comes later waits behind the question, and what has not begun when the program
-/// ends is dropped.
+/// When the keychain is locked or the program's signature has changed, a call shows a dialog and
+/// blocks until the user has answered. All calls therefore run in order on a worker thread. A read
+/// waits for it for up to 1.5 s and then gives TimedOut; the dialog stays on the screen. Calls
+/// cannot be cancelled: later ones wait until the dialog is answered, and those not started when
+/// the store is destroyed are dropped.
 class MacSecretStore final : public SecretStore {
 public:
     [[nodiscard]] SecretResult read(const QString& service, const QString& account) override;

@@ -10,7 +10,7 @@
 
 namespace brimlet {
 
-/// Sleep and wake of the screens, and the default browser, as NSWorkspace has them.
+/// NSWorkspace: sleep and wake of the screens, and the default browser.
 class MacWorkspace final : public Workspace {
 public:
     MacWorkspace();

@@ -6,12 +6,13 @@
 
 class QWidget;
 
-/// A panel without a frame that never activates the program. Its style is given once and for all by
-/// the initializer, since a panel that is told later to be non-activating is reported to activate
-/// the program all the same; that is why it is not one of Qt's windows with another style.
+/// A panel without a frame that never activates the program. The non-activating style is set in the
+/// initializer: set later, it is reported to have no effect. Qt sets the style of its windows
+/// later, so the panels are made here.
 @interface BrimletPanel : NSPanel
 
-/// It stands at the level of status windows, transparent, and outlives its being closed.
+/// Makes a transparent panel at the level of status windows that is not released when closed.
+/// `takesKeyboard` says whether it can become the key window.
 - (instancetype)initTakingKeyboard:(BOOL)takesKeyboard;
 
 - (instancetype)initWithContentRect:(NSRect)contentRect
@@ -23,12 +24,14 @@ class QWidget;
 
 namespace brimlet {
 
+/// Global points are the same in both, so this copies the numbers.
 [[nodiscard]] NSRect nativeRect(const Rect& rect);
 
-/// The native view of a widget that has no parent. It belongs to the widget.
+/// The native view of a widget that has no parent. The widget owns it.
 [[nodiscard]] NSView* viewOf(QWidget& widget);
 
-/// Moves a widget's view out of the window that Qt made for it, which is never shown.
+/// Moves a widget's view into `parent`, out of the window that Qt made for it; that window is never
+/// shown.
 void putInto(NSView* parent, QWidget& widget);
 
 } // namespace brimlet

@@ -14,7 +14,7 @@
     if (self != nil) {
         _takesKeyboard = takesKeyboard;
         self.releasedWhenClosed = NO;
-        self.floatingPanel = YES; // which sets a level too
+        self.floatingPanel = YES; // also sets the level, so it comes first
         self.level = NSStatusWindowLevel;
         self.backgroundColor = NSColor.clearColor;
         self.opaque = NO;
@@ -46,7 +46,7 @@ NSView* viewOf(QWidget& widget) {
 void putInto(NSView* parent, QWidget& widget) {
     NSView* const view = viewOf(widget);
     view.window.contentView = nil;
-    view.autoresizingMask = NSViewNotSizable; // Qt sizes it, and would be told twice
+    view.autoresizingMask = NSViewNotSizable; // Qt alone resizes it
     [parent addSubview:view];
 }
 

@@ -6,8 +6,8 @@
 
 namespace brimlet {
 
-// As QString::toNSString and its like, which Qt has on a Mac alone, where the code that uses them
-// would have to be read.
+// The same as QString::toNSString and fromNSString. Qt declares those only on a Mac, so code that
+// uses them could not be parsed elsewhere.
 
 [[nodiscard]] NSString* toNative(const QString& text);
 

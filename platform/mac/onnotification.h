@@ -8,17 +8,17 @@
 
 namespace brimlet {
 
-/// Calls the block on the main thread whenever the notification comes, until the result goes. A nil
-/// sender is any.
+/// Calls the block on the main thread at each notification, until the result is destroyed. With a
+/// nil `sender`, notifications from all objects count.
 [[nodiscard]] inline QScopeGuard<std::function<void()>>
 onNotification(NSNotificationCenter* center, NSNotificationName name, id sender,
                const std::function<void()>& block) {
-    const std::function<void()> kept = block; // of a reference, only that would be kept
+    const std::function<void()> copy = block; // an Objective-C block would capture the reference
     id token = [center addObserverForName:name
                                    object:sender
                                     queue:NSOperationQueue.mainQueue
                                usingBlock:^(NSNotification*) {
-                                 kept();
+                                 copy();
                                }];
     return QScopeGuard<std::function<void()>>([center, token] { [center removeObserver:token]; });
 }

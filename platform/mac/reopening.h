@@ -4,9 +4,9 @@
 
 namespace brimlet {
 
-/// From now on, until the process ends, calls `block` whenever the running program is opened once
-/// more from the Finder, Spotlight or the Dock: those start no second process. Called once, with
-/// the application object there.
+/// From now on calls `block` on the main thread whenever the user opens the running program again
+/// from the Finder, Spotlight or the Dock, which start no second process. Call this once, after the
+/// application object was made.
 void onReopened(std::function<void()> block);
 
 } // namespace brimlet

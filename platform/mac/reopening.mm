@@ -9,7 +9,8 @@
 
 static std::function<void()> reopened;
 
-/// Hears the Apple event itself: from Qt's application delegate it comes as one activation more.
+/// Handles the Apple event in place of Qt's application delegate, which would turn it into an
+/// ordinary activation.
 @interface BrimletReopenHandler : NSObject
 @end
 
@@ -34,7 +35,7 @@ void onReopened(std::function<void()> block) {
                       andEventID:kAEReopenApplication];
     };
     install();
-    // AppKit puts its own handlers in while the application launches.
+    // AppKit installs its own handlers while the application launches, so install it again after.
     static const auto whenLaunched =
         onNotification(NSNotificationCenter.defaultCenter,
                        NSApplicationDidFinishLaunchingNotification, nil, install);

@@ -4,9 +4,9 @@
 
 namespace brimlet {
 
-/// How long the machine has been awake since some moment before the program began. Each system has
-/// its own clock for that: std::chrono::steady_clock stands still while a machine with Linux
-/// sleeps, and goes on while a Mac does.
+/// A monotonic clock that stops while the machine sleeps; its zero is some moment before the
+/// program started. Each system has its own implementation, because std::chrono::steady_clock stops
+/// during sleep on Linux but keeps running on macOS.
 [[nodiscard]] std::chrono::nanoseconds awakeTime();
 
 } // namespace brimlet

@@ -6,8 +6,9 @@
 
 namespace brimlet {
 
-// Between Qt's space (logical pixels, origin anywhere, y down) and the ports' space (points, origin
-// at the bottom left of the primary screen, y up). `primary` is the primary screen in Qt's space.
+// Conversions between Qt's space (logical pixels, arbitrary origin, y down) and the ports' global
+// points (origin at the bottom left of the primary screen, y up). `primary` is the primary screen's
+// geometry in Qt's space.
 
 [[nodiscard]] Rect fromQt(const QRectF& rect, const QRectF& primary);
 [[nodiscard]] QRectF toQt(const Rect& rect, const QRectF& primary);

@@ -10,9 +10,9 @@
 
 namespace brimlet {
 
-// What Qt knows of the screens at this moment. Apart from the rules, which need no window system.
+// Qt's current screens. Separate from menuplacement.h, whose rules need no application object.
 
-/// The primary screen in Qt's space; empty while there is none.
+/// The primary screen's geometry in Qt's space; empty while there is no screen.
 [[nodiscard]] inline QRectF primaryGeometry() {
     const QScreen* const primary = QGuiApplication::primaryScreen();
     return primary == nullptr ? QRectF() : QRectF(primary->geometry());

@@ -1,6 +1,6 @@
 #include "platform/qt/awaketime.h"
 
-#include <time.h> // the system's own, which has more than <ctime>
+#include <time.h> // not <ctime>, which lacks clock_gettime_nsec_np
 
 namespace brimlet {
 

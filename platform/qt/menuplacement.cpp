@@ -5,10 +5,10 @@
 namespace brimlet {
 namespace {
 
-/// Between the panel and the item, or the corner.
+/// Between the panel and the item or the screen's edges, in logical pixels.
 constexpr int kGap = 6;
 
-/// The least and greatest values are the same where the panel leaves no room.
+/// Like std::clamp, but `least` wins when the panel is too large and `greatest` is below it.
 int bounded(int value, int least, int greatest) {
     return std::max(least, std::min(value, greatest));
 }
@@ -29,18 +29,18 @@ QPoint menuOrigin(QSize panel, const std::optional<QRect>& item, const QRect& av
     return {bounded(x, available.x(), rightmost), bounded(y, available.y(), lowest)};
 }
 
-std::optional<QRect> menuFrame(QSize wish, const std::optional<QRect>& item,
+std::optional<QRect> menuFrame(QSize preferred, const std::optional<QRect>& item,
                                const std::vector<MenuScreen>& screens) {
     if (screens.empty()) {
         return std::nullopt;
     }
-    const auto itsScreen =
+    const auto itemScreen =
         std::find_if(screens.begin(), screens.end(), [&](const MenuScreen& screen) {
             return item && screen.geometry.contains(item->center());
         });
     const QRect available =
-        itsScreen == screens.end() ? screens.front().available : itsScreen->available;
-    const QSize size = wish.boundedTo(available.size());
+        itemScreen == screens.end() ? screens.front().available : itemScreen->available;
+    const QSize size = preferred.boundedTo(available.size());
     return QRect(menuOrigin(size, item, available), size);
 }
 

@@ -9,22 +9,22 @@
 
 namespace brimlet {
 
-/// A screen as the panel sees it, in Qt's space.
+/// A screen on which the panel may open, in Qt's space.
 struct MenuScreen final {
     QRect geometry;
-    QRect available; ///< What bars leave free.
+    QRect available; ///< Without the areas reserved by desktop bars.
 };
 
-/// Where the panel's upper left corner goes, all in Qt's space: beside the status item, below it
-/// in the upper half of the screen and above it in the lower; in the upper right corner when the
-/// item's place is unknown. It stays inside the part of the screen that bars leave free.
+/// The panel's top-left corner, in Qt's space: below the status item in the upper half of the
+/// available area, above it in the lower half, and in the top-right corner when the item's place is
+/// unknown. The panel stays inside the available area.
 [[nodiscard]] QPoint menuOrigin(QSize panel, const std::optional<QRect>& item,
                                 const QRect& available);
 
-/// Where the panel goes that would like to be as large as `wish`: on the screen that the item's
-/// middle is on, else on the first, and never larger than the free part there. Absent without a
-/// screen.
-[[nodiscard]] std::optional<QRect> menuFrame(QSize wish, const std::optional<QRect>& item,
+/// The frame of a panel of the preferred size, in Qt's space. It is on the screen that contains the
+/// item's centre, otherwise on the first screen, and never larger than the available area there.
+/// Absent without a screen.
+[[nodiscard]] std::optional<QRect> menuFrame(QSize preferred, const std::optional<QRect>& item,
                                              const std::vector<MenuScreen>& screens);
 
 } // namespace brimlet

@@ -4,7 +4,7 @@
 
 namespace brimlet {
 
-/// The user's caches where Qt knows them to be: on a Mac Library/Caches.
+/// QStandardPaths::GenericCacheLocation; on a Mac that is ~/Library/Caches.
 class QtCachesFolder final : public CachesFolder {
 public:
     [[nodiscard]] std::optional<QString> path() const override;

@@ -6,8 +6,8 @@
 
 namespace brimlet {
 
-/// A timer of a QtClock: an entry in its queue that enters itself anew with each tick. One that is
-/// late ticks once and goes on from there.
+/// An action of a QtClock that schedules itself again at each tick. Ticks that were missed are made
+/// up by one late tick, and the interval restarts from there.
 class QtRepeatingTimer final : public RepeatingTimer {
 public:
     QtRepeatingTimer(QtClock& clock, std::chrono::nanoseconds interval, std::function<void()> tick)
@@ -15,7 +15,7 @@ public:
         , m_isClockAlive(clock.m_isAlive)
         , m_interval(interval)
         , m_tick(std::make_shared<std::function<void()>>(std::move(tick))) {
-        enter(clock.uptime() + interval);
+        schedule(clock.uptime() + interval);
     }
     ~QtRepeatingTimer() override {
         if (*m_isClockAlive) {
@@ -26,14 +26,14 @@ public:
     QtRepeatingTimer& operator=(const QtRepeatingTimer&) = delete;
 
 private:
-    void enter(std::chrono::nanoseconds due) {
-        m_key = m_clock.enter(due, [this] { act(); });
+    void schedule(std::chrono::nanoseconds due) {
+        m_key = m_clock.schedule(due, [this] { onDue(); });
     }
-    void act() {
+    void onDue() {
         const auto now = m_clock.uptime();
         const auto next = m_key.first + m_interval;
-        enter(next > now ? next : now + m_interval);
-        const auto tick = m_tick; // which may destroy this timer
+        schedule(next > now ? next : now + m_interval);
+        const auto tick = m_tick; // kept alive, since the call may destroy this timer
         (*tick)();
     }
 
@@ -46,9 +46,9 @@ private:
 
 QtClock::QtClock() {
     m_timer.setSingleShot(true);
-    // Precise timers do not wake the program more often, and coarse ones drift apart.
+    // Coarse timers would drift apart, and precise ones wake the program no more often.
     m_timer.setTimerType(Qt::PreciseTimer);
-    m_timer.callOnTimeout([this] { actOnThoseDue(); });
+    m_timer.callOnTimeout([this] { runDueActions(); });
 }
 
 std::unique_ptr<RepeatingTimer> QtClock::repeat(std::chrono::milliseconds interval,
@@ -58,37 +58,37 @@ std::unique_ptr<RepeatingTimer> QtClock::repeat(std::chrono::milliseconds interv
 
 QCoro::Task<> QtClock::sleep(std::chrono::nanoseconds duration, std::stop_token stop) {
     const Deferred<bool> wake;
-    // As good as for ever, and far from where the sum would turn round.
+    // A century, which keeps the sum below far from overflow.
     constexpr std::chrono::nanoseconds kLongest = std::chrono::hours(100 * 365 * 24);
-    const Key key = enter(uptime() + std::clamp(duration, std::chrono::nanoseconds(0), kLongest),
-                          [wake] { wake.resolve(true); });
+    const Key key = schedule(uptime() + std::clamp(duration, std::chrono::nanoseconds(0), kLongest),
+                             [wake] { wake.resolve(true); });
     const std::stop_callback onStop(stop, [wake] { wake.resolve(false); });
     const auto isAlive = m_isAlive;
     const bool isOver = co_await wake;
     if (!isOver && *isAlive) {
-        remove(key); // which may be gone already, if it was stopped on the dot
+        remove(key); // a no-op if the sleep was stopped just as it became due
     }
 }
 
-QtClock::Key QtClock::enter(std::chrono::nanoseconds due, std::function<void()> action) {
+QtClock::Key QtClock::schedule(std::chrono::nanoseconds due, std::function<void()> action) {
     const Key key(due, m_nextNumber++);
-    m_due.emplace(key, std::move(action));
+    m_actions.emplace(key, std::move(action));
     startTimer();
     return key;
 }
 
 void QtClock::remove(const Key& key) {
-    m_due.erase(key);
+    m_actions.erase(key);
     startTimer();
 }
 
-/// Each is taken out just before its turn: one may remove another, or enter one that is due at
-/// once, which waits for the next turn of the loop.
-void QtClock::actOnThoseDue() {
+/// Each action is removed from the map before it runs, because it may remove others or destroy the
+/// clock. Actions scheduled meanwhile wait for the next turn of the event loop.
+void QtClock::runDueActions() {
     const Key end(uptime(), m_nextNumber);
     const auto isAlive = m_isAlive;
-    while (*isAlive && !m_due.empty() && m_due.begin()->first < end) {
-        const auto action = std::move(m_due.extract(m_due.begin()).mapped());
+    while (*isAlive && !m_actions.empty() && m_actions.begin()->first < end) {
+        const auto action = std::move(m_actions.extract(m_actions.begin()).mapped());
         action();
     }
     if (*isAlive) {
@@ -96,19 +96,20 @@ void QtClock::actOnThoseDue() {
     }
 }
 
-/// For what is due first. What is due later than a timer can run is looked at again.
+/// Starts the timer for the first action. One that is due later than the longest timer is handled
+/// by starting the timer again when it ends.
 void QtClock::startTimer() {
     constexpr std::chrono::milliseconds kLongestTimer = std::chrono::hours(24 * 24);
-    if (m_due.empty()) {
+    if (m_actions.empty()) {
         m_timer.stop();
         return;
     }
-    const auto end = m_due.begin()->first.first;
-    if (m_timer.isActive() && m_timerEnd == end) {
+    const auto due = m_actions.begin()->first.first;
+    if (m_timer.isActive() && m_timerDue == due) {
         return;
     }
-    m_timerEnd = end;
-    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(end - uptime());
+    m_timerDue = due;
+    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(due - uptime());
     m_timer.start(std::clamp(rest, std::chrono::milliseconds(0), kLongestTimer));
 }
 

@@ -11,14 +11,12 @@
 
 namespace brimlet {
 
-/// The system's clocks, with timers on the Qt event loop. All timers and sleeps share one timer of
-/// Qt's, so that those that are due together wake the program once, and any number of them costs
-/// little.
+/// The system's clocks, with timers on the Qt event loop. All timers and sleeps share one QTimer,
+/// so those that are due together wake the program only once. Main thread only.
 class QtClock final : public Clock {
 public:
     QtClock();
-    /// Timers tick no more then, and sleeps under way never end of themselves; they may still be
-    /// stopped.
+    /// Existing timers stop ticking, and pending sleeps end only through their stop token.
     ~QtClock() override { *m_isAlive = false; }
     QtClock(const QtClock&) = delete;
     QtClock& operator=(const QtClock&) = delete;
@@ -33,17 +31,17 @@ public:
 private:
     friend class QtRepeatingTimer;
 
-    /// The uptime at which something is due, and a number of its own.
+    /// The uptime at which an action is due, and a number that makes the key unique.
     using Key = std::pair<std::chrono::nanoseconds, std::uint64_t>;
 
-    [[nodiscard]] Key enter(std::chrono::nanoseconds due, std::function<void()> action);
+    [[nodiscard]] Key schedule(std::chrono::nanoseconds due, std::function<void()> action);
     void remove(const Key& key);
-    void actOnThoseDue();
+    void runDueActions();
     void startTimer();
 
-    std::map<Key, std::function<void()>> m_due;
+    std::map<Key, std::function<void()>> m_actions;
     std::uint64_t m_nextNumber = 0;
-    std::chrono::nanoseconds m_timerEnd{}; ///< When the timer that runs will end.
+    std::chrono::nanoseconds m_timerDue{}; ///< The uptime for which `m_timer` was started.
     QTimer m_timer;
     std::shared_ptr<bool> m_isAlive = std::make_shared<bool>(true);
 };

@@ -18,7 +18,7 @@ struct SerialWorker::Entry final {
 struct SerialWorker::Queue final {
     std::mutex mutex;
     std::condition_variable changed;
-    /// The one under way stays first until it has ended.
+    /// The running job stays first until it has ended.
     std::deque<std::shared_ptr<Entry>> entries;
     bool hasThread = false;
 };
@@ -49,7 +49,7 @@ bool SerialWorker::run(Job job, Deadline deadline) {
     if (m_queue->changed.wait_until(lock, deadline, [&entry] { return entry->isDone; })) {
         return true;
     }
-    // One that has not begun yet will find this out and do nothing.
+    // A job that has not started yet is skipped because of this.
     entry->stop.request_stop();
     return false;
 }
@@ -64,7 +64,7 @@ std::shared_ptr<SerialWorker::Entry> SerialWorker::enqueue(Job job) {
             std::thread(&SerialWorker::work, m_queue).detach();
             m_queue->hasThread = true;
         } catch (const std::system_error&) {
-            // No thread to be had: the job stays undone until one can be.
+            // No thread could be started. The job stays queued; the next one tries again.
         }
     }
     return entry;
@@ -78,7 +78,7 @@ void SerialWorker::work(const std::shared_ptr<Queue>& queue) {
         if (!entry->stop.stop_requested()) {
             entry->job(entry->stop.get_token());
         }
-        entry->job = nullptr; // what it holds goes before anyone is told
+        entry->job = nullptr; // destroys its captures before the caller continues
         lock.lock();
         entry->isDone = true;
         queue->entries.pop_front();

@@ -7,27 +7,27 @@
 
 namespace brimlet {
 
-/// Runs jobs strictly one after another on a thread that exists only while there are any. All
-/// members are for one thread.
+/// Runs jobs one after another, in order, on a thread that exists only while there are jobs. All
+/// members must be called from one thread.
 class SerialWorker final {
 public:
-    /// Should end early once a stop is requested, if it can. It must hold all it touches, and may
-    /// outlive the worker.
+    /// Runs on the worker thread and may outlive this object, so it must own everything it uses. It
+    /// should return early when a stop is requested.
     using Job = std::function<void(const std::stop_token&)>;
     using Deadline = std::chrono::steady_clock::time_point;
 
     SerialWorker();
-    /// Gives the jobs 0.7 s to end, then drops those that have not begun, asks the one that has to
-    /// stop, and leaves it to itself if it does not heed that within another 0.1 s.
+    /// Waits 0.7 s for the jobs, then drops those that have not started and requests the running
+    /// one to stop. If that has not returned 0.1 s later, its thread is left running, detached.
     ~SerialWorker();
     SerialWorker(const SerialWorker&) = delete;
     SerialWorker& operator=(const SerialWorker&) = delete;
 
-    /// Returns at once.
+    /// Queues the job and returns at once.
     void post(Job job);
 
-    /// True when the job, and every earlier one, has ended before the deadline. Otherwise the job
-    /// is dropped or asked to stop, and its effect must be ignored.
+    /// Queues the job and waits for it. True when it has ended before the deadline. Otherwise it is
+    /// dropped or requested to stop, and the caller must ignore its results.
     [[nodiscard]] bool run(Job job, Deadline deadline);
 
 private:
@@ -37,7 +37,7 @@ private:
     [[nodiscard]] std::shared_ptr<Entry> enqueue(Job job);
     static void work(const std::shared_ptr<Queue>& queue);
 
-    /// Shared with the thread.
+    /// Shared with the worker thread.
     std::shared_ptr<Queue> m_queue;
 };
 

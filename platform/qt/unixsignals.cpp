@@ -14,8 +14,8 @@
 namespace brimlet {
 namespace {
 
-/// Carries the news out of the signal handler, where little else is allowed: one byte a signal, its
-/// number. Open until the process ends.
+/// The signal handler writes the signal's number as one byte, and the main loop reads it: a handler
+/// may call little more than write(). Open until the process ends.
 std::array<int, 2> pipeEnds{-1, -1};
 
 std::map<int, std::function<void()>>& blocks() {
@@ -23,11 +23,11 @@ std::map<int, std::function<void()>>& blocks() {
     return bySignal;
 }
 
-extern "C" void tellMainLoop(int signal) {
-    const int interrupted = errno; // of whatever the signal came in between
+extern "C" void forwardToMainLoop(int signal) {
+    const int savedErrno = errno; // the interrupted code may be about to read it
     const auto byte = static_cast<unsigned char>(signal);
     [[maybe_unused]] const auto written = ::write(pipeEnds[1], &byte, 1);
-    errno = interrupted;
+    errno = savedErrno;
 }
 
 void readSignals() {
@@ -53,7 +53,7 @@ bool openPipe() {
     }
     auto* const application = QCoreApplication::instance();
     auto* const notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, application);
-    // Queued, so that a signal before the main loop runs is not lost.
+    // Queued, because quit() has no effect before the main loop runs.
     QObject::connect(notifier, &QSocketNotifier::activated, application, readSignals,
                      Qt::QueuedConnection);
     return true;
@@ -67,7 +67,7 @@ void onUnixSignal(int signal, std::function<void()> block) {
     }
     blocks()[signal] = std::move(block);
     struct sigaction action {};
-    action.sa_handler = tellMainLoop;
+    action.sa_handler = forwardToMainLoop;
     action.sa_flags = SA_RESTART;
     ::sigaction(signal, &action, nullptr);
 }

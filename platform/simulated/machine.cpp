@@ -12,7 +12,7 @@
 namespace brimlet {
 namespace {
 
-/// Reads the values of one object key by key and keeps the first complaint.
+/// Takes the values of a JSON object key by key and keeps the first error.
 class Reader final {
 public:
     Reader(QJsonObject object, QString where)
@@ -32,7 +32,8 @@ public:
         }
     }
 
-    /// Absent when the key is missing; a complaint when `isWanted` refuses its value.
+    /// Absent when the key is missing; also absent, with an error, when `isWanted` is false for its
+    /// value.
     std::optional<QJsonValue> take(const QString& key, const QString& wanted,
                                    bool (QJsonValue::*isWanted)() const) {
         const QJsonValue value = m_object.take(key);
@@ -91,11 +92,11 @@ public:
         return static_cast<std::uint32_t>(number);
     }
 
-    double numberBetween(const QString& key, double least, double most, double unsaid) {
+    double numberBetween(const QString& key, double least, double most, double byDefault) {
         const QString wanted = QStringLiteral("a number from %1 to %2").arg(least).arg(most);
         const auto value = take(key, wanted, &QJsonValue::isDouble);
         if (!value) {
-            return unsaid;
+            return byDefault;
         }
         if (value->toDouble() < least || value->toDouble() > most) {
             complain(key, wanted);
@@ -103,8 +104,8 @@ public:
         return value->toDouble();
     }
 
-    /// To be called last: what nobody asked for is a mistake.
-    void refuseTheRest() {
+    /// Call this last: a key that has not been taken is an error.
+    void refuseUnknownKeys() {
         if (!m_object.isEmpty() && m_error.isEmpty()) {
             m_error = QStringLiteral("unknown key \"%1\"").arg(m_where + m_object.keys().first());
         }
@@ -127,7 +128,7 @@ MachineDisplay readDisplay(Reader& reader) {
     display.screen.frame = frame.value_or(Rect{});
     display.screen.auxiliaryTopLeftArea = reader.rect(QStringLiteral("auxiliaryTopLeftArea"));
     display.screen.auxiliaryTopRightArea = reader.rect(QStringLiteral("auxiliaryTopRightArea"));
-    reader.refuseTheRest();
+    reader.refuseUnknownKeys();
     return display;
 }
 
@@ -193,7 +194,7 @@ MachineResult readMachine(const QByteArray& text) {
     machine.screensAsleep = reader.boolean(QStringLiteral("screensAsleep"));
     machine.speed = reader.numberBetween(QStringLiteral("speed"), 1, 1000, machine.speed);
     machine.drawNotch = reader.boolean(QStringLiteral("drawNotch")).value_or(false);
-    reader.refuseTheRest();
+    reader.refuseUnknownKeys();
     if (!reader.error().isEmpty()) {
         return reader.error();
     }

@@ -22,10 +22,11 @@ struct MachineDisplay final {
 
 enum class MachineSecretStore {
     System, ///< The user's own store.
-    Memory, ///< Gone with the process.
+    Memory, ///< Kept in memory, lost when the process ends.
 };
 
-/// What a machine file says. What it leaves open is absent and taken from the real machine.
+/// The contents of a machine file; docs/machines/README.md describes the keys. Absent values are
+/// taken from the real machine.
 struct Machine final {
     std::optional<std::vector<MachineDisplay>> displays;
     std::optional<QString> bundlePath;
@@ -34,19 +35,19 @@ struct Machine final {
     std::optional<MachineSecretStore> secretStore;
     std::optional<bool> reduceMotion;
     std::optional<bool> screensAsleep;
-    /// How many times as fast as on the real machine time passes, from 1 to 1000.
+    /// The factor by which time runs faster than on the real machine, from 1 to 1000.
     double speed = 1;
-    /// Paints the notch itself, so that a picture of the desktop looks like the machine.
+    /// Whether to paint a black notch on the screen, for screenshots.
     bool drawNotch = false;
 
     bool operator==(const Machine&) const = default;
 };
 
-/// A machine, or one line that says what is wrong and where.
+/// A machine, or one line that describes the error and its place.
 using MachineResult = std::variant<Machine, QString>;
 
-/// Reads a machine file's text: a JSON object. Every key is optional; unknown keys and wrong types
-/// are errors.
+/// Parses a machine file, a JSON object in UTF-8. All keys are optional; unknown keys and wrong
+/// types are errors.
 [[nodiscard]] MachineResult readMachine(const QByteArray& text);
 
 } // namespace brimlet

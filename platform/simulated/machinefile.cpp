@@ -18,33 +18,33 @@ MachineResult MachineFile::readFile(const QString& path) {
     if (!file.open(QIODevice::ReadOnly)) {
         return file.errorString();
     }
-    constexpr qint64 kMostBytes = qint64{1024} * 1024;
-    const QByteArray text = file.read(kMostBytes + 1);
-    if (text.size() > kMostBytes) {
+    constexpr qint64 kMaxBytes = qint64{1024} * 1024;
+    const QByteArray text = file.read(kMaxBytes + 1);
+    if (text.size() > kMaxBytes) {
         return QStringLiteral("larger than a mebibyte");
     }
     return readMachine(text);
 }
 
-QString MachineFile::complaintAbout(const QString& path) {
+QString MachineFile::errorIn(const QString& path) {
     const MachineResult result = readFile(path);
-    const auto* const complaint = std::get_if<QString>(&result);
-    return complaint == nullptr ? QString() : QStringLiteral("%1: %2").arg(path, *complaint);
+    const auto* const error = std::get_if<QString>(&result);
+    return error == nullptr ? QString() : QStringLiteral("%1: %2").arg(path, *error);
 }
 
 QString MachineFile::load() {
-    watch(); // first, so that no edit falls between
+    watch(); // before reading, so that no edit is missed in between
     MachineResult result = readFile(m_path);
-    if (const auto* const complaint = std::get_if<QString>(&result)) {
-        return QStringLiteral("%1: %2").arg(m_path, *complaint);
+    if (const auto* const error = std::get_if<QString>(&result)) {
+        return QStringLiteral("%1: %2").arg(m_path, *error);
     }
     m_machine = std::get<Machine>(std::move(result));
     return {};
 }
 
 void MachineFile::watch() {
-    // An editor may write a new file and rename it into place, which ends the watch on the old
-    // one; the folder tells of that.
+    // Many editors write a new file and rename it into place, which ends the watch on the old one.
+    // The watch on the folder notices that.
     const QFileInfo file(m_path);
     m_watcher.addPath(file.absolutePath());
     if (file.exists()) {
@@ -55,15 +55,15 @@ void MachineFile::watch() {
 void MachineFile::fileTouched() {
     watch();
     MachineResult result = readFile(m_path);
-    if (const auto* const complaint = std::get_if<QString>(&result)) {
-        // One edit may be reported several times.
-        if (std::exchange(m_lastComplaint, *complaint) != *complaint) {
-            Q_EMIT complained(
-                QStringLiteral("%1: %2; the machine stays as it was").arg(m_path, *complaint));
+    if (const auto* const error = std::get_if<QString>(&result)) {
+        // The watcher may report one edit several times.
+        if (std::exchange(m_lastError, *error) != *error) {
+            Q_EMIT failed(
+                QStringLiteral("%1: %2; the machine stays as it was").arg(m_path, *error));
         }
         return;
     }
-    m_lastComplaint.clear();
+    m_lastError.clear();
     const Machine before = std::exchange(m_machine, std::get<Machine>(std::move(result)));
     if (before != m_machine) {
         Q_EMIT changed(before);

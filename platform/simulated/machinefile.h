@@ -7,28 +7,29 @@
 
 namespace brimlet {
 
-/// The machine a file describes, followed through its edits. A file that turns bad or goes away
-/// leaves the machine as it was and a complaint. Main thread only.
+/// Reads a machine file and follows its edits. When the file becomes invalid or is removed, the
+/// last valid machine stays in effect and an error is emitted. Main thread only.
 class MachineFile final : public QObject {
     Q_OBJECT
 
 public:
-    /// Needs `load()` before anything else.
+    /// Call `load()` before anything else.
     explicit MachineFile(QString path);
 
-    /// Reads the file for the first time. Empty on success, else one line that names the file.
+    /// Reads the file and starts watching it. Returns an empty text on success, otherwise one line
+    /// that names the file and the error.
     [[nodiscard]] QString load();
 
-    /// The same without keeping anything; needs no application object.
-    [[nodiscard]] static QString complaintAbout(const QString& path);
+    /// The error that `load()` would return. Watches nothing and needs no application object.
+    [[nodiscard]] static QString errorIn(const QString& path);
 
     [[nodiscard]] const Machine& machine() const { return m_machine; }
 
 Q_SIGNALS:
-    /// After an edit that says something else. `before` is the machine up to now.
+    /// After an edit that changed the machine. `before` is the previous machine.
     void changed(const Machine& before);
-    /// After an edit that cannot be followed: one line that names the file.
-    void complained(const QString& complaint);
+    /// After an edit that made the file invalid: one line that names the file and the error.
+    void failed(const QString& error);
 
 private:
     [[nodiscard]] static MachineResult readFile(const QString& path);
@@ -36,7 +37,7 @@ private:
     void watch();
 
     QString m_path;
-    QString m_lastComplaint;
+    QString m_lastError;
     Machine m_machine;
     QFileSystemWatcher m_watcher;
 };

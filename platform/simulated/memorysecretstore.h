@@ -6,7 +6,7 @@
 
 namespace brimlet {
 
-/// A secret store that forgets with the process.
+/// A secret store in memory, lost when the process ends.
 class MemorySecretStore final : public SecretStore {
 public:
     [[nodiscard]] SecretResult read(const QString& service, const QString& account) override;

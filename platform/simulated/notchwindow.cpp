@@ -31,8 +31,9 @@ void NotchWindow::place(const std::optional<Rect>& notch, const QRectF& primary)
 }
 
 void NotchWindow::bringForward() {
-    // The overlay's own coming forward counts, too. Coming forward once more changes nothing.
-    if (std::exchange(m_arrangement, X11Watch::shared().arrangement()) != m_arrangement) {
+    // Windows of this program count too, because the overlay raises itself. Raising this window
+    // changes the serial once more, which leads to one more raise without effect.
+    if (std::exchange(m_stackingSerial, X11Watch::shared().stackingSerial()) != m_stackingSerial) {
         raise();
     }
 }
@@ -41,7 +42,7 @@ void NotchWindow::paintEvent(QPaintEvent* /*event*/) {
     constexpr qreal kCorner = 9;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    // Rounded below only: the upper corners lie above the window.
+    // Only the lower corners are rounded: the upper ones are above the window.
     QPainterPath shape;
     shape.addRoundedRect(QRectF(rect()).adjusted(0, -2 * kCorner, 0, 0), kCorner, kCorner);
     painter.fillPath(shape, Qt::black);

@@ -8,28 +8,29 @@
 
 namespace brimlet {
 
-/// The notch itself, painted where the described machine has one, so that a picture of the desktop
-/// looks like the machine. Lets clicks through.
+/// A window that paints the described machine's notch, for screenshots. Clicks go through it.
 class NotchWindow final : public QWidget {
     Q_OBJECT
 
 public:
     NotchWindow();
 
-    /// Where the notch is, in global points; absent hides the window. `primary` is the primary
-    /// display in Qt's space.
+    /// Shows the window at the notch's place in global points, or hides it when that is absent.
+    /// `primary` is the primary display's geometry in Qt's space.
     void place(const std::optional<Rect>& notch, const QRectF& primary);
-    /// No window stands above a real notch.
+    /// Raises the window above windows that were shown or raised since the last call, because
+    /// nothing covers a real notch.
     void bringForward();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    std::uint64_t m_arrangement = 0; ///< Of the windows, when this one was raised.
+    std::uint64_t m_stackingSerial = 0; ///< X11Watch's value when this window was last raised.
 };
 
-/// The gap between the strips of the built-in screen, down to their lower edge.
+/// The notch, in global points: the gap between the auxiliary areas of the built-in screen, down to
+/// the lower edge of the taller one. Absent without a screen or a gap.
 [[nodiscard]] std::optional<Rect> notchOf(const std::optional<Screen>& builtIn);
 
 } // namespace brimlet

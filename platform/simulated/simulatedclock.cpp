@@ -28,7 +28,7 @@ std::chrono::nanoseconds SimulatedClock::uptime() const {
 
 std::unique_ptr<RepeatingTimer> SimulatedClock::repeat(std::chrono::milliseconds interval,
                                                        std::function<void()> tick) {
-    // The real timer knows no part of a millisecond.
+    // The real timer's shortest interval is a millisecond.
     const auto shortened = std::max(times(interval, 1 / m_speed), std::chrono::milliseconds(1));
     return m_real.repeat(shortened, std::move(tick));
 }

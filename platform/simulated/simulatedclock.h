@@ -4,7 +4,7 @@
 
 namespace brimlet {
 
-/// A clock on which time passes so many times as fast as on the real one, which outlives it.
+/// A clock that runs faster than the real one by a constant factor. The real clock must outlive it.
 class SimulatedClock final : public Clock {
 public:
     /// `speed` is 1 or more.
@@ -20,7 +20,7 @@ public:
 private:
     Clock& m_real;
     const double m_speed;
-    // Where the two clocks show the same time.
+    // The moment at which the two clocks show the same time.
     const TimePoint m_start;
     const std::chrono::nanoseconds m_startUptime;
 };

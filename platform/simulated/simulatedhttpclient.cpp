@@ -5,13 +5,14 @@
 namespace brimlet {
 namespace {
 
-/// What a busy machine needs to answer itself.
-constexpr std::chrono::milliseconds kLeast(250);
+/// The time in which a busy machine can still answer a request from itself.
+constexpr std::chrono::milliseconds kMinTimeout(250);
 
 } // namespace
 
 SimulatedHttpClient::~SimulatedHttpClient() {
-    // A request that ends with it may lead to the next one, which then ends at once.
+    // Destroying the real client cancels its requests, which may make their callers send more. With
+    // `m_real` null, those are cancelled at once.
     const auto real = std::move(m_real);
 }
 
@@ -21,7 +22,7 @@ QCoro::Task<HttpResult> SimulatedHttpClient::send(HttpRequest request) {
     }
     request.timeout =
         std::max(std::chrono::duration_cast<std::chrono::milliseconds>(request.timeout / m_speed),
-                 std::min(request.timeout, kLeast));
+                 std::min(request.timeout, kMinTimeout));
     HttpResult result = co_await m_real->send(std::move(request));
     co_return result;
 }

@@ -7,8 +7,8 @@
 
 namespace brimlet {
 
-/// A client whose requests run out of time so many times as fast as with the real one, but none
-/// before a quarter of a second of real time.
+/// An HTTP client for a simulated clock: it divides request timeouts by the clock's speed, but
+/// makes none shorter than 0.25 s of real time. Timeouts that were shorter before stay unchanged.
 class SimulatedHttpClient final : public HttpClient {
 public:
     /// `speed` is 1 or more.
@@ -22,7 +22,7 @@ public:
     [[nodiscard]] QCoro::Task<HttpResult> send(HttpRequest request) override;
 
 private:
-    std::unique_ptr<HttpClient> m_real; ///< Null once this goes.
+    std::unique_ptr<HttpClient> m_real; ///< Null during destruction.
     const double m_speed;
 };
 

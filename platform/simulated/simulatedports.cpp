@@ -1,6 +1,6 @@
 #include "platform/simulated/simulatedports.h"
 
-#include "platform/linux/qtscreens.h"
+#include "platform/qt/desktopscreens.h"
 
 #include <QTimer>
 
@@ -42,7 +42,7 @@ bool SimulatedScreens::isBuiltIn(std::uint32_t displayNumber) const {
     if (!displays) {
         return m_real.isBuiltIn(displayNumber);
     }
-    // A display without a number is what the system knows as display 0.
+    // A display without a number counts as display 0, as on the real system.
     return std::any_of(displays->begin(), displays->end(), [&](const MachineDisplay& display) {
         return display.builtIn && display.screen.number.value_or(0) == displayNumber;
     });
@@ -54,7 +54,7 @@ ObserverToken SimulatedScreens::observeChanges(std::function<void()> changed) {
 
 QRectF simulatedPrimaryGeometry(const Machine& machine) {
     if (!machine.displays || machine.displays->empty()) {
-        return QtScreens::primaryGeometry();
+        return primaryGeometry();
     }
     const Rect& frame = machine.displays->front().screen.frame;
     return {0, 0, frame.width, frame.height};

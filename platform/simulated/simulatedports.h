@@ -11,8 +11,9 @@
 
 namespace brimlet {
 
-// Each port answers as the machine file says, and as the real machine where that says nothing. The
-// file and the real port outlive it. A notification is passed on when the answer has changed.
+// Each port answers from the machine file where that has the value, and from the real port
+// otherwise. The file and the real port must outlive it. Observers are called when the answer may
+// have changed.
 
 class SimulatedScreens final : public Screens {
 public:
@@ -28,12 +29,12 @@ private:
     Observers m_observers;
 };
 
-/// The described machine's primary display in Qt's space, with its top left at the origin; the
-/// real one's when no displays are described.
+/// The described machine's primary display in Qt's space, with its top left at the origin; the real
+/// primary screen when no displays are described.
 [[nodiscard]] QRectF simulatedPrimaryGeometry(const Machine& machine);
 
-/// Screens that the file has asleep at the start go to sleep one turn of the event loop after
-/// somebody cares.
+/// If the file says at the start that the screens are asleep, the sleep observers are called one
+/// turn of the event loop after the first of them was added.
 class SimulatedWorkspace final : public Workspace {
 public:
     SimulatedWorkspace(const MachineFile& file, Workspace& real);

@@ -2,8 +2,8 @@
 
 namespace brimlet {
 
-QString applicationIdentifier(const QString& ofBundle) {
-    return ofBundle.isEmpty() ? QStringLiteral("app.brimlet.host") : ofBundle;
+QString applicationIdentifier(const QString& bundleIdentifier) {
+    return bundleIdentifier.isEmpty() ? QStringLiteral("app.brimlet.host") : bundleIdentifier;
 }
 
 } // namespace brimlet

@@ -4,8 +4,8 @@
 
 namespace brimlet {
 
-/// The program's identifier: what its bundle says; without one, as a bare executable, what the
-/// bundle would say, so that it finds the same keychain item.
-[[nodiscard]] QString applicationIdentifier(const QString& ofBundle);
+/// The bundle's identifier, or "app.brimlet.host" for a bare executable, which has none, so that
+/// both use the same keychain item.
+[[nodiscard]] QString applicationIdentifier(const QString& bundleIdentifier);
 
 } // namespace brimlet

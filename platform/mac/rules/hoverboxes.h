@@ -7,8 +7,8 @@
 
 namespace brimlet {
 
-/// The boxes around the parts of a region that lie side by side, from left to right. Parts above
-/// one another are one part.
+/// Splits a region into parts separated by vertical gaps and returns the bounding box of each, from
+/// left to right. Areas whose horizontal extents touch or overlap belong to the same part.
 [[nodiscard]] std::vector<QRect> hoverBoxes(const QRegion& region);
 
 } // namespace brimlet

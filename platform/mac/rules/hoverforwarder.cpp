@@ -12,7 +12,7 @@ void HoverForwarder::enter(QPoint where) {
     }
     leave();
     m_entered = widget;
-    // Else Qt has told it already.
+    // If Qt has sent the widget an enter event already, it gets no second one.
     if (widget != nullptr && !widget->underMouse()) {
         QEnterEvent event(widget->mapFrom(&m_content, where), where, m_content.mapToGlobal(where));
         QCoreApplication::sendEvent(widget, &event);

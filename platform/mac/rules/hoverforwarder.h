@@ -6,21 +6,19 @@
 
 namespace brimlet {
 
-/// Tells the widget under the pointer that it is there and when it is gone. Qt does so itself only
-/// while the program is active, which it seldom is; a widget may hear the same from both.
+/// Sends enter and leave events to the widget under the pointer. Qt itself sends them only while
+/// the program is active, which it seldom is; then a widget may get the same event from both.
 class HoverForwarder final {
 public:
-    /// The content outlives this.
+    /// `content` must outlive this object.
     explicit HoverForwarder(QWidget& content)
         : m_content(content) {}
 
-    /// `where` is in the content's coordinates. Does nothing when the widget there is the one
-    /// entered before, else that is left first.
+    /// Enters the widget at a position in the content's coordinates, after leaving the one entered
+    /// before. Does nothing when they are the same.
     void enter(QPoint where);
-    /// Does nothing when none is entered.
+    /// Leaves the entered widget, if any.
     void leave();
-
-    [[nodiscard]] bool isInside() const { return m_entered != nullptr; }
 
 private:
     QWidget& m_content;

@@ -23,7 +23,7 @@ void HoverTracker::enter(std::size_t box) {
     if (box >= m_boxes.size()) {
         return;
     }
-    // In the same box too: the widget may be another by now.
+    // Also when the box is the same: there may be another widget in it by now.
     m_forwarder.enter(m_boxes[box].center());
     if (std::exchange(m_box, box) != box) {
         m_changed(true);
@@ -37,7 +37,7 @@ void HoverTracker::leave(std::size_t box) {
 }
 
 void HoverTracker::pointerAt(const std::optional<QPointF>& where) {
-    // Exactly on the far edge is outside: no leaving would be told from there.
+    // The far edges are outside, because AppKit sends no exit event for a pointer there.
     const auto box = std::find_if(m_boxes.begin(), m_boxes.end(), [&](const QRect& each) {
         return where && each.contains(static_cast<int>(std::floor(where->x())),
                                       static_cast<int>(std::floor(where->y())));

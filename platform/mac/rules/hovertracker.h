@@ -13,23 +13,24 @@
 
 namespace brimlet {
 
-/// Which of some boxes the pointer is in. The widget in the middle of that box is told.
+/// Tracks which of a list of boxes the pointer is in, and sends enter and leave events to the
+/// widget at that box's centre.
 class HoverTracker final {
 public:
-    /// The content outlives this; all places are in its coordinates. `changed` is called whenever
-    /// the pointer has come into a box or left one.
+    /// `content` must outlive this object; all positions are in its coordinates. `changed` is
+    /// called when the pointer has entered or left a box.
     HoverTracker(QWidget& content, std::function<void(bool isInside)> changed);
 
-    [[nodiscard]] const std::vector<QRect>& boxes() const { return m_boxes; }
-    /// Whether they are others than before; then the pointer counts as outside until it is told of.
+    /// Returns whether the boxes differ from those before. If so, the pointer counts as outside
+    /// until the next `enter` or `pointerAt`.
     bool setBoxes(const std::vector<QRect>& boxes);
 
-    /// The pointer came into the box of this number, or left it. A box that there is not counts for
-    /// nothing, nor does leaving another box than the one that the pointer is in.
+    /// The pointer entered the box with that index. Ignored when there is no such box.
     void enter(std::size_t box);
+    /// The pointer left the box with that index. Ignored unless it was in that box.
     void leave(std::size_t box);
 
-    /// Where the pointer is; absent while clicks pass through.
+    /// The pointer's current position; absent while the window is hidden or ignores the mouse.
     void pointerAt(const std::optional<QPointF>& where);
 
 private:
@@ -38,7 +39,7 @@ private:
     HoverForwarder m_forwarder;
     std::function<void(bool)> m_changed;
     std::vector<QRect> m_boxes;
-    std::optional<std::size_t> m_box; ///< The one that the pointer is in.
+    std::optional<std::size_t> m_box; ///< The index of the box that the pointer is in.
 };
 
 } // namespace brimlet

@@ -12,29 +12,30 @@
 
 namespace brimlet {
 
-/// The attributes of a keychain call, by the constants' names without their "kSec".
+/// Keys of a keychain query, named after the Security framework's constants without "kSec".
 enum class KeychainKey { Class, AttrService, AttrAccount, ValueData, ReturnData, MatchLimit };
 
-/// The values that are constants themselves.
+/// Values that are constants of the Security framework.
 enum class KeychainConstant { ClassGenericPassword, MatchLimitOne };
 
 using KeychainValue = std::variant<KeychainConstant, bool, QString, QByteArray>;
 
-/// What a call is asked with. Nothing but these attributes: a program without entitlements may not
-/// name an access group or a protection class.
+/// The dictionary passed to a keychain function. It has no access group and no protection class,
+/// which a program without entitlements may not use.
 using KeychainQuery = std::vector<std::pair<KeychainKey, KeychainValue>>;
 
-/// Names the item. Deleting takes no more.
+/// Identifies the item; complete for SecItemDelete.
 [[nodiscard]] KeychainQuery keychainItem(const QString& service, const QString& account);
 
-/// For SecItemCopyMatching: the item's bytes.
+/// For SecItemCopyMatching: requests the bytes of one item.
 [[nodiscard]] KeychainQuery keychainReading(const QString& service, const QString& account);
 
-/// For SecItemAdd.
+/// For SecItemAdd: the item and its bytes.
 [[nodiscard]] KeychainQuery keychainAdding(const QString& service, const QString& account,
                                            const QByteArray& value);
 
-/// The statuses that are told apart, as the Security framework numbers them.
+/// The OSStatus values that `keychainResult` distinguishes, with the numbers of the Security
+/// framework's errSec constants.
 namespace keychainstatus {
 constexpr int kSuccess = 0;
 constexpr int kUserCanceled = -128;
@@ -44,8 +45,8 @@ constexpr int kInteractionNotAllowed = -25308;
 constexpr int kInteractionRequired = -25315;
 } // namespace keychainstatus
 
-/// What reading came to. `status` is the OSStatus; `bytes` are absent where the call gave something
-/// else than bytes or nothing.
+/// The result of a read. `status` is the OSStatus of SecItemCopyMatching; `bytes` are absent when
+/// it gave no CFData.
 [[nodiscard]] SecretResult keychainResult(int status, const std::optional<QByteArray>& bytes);
 
 } // namespace brimlet

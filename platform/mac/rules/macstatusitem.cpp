@@ -12,7 +12,7 @@ MacStatusItem::MacStatusItem()
     : m_icon(templateSymbol()) {
     QObject::connect(&m_icon, &QSystemTrayIcon::activated, &m_icon,
                      [this](QSystemTrayIcon::ActivationReason reason) {
-                         // The first click of a double one has been told already.
+                         // A double click follows a click that has been reported already.
                          if (reason != QSystemTrayIcon::DoubleClick) {
                              for (const auto& observer : m_observers) {
                                  observer(place());

@@ -10,12 +10,12 @@
 
 namespace brimlet {
 
-/// The status item in the menu bar. It has no menu, which would open besides what a press does.
+/// The status item in the menu bar. It has no menu, because a menu would open at each press too.
 class MacStatusItem final : public StatusItem {
 public:
     MacStatusItem();
 
-    /// The menu bar is always there; whether the notch hides the item, nobody tells.
+    /// Always true, because macOS does not report when the notch hides the item.
     [[nodiscard]] bool isShown() const override { return true; }
     [[nodiscard]] std::optional<Rect> place() const override;
     void setToolTip(const QString& text) override { m_icon.setToolTip(text); }

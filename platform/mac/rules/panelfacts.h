@@ -5,11 +5,12 @@
 
 namespace brimlet {
 
-/// What AppKit says of the overlay's panel.
+/// Properties of the overlay's panel as AppKit reports them. The defaults are the wanted values;
+/// masks and levels are AppKit's.
 struct PanelFacts final {
     unsigned long styleMask = 0x80;          ///< Non-activating panel, nothing else.
-    unsigned long collectionBehavior = 0x51; ///< On all spaces, stationary, not cycled through.
-    long level = 25;                         ///< That of status windows.
+    unsigned long collectionBehavior = 0x51; ///< All spaces, stationary, ignores window cycling.
+    long level = 25;                         ///< NSStatusWindowLevel.
     bool isOpaque = false;
     bool hasClearBackground = true;
     bool hasShadow = false;
@@ -23,8 +24,8 @@ struct PanelFacts final {
     bool operator==(const PanelFacts&) const = default;
 };
 
-/// One line for each fact, in a fixed order: "level 25", followed by "  WRONG, should be ..."
-/// where it differs from the values above.
+/// One line for each property, such as "level 25", followed by "  WRONG, should be ..." where it
+/// differs from the wanted value.
 [[nodiscard]] QStringList panelReport(const PanelFacts& found);
 
 } // namespace brimlet

@@ -7,11 +7,12 @@
 
 namespace brimlet {
 
-/// The display number in a screen's description; absent when there is none, or when it is anything
-/// but a whole number of 32 bits.
+/// The display number from a screen's device description; absent when the description has none or
+/// when it is not an unsigned whole number of 32 bits.
 [[nodiscard]] std::optional<std::uint32_t> displayNumber(const std::optional<double>& described);
 
-/// The strip beside a notch. AppKit says "none" with an empty rectangle, wherever that lies.
+/// The auxiliary area beside a notch; absent when it is empty, which is AppKit's value for a screen
+/// without a notch.
 [[nodiscard]] std::optional<Rect> stripBesideNotch(const Rect& area);
 
 } // namespace brimlet

@@ -12,8 +12,8 @@ struct SelfTest final {
     bool isPassed = false;
 };
 
-/// What the program finds of its overlay panel and of the screens. Passed when the panel is as it
-/// has to be and there is a screen; a Mac without a notch passes.
+/// Reports on the overlay panel and the screens. Passed when all panel properties have the wanted
+/// values and there is a screen; a Mac without a notch passes.
 [[nodiscard]] SelfTest selfTest(const PanelFacts& panel, const Screens& screens);
 
 } // namespace brimlet

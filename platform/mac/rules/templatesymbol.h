@@ -4,8 +4,8 @@
 
 namespace brimlet {
 
-/// The status item's picture, a laptop seen from the front, as a mask: only its shape counts, and
-/// the menu bar colours it. In the sizes that fit menu bars at scale 1 and 2.
+/// The status item's icon, the front of a laptop, as a template: the menu bar uses only its shape
+/// and colours it. It has the sizes of menu bars at scale 1 and 2.
 [[nodiscard]] QIcon templateSymbol();
 
 } // namespace brimlet

@@ -1,7 +1,7 @@
-#include "platform/linux/qtscreens.h"
 #include "platform/linux/traystatusitem.h"
 #include "platform/linux/x11.h"
 #include "platform/qt/desktopgeometry.h"
+#include "platform/qt/desktopscreens.h"
 #include "tests/platform/linux/busservice.h"
 #include "tests/support/pointer.h"
 #include "tests/support/testpaths.h"
@@ -141,7 +141,7 @@ class TestTrayStatusItem final : public QObject {
         }
     }
     [[nodiscard]] static QRect placeOf(const std::optional<Rect>& press) {
-        return press ? toQt(*press, QtScreens::primaryGeometry()).toRect() : QRect();
+        return press ? toQt(*press, primaryGeometry()).toRect() : QRect();
     }
 
     void startTray(const QString& kind) {

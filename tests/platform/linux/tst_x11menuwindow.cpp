@@ -1,7 +1,7 @@
-#include "platform/linux/qtscreens.h"
 #include "platform/linux/x11menuwindow.h"
 #include "platform/linux/x11watch.h"
 #include "platform/qt/desktopgeometry.h"
+#include "platform/qt/desktopscreens.h"
 #include "tests/support/pointer.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
@@ -65,7 +65,7 @@ protected:
 
 /// The status item's place, given in Qt's space.
 [[nodiscard]] std::optional<Rect> itemAt(const QRect& place) {
-    return fromQt(QRectF(place), QtScreens::primaryGeometry());
+    return fromQt(QRectF(place), primaryGeometry());
 }
 
 } // namespace
@@ -106,7 +106,7 @@ private Q_SLOTS:
         moveTo(QPoint(5, 900));
         auto content = std::make_unique<Content>();
         m_content = content.get();
-        m_window = std::make_unique<X11MenuWindow>(std::move(content), QtScreens::primaryGeometry);
+        m_window = std::make_unique<X11MenuWindow>(std::move(content), primaryGeometry);
         m_dismissals = 0;
         m_window->observeDismissals([this] { ++m_dismissals; });
     }

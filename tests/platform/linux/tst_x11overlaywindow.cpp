@@ -208,7 +208,7 @@ private Q_SLOTS:
     void windowsOfThisProgramDoNotCount() {
         const auto window = makeWindow();
         QVERIFY(isAtRest(*window));
-        const std::uint64_t before = X11Watch::shared().othersArrangement();
+        const std::uint64_t before = X11Watch::shared().foreignStackingSerial();
         QWidget tip(nullptr, Qt::ToolTip | Qt::BypassWindowManagerHint);
         tip.setGeometry(0, 100, 100, 20);
         tip.show();
@@ -216,7 +216,7 @@ private Q_SLOTS:
         tip.raise();
         xcb_flush(connectionOfTheProgram());
         QTRY_VERIFY_WITH_TIMEOUT(m_stranger.isAbove(idOf(tip), idOf(*window)), kPatience);
-        QCOMPARE(X11Watch::shared().othersArrangement(), before);
+        QCOMPARE(X11Watch::shared().foreignStackingSerial(), before);
     }
 
     void aCompositorIsNoticedComingAndGoing() {

@@ -15,27 +15,27 @@ Q_DECLARE_METATYPE(std::optional<QPointF>)
 
 namespace {
 
-/// Notes what comes in.
-class Note final : public QWidget {
+/// Records its enter and leave events.
+class Recorder final : public QWidget {
 public:
-    Note(QWidget* parent, const QRect& place)
+    Recorder(QWidget* parent, const QRect& place)
         : QWidget(parent) {
         setGeometry(place);
     }
 
-    QStringList heard;
+    QStringList events;
 
 protected:
     void enterEvent(QEnterEvent* event) override {
         const QPoint where = event->position().toPoint();
-        heard << QStringLiteral("in %1,%2").arg(where.x()).arg(where.y());
+        events << QStringLiteral("in %1,%2").arg(where.x()).arg(where.y());
     }
-    void leaveEvent(QEvent* /*event*/) override { heard << QStringLiteral("out"); }
+    void leaveEvent(QEvent* /*event*/) override { events << QStringLiteral("out"); }
 };
 
 const std::vector<QRect> kCapsules{QRect(0, 0, 80, 24), QRect(120, 0, 80, 24)};
 
-/// Two widgets side by side whose boxes are tracked.
+/// Two widgets side by side, with a forwarder, and a tracker whose boxes are the widgets'.
 struct Capsules final {
     Capsules() {
         content.resize(200, 40);
@@ -43,9 +43,10 @@ struct Capsules final {
     }
 
     QWidget content;
-    Note left{&content, kCapsules.front()};
-    Note right{&content, kCapsules.back()};
-    QList<bool> hands;
+    Recorder left{&content, kCapsules.front()};
+    Recorder right{&content, kCapsules.back()};
+    HoverForwarder forwarder{content};
+    QList<bool> hands; ///< What the tracker reported, true for inside.
     HoverTracker tracker{content, [this](bool isInside) { hands << isInside; }};
 };
 
@@ -55,7 +56,7 @@ class TestHover final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void partsSideBySideHaveABoxEach() {
+    void partsSideBySideGetABoxEach() {
         const QRegion left = QRegion(QRect(10, 4, 100, 24), QRegion::Ellipse);
         const QRegion right = QRegion(QRect(320, 4, 36, 24), QRegion::Ellipse);
         const auto boxes = hoverBoxes(right + left);
@@ -64,17 +65,17 @@ private Q_SLOTS:
         QCOMPARE(boxes.back(), right.boundingRect());
     }
 
-    void onePartHasOneBox() {
+    void onePartGetsOneBox() {
         QCOMPARE(hoverBoxes(QRect(1, 2, 3, 4)), std::vector<QRect>{QRect(1, 2, 3, 4)});
     }
 
-    void partsAboveOneAnotherAreOne() {
+    void partsAboveOneAnotherShareABox() {
         QRegion region(QRect(0, 0, 10, 5));
         region += QRect(8, 20, 10, 5);
         QCOMPARE(hoverBoxes(region), std::vector<QRect>{QRect(0, 0, 18, 25)});
     }
 
-    void boxesGoFromLeftToRightThoughRegionsGoFromTopToBottom() {
+    void boxesAreOrderedFromLeftToRight() {
         const QRect left(10, 8, 100, 20);
         const QRect right(320, 4, 36, 20);
         const QRegion region = QRegion(right) + left;
@@ -82,118 +83,104 @@ private Q_SLOTS:
         QCOMPARE(hoverBoxes(region), (std::vector<QRect>{left, right}));
     }
 
-    void nothingHasNoBox() { QVERIFY(hoverBoxes({}).empty()); }
+    void anEmptyRegionHasNoBox() { QVERIFY(hoverBoxes({}).empty()); }
 
-    void theWidgetUnderThePointerHearsOfIt() {
-        QWidget content;
-        content.resize(200, 40);
-        Note left(&content, {0, 0, 80, 24});
-        Note right(&content, {120, 0, 80, 24});
-        HoverForwarder hover(content);
-        hover.enter({130, 10});
-        QCOMPARE(right.heard, QStringList{QStringLiteral("in 10,10")});
-        QVERIFY(left.heard.isEmpty());
-        QVERIFY(hover.isInside());
+    void theWidgetUnderThePointerIsEnteredAndLeft() {
+        Capsules capsules;
+        capsules.forwarder.enter({130, 10});
+        QCOMPARE(capsules.right.events, QStringList{QStringLiteral("in 10,10")});
+        QVERIFY(capsules.left.events.isEmpty());
+        QVERIFY(capsules.right.underMouse());
 
-        hover.leave();
-        hover.leave();
-        QCOMPARE(right.heard, (QStringList{QStringLiteral("in 10,10"), QStringLiteral("out")}));
-        QVERIFY(!hover.isInside());
+        capsules.forwarder.leave();
+        capsules.forwarder.leave();
+        QCOMPARE(capsules.right.events,
+                 (QStringList{QStringLiteral("in 10,10"), QStringLiteral("out")}));
+        QVERIFY(!capsules.right.underMouse());
     }
 
-    void enteringAnotherLeavesTheFirst() {
-        QWidget content;
-        content.resize(200, 40);
-        Note left(&content, {0, 0, 80, 24});
-        Note right(&content, {120, 0, 80, 24});
-        HoverForwarder hover(content);
-        hover.enter({40, 12});
-        hover.enter({160, 12});
-        QCOMPARE(left.heard, (QStringList{QStringLiteral("in 40,12"), QStringLiteral("out")}));
-        QCOMPARE(right.heard, QStringList{QStringLiteral("in 40,12")});
+    void enteringAnotherWidgetLeavesTheFirst() {
+        Capsules capsules;
+        capsules.forwarder.enter({40, 12});
+        capsules.forwarder.enter({160, 12});
+        QCOMPARE(capsules.left.events,
+                 (QStringList{QStringLiteral("in 40,12"), QStringLiteral("out")}));
+        QCOMPARE(capsules.right.events, QStringList{QStringLiteral("in 40,12")});
     }
 
-    void enteringTheSameAgainIsNothingNew() {
-        QWidget content;
-        content.resize(200, 40);
-        const Note note(&content, {0, 0, 80, 24});
-        HoverForwarder hover(content);
-        hover.enter({40, 12});
-        hover.enter({41, 12});
-        QCOMPARE(note.heard, QStringList{QStringLiteral("in 40,12")});
+    void movingInsideAWidgetSendsNothing() {
+        Capsules capsules;
+        capsules.forwarder.enter({40, 12});
+        capsules.forwarder.enter({41, 12});
+        QCOMPARE(capsules.left.events, QStringList{QStringLiteral("in 40,12")});
     }
 
-    void aWidgetThatQtHasToldIsNotToldAgain() {
-        QWidget content;
-        content.resize(200, 40);
-        Note note(&content, {0, 0, 80, 24});
+    void aWidgetThatQtHasEnteredGetsNoSecondEvent() {
+        Capsules capsules;
         QEnterEvent event({5, 5}, {5, 5}, {5, 5});
-        QCoreApplication::sendEvent(&note, &event);
-        HoverForwarder hover(content);
-        hover.enter({40, 12});
-        QCOMPARE(note.heard, QStringList{QStringLiteral("in 5,5")});
-        hover.leave();
-        QCOMPARE(note.heard.last(), QStringLiteral("out"));
+        QCoreApplication::sendEvent(&capsules.left, &event);
+        capsules.forwarder.enter({40, 12});
+        QCOMPARE(capsules.left.events, QStringList{QStringLiteral("in 5,5")});
+        capsules.forwarder.leave();
+        QCOMPARE(capsules.left.events.last(), QStringLiteral("out"));
     }
 
-    void aWidgetThatHidIsLeftAllTheSame() {
-        QWidget content;
-        content.resize(200, 40);
-        Note note(&content, {0, 0, 80, 24});
-        content.show();
-        HoverForwarder hover(content);
-        hover.enter({40, 12});
-        content.hide();
-        hover.leave();
-        QCOMPARE(note.heard.last(), QStringLiteral("out"));
-        QVERIFY(!note.underMouse());
+    void aWidgetThatWasHiddenIsStillLeft() {
+        Capsules capsules;
+        capsules.content.show();
+        capsules.forwarder.enter({40, 12});
+        capsules.content.hide();
+        capsules.forwarder.leave();
+        QCOMPARE(capsules.left.events.last(), QStringLiteral("out"));
+        QVERIFY(!capsules.left.underMouse());
     }
 
-    void aPlaceWithoutAWidgetIsNoEntering() {
-        QWidget content;
-        content.resize(200, 40);
-        const Note left(&content, {0, 0, 80, 24});
-        HoverForwarder hover(content);
-        hover.enter({100, 12});
-        QVERIFY(!hover.isInside());
+    void aPositionWithoutAWidgetEntersNothing() {
+        Capsules capsules;
+        capsules.forwarder.enter({100, 12});
+        capsules.forwarder.leave();
+        QVERIFY(capsules.left.events.isEmpty());
+        QVERIFY(capsules.right.events.isEmpty());
     }
 
-    void aWidgetThatGoesIsForgotten() {
-        QWidget content;
-        content.resize(200, 40);
-        HoverForwarder hover(content);
+    void aDeletedWidgetIsForgotten() {
+        Capsules capsules;
         {
-            const Note note(&content, {0, 0, 80, 24});
-            hover.enter({40, 12});
-            QVERIFY(hover.isInside());
+            const Recorder between(&capsules.content, {90, 0, 20, 24});
+            capsules.forwarder.enter({100, 12});
+            QVERIFY(between.underMouse());
         }
-        QVERIFY(!hover.isInside());
-        hover.leave();
+        {
+            const Recorder next(&capsules.content, {90, 0, 20, 24});
+            capsules.forwarder.enter({100, 12});
+            QCOMPARE(next.events, QStringList{QStringLiteral("in 10,12")});
+        }
+        capsules.forwarder.leave();
     }
 
-    void theTrackerTellsTheBoxesWidgetAndWhetherToShowTheHand() {
+    void theTrackerEntersTheWidgetInTheBoxAndReportsIt() {
         Capsules capsules;
         capsules.tracker.enter(1);
-        QCOMPARE(capsules.right.heard, QStringList{QStringLiteral("in 39,11")});
+        QCOMPARE(capsules.right.events, QStringList{QStringLiteral("in 39,11")});
         QCOMPARE(capsules.hands, QList<bool>{true});
         capsules.tracker.leave(1);
-        QCOMPARE(capsules.right.heard.last(), QStringLiteral("out"));
+        QCOMPARE(capsules.right.events.last(), QStringLiteral("out"));
         QCOMPARE(capsules.hands, (QList<bool>{true, false}));
-        QVERIFY(capsules.left.heard.isEmpty());
+        QVERIFY(capsules.left.events.isEmpty());
     }
 
-    void whoeverEnteredTheNextBoxFirstIsNotThrownOutByLeavingTheOneBefore() {
+    void leavingABoxAfterTheNextWasEnteredChangesNothing() {
         Capsules capsules;
         capsules.tracker.enter(0);
         capsules.tracker.enter(1);
         capsules.tracker.leave(0);
-        QCOMPARE(capsules.left.heard,
+        QCOMPARE(capsules.left.events,
                  (QStringList{QStringLiteral("in 39,11"), QStringLiteral("out")}));
-        QCOMPARE(capsules.right.heard, QStringList{QStringLiteral("in 39,11")});
+        QCOMPARE(capsules.right.events, QStringList{QStringLiteral("in 39,11")});
         QVERIFY(capsules.hands.last());
     }
 
-    void aBoxThatThereIsNotCountsForNothing() {
+    void unknownBoxesAreIgnored() {
         Capsules capsules;
         capsules.tracker.enter(2);
         capsules.tracker.enter(static_cast<std::size_t>(std::numeric_limits<long>::max()));
@@ -201,22 +188,22 @@ private Q_SLOTS:
         QVERIFY(capsules.hands.isEmpty());
     }
 
-    void otherBoxesAreLeftUntilThePointerIsFoundInThem() {
+    void newBoxesCountAsLeftUntilThePointerIsReportedInThem() {
         Capsules capsules;
         capsules.tracker.enter(0);
         QVERIFY(!capsules.tracker.setBoxes(kCapsules));
         QVERIFY(capsules.hands.last());
         QVERIFY(capsules.tracker.setBoxes({kCapsules.back()}));
-        QCOMPARE(capsules.left.heard.last(), QStringLiteral("out"));
+        QCOMPARE(capsules.left.events.last(), QStringLiteral("out"));
         QVERIFY(!capsules.hands.last());
-        QCOMPARE(capsules.tracker.boxes(), std::vector<QRect>{kCapsules.back()});
+        QVERIFY(!capsules.tracker.setBoxes({kCapsules.back()}));
 
         capsules.tracker.pointerAt(QPointF(150.5, 3.5));
-        QCOMPARE(capsules.right.heard, QStringList{QStringLiteral("in 39,11")});
+        QCOMPARE(capsules.right.events, QStringList{QStringLiteral("in 39,11")});
         QVERIFY(capsules.hands.last());
     }
 
-    void aPointerThatRestsIsLookedForInAllBoxes_data() {
+    void aPointersPositionIsMatchedWithTheBoxes_data() {
         QTest::addColumn<std::optional<QPointF>>("where");
         QTest::addColumn<bool>("isInLeft");
         QTest::addColumn<bool>("isInRight");
@@ -231,33 +218,33 @@ private Q_SLOTS:
         QTest::newRow("below") << Place(QPointF(40, 30)) << false << false;
         QTest::newRow("clicks pass through") << Place() << false << false;
     }
-    void aPointerThatRestsIsLookedForInAllBoxes() {
+    void aPointersPositionIsMatchedWithTheBoxes() {
         QFETCH(std::optional<QPointF>, where);
         Capsules capsules;
         capsules.tracker.pointerAt(where);
         capsules.tracker.pointerAt(where);
-        QTEST(!capsules.left.heard.isEmpty(), "isInLeft");
-        QTEST(!capsules.right.heard.isEmpty(), "isInRight");
-        QCOMPARE(capsules.hands.size(), capsules.left.heard.size() + capsules.right.heard.size());
+        QTEST(!capsules.left.events.isEmpty(), "isInLeft");
+        QTEST(!capsules.right.events.isEmpty(), "isInRight");
+        QCOMPARE(capsules.hands.size(), capsules.left.events.size() + capsules.right.events.size());
     }
 
-    void aPointerThatIsNowhereHasLeft() {
+    void anAbsentPointerHasLeft() {
         Capsules capsules;
         capsules.tracker.enter(0);
         capsules.tracker.pointerAt(std::nullopt);
-        QCOMPARE(capsules.left.heard.last(), QStringLiteral("out"));
+        QCOMPARE(capsules.left.events.last(), QStringLiteral("out"));
         QVERIFY(!capsules.hands.last());
     }
 
-    void aWidgetThatTookAnothersPlaceUnderThePointerHearsOfIt() {
+    void aWidgetThatReplacesAnotherUnderThePointerIsEntered() {
         Capsules capsules;
-        auto* const before = new Note(&capsules.content, {90, 0, 20, 24});
+        auto* const before = new Recorder(&capsules.content, {90, 0, 20, 24});
         QVERIFY(capsules.tracker.setBoxes({before->geometry()}));
         capsules.tracker.pointerAt(QPointF(100, 12));
         delete before;
-        const Note after(&capsules.content, {90, 0, 20, 24});
+        const Recorder after(&capsules.content, {90, 0, 20, 24});
         capsules.tracker.pointerAt(QPointF(100, 12));
-        QCOMPARE(after.heard.size(), 1);
+        QCOMPARE(after.events.size(), 1);
     }
 };
 

@@ -186,7 +186,7 @@ private Q_SLOTS:
         QFETCH(QString, complaint);
         MachineFixture f(R"({"bundlePath":"/old"})");
         const QSignalSpy changes(&f.file, &MachineFile::changed);
-        const QSignalSpy complaints(&f.file, &MachineFile::complained);
+        const QSignalSpy complaints(&f.file, &MachineFile::failed);
         f.write(text);
         QTRY_COMPARE(complaints.count(), 1);
         QCOMPARE(complaints.at(0).at(0).toString(),
@@ -200,7 +200,7 @@ private Q_SLOTS:
 
     void aRemovedFileIsToldAndKeepsTheOldStateUntilItIsBack() {
         MachineFixture f(R"({"bundlePath":"/old"})");
-        const QSignalSpy complaints(&f.file, &MachineFile::complained);
+        const QSignalSpy complaints(&f.file, &MachineFile::failed);
         QVERIFY(QFile::remove(f.path()));
         QTRY_COMPARE(complaints.count(), 1);
         QCOMPARE(f.bundle.path(), QStringLiteral("/old"));

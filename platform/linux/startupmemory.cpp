@@ -1,4 +1,4 @@
-#include "platform/linux/startmemory.h"
+#include "platform/linux/startupmemory.h"
 
 #include <QByteArrayList>
 #include <QFile>
@@ -9,17 +9,19 @@
 namespace brimlet {
 namespace {
 
-/// One mapping of the process, as /proc/self/smaps tells it.
+/// One memory mapping of the process, as listed in /proc/self/smaps.
 struct Mapping final {
     quintptr begin = 0;
     quintptr end = 0;
+    /// A private mapping of a file without write permission.
     bool isReadOnlyFile = false;
-    /// Holds pages that differ from the file, such as those the dynamic linker has filled in.
+    /// Some pages are locked or differ from the file, such as those the dynamic linker has
+    /// relocated.
     bool hasOwnPages = false;
 };
 
-/// Reads "7f00-7f10 r-xp 00000000 fe:00 123 /usr/lib/…", the line that begins a mapping; false for
-/// the lines about it that follow.
+/// Parses the first line of a mapping, "7f00-7f10 r-xp 00000000 fe:00 123 /usr/lib/…"; false for
+/// the lines of details that follow it.
 bool readHead(const QByteArray& line, Mapping& mapping) {
     const QByteArrayList fields = line.simplified().split(' ');
     const QByteArrayList range = fields.at(0).split('-');
@@ -33,16 +35,16 @@ bool readHead(const QByteArray& line, Mapping& mapping) {
     return true;
 }
 
-void giveBack(const Mapping& mapping) {
+void trim(const Mapping& mapping) {
     if (mapping.isReadOnlyFile && !mapping.hasOwnPages) {
-        // A private mapping of a file without pages of its own: nothing is lost.
+        // All pages are equal to the file, so none is lost.
         madvise(reinterpret_cast<void*>(mapping.begin), mapping.end - mapping.begin, // NOLINT
                 MADV_DONTNEED);
     }
 }
 
-/// Walks over the process's mappings. Each is given back when its last line was read.
-void giveBackFilePages() {
+/// Trims each of the process's mappings once all its lines have been read.
+void trimFilePages() {
     QFile file(QStringLiteral("/proc/self/smaps"));
     if (!file.open(QIODevice::ReadOnly)) {
         return;
@@ -51,7 +53,7 @@ void giveBackFilePages() {
     for (QByteArray line = file.readLine(); !line.isEmpty(); line = file.readLine()) {
         Mapping next;
         if (readHead(line, next)) {
-            giveBack(mapping);
+            trim(mapping);
             mapping = next;
         } else if ((line.startsWith("Anonymous:") || line.startsWith("Private_Dirty:") ||
                     line.startsWith("Locked:")) &&
@@ -59,13 +61,13 @@ void giveBackFilePages() {
             mapping.hasOwnPages = true;
         }
     }
-    giveBack(mapping);
+    trim(mapping);
 }
 
 } // namespace
 
-void giveBackStartMemory() {
-    giveBackFilePages();
+void trimStartupMemory() {
+    trimFilePages();
     malloc_trim(0);
 }
 

@@ -1,4 +1,4 @@
-#include "platform/mac/rules/menuground.h"
+#include "platform/mac/rules/menubackground.h"
 #include "tests/support/testprogram.h"
 
 #include <QApplication>
@@ -25,7 +25,7 @@ private:
 
 } // namespace
 
-class TestMenuGround final : public QObject {
+class TestMenuBackground final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -33,7 +33,7 @@ private Q_SLOTS:
         auto content = std::make_unique<QWidget>();
         auto* const field = new QLineEdit(content.get());
         int cancelled = 0;
-        MenuGround ground(
+        MenuBackground ground(
             std::move(content), [&] { ++cancelled; }, [] {}, [] {});
         QTest::keyClick(field, Qt::Key_Escape);
         QCOMPARE(cancelled, 1);
@@ -46,7 +46,7 @@ private Q_SLOTS:
         auto content = std::make_unique<Content>();
         auto* const inside = content.get();
         int changed = 0;
-        MenuGround ground(
+        MenuBackground ground(
             std::move(content), [] {}, [&] { ++changed; }, [] {});
         QCOMPARE(ground.sizeHint(), QSize(320, 400));
         inside->grow();
@@ -58,7 +58,7 @@ private Q_SLOTS:
         const QRect screen = QApplication::primaryScreen()->geometry();
         QCOMPARE(screen.topLeft(), QPoint(0, 0));
         const double top = screen.height();
-        MenuGround ground(
+        MenuBackground ground(
             std::make_unique<Content>(), [] {}, [] {}, [] {});
         ground.appear(Rect{400, top - 24, 24, 24});
         QVERIFY(ground.isVisible());
@@ -73,7 +73,7 @@ private Q_SLOTS:
         content->setFocusPolicy(Qt::StrongFocus);
         auto* const inside = content.get();
         const auto* const field = new QLineEdit(inside);
-        MenuGround ground(
+        MenuBackground ground(
             std::move(content), [] {}, [] {}, [] {});
         ground.appear(std::nullopt);
         QCOMPARE(ground.focusWidget(), inside);
@@ -83,7 +83,7 @@ private Q_SLOTS:
     void theContentFillsItAlsoWhereThereIsLessRoom() {
         auto content = std::make_unique<Content>();
         const auto* const inside = content.get();
-        MenuGround ground(
+        MenuBackground ground(
             std::move(content), [] {}, [] {}, [] {});
         ground.resize(320, 250);
         ground.show();
@@ -92,7 +92,7 @@ private Q_SLOTS:
 
     void aShapeIsToldOfOnceItHasBeenPainted() {
         int reshaped = 0;
-        MenuGround ground(
+        MenuBackground ground(
             std::make_unique<QWidget>(), [] {}, [] {}, [&] { ++reshaped; });
         ground.resize(320, 400);
         QCoreApplication::processEvents();
@@ -111,7 +111,7 @@ private Q_SLOTS:
         QPalette palette;
         palette.setColor(QPalette::Window, Qt::blue);
         content->setPalette(palette);
-        MenuGround ground(
+        MenuBackground ground(
             std::move(content), [] {}, [] {}, [] {});
         ground.resize(100, 100);
         QImage picture(ground.size(), QImage::Format_ARGB32_Premultiplied);
@@ -123,5 +123,5 @@ private Q_SLOTS:
     }
 };
 
-BRIMLET_TEST(TestMenuGround, QApplication)
-#include "tst_menuground.moc"
+BRIMLET_TEST(TestMenuBackground, QApplication)
+#include "tst_menubackground.moc"

@@ -1,5 +1,5 @@
 #include "platform/linux/linuxworkspace.h"
-#include "platform/linux/silentbuses.h"
+#include "platform/linux/unresponsivebuses.h"
 #include "tests/support/stubbus.h"
 #include "tests/support/testprogram.h"
 
@@ -18,7 +18,7 @@ constexpr const char* kSystem = "DBUS_SYSTEM_BUS_ADDRESS";
 } // namespace
 
 /// In a desktop with a session bus that lives. What is left out stays so, hence the order.
-class TestSilentBuses final : public QObject {
+class TestUnresponsiveBuses final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -32,12 +32,12 @@ private Q_SLOTS:
         qputenv(kSystem, session);
         QElapsedTimer time;
         time.start();
-        leaveOutSilentBuses();
+        disableUnresponsiveBuses();
         qInfo("%lld us", static_cast<long long>(time.nsecsElapsed() / 1000));
         QVERIFY2(time.elapsed() < 500, QByteArray::number(time.elapsed()).constData());
         QCOMPARE(qgetenv(kSession), session);
         QCOMPARE(qgetenv(kSystem), session);
-        QVERIFY(environmentForOthers() == QProcessEnvironment::systemEnvironment());
+        QVERIFY(childEnvironment() == QProcessEnvironment::systemEnvironment());
     }
 
     void silentOnesAreLeftOutTogetherWithinASecond() {
@@ -48,14 +48,14 @@ private Q_SLOTS:
         const auto before = QProcessEnvironment::systemEnvironment();
         QElapsedTimer time;
         time.start();
-        leaveOutSilentBuses();
+        disableUnresponsiveBuses();
         QVERIFY(!QDBusConnection::sessionBus().isConnected());
         QVERIFY(!QDBusConnection::systemBus().isConnected());
         QVERIFY2(time.elapsed() < 1500, QByteArray::number(time.elapsed()).constData());
-        QVERIFY(environmentForOthers() == before);
+        QVERIFY(childEnvironment() == before);
         // Once more makes no difference.
-        leaveOutSilentBuses();
-        QVERIFY(environmentForOthers() == before);
+        disableUnresponsiveBuses();
+        QVERIFY(childEnvironment() == before);
     }
 
     void whoOpensALinkFindsTheBusAsItWas() {
@@ -76,10 +76,10 @@ private Q_SLOTS:
             QFile file(noted);
             return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
         };
-        QTRY_COMPARE(text(), environmentForOthers().value(QString::fromLatin1(kSession)));
+        QTRY_COMPARE(text(), childEnvironment().value(QString::fromLatin1(kSession)));
         QVERIFY(text() != qEnvironmentVariable(kSession));
     }
 };
 
-BRIMLET_TEST(TestSilentBuses, QCoreApplication)
-#include "tst_silentbuses.moc"
+BRIMLET_TEST(TestUnresponsiveBuses, QCoreApplication)
+#include "tst_unresponsivebuses.moc"

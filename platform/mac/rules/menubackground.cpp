@@ -1,4 +1,4 @@
-#include "platform/mac/rules/menuground.h"
+#include "platform/mac/rules/menubackground.h"
 
 #include "platform/qt/desktopgeometry.h"
 #include "platform/qt/desktopscreens.h"
@@ -11,8 +11,8 @@
 
 namespace brimlet {
 
-MenuGround::MenuGround(std::unique_ptr<QWidget> content, std::function<void()> cancelled,
-                       std::function<void()> changed, std::function<void()> reshaped)
+MenuBackground::MenuBackground(std::unique_ptr<QWidget> content, std::function<void()> cancelled,
+                               std::function<void()> changed, std::function<void()> reshaped)
     : QWidget(nullptr, Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
     , m_content(content.release())
     , m_cancelled(std::move(cancelled))
@@ -23,13 +23,13 @@ MenuGround::MenuGround(std::unique_ptr<QWidget> content, std::function<void()> c
     m_content->setParent(this);
 }
 
-void MenuGround::appear(const std::optional<Rect>& item) {
+void MenuBackground::appear(const std::optional<Rect>& item) {
     m_item = item ? std::optional(toQt(*item, primaryGeometry()).toRect()) : std::nullopt;
     m_content->setFocus();
     show();
 }
 
-std::optional<Rect> MenuGround::fit() {
+std::optional<Rect> MenuBackground::fit() {
     const auto place = menuFrame(sizeHint(), m_item, menuScreens());
     if (!place) {
         return std::nullopt;
@@ -38,14 +38,14 @@ std::optional<Rect> MenuGround::fit() {
     return fromQt(QRectF(*place), primaryGeometry());
 }
 
-bool MenuGround::event(QEvent* event) {
+bool MenuBackground::event(QEvent* event) {
     if (event->type() == QEvent::LayoutRequest) {
         m_changed();
     }
     return QWidget::event(event);
 }
 
-void MenuGround::keyPressEvent(QKeyEvent* event) {
+void MenuBackground::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Cancel)) {
         m_cancelled();
     } else {
@@ -53,7 +53,7 @@ void MenuGround::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void MenuGround::paintEvent(QPaintEvent* /*event*/) {
+void MenuBackground::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
@@ -61,11 +61,11 @@ void MenuGround::paintEvent(QPaintEvent* /*event*/) {
     constexpr double kCorner = 12;
     painter.drawRoundedRect(QRectF(rect()), kCorner, kCorner);
     if (std::exchange(m_isReshaped, false)) {
-        QMetaObject::invokeMethod(this, m_reshaped, Qt::QueuedConnection); // once it can be seen
+        QMetaObject::invokeMethod(this, m_reshaped, Qt::QueuedConnection); // after this paint
     }
 }
 
-void MenuGround::resizeEvent(QResizeEvent* /*event*/) {
+void MenuBackground::resizeEvent(QResizeEvent* /*event*/) {
     m_content->setGeometry(rect());
     m_isReshaped = true;
 }

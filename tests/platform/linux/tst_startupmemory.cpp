@@ -1,4 +1,4 @@
-#include "platform/linux/startmemory.h"
+#include "platform/linux/startupmemory.h"
 #include "tests/support/testprogram.h"
 
 #include <QFile>
@@ -47,7 +47,7 @@ struct MappedFile final {
 
 } // namespace
 
-class TestStartMemory final : public QObject {
+class TestStartupMemory final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -57,7 +57,7 @@ private Q_SLOTS:
         QCOMPARE(mprotect(mapped.pages, 2 * kPage, PROT_READ), 0);
         QCOMPARE(mapped.pages[0], 'f');
         unsigned char isThere = 0;
-        giveBackStartMemory();
+        trimStartupMemory();
         QCOMPARE(mincore(mapped.pages, kPage, &isThere), 0); // still in the system's cache
         QVERIFY((isThere & 1) != 0);
         QCOMPARE(mapped.pages[0], 'f');
@@ -70,19 +70,19 @@ private Q_SLOTS:
         mapped.pages[kPage] = 'w';
         // Read-only from now on, as the tables that the dynamic linker has filled in are.
         QCOMPARE(mprotect(mapped.pages, 2 * kPage, PROT_READ), 0);
-        giveBackStartMemory();
+        trimStartupMemory();
         QCOMPARE(mapped.pages[kPage], 'w');
         QCOMPARE(mapped.pages[0], 'f');
     }
 
     void theProgramHoldsLessAfterwards() {
         const qint64 before = figure("Rss");
-        giveBackStartMemory();
+        trimStartupMemory();
         const qint64 after = figure("Rss");
         QVERIFY(before > 0 && after > 0);
         QVERIFY2(after < before, qPrintable(QStringLiteral("%1, %2").arg(before).arg(after)));
     }
 };
 
-BRIMLET_TEST(TestStartMemory, QCoreApplication)
-#include "tst_startmemory.moc"
+BRIMLET_TEST(TestStartupMemory, QCoreApplication)
+#include "tst_startupmemory.moc"
