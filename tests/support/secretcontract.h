@@ -2,6 +2,7 @@
 
 #include "platform/secretstore.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTest>
 
@@ -16,6 +17,9 @@ class SecretContract : public QObject {
 
 protected:
     [[nodiscard]] virtual SecretStore& store() = 0;
+    /// Destroys the store, even while it is writing, and makes another, as the next run of the
+    /// program does.
+    virtual void reopen() = 0;
     /// The number of items of that name, not counted through the store.
     [[nodiscard]] virtual qsizetype count(const QString& service, const QString& account) = 0;
 
@@ -95,6 +99,29 @@ private Q_SLOTS:
                  std::optional<QByteArray>("of the other service"));
         QCOMPARE(bytes(m_service, m_otherAccount),
                  std::optional<QByteArray>("of the other account"));
+    }
+
+    void theNextRunReadsWhatThisOneWrote() {
+        store().add(m_service, m_account, "token");
+        reopen();
+        QCOMPARE(bytes(m_service, m_account), std::optional<QByteArray>("token"));
+        store().remove(m_service, m_account);
+        reopen();
+        QCOMPARE(store().read(m_service, m_account), SecretResult(SecretError::NotFound));
+    }
+
+    void aWriteReturnsBeforeItIsDone() {
+        QElapsedTimer timer;
+        timer.start();
+        for (int i = 0; i < 50; ++i) {
+            store().remove(m_service, m_account);
+            store().add(m_service, m_account, "token");
+        }
+        QVERIFY2(timer.elapsed() < 100, qPrintable(QString::number(timer.elapsed())));
+        // A read waits for all of them, and times out while they take too long.
+        QTRY_COMPARE_WITH_TIMEOUT(bytes(m_service, m_account), std::optional<QByteArray>("token"),
+                                  20'000);
+        QCOMPARE(count(m_service, m_account), 1);
     }
 
     void aReadSeesEveryEarlierWrite() {

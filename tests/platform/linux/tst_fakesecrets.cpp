@@ -4,12 +4,13 @@
 
 using namespace brimlet;
 
-/// The store that other tests use must behave like a real one.
+/// The fake store fulfils the same contract as the real ones.
 class FakeSecretsTest final : public SecretContract {
     Q_OBJECT
 
 private:
     [[nodiscard]] SecretStore& store() override { return m_store; }
+    void reopen() override {} // the items last as long as the store
     [[nodiscard]] qsizetype count(const QString& service, const QString& account) override {
         return m_store.count(service, account);
     }
