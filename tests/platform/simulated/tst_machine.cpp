@@ -12,7 +12,7 @@ class TestMachine final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void anEmptyObjectLeavesEverythingToTheRealMachine() {
+    void anEmptyObjectHasNoValues() {
         const auto result = readMachine("{}");
         QVERIFY(std::holds_alternative<Machine>(result));
         QVERIFY(std::get<Machine>(result) == Machine());
@@ -51,12 +51,12 @@ private Q_SLOTS:
         QCOMPARE(machine.speed, 60.5);
     }
 
-    void mistakesAreNamed_data() {
+    void errorsNameTheirPlace_data() {
         QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QString>("complaint");
-        const auto row = [](const char* text, const char* complaint) {
+        QTest::addColumn<QString>("error");
+        const auto row = [](const char* text, const char* error) {
             QTest::newRow(*text == '\0' ? "(empty)" : text)
-                << QByteArray(text) << QString::fromUtf8(complaint);
+                << QByteArray(text) << QString::fromUtf8(error);
         };
         row("", "line 1: illegal value");
         row("{\n  \"displays\": [,]\n}", "line 2: illegal value");
@@ -87,11 +87,11 @@ private Q_SLOTS:
         row("{\"speed\": \"fast\"}", "\"speed\" must be a number from 1 to 1000");
         row("{\"drawNotch\": \"yes\"}", "\"drawNotch\" must be true or false");
     }
-    void mistakesAreNamed() {
+    void errorsNameTheirPlace() {
         QFETCH(QByteArray, text);
         const auto result = readMachine(text);
         QVERIFY(std::holds_alternative<QString>(result));
-        QTEST(std::get<QString>(result), "complaint");
+        QTEST(std::get<QString>(result), "error");
     }
 
     void theShippedMachinesAreWellFormed() {

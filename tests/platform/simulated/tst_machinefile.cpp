@@ -12,46 +12,26 @@ using namespace brimlet;
 
 namespace {
 
-class FakeReduceMotion final : public ReduceMotion {
-public:
-    [[nodiscard]] bool isOn() const override { return on; }
-    ObserverToken observeChanges(std::function<void()> changed) override {
-        return m_observers.add(std::move(changed));
-    }
-    void set(bool value) {
-        on = value;
-        m_observers.notify();
-    }
-    bool on = false;
-
-private:
-    Observers m_observers;
-};
-
-class FakeCachesFolder final : public CachesFolder {
-public:
-    [[nodiscard]] std::optional<QString> path() const override { return QStringLiteral("/real"); }
-};
-
-/// A machine file in a folder of its own, with all simulated ports over fake real ones.
+/// A machine file in a temporary folder, and all simulated ports, with fakes as the real ones.
 struct MachineFixture final {
     explicit MachineFixture(const QByteArray& text) {
         write(text);
-        loadComplaint = file.load();
+        loadError = file.load();
+        realCachesFolder.folder = QStringLiteral("/real");
         screens.observeChanges([this] { ++screenChanges; });
         workspace.observeScreensDidSleep([this] { events << QStringLiteral("sleep"); });
         workspace.observeScreensDidWake([this] { events << QStringLiteral("wake"); });
         reduceMotion.observeChanges([this] { ++motionChanges; });
     }
 
-    /// Replaces the file as editors do: a new one, renamed into place.
+    /// Replaces the file with a new one renamed into place, as many editors do.
     void write(const QByteArray& text) const {
         QSaveFile out(path());
         QVERIFY(out.open(QIODevice::WriteOnly));
         out.write(text);
         QVERIFY(out.commit());
     }
-    /// Writes into the file as it stands.
+    /// Rewrites the existing file.
     void overwrite(const QByteArray& text) const {
         QFile out(path());
         QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
@@ -61,7 +41,7 @@ struct MachineFixture final {
 
     QTemporaryDir folder;
     MachineFile file{path()};
-    QString loadComplaint;
+    QString loadError;
     FakeScreens realScreens;
     FakeWorkspace realWorkspace;
     FakeBundle realBundle;
@@ -91,12 +71,12 @@ private Q_SLOTS:
 
     void aMalformedFileIsAnErrorThatNamesTheFile() {
         const MachineFixture f("{");
-        QVERIFY(f.loadComplaint.startsWith(f.path() + QStringLiteral(": line 1")));
+        QVERIFY(f.loadError.startsWith(f.path() + QStringLiteral(": line 1")));
     }
 
-    void whatTheFileLeavesOpenIsReal() {
+    void absentKeysAreAnsweredByTheRealMachine() {
         MachineFixture f("{}");
-        QCOMPARE(f.loadComplaint, QString());
+        QCOMPARE(f.loadError, QString());
         Screen screen;
         screen.number = 3;
         f.realScreens.set({screen}, {3});
@@ -115,10 +95,10 @@ private Q_SLOTS:
         QCOMPARE(f.motionChanges, 1);
     }
 
-    void whatTheFileSaysHidesTheRealMachine() {
+    void givenKeysHideTheRealMachine() {
         MachineFixture f(R"({"displays":[], "bundlePath":"/b", "infoDictionary":{},
                              "cachesFolder":"/c", "reduceMotion":false, "screensAsleep":false})");
-        QCOMPARE(f.loadComplaint, QString());
+        QCOMPARE(f.loadError, QString());
         f.realScreens.set({Screen()}, {0});
         QVERIFY(f.screens.list().empty());
         QVERIFY(!f.screens.isBuiltIn(0));
@@ -173,48 +153,48 @@ private Q_SLOTS:
         QCOMPARE(f.motionChanges, 1);
     }
 
-    void aBadEditIsToldAndKeepsTheOldState_data() {
+    void aBadEditIsReportedAndKeepsTheOldState_data() {
         QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QString>("complaint");
+        QTest::addColumn<QString>("error");
         QTest::newRow("wrong type") << QByteArray(R"({"bundlePath":3})")
                                     << QStringLiteral("\"bundlePath\" must be a string");
         QTest::newRow("no JSON") << QByteArray("not a machine")
                                  << QStringLiteral("line 1: illegal value");
     }
-    void aBadEditIsToldAndKeepsTheOldState() {
+    void aBadEditIsReportedAndKeepsTheOldState() {
         QFETCH(QByteArray, text);
-        QFETCH(QString, complaint);
+        QFETCH(QString, error);
         MachineFixture f(R"({"bundlePath":"/old"})");
         const QSignalSpy changes(&f.file, &MachineFile::changed);
-        const QSignalSpy complaints(&f.file, &MachineFile::failed);
+        const QSignalSpy errors(&f.file, &MachineFile::failed);
         f.write(text);
-        QTRY_COMPARE(complaints.count(), 1);
-        QCOMPARE(complaints.at(0).at(0).toString(),
-                 QStringLiteral("%1: %2; the machine stays as it was").arg(f.path(), complaint));
+        QTRY_COMPARE(errors.count(), 1);
+        QCOMPARE(errors.at(0).at(0).toString(),
+                 QStringLiteral("%1: %2; the machine stays as it was").arg(f.path(), error));
         QCOMPARE(f.bundle.path(), QStringLiteral("/old"));
         QCOMPARE(changes.count(), 0);
         f.write(R"({"bundlePath":"/new"})");
         QTRY_COMPARE(f.bundle.path(), QStringLiteral("/new"));
-        QCOMPARE(complaints.count(), 1);
+        QCOMPARE(errors.count(), 1);
     }
 
-    void aRemovedFileIsToldAndKeepsTheOldStateUntilItIsBack() {
+    void aRemovedFileIsReportedAndKeepsTheOldStateUntilItIsBack() {
         MachineFixture f(R"({"bundlePath":"/old"})");
-        const QSignalSpy complaints(&f.file, &MachineFile::failed);
+        const QSignalSpy errors(&f.file, &MachineFile::failed);
         QVERIFY(QFile::remove(f.path()));
-        QTRY_COMPARE(complaints.count(), 1);
+        QTRY_COMPARE(errors.count(), 1);
         QCOMPARE(f.bundle.path(), QStringLiteral("/old"));
         f.write(R"({"bundlePath":"/back"})");
         QTRY_COMPARE(f.bundle.path(), QStringLiteral("/back"));
     }
 
-    void screensThatAreAsleepAtTheStartGoToSleep() {
+    void screensAsleepAtTheStartAreReported() {
         const MachineFixture f(R"({"screensAsleep":true})");
         QVERIFY(f.events.isEmpty());
         QTRY_COMPARE(f.events, QStringList{QStringLiteral("sleep")});
     }
 
-    void anEditThatSaysTheSameChangesNothing() {
+    void anEditWithoutEffectChangesNothing() {
         MachineFixture f(R"({"bundlePath":"/a"})");
         const QSignalSpy changes(&f.file, &MachineFile::changed);
         f.write(R"(  {"bundlePath":"/a"}  )");

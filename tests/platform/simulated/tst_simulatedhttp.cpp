@@ -11,13 +11,13 @@
 using namespace brimlet;
 using namespace std::chrono_literals;
 
-/// Ends what is under way when it goes, and counts what it is asked to send until then.
-class GoingClient final : public HttpClient {
+/// Cancels its request when it is destroyed, and counts the requests.
+class CancellingClient final : public HttpClient {
 public:
-    explicit GoingClient(int& sent)
+    explicit CancellingClient(int& sent)
         : m_sent(sent) {}
-    ~GoingClient() override { m_outcome.resolve(HttpError::Cancelled); }
-    Q_DISABLE_COPY_MOVE(GoingClient)
+    ~CancellingClient() override { m_outcome.resolve(HttpError::Cancelled); }
+    Q_DISABLE_COPY_MOVE(CancellingClient)
 
     [[nodiscard]] QCoro::Task<HttpResult> send(HttpRequest /*request*/) override {
         ++m_sent;
@@ -35,7 +35,7 @@ class TestSimulatedHttp final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aRequestsTimeShrinksWithTheSpeed_data() {
+    void timeoutsShrinkWithTheSpeed_data() {
         QTest::addColumn<double>("speed");
         QTest::addColumn<std::chrono::milliseconds>("asked");
         QTest::addColumn<std::chrono::milliseconds>("given");
@@ -44,7 +44,7 @@ private Q_SLOTS:
         QTest::newRow("a quarter of a second remains") << 1000.0 << 60'000ms << 250ms;
         QTest::newRow("what was shorter stays") << 1000.0 << 100ms << 100ms;
     }
-    void aRequestsTimeShrinksWithTheSpeed() {
+    void timeoutsShrinkWithTheSpeed() {
         QFETCH(double, speed);
         QFETCH(std::chrono::milliseconds, asked);
         QFETCH(std::chrono::milliseconds, given);
@@ -60,10 +60,10 @@ private Q_SLOTS:
         QCOMPARE(service.requests().at(0).timeout, given);
     }
 
-    void withItGoWhatIsUnderWayAndWhatFollows() {
+    void destructionCancelsPendingAndFollowingRequests() {
         int sent = 0;
         auto client =
-            std::make_unique<SimulatedHttpClient>(std::make_unique<GoingClient>(sent), 1.0);
+            std::make_unique<SimulatedHttpClient>(std::make_unique<CancellingClient>(sent), 1.0);
         std::vector<HttpResult> results;
         startTask([](HttpClient& http, std::vector<HttpResult>& all) -> QCoro::Task<> {
             const HttpRequest request{Url::fromString(u"http://127.0.0.1/").value()};
@@ -75,7 +75,7 @@ private Q_SLOTS:
         QVERIFY(results.empty());
         client.reset();
         QCOMPARE(results.size(), 2U);
-        QCOMPARE(sent, 1); // nothing through the one that was going
+        QCOMPARE(sent, 1); // none through the client being destroyed
         for (const HttpResult& result : results) {
             QCOMPARE(std::get<HttpError>(result), HttpError::Cancelled);
         }
