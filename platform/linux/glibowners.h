@@ -30,7 +30,7 @@ struct GObjectListFree {
 };
 using GObjectListPtr = std::unique_ptr<GList, GObjectListFree>;
 
-/// Gives the current thread a GLib main context of its own for the lifetime of this object. GLib
+/// Gives the current thread a separate GLib main context for the lifetime of this object. GLib
 /// calls made on the thread then dispatch their sources there and not in the main loop.
 class GOwnContext final {
 public:

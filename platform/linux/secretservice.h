@@ -23,9 +23,9 @@ struct SecretItemName final {
     QByteArray account;
 };
 
-/// Calls to the desktop's Secret Service. Each call connects anew, so a service may be started,
-/// ended or replaced at any time. A call blocks until the service has answered or `cancellable` is
-/// cancelled; make it on a thread that has a GOwnContext.
+/// Calls to the desktop's Secret Service. Each call makes its own connection, so a service may be
+/// started, ended or replaced at any time. A call blocks until the service has answered or
+/// `cancellable` is cancelled; make it on a thread that has a GOwnContext.
 namespace secretservice {
 
 /// Never prompts. A cancelled call gives Unavailable.

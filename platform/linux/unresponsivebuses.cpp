@@ -41,7 +41,7 @@ struct GFree {
     void operator()(gchar* text) const { g_free(text); }
 };
 
-/// A probe of one bus, on a thread of its own that ends with the answer or soon after this object.
+/// A probe of one bus, on a thread that ends with the answer or soon after this object.
 class BusProbe final {
 public:
     explicit BusProbe(GBusType type) {

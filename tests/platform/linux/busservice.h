@@ -7,8 +7,8 @@
 
 namespace brimlet {
 
-/// An object on the session bus under a name of its own, which goes when this goes. It is on a
-/// connection of its own, so that what it says takes the same way as a stranger's words.
+/// Exports an object on the session bus under a service name, for the lifetime of this. It uses a
+/// separate connection, so its signals arrive like those of another program.
 class BusService final {
 public:
     BusService(const QString& name, const QString& path, QObject& object)
@@ -17,12 +17,12 @@ public:
         , m_object(object)
         , m_connection(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)) {
         const auto everything = QDBusConnection::ExportAllContents;
-        m_isThere = m_connection.registerObject(path, &object, everything) &&
-                    m_connection.registerService(name);
+        m_isRegistered = m_connection.registerObject(path, &object, everything) &&
+                         m_connection.registerService(name);
     }
     ~BusService() {
-        // Qt's bus thread would still look at the object while it closes the connection, and, as
-        // the connection listens to the object, when it deletes it some time later.
+        // Qt's bus thread accesses the object while it closes the connection and, as the connection
+        // is connected to the object's signals, again when it deletes the connection later.
         m_connection.unregisterObject(m_path);
         QObject::disconnect(&m_object, nullptr, nullptr, nullptr);
         m_connection.unregisterService(m_name);
@@ -31,7 +31,7 @@ public:
     BusService(const BusService&) = delete;
     BusService& operator=(const BusService&) = delete;
 
-    [[nodiscard]] bool isThere() const { return m_isThere; }
+    [[nodiscard]] bool isRegistered() const { return m_isRegistered; }
     [[nodiscard]] QDBusConnection& connection() { return m_connection; }
 
 private:
@@ -39,11 +39,11 @@ private:
     QString m_path;
     QObject& m_object;
     QDBusConnection m_connection;
-    bool m_isThere = false;
+    bool m_isRegistered = false;
 };
 
-/// Returns when the bus has taken in all that was said to it over that connection before, such as
-/// whose signals are wanted.
+/// Returns when the bus has processed all messages sent on that connection before, such as match
+/// rules for signals.
 inline void settle(const QDBusConnection& connection) {
     const QDBusMessage reply = connection.call(QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),

@@ -1,35 +1,29 @@
 #pragma once
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
+#include "tests/platform/linux/writefile.h"
+
 #include <QTemporaryDir>
 
 namespace brimlet {
 
-/// A stand-in for what the kernel tells of an Apple laptop below "/".
+/// A temporary root folder with the kernel's files that describe an Apple laptop. Setters return
+/// false when the file could not be written.
 class KernelFolder final {
 public:
     [[nodiscard]] QString path() const { return m_folder.path(); }
 
-    /// The names of the machine's kind, each ended by a zero byte. False when they could not be
-    /// written.
+    /// Sets the device tree's "compatible" names, each ended by a zero byte.
     [[nodiscard]] bool setCompatible(const QByteArray& names) {
-        return write(QStringLiteral("proc/device-tree/compatible"), names);
+        return writeFile(m_folder.filePath(QStringLiteral("proc/device-tree/compatible")), names);
     }
+    /// Sets the display driver's parameter.
     [[nodiscard]] bool setShowNotch(const QByteArray& value,
                                     const QString& driver = QStringLiteral("appledrm")) {
-        return write(QStringLiteral("sys/module/%1/parameters/show_notch").arg(driver), value);
+        const auto name = QStringLiteral("sys/module/%1/parameters/show_notch").arg(driver);
+        return writeFile(m_folder.filePath(name), value);
     }
 
 private:
-    [[nodiscard]] bool write(const QString& name, const QByteArray& content) {
-        const QString path = m_folder.filePath(name);
-        QFile file(path);
-        return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly) &&
-               file.write(content) == content.size();
-    }
-
     QTemporaryDir m_folder;
 };
 

@@ -1,22 +1,19 @@
 #pragma once
 
-#include <QDir>
-#include <QFile>
+#include "tests/platform/linux/writefile.h"
+
 #include <QTemporaryDir>
 
 namespace brimlet {
 
-/// A stand-in for the kernel's list of connectors.
+/// A temporary stand-in for /sys/class/drm, the kernel's list of display connectors.
 class PanelFolder final {
 public:
     [[nodiscard]] QString path() const { return m_folder.path(); }
 
-    /// False when the attribute could not be written.
+    /// Sets a connector's attribute. False when it could not be written.
     [[nodiscard]] bool set(const QString& connector, const QString& name, const QByteArray& value) {
-        const QDir folder(m_folder.filePath(connector));
-        QFile file(folder.filePath(name));
-        return folder.mkpath(QStringLiteral(".")) && file.open(QIODevice::WriteOnly) &&
-               file.write(value + '\n') > 0;
+        return writeFile(m_folder.filePath(connector + u'/' + name), value + '\n');
     }
 
 private:

@@ -4,8 +4,8 @@
 
 namespace brimlet {
 
-/// How many items of that name the Secret Service has, locked ones included; -1 when it does not
-/// answer. Neither text may hold a comma.
+/// The number of the Secret Service's items of that name, including locked ones; -1 when the
+/// service does not answer. Neither argument may contain a comma.
 inline qsizetype secretServiceCount(const QString& service, const QString& account) {
     QProcess question;
     question.start(

@@ -31,7 +31,7 @@ private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".?"))); }
 
     void everyModelHasItsNotch_data() {
-        QTest::addColumn<QSizeF>("shown"); // half the panel's pixels
+        QTest::addColumn<QSizeF>("shown"); // in points, at scale 2
         QTest::addColumn<QSizeF>("hidden");
         QTest::addColumn<double>("gapStart");
         QTest::addColumn<double>("gapEnd");
@@ -67,7 +67,7 @@ private Q_SLOTS:
         QVERIFY(!notchStrips(*panel, kUnknown, panelName, {0, 0, hidden.width(), hidden.height()}));
     }
 
-    void othersHaveNone_data() {
+    void otherMachinesHaveNoNotch_data() {
         QTest::addColumn<QByteArrayList>("compatible");
         for (const char* const model : {"apple,j293", "apple,j313", "apple,j493"}) {
             QTest::newRow(model) << machine(model);
@@ -82,7 +82,7 @@ private Q_SLOTS:
         QTest::newRow("no device tree") << QByteArrayList();
     }
 
-    void othersHaveNone() {
+    void otherMachinesHaveNoNotch() {
         QFETCH(const QByteArrayList, compatible);
         QVERIFY(!notchedPanel(compatible));
     }
@@ -164,7 +164,7 @@ private Q_SLOTS:
                  {strips->left.width, strips->left.height, strips->right.x, strips->right.width}) {
                 QCOMPARE(value, std::floor(value));
             }
-            // Whole points around the notch, and not one more.
+            // The smallest gap in whole points that covers the notch.
             QVERIFY(strips->left.maxX() <= start + kRounding && strips->left.maxX() > start - 1);
             QVERIFY(strips->right.minX() >= end - kRounding && strips->right.minX() < end + 1);
             QVERIFY(strips->left.height >= panel->notchHeight * yScale - kRounding &&
@@ -174,7 +174,7 @@ private Q_SLOTS:
         }
     }
 
-    void theStripsGoWithTheScreen() {
+    void theStripsMoveWithTheScreen() {
         const auto panel = notchedPanel(machine("apple,j314s"));
         QVERIFY(panel);
         const auto strips = notchStrips(*panel, kUnknown, panelName, {-1512, 300, 1512, 982});
@@ -216,7 +216,7 @@ private Q_SLOTS:
         QCOMPARE(readCompatible(kernel.path()), QByteArrayList());
     }
 
-    void whatIsNotThereSaysNothing() {
+    void missingFilesGiveNoValue() {
         const KernelFolder kernel;
         QCOMPARE(readCompatible(kernel.path()), QByteArrayList());
         QCOMPARE(readShowNotch(kernel.path()), kUnknown);

@@ -22,7 +22,7 @@ QImage picture(int side) {
         .convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
-/// Relative luminance, 0 to 1.
+/// Relative luminance as WCAG 2 defines it, 0 to 1.
 double luminance(const QColor& color) {
     const auto linear = [](double part) {
         return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
@@ -31,7 +31,7 @@ double luminance(const QColor& color) {
            0.0722 * linear(color.blueF());
 }
 
-/// From 1 (the same) to 21 (black and white).
+/// The contrast ratio as WCAG 2 defines it, from 1 (equal) to 21 (black and white).
 double contrast(const QColor& one, const QColor& other) {
     const double a = luminance(one);
     const double b = luminance(other);
@@ -54,7 +54,7 @@ private Q_SLOTS:
     void nothingIsCutOffAtAnEdge_data() { sizes(); }
     void nothingIsCutOffAtAnEdge() {
         QFETCH(int, side);
-        // What would have been painted beyond the edge shows in a larger picture around it.
+        // Anything painted beyond the edge is visible in a larger image around it.
         QImage wide(3 * side, 3 * side, QImage::Format_ARGB32_Premultiplied);
         wide.fill(Qt::transparent);
         QPainter painter(&wide);
@@ -70,7 +70,7 @@ private Q_SLOTS:
                 }
             }
         }
-        // The laptop is wide: it fills the picture from side to side.
+        // The laptop spans the whole width.
         bool isLeftUsed = false;
         bool isRightUsed = false;
         for (int y = 0; y < side; ++y) {
@@ -82,20 +82,20 @@ private Q_SLOTS:
 
     void itCanBeSeenOnAnyBar_data() {
         QTest::addColumn<int>("side");
-        QTest::addColumn<QColor>("ground");
+        QTest::addColumn<QColor>("background");
         for (const int side : {16, 22, 24, 32, 44, 48}) {
-            for (const auto* const ground :
+            for (const auto* const background :
                  {"#000000", "#202020", "#3daee9", "#c8c8c8", "#dddddd", "#ffffff"}) {
-                QTest::addRow("%d on %s", side, ground)
-                    << side << QColor(QLatin1StringView(ground));
+                QTest::addRow("%d on %s", side, background)
+                    << side << QColor(QLatin1StringView(background));
             }
         }
     }
     void itCanBeSeenOnAnyBar() {
         QFETCH(int, side);
-        QFETCH(QColor, ground);
+        QFETCH(QColor, background);
         QImage shown(side, side, QImage::Format_RGB32);
-        shown.fill(ground);
+        shown.fill(background);
         QPainter painter(&shown);
         laptopSymbol().paint(&painter, QRect(0, 0, side, side));
         painter.end();
@@ -103,12 +103,12 @@ private Q_SLOTS:
         double highest = 1;
         for (int y = 0; y < side; ++y) {
             for (int x = 0; x < side; ++x) {
-                const double itsContrast = contrast(shown.pixelColor(x, y), ground);
+                const double itsContrast = contrast(shown.pixelColor(x, y), background);
                 highest = std::max(highest, itsContrast);
                 distinct += itsContrast >= 1.5 ? 1 : 0;
             }
         }
-        // A sixth of the picture: the outline of the lid, and the base.
+        // The outline of the lid and the base cover a sixth of the picture.
         const QByteArray seen = QByteArray::number(100.0 * distinct / (side * side)) +
                                 "% differ, contrast " + QByteArray::number(highest);
         qInfo("%s", seen.constData());
@@ -135,7 +135,7 @@ private Q_SLOTS:
         QVERIFY(QFile::copy(sourcePath(u"packaging/icons/app.brimlet.host-symbolic.svg"),
                             folder + QStringLiteral("/app.brimlet.host-symbolic.svg")));
         QCOMPARE(laptopSymbol().name(), QStringLiteral("app.brimlet.host-symbolic"));
-        // Other trays still get a picture.
+        // Trays that ignore the name still get a picture.
         QVERIFY(!laptopSymbol().pixmap(22, 22).isNull());
         QVERIFY(laptopSymbol().availableSizes().contains(QSize(22, 22)));
     }

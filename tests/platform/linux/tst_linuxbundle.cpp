@@ -1,9 +1,7 @@
 #include "platform/linux/linuxbundle.h"
+#include "tests/platform/linux/writefile.h"
 #include "tests/support/testprogram.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -18,18 +16,12 @@ private:
     [[nodiscard]] QString executable() const {
         return m_folder.filePath(QStringLiteral("bin/brimlet"));
     }
-    [[nodiscard]] bool write(const QString& path, const QByteArray& text) const {
-        const QString whole = m_folder.filePath(path);
-        QFile file(whole);
-        return QDir().mkpath(QFileInfo(whole).path()) && file.open(QIODevice::WriteOnly) &&
-               file.write(text) == text.size();
-    }
     [[nodiscard]] bool writeInfo(const QByteArray& text) const {
-        return write(QStringLiteral("share/brimlet/info.json"), text);
+        return writeFile(m_folder.filePath(QStringLiteral("share/brimlet/info.json")), text);
     }
 
 private Q_SLOTS:
-    void initTestCase() { QVERIFY(write(QStringLiteral("bin/brimlet"), "")); }
+    void initTestCase() { QVERIFY(writeFile(executable(), "")); }
 
     void onlyAPackagedProgramCountsAsAnApplication_data() {
         const QString application = QStringLiteral("/Applications/Brimlet.app");
@@ -67,7 +59,7 @@ private Q_SLOTS:
         QCOMPARE(LinuxBundle(link).path(), QStringLiteral("/Applications/Brimlet.app"));
     }
 
-    void aProgramThatIsGoneKeepsItsPath() {
+    void aMissingExecutableKeepsItsPath() {
         const QString gone = QStringLiteral("/nowhere/lib/../bin/brimlet");
         QCOMPARE(LinuxBundle(gone).path(), QStringLiteral("/nowhere"));
     }
@@ -102,7 +94,7 @@ private Q_SLOTS:
         QCOMPARE(found, value);
     }
 
-    void theFileIsReadAnewEachTime() {
+    void theFileIsReadAtEachCall() {
         const LinuxBundle bundle(executable());
         QVERIFY(writeInfo(R"({"key":"before"})"));
         QCOMPARE(bundle.infoDictionaryValue(QStringLiteral("key")), QStringLiteral("before"));

@@ -1,11 +1,10 @@
 #include "platform/linux/linuxreducemotion.h"
 #include "tests/platform/linux/busservice.h"
+#include "tests/platform/linux/writefile.h"
 #include "tests/support/testprogram.h"
 
 #include <QDBusMetaType>
 #include <QDBusVariant>
-#include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -35,7 +34,7 @@ class FakePortal final : public QObject {
 
 public:
     Settings settings;
-    int questions = 0;
+    int reads = 0;
 
     void change(const QString& group, const QString& key, const QVariant& value) {
         settings[group][key] = value;
@@ -44,21 +43,21 @@ public:
 
 public Q_SLOTS:
     Settings ReadAll(const QStringList& groups) {
-        ++questions;
-        Settings answer;
+        ++reads;
+        Settings reply;
         for (const QString& group : groups) {
             if (settings.contains(group)) {
-                answer[group] = settings[group];
+                reply[group] = settings[group];
             }
         }
-        return answer;
+        return reply;
     }
 
 Q_SIGNALS:
     void SettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
 };
 
-/// The files with KDE's settings: the user's and the system's.
+/// Temporary folders for KDE's configuration files, the user's and the system's.
 class KdeFiles final {
 public:
     [[nodiscard]] QStringList folders() const {
@@ -66,15 +65,12 @@ public:
                 m_folder.filePath(QStringLiteral("system"))};
     }
     [[nodiscard]] bool write(const QString& folder, const QByteArray& content) {
-        const QDir place(m_folder.filePath(folder));
-        QFile file(place.filePath(QStringLiteral("kdeglobals")));
-        return place.mkpath(QStringLiteral(".")) && file.open(QIODevice::WriteOnly) &&
-               file.write(content) == content.size();
+        return writeFile(m_folder.filePath(folder + QStringLiteral("/kdeglobals")), content);
     }
     [[nodiscard]] bool setFactor(const QByteArray& value) {
         return write(QStringLiteral("user"), "[KDE]\nAnimationDurationFactor=" + value + '\n');
     }
-    /// Says that the files have changed, the way KDE's settings do.
+    /// Signals that the files have changed, as KDE's configuration library does.
     static void announce(const QVariant& arguments) {
         const QString name = QStringLiteral("settings");
         auto message = QDBusMessage::createSignal(QStringLiteral("/kdeglobals"),
@@ -131,11 +127,10 @@ private Q_SLOTS:
         QTest::newRow("KDE, long") << stretched(QStringLiteral("2.8284271247461903")) << false;
         QTest::newRow("KDE, empty") << stretched(QString()) << false;
         QTest::newRow("KDE, no number") << stretched(QStringLiteral("0,5")) << false;
-        QTest::newRow("KDE's word and another's")
-            << Settings{{kde, {{factor, QStringLiteral("0")}}},
-                        {gnome, {{enableAnimations, true}}},
-                        {appearance, {{reducedMotion, 0U}}}}
-            << true;
+        QTest::newRow("KDE against others") << Settings{{kde, {{factor, QStringLiteral("0")}}},
+                                                        {gnome, {{enableAnimations, true}}},
+                                                        {appearance, {{reducedMotion, 0U}}}}
+                                            << true;
         QTest::newRow("either counts")
             << Settings{{appearance, {{reducedMotion, 1U}}}, {gnome, {{enableAnimations, true}}}}
             << true;
@@ -151,13 +146,13 @@ private Q_SLOTS:
         FakePortal portal;
         portal.settings = settings;
         const BusService service(portalName, portalPath, portal);
-        QVERIFY(service.isThere());
+        QVERIFY(service.isRegistered());
         LinuxReduceMotion motion;
         int changes = 0;
         motion.observeChanges([&changes] { ++changes; });
         QVERIFY(!motion.isOn());
-        QTRY_COMPARE(portal.questions, 1);
-        // Known once a later word of the portal has come through.
+        QTRY_COMPARE(portal.reads, 1);
+        // The reply has been processed once later signals of the portal have arrived.
         portal.change(appearance, reducedMotion, isOn ? 0U : 1U);
         portal.change(gnome, enableAnimations, true);
         portal.change(kde, factor, QStringLiteral("1"));
@@ -165,35 +160,35 @@ private Q_SLOTS:
         QCOMPARE(motion.isOn(), !isOn);
     }
 
-    void aChangeIsToldWhenItMakesADifference() {
+    void onlyChangesOfTheResultAreReported() {
         FakePortal portal;
         const BusService service(portalName, portalPath, portal);
         LinuxReduceMotion motion;
-        QList<bool> told;
-        motion.observeChanges([&] { told << motion.isOn(); });
+        QList<bool> reported;
+        motion.observeChanges([&] { reported << motion.isOn(); });
         settle(QDBusConnection::sessionBus());
         portal.change(gnome, enableAnimations, false);
         portal.change(gnome, enableAnimations, false);
         portal.change(appearance, reducedMotion, 1U);
         portal.change(gnome, enableAnimations, true);
         portal.change(appearance, reducedMotion, 0U);
-        QTRY_COMPARE(told, (QList<bool>{true, false}));
+        QTRY_COMPARE(reported, (QList<bool>{true, false}));
     }
 
-    void kdesChangesAreTold() {
+    void changesOfKdesFactorAreReported() {
         FakePortal portal;
         const BusService service(portalName, portalPath, portal);
         LinuxReduceMotion motion;
-        QList<bool> told;
-        motion.observeChanges([&] { told << motion.isOn(); });
+        QList<bool> reported;
+        motion.observeChanges([&] { reported << motion.isOn(); });
         settle(QDBusConnection::sessionBus());
         for (const char* const value : {"0.5", "0", "0", "1", "0"}) {
             portal.change(kde, factor, QString::fromLatin1(value));
         }
-        QTRY_COMPARE(told, (QList<bool>{true, false, true}));
+        QTRY_COMPARE(reported, (QList<bool>{true, false, true}));
     }
 
-    void aPortalThatComesLaterIsAsked() {
+    void aPortalThatStartsLaterIsRead() {
         LinuxReduceMotion motion;
         FakePortal portal;
         portal.settings = {{gnome, {{enableAnimations, false}}}};
@@ -219,8 +214,8 @@ private Q_SLOTS:
         row("spaces", "[KDE] \r\n AnimationDurationFactor = 0.0 \r\n", "", true);
         row("half", "[KDE]\nAnimationDurationFactor=0.5\n", "", false);
         row("usual", "[KDE]\nAnimationDurationFactor=1\n", "", false);
-        row("no word", "[KDE]\nSingleClick=false\n", "", false);
-        row("empty word", "[KDE]\nAnimationDurationFactor=\n", "", false);
+        row("key missing", "[KDE]\nSingleClick=false\n", "", false);
+        row("empty value", "[KDE]\nAnimationDurationFactor=\n", "", false);
         row("no number", "[KDE]\nAnimationDurationFactor=off\n", "", false);
         row("another group", "[KDE]\n[General]\nAnimationDurationFactor=0\n", "", false);
         row("a group inside", "[KDE][More]\nAnimationDurationFactor=0\n", "", false);
@@ -252,10 +247,8 @@ private Q_SLOTS:
         QTemporaryDir folder;
         const QByteArray before = qgetenv("XDG_CONFIG_HOME");
         qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
-        QFile file(folder.filePath(QStringLiteral("kdeglobals")));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("[KDE]\nAnimationDurationFactor=0\n");
-        file.close();
+        QVERIFY(writeFile(folder.filePath(QStringLiteral("kdeglobals")),
+                          "[KDE]\nAnimationDurationFactor=0\n"));
         const LinuxReduceMotion motion;
         qputenv("XDG_CONFIG_HOME", before);
         QVERIFY(motion.isOn());
@@ -264,28 +257,28 @@ private Q_SLOTS:
     void theFilesAreReadAgainWhenTheyChange() {
         KdeFiles files;
         LinuxReduceMotion motion(files.folders());
-        QList<bool> told;
-        motion.observeChanges([&] { told << motion.isOn(); });
+        QList<bool> reported;
+        motion.observeChanges([&] { reported << motion.isOn(); });
         settle(QDBusConnection::sessionBus());
         QVERIFY(files.setFactor("0"));
         KdeFiles::announce();
-        QTRY_COMPARE(told, (QList<bool>{true}));
+        QTRY_COMPARE(reported, (QList<bool>{true}));
         QVERIFY(files.setFactor("0.5"));
         KdeFiles::announce();
-        QTRY_COMPARE(told, (QList<bool>{true, false}));
-        // What is in the message does not matter.
+        QTRY_COMPARE(reported, (QList<bool>{true, false}));
+        // The signal's arguments do not matter.
         QVERIFY(files.setFactor("0"));
         KdeFiles::announce(QStringLiteral("KDE"));
-        QTRY_COMPARE(told, (QList<bool>{true, false, true}));
+        QTRY_COMPARE(reported, (QList<bool>{true, false, true}));
         QVERIFY(files.write(QStringLiteral("user"), "[KDE]\n"));
         KdeFiles::announce();
-        QTRY_COMPARE(told, (QList<bool>{true, false, true, false}));
+        QTRY_COMPARE(reported, (QList<bool>{true, false, true, false}));
     }
 
     void thePortalsAnswerReplacesTheFiles_data() {
         QTest::addColumn<QByteArray>("inFile");
         QTest::addColumn<Settings>("settings");
-        QTest::addColumn<bool>("isOnAtFirst");
+        QTest::addColumn<bool>("isOnFromFiles");
         QTest::addColumn<bool>("isOn");
         const auto stretched = [](const char* value) {
             return Settings{{kde, {{factor, QString::fromLatin1(value)}}}};
@@ -296,7 +289,7 @@ private Q_SLOTS:
         QTest::newRow("none in the portal only")
             << QByteArray("1") << stretched("0") << false << true;
         QTest::newRow("neither") << QByteArray("1") << stretched("1") << false << false;
-        QTest::newRow("no word in the portal") << QByteArray("0") << Settings{} << true << true;
+        QTest::newRow("not in the portal") << QByteArray("0") << Settings{} << true << true;
         QTest::newRow("another desktop's portal")
             << QByteArray("0") << Settings{{gnome, {{enableAnimations, true}}}} << true << true;
     }
@@ -304,7 +297,7 @@ private Q_SLOTS:
     void thePortalsAnswerReplacesTheFiles() {
         QFETCH(const QByteArray, inFile);
         QFETCH(const Settings, settings);
-        QFETCH(const bool, isOnAtFirst);
+        QFETCH(const bool, isOnFromFiles);
         QFETCH(const bool, isOn);
         KdeFiles files;
         QVERIFY(files.setFactor(inFile));
@@ -312,16 +305,18 @@ private Q_SLOTS:
         portal.settings = settings;
         const BusService service(portalName, portalPath, portal);
         LinuxReduceMotion motion(files.folders());
-        QList<bool> told;
-        motion.observeChanges([&] { told << motion.isOn(); });
-        QCOMPARE(motion.isOn(), isOnAtFirst);
-        QTRY_COMPARE(portal.questions, 1);
-        // Known once a later word of the portal has come through, which is a change in any case.
+        QList<bool> reported;
+        motion.observeChanges([&] { reported << motion.isOn(); });
+        QCOMPARE(motion.isOn(), isOnFromFiles);
+        QTRY_COMPARE(portal.reads, 1);
+        // The reply has been processed once a later signal has arrived, which causes a change in
+        // any case.
         portal.change(kde, factor, QString::fromLatin1(isOn ? "1" : "0"));
-        QTRY_COMPARE(told, isOn == isOnAtFirst ? (QList<bool>{!isOn}) : (QList<bool>{isOn, !isOn}));
+        QTRY_COMPARE(reported,
+                     isOn == isOnFromFiles ? (QList<bool>{!isOn}) : (QList<bool>{isOn, !isOn}));
     }
 
-    void aChangeThatThePortalKeepsSilentAboutIsFoundInTheFiles() {
+    void aChangeThatThePortalDoesNotReportIsReadFromTheFiles() {
         KdeFiles files;
         QVERIFY(files.setFactor("1"));
         FakePortal portal;
@@ -329,7 +324,7 @@ private Q_SLOTS:
         const BusService service(portalName, portalPath, portal);
         LinuxReduceMotion motion(files.folders());
         settle(QDBusConnection::sessionBus());
-        QTRY_COMPARE(portal.questions, 1);
+        QTRY_COMPARE(portal.reads, 1);
         QVERIFY(files.setFactor("0"));
         KdeFiles::announce();
         QTRY_VERIFY(motion.isOn());

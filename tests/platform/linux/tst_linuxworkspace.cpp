@@ -16,6 +16,27 @@ namespace {
 const QString mutterName = QStringLiteral("org.gnome.Mutter.DisplayConfig");
 const QString mutterPath = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
 
+[[nodiscard]] QByteArray contents(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// The desktop's default browser, which writes the addresses that it opens to a file.
+class RecordingBrowser final {
+public:
+    RecordingBrowser() {
+        QCOMPARE(
+            QProcess::execute(sourcePath(u"tests/support/session/recording-browser"), {path()}), 0);
+    }
+    /// The addresses, one on each line.
+    [[nodiscard]] QByteArray opened() const { return contents(path()); }
+
+private:
+    [[nodiscard]] QString path() const { return m_folder.filePath(QStringLiteral("opened")); }
+
+    QTemporaryDir m_folder;
+};
+
 } // namespace
 
 class FakeLogind final : public QObject {
@@ -33,12 +54,12 @@ class FakeMutter final : public QObject {
 
 public:
     [[nodiscard]] int powerSaveMode() const {
-        ++questions;
+        ++reads;
         return mode;
     }
 
     int mode = 0;
-    mutable int questions = 0;
+    mutable int reads = 0;
 };
 
 class LinuxWorkspaceTest final : public QObject {
@@ -67,17 +88,13 @@ private:
         mutter.mode = mode;
         announceMode(service, {{QStringLiteral("PowerSaveMode"), mode}}, {});
     }
-    [[nodiscard]] static QByteArray contents(const QString& path) {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-    /// Processes whose parent is this one, ended ones included.
+    /// The number of this process's children, including ended ones not yet waited for.
     [[nodiscard]] static int children() {
         int count = 0;
         const QStringList processes = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
         for (const QString& process : processes) {
             const QByteArray stat = contents(QStringLiteral("/proc/%1/stat").arg(process));
-            // The name, in brackets, may hold anything; state and parent come after it.
+            // The name, in parentheses, may contain anything; state and parent follow it.
             const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
             if (fields.size() > 1 && fields.at(1).toInt() == getpid()) {
                 ++count;
@@ -88,7 +105,7 @@ private:
 
 private Q_SLOTS:
     void initTestCase() {
-        // One private bus stands for both.
+        // The private session bus serves as the system bus too.
         QVERIFY(qputenv("DBUS_SYSTEM_BUS_ADDRESS", qgetenv("DBUS_SESSION_BUS_ADDRESS")));
     }
 
@@ -98,7 +115,7 @@ private Q_SLOTS:
         FakeLogind logind;
         const BusService service(QStringLiteral("org.freedesktop.login1"),
                                  QStringLiteral("/org/freedesktop/login1"), logind);
-        QVERIFY(service.isThere());
+        QVERIFY(service.isRegistered());
         LinuxWorkspace workspace(QStringLiteral("/nowhere"));
         record(workspace);
         Q_EMIT logind.PrepareForSleep(true);
@@ -107,7 +124,7 @@ private Q_SLOTS:
         QTRY_COMPARE(log(), QStringLiteral("sleep wake"));
     }
 
-    void aLogindThatGoesTakesItsSignAlong() {
+    void whenLogindEndsItsSleepEnds() {
         LinuxWorkspace workspace(QStringLiteral("/nowhere"));
         record(workspace);
         FakeLogind logind;
@@ -120,25 +137,25 @@ private Q_SLOTS:
         QTRY_COMPARE(log(), QStringLiteral("sleep wake"));
     }
 
-    void onlyLogindsWordCounts() {
+    void signalsOfOtherServicesAreIgnored() {
         FakeLogind logind;
-        FakeLogind stranger;
+        FakeLogind otherProgram;
         const BusService service(QStringLiteral("org.freedesktop.login1"),
                                  QStringLiteral("/org/freedesktop/login1"), logind);
-        const BusService other(QStringLiteral("app.brimlet.test.Stranger"),
-                               QStringLiteral("/org/freedesktop/login1"), stranger);
-        QVERIFY(other.isThere());
+        const BusService other(QStringLiteral("app.brimlet.test.Other"),
+                               QStringLiteral("/org/freedesktop/login1"), otherProgram);
+        QVERIFY(other.isRegistered());
         LinuxWorkspace workspace(QStringLiteral("/nowhere"));
         record(workspace);
-        Q_EMIT stranger.PrepareForSleep(true);
-        Q_EMIT stranger.PrepareForSleep(false);
+        Q_EMIT otherProgram.PrepareForSleep(true);
+        Q_EMIT otherProgram.PrepareForSleep(false);
         Q_EMIT logind.PrepareForSleep(true);
         Q_EMIT logind.PrepareForSleep(false);
         QTRY_VERIFY(log().endsWith(QStringLiteral("wake")));
         QCOMPARE(log(), QStringLiteral("sleep wake"));
     }
 
-    void twoHundredPairsAreAllTold() {
+    void twoHundredSleepsAndWakesAreReported() {
         FakeLogind logind;
         const BusService service(QStringLiteral("org.freedesktop.login1"),
                                  QStringLiteral("/org/freedesktop/login1"), logind);
@@ -153,7 +170,7 @@ private Q_SLOTS:
         QCOMPARE(m_log.count(QStringLiteral("sleep")), 200);
     }
 
-    void mutterSavingPowerIsASleep_data() {
+    void muttersPowerSavingCountsAsSleep_data() {
         QTest::addColumn<int>("mode");
         QTest::addColumn<QString>("log");
         QTest::newRow("unknown") << -1 << QString();
@@ -163,23 +180,23 @@ private Q_SLOTS:
         QTest::newRow("off") << 3 << QStringLiteral("sleep");
     }
 
-    void mutterSavingPowerIsASleep() {
+    void muttersPowerSavingCountsAsSleep() {
         QFETCH(const int, mode);
         QFETCH(const QString, log);
         FakeMutter mutter;
         BusService service(mutterName, mutterPath, mutter);
-        QVERIFY(service.isThere());
+        QVERIFY(service.isRegistered());
         LinuxWorkspace workspace(QStringLiteral("/nowhere"));
         record(workspace);
         setMode(service, mutter, mode);
-        // A change that is sure to be seen, after the one in question.
+        // A later change that is always reported shows that the first one was processed.
         setMode(service, mutter, mode > 0 ? 0 : 3);
         const QString next = mode > 0 ? QStringLiteral("sleep wake") : QStringLiteral("sleep");
         QTRY_COMPARE(this->log(), next);
         QVERIFY(next.startsWith(log));
     }
 
-    void aChangeThatIsOnlyHintedAtIsAskedFor() {
+    void anInvalidatedModeIsReadAgain() {
         FakeMutter mutter;
         BusService service(mutterName, mutterPath, mutter);
         LinuxWorkspace workspace(QStringLiteral("/nowhere"));
@@ -189,7 +206,7 @@ private Q_SLOTS:
         QTRY_COMPARE(log(), QStringLiteral("sleep"));
     }
 
-    void whatMutterSaidBeforeTheStartIsAskedFor() {
+    void muttersModeIsReadAtTheStart() {
         FakeMutter mutter;
         mutter.mode = 3;
         const BusService service(mutterName, mutterPath, mutter);
@@ -198,7 +215,7 @@ private Q_SLOTS:
         QTRY_COMPARE(log(), QStringLiteral("sleep"));
     }
 
-    void aMutterThatGoesTakesItsSignAlong() {
+    void whenMutterEndsItsSleepEnds() {
         LinuxWorkspace workspace(QStringLiteral("/nowhere"));
         record(workspace);
         FakeMutter mutter;
@@ -210,7 +227,7 @@ private Q_SLOTS:
         QTRY_COMPARE(log(), QStringLiteral("sleep wake"));
     }
 
-    void theScreensWakeWithTheLastSign() {
+    void theScreensWakeWhenNoSourceReportsSleep() {
         PanelFolder panels;
         FakeLogind logind;
         FakeMutter mutter;
@@ -230,10 +247,10 @@ private Q_SLOTS:
         setMode(display, mutter, 3);
         setPanel("On");
         setMode(display, mutter, 0);
-        // The question that follows the hint shows that what Mutter said before was heard.
-        const int questions = mutter.questions;
+        // Once Mutter is queried because of this signal, its earlier signals have been processed.
+        const int reads = mutter.reads;
         announceMode(display, {}, {QStringLiteral("PowerSaveMode")});
-        QTRY_COMPARE(mutter.questions, questions + 1);
+        QTRY_COMPARE(mutter.reads, reads + 1);
         QCOMPARE(log(), QStringLiteral("sleep"));
         setPanel("Off");
         Q_EMIT logind.PrepareForSleep(false);
@@ -242,11 +259,8 @@ private Q_SLOTS:
         QTRY_VERIFY((setPanel("On"), log() == QStringLiteral("sleep wake")));
     }
 
-    void anAddressIsOpenedOnceAndAsItIs() {
-        QTemporaryDir folder;
-        const QString opened = folder.filePath(QStringLiteral("opened"));
-        QCOMPARE(
-            QProcess::execute(sourcePath(u"tests/support/session/recording-browser"), {opened}), 0);
+    void anAddressIsOpenedOnceAndUnchanged() {
+        const RecordingBrowser browser;
         LinuxWorkspace workspace(QStringLiteral("/nowhere"));
         QByteArray expected;
         for (const QString& text : {QStringLiteral("https://example.com/a?b=c&d=%20e#f"),
@@ -256,16 +270,13 @@ private Q_SLOTS:
             QVERIFY(url);
             workspace.open(*url);
             expected += url->absoluteString().toLatin1() + '\n';
-            QTRY_COMPARE_WITH_TIMEOUT(contents(opened), expected, 10000);
+            QTRY_COMPARE_WITH_TIMEOUT(browser.opened(), expected, 10000);
         }
         QCOMPARE(children(), 0);
     }
 
-    void whatIsNoWholeAddressIsNotOpened() {
-        QTemporaryDir folder;
-        const QString opened = folder.filePath(QStringLiteral("opened"));
-        QCOMPARE(
-            QProcess::execute(sourcePath(u"tests/support/session/recording-browser"), {opened}), 0);
+    void addressesWithoutASchemeAreNotOpened() {
+        const RecordingBrowser browser;
         LinuxWorkspace workspace(QStringLiteral("/nowhere"));
         for (const QString& text : {QStringLiteral("--help"), QStringLiteral("/etc/passwd"),
                                     QStringLiteral("//example.com/"), QStringLiteral("index")}) {
@@ -274,7 +285,7 @@ private Q_SLOTS:
             workspace.open(*url);
         }
         workspace.open(*Url::fromString(u"https://example.com/last"));
-        QTRY_COMPARE_WITH_TIMEOUT(contents(opened), QByteArray("https://example.com/last\n"),
+        QTRY_COMPARE_WITH_TIMEOUT(browser.opened(), QByteArray("https://example.com/last\n"),
                                   10000);
     }
 };

@@ -9,7 +9,7 @@
 
 using namespace brimlet;
 
-/// Where there is no secret service, or not even a bus.
+/// Without a secret service, or without a session bus.
 class NoSecretsTest final : public QObject {
     Q_OBJECT
 

@@ -8,14 +8,14 @@
 
 using namespace brimlet;
 
-/// Without any bus, so that the panel is the only sign.
+/// Without any bus, so that the panel's power state is the only source.
 class PanelPowerTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".?"))); }
 
-    void onlyADarkBuiltInPanelIsASleep_data() {
+    void onlyADarkBuiltInPanelCountsAsSleep_data() {
         using Connectors = QMap<QString, QByteArray>;
         QTest::addColumn<Connectors>("connectors");
         QTest::addColumn<bool>("isAsleep");
@@ -38,7 +38,7 @@ private Q_SLOTS:
         QTest::newRow("no connector") << Connectors{} << false;
     }
 
-    void onlyADarkBuiltInPanelIsASleep() {
+    void onlyADarkBuiltInPanelCountsAsSleep() {
         using Connectors = QMap<QString, QByteArray>;
         QFETCH(const Connectors, connectors);
         QFETCH(const bool, isAsleep);
@@ -57,7 +57,7 @@ private Q_SLOTS:
         QCOMPARE(sleeps, isAsleep ? 1 : 0);
     }
 
-    void eachChangeIsAnnouncedOnce() {
+    void eachChangeIsReportedOnce() {
         PanelFolder panels;
         LinuxWorkspace workspace(panels.path());
         QStringList log;

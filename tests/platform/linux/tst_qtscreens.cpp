@@ -39,13 +39,13 @@ QString sides(QSize size) {
 
 } // namespace
 
-/// Against a real X server whose monitors come and go.
+/// With a real X server whose monitors are added and removed.
 class TestQtScreens final : public QObject {
     Q_OBJECT
 
 private:
-    /// Returns when Qt knows that the only monitor has that name and that mode.
-    static void settle(const QString& name, QSize mode) {
+    /// Gives the only monitor that name and mode, and returns once Qt reports them.
+    static void setMonitor(const QString& name, QSize mode) {
         const QString before = QGuiApplication::primaryScreen()->name();
         if (before != name) {
             xrandr({QStringLiteral("--delmonitor"), before, QStringLiteral("--setmonitor"), name,
@@ -62,7 +62,7 @@ private Q_SLOTS:
     void initTestCase() {
         for (const QSize size : {hidden, smaller}) {
             const auto number = [](int value) { return QString::number(value); };
-            // A mode's clock and, for each direction, its end and three moments after that.
+            // A mode line: the clock, then size and sync timings of each direction.
             QStringList mode{QStringLiteral("--newmode"), sides(size), number(75)};
             for (const int end : {size.width(), size.height()}) {
                 mode << number(end) << number(end + 1) << number(end + 2) << number(end + 3);
@@ -74,14 +74,14 @@ private Q_SLOTS:
 
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".?"))); }
 
-    void cleanup() { settle(eDP, shown); }
+    void cleanup() { setMonitor(eDP, shown); }
 
-    void monitorsComeGoAndMove() {
+    void monitorsAreAddedRemovedAndMoved() {
         QtScreens screens(QStringLiteral("/nowhere"));
         int changes = 0;
         screens.observeChanges([&changes] { ++changes; });
 
-        // The session's one monitor is named as a laptop's own panel.
+        // The session's only monitor has the name of a laptop's built-in panel.
         QCOMPARE(screens.list().size(), std::size_t{1});
         QCOMPARE(screens.list().at(0).frame, (Rect{0, 0, 1512, 982}));
         QCOMPARE(screens.list().at(0).number.value_or(0), 1U);
@@ -111,7 +111,7 @@ private Q_SLOTS:
         QtScreens screens(QStringLiteral("/nowhere"));
         int changes = 0;
         screens.observeChanges([&changes] { ++changes; });
-        // This X server never tells one without the other, or a scale.
+        // This X server never changes the scale or sends one of the signals alone.
         QScreen* const screen = QGuiApplication::primaryScreen();
         Q_EMIT screen->logicalDotsPerInchChanged(97);
         QTRY_COMPARE(changes, 1);
@@ -135,7 +135,7 @@ private Q_SLOTS:
         QVERIFY(screens.isBuiltIn(1));
         QVERIFY(!only(screens).auxiliaryTopLeftArea);
         QVERIFY(!hasNotch(builtInScreen(screens)));
-        settle(QStringLiteral("XWAYLAND0"), shown);
+        setMonitor(QStringLiteral("XWAYLAND0"), shown);
         QVERIFY(!screens.isBuiltIn(1));
         QVERIFY(!hasNotch(builtInScreen(screens)));
     }
@@ -153,25 +153,25 @@ private Q_SLOTS:
 
         // The band is hidden, and shown again.
         int before = changes;
-        settle(eDP, hidden);
+        setMonitor(eDP, hidden);
         QTRY_VERIFY(changes > before);
         QVERIFY(!now().auxiliaryTopLeftArea);
         QVERIFY(!now().auxiliaryTopRightArea);
         QVERIFY(screens.isBuiltIn(1));
         QVERIFY(!hasNotch(builtInScreen(screens)));
         before = changes;
-        settle(eDP, shown);
+        setMonitor(eDP, shown);
         QTRY_VERIFY(changes > before);
         QVERIFY(hasNotch(builtInScreen(screens)));
 
         // Scaled.
         before = changes;
-        settle(eDP, smaller);
+        setMonitor(eDP, smaller);
         QTRY_VERIFY(changes > before);
         QCOMPARE(now().auxiliaryTopLeftArea, (Rect{0, 844, 590, 29}));
         QCOMPARE(now().auxiliaryTopRightArea, (Rect{754, 844, 590, 29}));
 
-        // Beside a new primary screen, on which all positions depend.
+        // A new primary screen beside it moves the origin of all positions.
         before = changes;
         xrandr({QStringLiteral("--setmonitor"), QStringLiteral("*HDMI-1"),
                 QStringLiteral("800/200x600/150+1512+100"), QStringLiteral("none")});
@@ -193,7 +193,7 @@ private Q_SLOTS:
         QTRY_COMPARE(now().auxiliaryTopLeftArea, (Rect{0, 844, 590, 29}));
     }
 
-    void theDriversSettingIsAskedEachTime() {
+    void theDriversSettingIsReadEachTime() {
         KernelFolder kernel;
         QVERIFY(kernel.setCompatible(QByteArray("apple,j314s\0", 12)));
         QVERIFY(kernel.setShowNotch("N\n"));
@@ -203,19 +203,19 @@ private Q_SLOTS:
         QVERIFY(hasNotch(builtInScreen(screens)));
     }
 
-    void olderXWaylandsPanelIsKnownByItsSides() {
+    void underOlderXWaylandThePanelIsRecognisedByItsAspectRatio() {
         KernelFolder kernel;
         QVERIFY(kernel.setCompatible(QByteArray("apple,j314s\0", 12)));
         const QtScreens screens(kernel.path());
-        settle(QStringLiteral("XWAYLAND0"), shown);
+        setMonitor(QStringLiteral("XWAYLAND0"), shown);
         QVERIFY(screens.isBuiltIn(1));
         QVERIFY(!screens.isBuiltIn(2));
         QCOMPARE(only(screens).auxiliaryTopLeftArea, (Rect{0, 950, 664, 32}));
         QVERIFY(hasNotch(builtInScreen(screens)));
-        settle(QStringLiteral("XWAYLAND0"), hidden);
+        setMonitor(QStringLiteral("XWAYLAND0"), hidden);
         QVERIFY(!screens.isBuiltIn(1));
         QVERIFY(!hasNotch(builtInScreen(screens)));
-        settle(QStringLiteral("DP-1"), shown);
+        setMonitor(QStringLiteral("DP-1"), shown);
         QVERIFY(!screens.isBuiltIn(1));
         QVERIFY(!only(screens).auxiliaryTopLeftArea);
     }

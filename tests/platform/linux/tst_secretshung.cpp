@@ -9,7 +9,7 @@
 
 using namespace brimlet;
 
-/// Against a keyring that owns its name and answers nothing.
+/// With a secret service that owns its name on the bus and never replies.
 class SecretsHungTest final : public QObject {
     Q_OBJECT
 

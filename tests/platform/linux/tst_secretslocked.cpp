@@ -8,8 +8,8 @@
 
 using namespace brimlet;
 
-/// Against a real keyring that is locked and holds one item, on a desktop where nobody answers a
-/// prompt.
+/// With a real keyring that is locked and contains one item, on a desktop without a user who could
+/// answer a prompt.
 class SecretsLockedTest final : public QObject {
     Q_OBJECT
 
@@ -21,7 +21,7 @@ private:
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".?"))); }
 
-    void aLockedItemIsToldApartFromAMissingOne() {
+    void aLockedItemIsDistinguishedFromAMissingOne() {
         QElapsedTimer timer;
         timer.start();
         QCOMPARE(m_store.read(m_service, m_account), SecretResult(SecretError::Locked));

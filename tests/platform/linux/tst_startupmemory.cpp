@@ -13,8 +13,8 @@ namespace {
 
 constexpr qsizetype kPage = 4096;
 
-/// A figure of /proc/self/smaps_rollup, in KiB.
-qint64 figure(const QByteArray& name) {
+/// A field of /proc/self/smaps_rollup, in KiB; -1 when it is missing.
+qint64 rollup(const QByteArray& name) {
     QFile file(QStringLiteral("/proc/self/smaps_rollup"));
     if (!file.open(QIODevice::ReadOnly)) {
         return -1;
@@ -27,7 +27,7 @@ qint64 figure(const QByteArray& name) {
     return -1;
 }
 
-/// Two pages of a file, mapped for this process alone.
+/// A private mapping of a file of two pages.
 struct MappedFile final {
     MappedFile() {
         if (file.open()) {
@@ -51,34 +51,34 @@ class TestStartupMemory final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void pagesThatWereOnlyReadAreGivenBackAndComeAgain() {
+    void unmodifiedPagesAreReloadedWhenRead() {
         MappedFile mapped;
         QVERIFY(mapped.pages != MAP_FAILED);
         QCOMPARE(mprotect(mapped.pages, 2 * kPage, PROT_READ), 0);
         QCOMPARE(mapped.pages[0], 'f');
         unsigned char isThere = 0;
         trimStartupMemory();
-        QCOMPARE(mincore(mapped.pages, kPage, &isThere), 0); // still in the system's cache
+        QCOMPARE(mincore(mapped.pages, kPage, &isThere), 0); // still in the page cache
         QVERIFY((isThere & 1) != 0);
         QCOMPARE(mapped.pages[0], 'f');
         QCOMPARE(mapped.pages[kPage], 'f');
     }
 
-    void whatWasWrittenStays() {
+    void modifiedPagesStay() {
         MappedFile mapped;
         QVERIFY(mapped.pages != MAP_FAILED);
         mapped.pages[kPage] = 'w';
-        // Read-only from now on, as the tables that the dynamic linker has filled in are.
+        // Read-only from now on, like the tables that the dynamic linker has relocated.
         QCOMPARE(mprotect(mapped.pages, 2 * kPage, PROT_READ), 0);
         trimStartupMemory();
         QCOMPARE(mapped.pages[kPage], 'w');
         QCOMPARE(mapped.pages[0], 'f');
     }
 
-    void theProgramHoldsLessAfterwards() {
-        const qint64 before = figure("Rss");
+    void trimmingReducesResidentMemory() {
+        const qint64 before = rollup("Rss");
         trimStartupMemory();
-        const qint64 after = figure("Rss");
+        const qint64 after = rollup("Rss");
         QVERIFY(before > 0 && after > 0);
         QVERIFY2(after < before, qPrintable(QStringLiteral("%1, %2").arg(before).arg(after)));
     }

@@ -25,7 +25,7 @@ namespace {
 
 constexpr int kPatience = 15'000;
 
-/// Where the older kind of tray shows its icons.
+/// Where the XEmbed tray of these tests shows its icons, in pixels.
 constexpr QRect kBar(1212, 954, 300, 28);
 
 const QString xembed = QStringLiteral("xembed");
@@ -37,7 +37,7 @@ const QString trayName = QStringLiteral("app.brimlet.test.Tray");
     return QDBusConnection::sessionBus().interface()->isServiceRegistered(watcherName);
 }
 
-/// A tray of a kind, which goes with this.
+/// A tray program of one kind, which runs for the lifetime of this.
 class Tray final {
 public:
     explicit Tray(const QString& kind)
@@ -54,7 +54,7 @@ public:
     Tray(const Tray&) = delete;
     Tray& operator=(const Tray&) = delete;
 
-    [[nodiscard]] bool isThere() const {
+    [[nodiscard]] bool isRunning() const {
         return m_kind == xembed ? x11::hasSystemTray() : hasNotifier();
     }
 
@@ -63,7 +63,7 @@ private:
     QProcess m_process;
 };
 
-/// Asks the newer kind of tray, which meanwhile asks this process.
+/// Calls the StatusNotifier tray, which calls back into this process before it replies.
 [[nodiscard]] QDBusMessage ask(const char* method, const QVariantList& arguments = {}) {
     auto question = QDBusMessage::createMethodCall(trayName, QStringLiteral("/tray"), trayName,
                                                    QString::fromLatin1(method));
@@ -85,9 +85,9 @@ private:
 
 } // namespace
 
-/// The status item in trays that come and go. Qt chooses the kind of tray once in a process, so
-/// each kind has a process of its own: BRIMLET_TEST_TRAY names it. The steps share one item and run
-/// in this order.
+/// The status item in trays that start and end. Qt chooses the kind of tray once per process, so
+/// this program runs once for each kind, named by BRIMLET_TEST_TRAY. The steps share one item and
+/// depend on their order.
 class TestTrayStatusItem final : public QObject {
     Q_OBJECT
 
@@ -99,7 +99,7 @@ class TestTrayStatusItem final : public QObject {
     QElapsedTimer m_lastClick;
 
     [[nodiscard]] bool isNotifier() const { return m_kind == notifier; }
-    /// On the root window; empty while no tray shows the icon.
+    /// The icon's frame on the root window; empty while no tray shows it.
     [[nodiscard]] QRect iconPlace() const {
         for (const ClientWindow& window : m_x.windowsOf(getpid())) {
             if (window.isViewable) {
@@ -108,12 +108,12 @@ class TestTrayStatusItem final : public QObject {
         }
         return {};
     }
-    /// Whether the tray itself has it, and in its final place.
+    /// Whether the tray shows the item, in its final place.
     [[nodiscard]] bool isInTray() const {
         return isNotifier() ? !item().isEmpty()
                             : kBar.contains(iconPlace()) && placeOf(m_item->place()) == iconPlace();
     }
-    /// Clicks until a press is told: a bar that puts its icons in order may lose a click.
+    /// Clicks unless a press has been reported: a tray that is arranging its icons may lose clicks.
     [[nodiscard]] bool canBePressed() {
         if (m_presses.isEmpty()) {
             clickWith(QStringLiteral("1"));
@@ -147,7 +147,7 @@ class TestTrayStatusItem final : public QObject {
     void startTray(const QString& kind) {
         m_presses.clear();
         m_tray = std::make_unique<Tray>(kind);
-        QTRY_VERIFY_WITH_TIMEOUT(m_tray->isThere(), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(m_tray->isRunning(), kPatience);
     }
     void endTray() {
         m_tray.reset();
@@ -183,7 +183,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(isInTray(), kPatience);
     }
 
-    void itTellsItsPlaceWhereTheTrayTells() {
+    void itsPlaceIsKnownWhereTheTrayReportsIt() {
         if (isNotifier()) {
             QVERIFY(!m_item->place());
             return;
@@ -205,7 +205,7 @@ private Q_SLOTS:
             QTRY_COMPARE_WITH_TIMEOUT(m_presses.size(), 1, kPatience);
             QCOMPARE(placeOf(m_presses.constFirst()),
                      isNotifier() ? QRect(700, 500, 1, 1) : iconPlace());
-            // The next one is not the second of a double click.
+            // Wait, so that the next click does not make it a double click.
             m_lastClick.start();
             const int apart = isNotifier() ? 0 : QApplication::doubleClickInterval();
             QTRY_VERIFY_WITH_TIMEOUT(m_lastClick.hasExpired(apart), kPatience);
@@ -215,7 +215,7 @@ private Q_SLOTS:
 
     void aDoubleClickIsOnePress() {
         if (isNotifier()) {
-            return; // such trays tell of two clicks
+            QSKIP("StatusNotifier trays report a double click as two clicks");
         }
         pressWith(QStringLiteral("1"), 2);
         QTRY_COMPARE_WITH_TIMEOUT(m_presses.size(), 1, kPatience);
@@ -227,7 +227,7 @@ private Q_SLOTS:
 
     void underWaylandThePointersPlaceIsUnknown() {
         if (!isNotifier()) {
-            return;
+            QSKIP("there are no XEmbed trays under Wayland");
         }
         QVERIFY(qputenv("WAYLAND_DISPLAY", "wayland-0"));
         pressWith(QStringLiteral("1"));
@@ -238,7 +238,7 @@ private Q_SLOTS:
 
     void theTrayKnowsItsToolTip() {
         if (!isNotifier()) {
-            return; // shown by this process itself
+            QSKIP("in XEmbed trays this process shows the tooltip itself");
         }
         QCOMPARE(item().value(QStringLiteral("ToolTipTitle")).toString(),
                  QStringLiteral("Before the tray"));
@@ -250,7 +250,7 @@ private Q_SLOTS:
     void itIsAPictureUnderTheProgramsName() {
         if (isNotifier()) {
             const QJsonObject itsItem = item();
-            // Hosts want one for their own lists and screen readers: the program's name.
+            // Trays show the title in lists and to screen readers.
             QCOMPARE(itsItem.value(QStringLiteral("Title")).toString(),
                      QCoreApplication::applicationName());
             QCOMPARE(itsItem.value(QStringLiteral("Id")).toString(),
@@ -291,10 +291,10 @@ private Q_SLOTS:
         }
     }
 
-    void aTrayOfTheOtherKindDoesNotHinderItsReturn() {
+    void aTrayOfTheOtherKindDoesNotPreventItsReturn() {
         endTray();
         startTray(isNotifier() ? xembed : notifier);
-        QVERIFY(!m_item->place()); // Qt has chosen
+        QVERIFY(!m_item->place()); // Qt keeps the kind it has chosen
         m_tray.reset();
         startTray(m_kind);
         QTRY_VERIFY_WITH_TIMEOUT(isInTray(), kPatience);

@@ -17,7 +17,7 @@ constexpr const char* kSystem = "DBUS_SYSTEM_BUS_ADDRESS";
 
 } // namespace
 
-/// In a desktop with a session bus that lives. What is left out stays so, hence the order.
+/// In a desktop with a working session bus. A disabled bus stays disabled, so the order matters.
 class TestUnresponsiveBuses final : public QObject {
     Q_OBJECT
 
@@ -27,7 +27,7 @@ private Q_SLOTS:
                  "this test needs script/desktop-session");
     }
 
-    void aBusThatAnswersStays() {
+    void aBusThatAnswersKeepsItsAddress() {
         const QByteArray session = qgetenv(kSession);
         qputenv(kSystem, session);
         QElapsedTimer time;
@@ -40,7 +40,7 @@ private Q_SLOTS:
         QVERIFY(childEnvironment() == QProcessEnvironment::systemEnvironment());
     }
 
-    void silentOnesAreLeftOutTogetherWithinASecond() {
+    void twoUnresponsiveBusesAreDisabledWithinASecond() {
         const StubBus session(StubBus::Kind::Silent);
         const StubBus system(StubBus::Kind::Mute);
         qputenv(kSession, session.address().toUtf8());
@@ -53,12 +53,12 @@ private Q_SLOTS:
         QVERIFY(!QDBusConnection::systemBus().isConnected());
         QVERIFY2(time.elapsed() < 1500, QByteArray::number(time.elapsed()).constData());
         QVERIFY(childEnvironment() == before);
-        // Once more makes no difference.
+        // A second call changes nothing.
         disableUnresponsiveBuses();
         QVERIFY(childEnvironment() == before);
     }
 
-    void whoOpensALinkFindsTheBusAsItWas() {
+    void openedProgramsGetTheOriginalBusAddress() {
         QTemporaryDir folder;
         QFile opener(folder.filePath(QStringLiteral("xdg-open")));
         const QString noted = folder.filePath(QStringLiteral("noted"));

@@ -20,15 +20,15 @@ namespace {
 
 constexpr int kPatience = 15'000;
 
-constexpr QRgb kGround = qRgb(40, 40, 60);
+constexpr QRgb kBackground = qRgb(40, 40, 60);
 constexpr QRgb kBehind = qRgb(200, 60, 20);
 
-/// As large as a test says. Counts its clicks.
+/// Content with a size hint that tests set. Counts its clicks.
 class Content final : public QWidget {
 public:
     Content() {
         QPalette colors = palette();
-        colors.setColor(QPalette::Window, QColor(kGround));
+        colors.setColor(QPalette::Window, QColor(kBackground));
         setPalette(colors);
     }
     [[nodiscard]] QSize sizeHint() const override { return m_size; }
@@ -45,7 +45,7 @@ private:
     QSize m_size{340, 400};
 };
 
-/// A window of one colour that counts its clicks.
+/// A window of one colour that records its clicks.
 class Other final : public QWidget {
 public:
     explicit Other(const QRect& place) {
@@ -63,14 +63,14 @@ protected:
     }
 };
 
-/// The status item's place, given in Qt's space.
+/// Converts the status item's place from Qt's space.
 [[nodiscard]] std::optional<Rect> itemAt(const QRect& place) {
     return fromQt(QRectF(place), primaryGeometry());
 }
 
 } // namespace
 
-/// The panel's window on a real desktop, with whatever content.
+/// The panel's window on a real desktop.
 class TestX11MenuWindow final : public QObject {
     Q_OBJECT
 
@@ -81,7 +81,7 @@ class TestX11MenuWindow final : public QObject {
     QProcess m_bar;
 
     [[nodiscard]] xcb_window_t id() const { return static_cast<xcb_window_t>(m_window->winId()); }
-    /// Where the X server has it.
+    /// The frame that the X server reports; null while the window is hidden.
     [[nodiscard]] QRect place() const {
         for (const ClientWindow& window : m_x.windowsOf(QCoreApplication::applicationPid())) {
             if (window.id == id() && window.isViewable) {
@@ -118,7 +118,7 @@ private Q_SLOTS:
                                   QGuiApplication::primaryScreen()->geometry(), kPatience);
     }
 
-    void itIsMadeHidden() {
+    void itStartsHidden() {
         QVERIFY(!m_window->isPresented());
         QCOMPARE(m_dismissals, 0);
         m_window->dismiss();
@@ -137,7 +137,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(1166, 6, 340, 400), kPatience);
     }
 
-    void theKeyboardBeginsAboveTheFirstControl() {
+    void focusStartsBeforeTheFirstControl() {
         QLineEdit field(m_content);
         present(std::nullopt);
         key("x");
@@ -145,7 +145,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(field.hasFocus(), kPatience);
         key("y");
         QTRY_COMPARE_WITH_TIMEOUT(field.text(), QStringLiteral("y"), kPatience);
-        // Opened anew, it begins there again.
+        // It starts there again when the panel is opened again.
         m_window->dismiss();
         QTRY_VERIFY_WITH_TIMEOUT(!m_x.isMapped(id()) && !hasKeyboard(), kPatience);
         QTRY_VERIFY_WITH_TIMEOUT(QGuiApplication::focusWindow() == nullptr, kPatience);
@@ -220,7 +220,7 @@ private Q_SLOTS:
         QCOMPARE(m_dismissals, 0);
     }
 
-    void aBarsPartOfTheScreenIsLeftFree() {
+    void itStaysInsideTheAvailableArea() {
         m_bar.start(sourcePath(u"tests/support/session/tray-host"), {QStringLiteral("xembed")});
         const QRect whole = QGuiApplication::primaryScreen()->geometry();
         QTRY_VERIFY_WITH_TIMEOUT(QGuiApplication::primaryScreen()->availableGeometry() != whole,
@@ -235,7 +235,7 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(1172, 550, 340, 400), kPatience);
     }
 
-    void aContentLargerThanTheScreenIsCutToIt() {
+    void contentLargerThanTheScreenIsLimitedToIt() {
         m_content->setHint(QSize(5000, 5000));
         present(std::nullopt);
         QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(0, 0, 1512, 982), kPatience);
@@ -247,32 +247,32 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&behind));
         present(itemAt(QRect(700, 0, 24, 24)));
         QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(542, 30, 340, 400), kPatience);
-        QTRY_COMPARE_WITH_TIMEOUT(pixel(place().center()), kGround, kPatience);
-        const QRgb corner = X11Watch::shared().hasCompositor() ? kBehind : kGround;
+        QTRY_COMPARE_WITH_TIMEOUT(pixel(place().center()), kBackground, kPatience);
+        const QRgb corner = X11Watch::shared().hasCompositor() ? kBehind : kBackground;
         const QRect shown = place();
         for (const QPoint& at :
              {shown.topLeft(), shown.topRight(), shown.bottomLeft(), shown.bottomRight()}) {
             QTRY_COMPARE_WITH_TIMEOUT(pixel(at), corner, kPatience);
         }
-        // Between the corners it goes to the edge.
+        // Between the corners the background reaches the edges.
         for (const QPoint& at :
              {QPoint(shown.center().x(), shown.top()), QPoint(shown.center().x(), shown.bottom()),
               QPoint(shown.left(), shown.center().y()),
               QPoint(shown.right(), shown.center().y())}) {
-            QCOMPARE(pixel(at), kGround);
+            QCOMPARE(pixel(at), kBackground);
         }
     }
 
     void itStaysAboveOtherWindows() {
         present(itemAt(QRect(700, 0, 24, 24)));
-        QTRY_COMPARE_WITH_TIMEOUT(pixel(QPoint(712, 200)), kGround, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(pixel(QPoint(712, 200)), kBackground, kPatience);
         Other other(QRect(400, 0, 600, 600));
         other.setAttribute(Qt::WA_ShowWithoutActivating);
         other.show();
         other.raise();
         QVERIFY(QTest::qWaitForWindowExposed(&other));
         QTRY_COMPARE_WITH_TIMEOUT(pixel(QPoint(450, 200)), kBehind, kPatience);
-        QCOMPARE(pixel(QPoint(712, 200)), kGround);
+        QCOMPARE(pixel(QPoint(712, 200)), kBackground);
         QVERIFY(m_window->isPresented());
     }
 
@@ -285,17 +285,17 @@ private Q_SLOTS:
         other.show();
         other.raise();
         QTRY_COMPARE_WITH_TIMEOUT(pixel(QPoint(712, 200)), kBehind, kPatience);
-        // The one who asks need not know the place that a click told before.
+        // Without a place the panel stays where the first call put it.
         m_window->present(std::nullopt);
-        QTRY_COMPARE_WITH_TIMEOUT(pixel(QPoint(712, 200)), kGround, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(pixel(QPoint(712, 200)), kBackground, kPatience);
         QVERIFY(hasKeyboard());
         m_content->setHint(QSize(340, 500));
         QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(542, 30, 340, 500), kPatience);
         QCOMPARE(m_dismissals, 0);
     }
 
-    void itTakesTheKeyboardFromAnotherProgram() {
-        // A person is busy elsewhere; opening the panel is a wish of theirs all the same.
+    void itTakesTheKeyboardFromAnotherProgramAndReturnsIt() {
+        // The user works in another program and then opens the panel.
         QProcess editor;
         editor.start(QStringLiteral("xev"),
                      {QStringLiteral("-geometry"), QStringLiteral("300x300+20+20")});
@@ -306,7 +306,7 @@ private Q_SLOTS:
         const xcb_window_t editing = m_x.focus();
         present(std::nullopt);
         m_window->dismiss();
-        // And gives it back.
+        // Closing the panel returns the keyboard to that program.
         QTRY_COMPARE_WITH_TIMEOUT(m_x.focus(), editing, kPatience);
         editor.kill();
         QVERIFY(editor.waitForFinished());

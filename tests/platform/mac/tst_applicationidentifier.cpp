@@ -9,12 +9,12 @@ class TestApplicationIdentifier final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aBundlesOwnIsTaken() {
+    void aBundleHasItsOwnIdentifier() {
         QCOMPARE(applicationIdentifier(QStringLiteral("org.example.other")),
                  QStringLiteral("org.example.other"));
     }
 
-    void aBareExecutableGoesByTheBundles() {
+    void aBareExecutableHasTheBundledProgramsIdentifier() {
         QCOMPARE(applicationIdentifier(QString()), QStringLiteral("app.brimlet.host"));
     }
 };

@@ -32,13 +32,13 @@ class TestKeychainQuery final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void anItemIsNamedByClassServiceAndAccountAlone() {
+    void anItemIsIdentifiedByClassServiceAndAccountAlone() {
         const KeychainQuery query = keychainItem(kService, kAccount);
         QCOMPARE(query.size(), 3U);
         QVERIFY(attributesOf(query) == itemWith({}));
     }
 
-    void readingAsksForTheBytesOfOneItem() {
+    void readingRequestsTheBytesOfOneItem() {
         const KeychainQuery query = keychainReading(kService, kAccount);
         QCOMPARE(query.size(), 5U);
         QVERIFY(attributesOf(query) ==
@@ -53,7 +53,7 @@ private Q_SLOTS:
         QVERIFY(attributesOf(query) == itemWith({{KeychainKey::ValueData, value}}));
     }
 
-    void statusesAreAnswers_data() {
+    void failuresAreTranslated_data() {
         QTest::addColumn<int>("status");
         QTest::addColumn<SecretError>("error");
         QTest::newRow("errSecItemNotFound") << -25300 << SecretError::NotFound;
@@ -65,20 +65,20 @@ private Q_SLOTS:
         QTest::newRow("errSecNotAvailable") << -25291 << SecretError::Unavailable;
         QTest::newRow("success without bytes") << 0 << SecretError::Unavailable;
     }
-    void statusesAreAnswers() {
+    void failuresAreTranslated() {
         QFETCH(int, status);
         const SecretResult result = keychainResult(status, std::nullopt);
         QVERIFY(std::holds_alternative<SecretError>(result));
         QTEST(std::get<SecretError>(result), "error");
     }
 
-    void successGivesTheBytesAsTheyAre() {
+    void successGivesTheBytesUnchanged() {
         const QByteArray bytes("\xff\0x", 3);
         QVERIFY(keychainResult(0, bytes) == SecretResult(bytes));
         QVERIFY(keychainResult(0, QByteArray()) == SecretResult(QByteArray()));
     }
 
-    void bytesOfAFailedCallDoNotCount() {
+    void bytesOfAFailedCallAreIgnored() {
         QVERIFY(keychainResult(-25300, QByteArray("left over")) ==
                 SecretResult(SecretError::NotFound));
     }

@@ -6,7 +6,7 @@
 
 using namespace brimlet;
 
-/// A bare executable, as tests are.
+/// Tests are bare executables, outside any bundle.
 class TestMacBundle final : public QObject {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ private Q_SLOTS:
                  QDir(QCoreApplication::applicationDirPath()).canonicalPath());
     }
 
-    void itGoesByTheBundlesIdentifier() {
+    void itHasTheIdentifierOfTheBundledProgram() {
         QCOMPARE(MacBundle().identifier(), QStringLiteral("app.brimlet.host"));
     }
 

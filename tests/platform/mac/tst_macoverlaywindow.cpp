@@ -6,7 +6,7 @@
 
 using namespace brimlet;
 
-/// Shows a clear panel for a moment; needs the desktop of whoever runs the test.
+/// Shows a transparent panel for a moment on the desktop of the user who runs the test.
 class TestMacOverlayWindow final : public QObject {
     Q_OBJECT
 
@@ -15,7 +15,7 @@ class TestMacOverlayWindow final : public QObject {
     }
 
 private Q_SLOTS:
-    void thePanelStaysAsItHasToBe() {
+    void thePanelKeepsItsProperties() {
         MacOverlayWindow window(std::make_unique<QWidget>(),
                                 [](QPoint /*where*/) { return QString(); });
         QCOMPARE(faults(window), QString());

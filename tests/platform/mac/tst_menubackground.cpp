@@ -29,11 +29,11 @@ class TestMenuBackground final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void escapeAndItsLikeCancelAlsoFromAField() {
+    void escapeCancelsAlsoFromATextField() {
         auto content = std::make_unique<QWidget>();
         auto* const field = new QLineEdit(content.get());
         int cancelled = 0;
-        MenuBackground ground(
+        MenuBackground background(
             std::move(content), [&] { ++cancelled; }, [] {}, [] {});
         QTest::keyClick(field, Qt::Key_Escape);
         QCOMPARE(cancelled, 1);
@@ -42,81 +42,82 @@ private Q_SLOTS:
         QCOMPARE(field->text(), QStringLiteral("a"));
     }
 
-    void itIsAsLargeAsTheContentWants() {
+    void itsSizeHintFollowsTheContent() {
         auto content = std::make_unique<Content>();
         auto* const inside = content.get();
         int changed = 0;
-        MenuBackground ground(
+        MenuBackground background(
             std::move(content), [] {}, [&] { ++changed; }, [] {});
-        QCOMPARE(ground.sizeHint(), QSize(320, 400));
+        QCOMPARE(background.sizeHint(), QSize(320, 400));
         inside->grow();
         QTRY_COMPARE(changed, 1);
-        QCOMPARE(ground.sizeHint(), QSize(320, 500));
+        QCOMPARE(background.sizeHint(), QSize(320, 500));
     }
 
     void itsPlaceIsBesideTheItemAndInsideTheScreen() {
         const QRect screen = QApplication::primaryScreen()->geometry();
         QCOMPARE(screen.topLeft(), QPoint(0, 0));
         const double top = screen.height();
-        MenuBackground ground(
+        MenuBackground background(
             std::make_unique<Content>(), [] {}, [] {}, [] {});
-        ground.appear(Rect{400, top - 24, 24, 24});
-        QVERIFY(ground.isVisible());
-        QCOMPARE(ground.fit(), std::optional(Rect{252, top - 430, 320, 400}));
-        QCOMPARE(ground.size(), QSize(320, 400));
-        ground.appear(std::nullopt);
-        QCOMPARE(ground.fit(), std::optional(Rect{screen.width() - 326.0, top - 406, 320, 400}));
+        background.appear(Rect{400, top - 24, 24, 24});
+        QVERIFY(background.isVisible());
+        QCOMPARE(background.fit(), std::optional(Rect{252, top - 430, 320, 400}));
+        QCOMPARE(background.size(), QSize(320, 400));
+        background.appear(std::nullopt);
+        QCOMPARE(background.fit(),
+                 std::optional(Rect{screen.width() - 326.0, top - 406, 320, 400}));
     }
 
-    void appearingItHasTheKeyboardAboveTheFirstControl() {
+    void focusStartsBeforeTheFirstControl() {
         auto content = std::make_unique<QWidget>();
         content->setFocusPolicy(Qt::StrongFocus);
         auto* const inside = content.get();
         const auto* const field = new QLineEdit(inside);
-        MenuBackground ground(
+        MenuBackground background(
             std::move(content), [] {}, [] {}, [] {});
-        ground.appear(std::nullopt);
-        QCOMPARE(ground.focusWidget(), inside);
+        background.appear(std::nullopt);
+        QCOMPARE(background.focusWidget(), inside);
         QVERIFY(!field->hasFocus());
     }
 
-    void theContentFillsItAlsoWhereThereIsLessRoom() {
+    void theContentFillsItEvenWhenSmallerThanItsHint() {
         auto content = std::make_unique<Content>();
         const auto* const inside = content.get();
-        MenuBackground ground(
+        MenuBackground background(
             std::move(content), [] {}, [] {}, [] {});
-        ground.resize(320, 250);
-        ground.show();
+        background.resize(320, 250);
+        background.show();
         QCOMPARE(inside->geometry(), QRect(0, 0, 320, 250));
     }
 
-    void aShapeIsToldOfOnceItHasBeenPainted() {
+    void aNewShapeIsReportedOnceItHasBeenPainted() {
         int reshaped = 0;
-        MenuBackground ground(
+        MenuBackground background(
             std::make_unique<QWidget>(), [] {}, [] {}, [&] { ++reshaped; });
-        ground.resize(320, 400);
+        background.resize(320, 400);
         QCoreApplication::processEvents();
         QCOMPARE(reshaped, 0);
-        ground.show();
+        background.show();
         QTRY_COMPARE(reshaped, 1);
-        ground.repaint();
+        background.repaint();
         QCoreApplication::processEvents();
         QCOMPARE(reshaped, 1);
-        ground.resize(320, 500);
+        background.resize(320, 500);
         QTRY_COMPARE(reshaped, 2);
     }
 
-    void itsCornersAreRoundAndItsGroundIsTheContents() {
+    void itHasRoundCornersAndTheContentsColour() {
         auto content = std::make_unique<QWidget>();
         QPalette palette;
         palette.setColor(QPalette::Window, Qt::blue);
         content->setPalette(palette);
-        MenuBackground ground(
+        MenuBackground background(
             std::move(content), [] {}, [] {}, [] {});
-        ground.resize(100, 100);
-        QImage picture(ground.size(), QImage::Format_ARGB32_Premultiplied);
+        background.resize(100, 100);
+        QImage picture(background.size(), QImage::Format_ARGB32_Premultiplied);
         picture.fill(Qt::transparent);
-        ground.render(&picture, {}, {}, QWidget::DrawWindowBackground);
+        background.render(&picture, {}, {}, QWidget::DrawWindowBackground);
         QCOMPARE(picture.pixelColor(0, 0).alpha(), 0);
         QCOMPARE(picture.pixelColor(50, 50), QColor(Qt::blue));
         QCOMPARE(picture.pixelColor(50, 0), QColor(Qt::blue));

@@ -10,14 +10,14 @@ class TestNativeText final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void textsComeBackAsTheyWent_data() {
+    void conversionsPreserveTexts_data() {
         QTest::addColumn<QString>("text");
         QTest::newRow("empty") << QString();
         QTest::newRow("plain") << QStringLiteral("https://example.org/a%20b");
         QTest::newRow("outside the first plane") << QStringLiteral("T\u00f6ken \u20ac \U0001f4bb");
         QTest::newRow("a NUL inside") << QStringLiteral("a\0b");
     }
-    void textsComeBackAsTheyWent() {
+    void conversionsPreserveTexts() {
         QFETCH(QString, text);
         QCOMPARE(fromNative(toNative(text)), text);
     }

@@ -38,7 +38,7 @@ private Q_SLOTS:
         }
     }
 
-    void aScreenThatIsNotDescribedHasNoNumber() { QVERIFY(!displayNumber(std::nullopt)); }
+    void aScreenWithoutADescribedNumberHasNone() { QVERIFY(!displayNumber(std::nullopt)); }
 
     void anEmptyRectangleMeansNoStrip_data() {
         QTest::addColumn<Rect>("area");

@@ -26,7 +26,7 @@ class TestSelfTest final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aPanelAsItHasToBePasses() {
+    void aPanelWithTheWantedPropertiesPasses() {
         const SelfTest result = selfTest({}, FixedScreens());
         QVERIFY(result.isPassed);
         QVERIFY(result.report.contains(QStringLiteral("  styleMask 0x80\n")));
@@ -40,7 +40,7 @@ private Q_SLOTS:
         QVERIFY(!result.report.contains(QStringLiteral("WRONG")));
     }
 
-    void eachFactThatIsOtherwiseFailsWithALineOfItsOwn_data() {
+    void eachWrongPropertyFailsWithALine_data() {
         QTest::addColumn<PanelFacts>("panel");
         QTest::addColumn<QString>("line");
         const auto row = [](const char* line, auto change) {
@@ -67,7 +67,7 @@ private Q_SLOTS:
         row("allowsToolTipsWhenApplicationIsInactive no  WRONG, should be yes",
             [](auto& p) { p.allowsToolTipsWhenInactive = false; });
     }
-    void eachFactThatIsOtherwiseFailsWithALineOfItsOwn() {
+    void eachWrongPropertyFailsWithALine() {
         QFETCH(PanelFacts, panel);
         QFETCH(QString, line);
         const SelfTest result = selfTest(panel, FixedScreens());

@@ -17,7 +17,7 @@ private Q_SLOTS:
                  (QList{QSize(16, 16), QSize(18, 18), QSize(32, 32), QSize(36, 36)}));
     }
 
-    void itsShapeIsTheLaptopInBlackOnNothing() {
+    void itsShapeIsABlackLaptopOnTransparency() {
         const QImage picture = templateSymbol().pixmap(QSize(32, 32)).toImage();
         QCOMPARE(picture.size(), QSize(32, 32));
         for (int y = 0; y < picture.height(); ++y) {
