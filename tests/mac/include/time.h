@@ -1,5 +1,5 @@
-// Not Apple's header: what macOS has in it besides the C library's, as far as Brimlet uses it,
-// written from the manual page clock_gettime(3). See tests/mac/README.md.
+// Not Apple's header: the additions of macOS to the C library's that Brimlet uses, written from the
+// manual page clock_gettime(3). See tests/mac/README.md.
 #pragma once
 
 #include_next <time.h>

@@ -26,7 +26,7 @@ typedef NSString* NSDeviceDescriptionKey;
 @property(readonly) NSRect auxiliaryTopRightArea; // macOS 12.0
 @end
 
-typedef NSUInteger NSApplicationActivationOptions; // none is used
+typedef NSUInteger NSApplicationActivationOptions; // none of its constants is used
 
 @interface NSRunningApplication : NSObject
 - (BOOL)activateWithOptions:(NSApplicationActivationOptions)options;

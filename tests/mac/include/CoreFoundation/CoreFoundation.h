@@ -1,6 +1,5 @@
 // Not Apple's header: the declarations of CoreFoundation that Brimlet uses, written from the public
-// documentation, so that a machine without the SDK can parse the code against them. See
-// tests/mac/README.md.
+// documentation. See tests/mac/README.md.
 #pragma once
 
 #include <cstdint>

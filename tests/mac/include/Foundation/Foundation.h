@@ -19,8 +19,8 @@ using NSInteger = long;
 using NSUInteger = unsigned long;
 using unichar = unsigned short;
 
-// As the SDK has them for C++: options are integers, so that they may be combined; an enumeration
-// is a type of its own.
+// As in the SDK for C++: options are integers, so that they can be combined; an enumeration is a
+// separate type.
 #define NS_OPTIONS(type, name)                                                                     \
     type name;                                                                                     \
     enum : type
