@@ -34,9 +34,8 @@ QtScreens::QtScreens(QString root)
 }
 
 void QtScreens::watch(QScreen* screen) {
-    // Moved, resized or rescaled. A new scale is told first, while the geometry is still the old
-    // one, and alone where the points stay the same after rounding; all other signals come with
-    // these.
+    // These two cover moving, resizing and rescaling. A new scale is signalled before the new
+    // geometry, and alone when rounding leaves the geometry unchanged.
     connect(screen, &QScreen::geometryChanged, this, &QtScreens::announce);
     connect(screen, &QScreen::logicalDotsPerInchChanged, this, &QtScreens::announce);
 }
