@@ -2,9 +2,10 @@
 
 #include "platform/linux/glibowners.h"
 #include "platform/linux/secretservice.h"
-#include "platform/qt/serialworker.h"
 
+#include <chrono>
 #include <functional>
+#include <memory>
 #include <stop_token>
 #include <utility>
 
@@ -31,20 +32,15 @@ constexpr std::chrono::milliseconds kReadTimeout(1500);
 
 } // namespace
 
-LibsecretStore::LibsecretStore()
-    : m_worker(std::make_unique<SerialWorker>()) {}
-
-LibsecretStore::~LibsecretStore() = default;
-
 SecretResult LibsecretStore::read(const QString& service, const QString& account) {
     using Answer = std::variant<SecretValuePtr, SecretError>;
     const auto deadline = std::chrono::steady_clock::now() + kReadTimeout;
     const auto answer = std::make_shared<Answer>(SecretError::Unavailable);
     const bool isInTime =
-        m_worker->run(jobOf([answer, name = itemName(service, account)](GCancellable* cancellable) {
-                          *answer = secretservice::find(name, cancellable);
-                      }),
-                      deadline);
+        m_worker.run(jobOf([answer, name = itemName(service, account)](GCancellable* cancellable) {
+                         *answer = secretservice::find(name, cancellable);
+                     }),
+                     deadline);
     if (!isInTime) {
         return SecretError::TimedOut;
     }
@@ -57,7 +53,7 @@ SecretResult LibsecretStore::read(const QString& service, const QString& account
 }
 
 void LibsecretStore::remove(const QString& service, const QString& account) {
-    m_worker->post(jobOf([name = itemName(service, account)](GCancellable* cancellable) {
+    m_worker.post(jobOf([name = itemName(service, account)](GCancellable* cancellable) {
         secretservice::clear(name, cancellable);
     }));
 }
@@ -67,7 +63,7 @@ void LibsecretStore::add(const QString& service, const QString& account, const Q
     const std::shared_ptr<SecretValue> secret(
         secret_value_new(value.constData(), value.size(), "application/octet-stream"),
         SecretValueUnref());
-    m_worker->post(jobOf([name = itemName(service, account), secret](GCancellable* cancellable) {
+    m_worker.post(jobOf([name = itemName(service, account), secret](GCancellable* cancellable) {
         secretservice::store(name, secret.get(), cancellable);
     }));
 }

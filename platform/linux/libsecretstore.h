@@ -1,12 +1,9 @@
 #pragma once
 
+#include "platform/qt/serialworker.h"
 #include "platform/secretstore.h"
 
-#include <memory>
-
 namespace brimlet {
-
-class SerialWorker;
 
 /// The desktop's keyring, accessed through libsecret.
 ///
@@ -14,21 +11,16 @@ class SerialWorker;
 /// seconds when the service hangs, a write until the user has answered its prompt. The thread
 /// exists only while there are calls, and has its own GLib context, so the calls work with any
 /// event loop that Qt uses. A read waits for the worker for up to 1.5 s; a write returns at once.
-/// Written values are kept in libsecret's memory, which is wiped when it is freed.
+/// The destructor waits up to 0.8 s for pending writes, then cancels them. Written values are kept
+/// in libsecret's memory, which is wiped when it is freed.
 class LibsecretStore final : public SecretStore {
 public:
-    LibsecretStore();
-    /// Waits up to 0.8 s for pending writes, then cancels them.
-    ~LibsecretStore() override;
-    LibsecretStore(const LibsecretStore&) = delete;
-    LibsecretStore& operator=(const LibsecretStore&) = delete;
-
     [[nodiscard]] SecretResult read(const QString& service, const QString& account) override;
     void remove(const QString& service, const QString& account) override;
     void add(const QString& service, const QString& account, const QByteArray& value) override;
 
 private:
-    std::unique_ptr<SerialWorker> m_worker;
+    SerialWorker m_worker;
 };
 
 } // namespace brimlet
