@@ -1,4 +1,5 @@
 #include "platform/mac/rules/selftest.h"
+#include "tests/support/fakes.h"
 #include "tests/support/testprogram.h"
 
 #include <QTest>
@@ -7,18 +8,19 @@ using namespace brimlet;
 
 namespace {
 
-struct FixedScreens final : Screens {
-    [[nodiscard]] std::vector<Screen> list() const override { return screens; }
-    [[nodiscard]] bool isBuiltIn(std::uint32_t displayNumber) const override {
-        return displayNumber == 1;
-    }
-    ObserverToken observeChanges(std::function<void()> /*changed*/) override { return {}; }
+/// Of which display 1 is built in.
+FakeScreens fakeScreens(std::vector<Screen> list) {
+    FakeScreens screens;
+    screens.set(std::move(list), {1});
+    return screens;
+}
 
-    std::vector<Screen> screens{{.number = 1,
-                                 .frame = {0, 0, 1512, 982},
-                                 .auxiliaryTopLeftArea = Rect{0, 944, 663, 38},
-                                 .auxiliaryTopRightArea = Rect{848, 944, 664, 38}}};
-};
+FakeScreens notchedLaptop() {
+    return fakeScreens({{.number = 1,
+                         .frame = {0, 0, 1512, 982},
+                         .auxiliaryTopLeftArea = Rect{0, 944, 663, 38},
+                         .auxiliaryTopRightArea = Rect{848, 944, 664, 38}}});
+}
 
 } // namespace
 
@@ -27,7 +29,7 @@ class TestSelfTest final : public QObject {
 
 private Q_SLOTS:
     void aPanelWithTheWantedPropertiesPasses() {
-        const SelfTest result = selfTest({}, FixedScreens());
+        const SelfTest result = selfTest({}, notchedLaptop());
         QVERIFY(result.isPassed);
         QVERIFY(result.report.contains(QStringLiteral("  styleMask 0x80\n")));
         QVERIFY(result.report.contains(QStringLiteral("  collectionBehavior 0x51\n")));
@@ -70,7 +72,7 @@ private Q_SLOTS:
     void eachWrongPropertyFailsWithALine() {
         QFETCH(PanelFacts, panel);
         QFETCH(QString, line);
-        const SelfTest result = selfTest(panel, FixedScreens());
+        const SelfTest result = selfTest(panel, notchedLaptop());
         QVERIFY(!result.isPassed);
         QVERIFY2(result.report.contains(line), qPrintable(result.report));
         QCOMPARE(result.report.count(QStringLiteral("WRONG")), 1);
@@ -78,21 +80,15 @@ private Q_SLOTS:
     }
 
     void aMacWithoutANotchPasses() {
-        FixedScreens screens;
         Screen screen;
         screen.frame = {0, 0, 1920, 1080};
-        screens.screens = {screen};
-        const SelfTest result = selfTest({}, screens);
+        const SelfTest result = selfTest({}, fakeScreens({screen}));
         QVERIFY(result.isPassed);
         QVERIFY(result.report.contains(QStringLiteral("screen without number\n")));
         QVERIFY(result.report.contains(QStringLiteral("  left of the notch none\n")));
     }
 
-    void aMacWithoutScreensFails() {
-        FixedScreens screens;
-        screens.screens.clear();
-        QVERIFY(!selfTest({}, screens).isPassed);
-    }
+    void aMacWithoutScreensFails() { QVERIFY(!selfTest({}, fakeScreens({})).isPassed); }
 };
 
 BRIMLET_TEST(TestSelfTest, brimlet::NoApplication)
