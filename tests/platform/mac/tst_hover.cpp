@@ -3,6 +3,7 @@
 #include "platform/mac/rules/hovertracker.h"
 #include "tests/support/testprogram.h"
 
+#include <QApplication>
 #include <QEnterEvent>
 #include <QGuiApplication>
 #include <QTest>
@@ -248,5 +249,5 @@ private Q_SLOTS:
     }
 };
 
-BRIMLET_TEST(TestHover, QGuiApplication)
+BRIMLET_TEST(TestHover, QApplication)
 #include "tst_hover.moc"
