@@ -1,5 +1,5 @@
-// What a picture costs: ordinary ones, the largest, and small files that take much work; and what the
-// checks cost that every picture passes before a decoder reads it.
+// What a picture costs: ordinary ones, the largest, and small files that take much work; and what
+// the checks cost that every picture passes before a decoder reads it.
 
 #include "bench/micro/repeat.h"
 #include "creative/images/imagedecoding.h"

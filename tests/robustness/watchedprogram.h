@@ -12,8 +12,8 @@ namespace brimlet {
 /// and a second server that must never receive the token; checks what holds after any fault.
 class WatchedProgram final {
 public:
-    /// Polls are 50 milliseconds apart, and a request times out after a second.
-    static constexpr int kSpeed = 60;
+    /// Polls are a tenth of a second apart, and a request times out after two seconds.
+    static constexpr int kSpeed = 30;
     static constexpr int kPollMilliseconds = 3000 / kSpeed;
 
     /// The service gives good replies, and the program sends a heartbeat with the token.
