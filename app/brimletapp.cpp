@@ -1,13 +1,15 @@
 #include "app/brimletapp.h"
 
+#include "platform/sharedports.h"
+
 #include <QCoreApplication>
 
 namespace brimlet {
 namespace {
 
 std::shared_ptr<HostStore> sharedStore(const HostPorts& host, const OverlayPorts& overlay) {
-    HostStore::setSharedPorts(host);
-    OverlayController::setSharedPorts(overlay);
+    SharedPorts<HostPorts>::set(host);
+    SharedPorts<OverlayPorts>::set(overlay);
     return HostStore::shared();
 }
 

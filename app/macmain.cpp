@@ -12,6 +12,7 @@
 #include "platform/qt/instancelock.h"
 #include "platform/qt/qtcachesfolder.h"
 #include "platform/qt/qtclock.h"
+#include "platform/sharedports.h"
 
 #include <QApplication>
 
@@ -46,7 +47,7 @@ int main(int argc, char* argv[]) {
     CurlHttpClient http;
     MacStatusItem statusItem;
 
-    CreativeImageCache::setSharedPorts({http, cachesFolder});
+    SharedPorts<ImagePorts>::set({http, cachesFolder});
     const CreativeEnvironment environment{CreativeImageCache::shared(), clock, reduceMotion};
     BrimletApp app({screens, workspace, secrets, http, bundle, clock},
                    {screens, workspace, overlayWindowFactory(environment)},

@@ -13,6 +13,7 @@
 #include "platform/linux/xdgcachesfolder.h"
 #include "platform/qt/desktopscreens.h"
 #include "platform/qt/qtclock.h"
+#include "platform/sharedports.h"
 
 #include <QApplication>
 
@@ -48,7 +49,7 @@ int main(int argc, char* argv[]) {
     CurlHttpClient http;
     TrayStatusItem statusItem;
 
-    CreativeImageCache::setSharedPorts({http, cachesFolder});
+    SharedPorts<ImagePorts>::set({http, cachesFolder});
     const CreativeEnvironment environment{CreativeImageCache::shared(), clock, reduceMotion};
     BrimletApp app({screens, workspace, secrets, http, bundle, clock},
                    {screens, workspace, overlayWindowFactory(primaryGeometry, environment)},

@@ -15,6 +15,7 @@
 #include "platform/linux/xdgcachesfolder.h"
 #include "platform/qt/desktopscreens.h"
 #include "platform/qt/qtclock.h"
+#include "platform/sharedports.h"
 #include "platform/simulated/memorysecretstore.h"
 #include "platform/simulated/notchwindow.h"
 #include "platform/simulated/simulatedclock.h"
@@ -101,7 +102,7 @@ int main(int argc, char* argv[]) {
     QObject::connect(&file, &MachineFile::changed, &notch, redrawNotch);
     redrawNotch();
 
-    CreativeImageCache::setSharedPorts({http, cachesFolder});
+    SharedPorts<ImagePorts>::set({http, cachesFolder});
     const CreativeEnvironment environment{CreativeImageCache::shared(), clock, reduceMotion};
     const auto primary = [&file] { return simulatedPrimaryGeometry(file.machine()); };
     BrimletApp app({screens, workspace, *secrets, http, bundle, clock},

@@ -4,6 +4,7 @@
 #include "creative/images/imagegate.h"
 #include "host/linkrule.h"
 #include "platform/deferred.h"
+#include "platform/sharedports.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -19,11 +20,6 @@
 
 namespace brimlet {
 namespace {
-
-std::optional<ImagePorts>& sharedPorts() {
-    static std::optional<ImagePorts> ports;
-    return ports;
-}
 
 /// A text's hash under a seed, as the signed number that its digits are taken from.
 std::int64_t seededHash(const QString& text, std::uint64_t seed) {
@@ -86,14 +82,8 @@ struct CreativeImageCache::State final {
 CreativeImageCache::CreativeImageCache(const ImagePorts& ports, std::uint64_t seed)
     : m_state(std::make_shared<State>(State{ports, seed, {}, {}})) {}
 
-void CreativeImageCache::setSharedPorts(const ImagePorts& ports) {
-    Q_ASSERT(!sharedPorts());
-    sharedPorts().emplace(ports);
-}
-
 CreativeImageCache& CreativeImageCache::shared() {
-    Q_ASSERT(sharedPorts());
-    static auto* const cache = new CreativeImageCache(*sharedPorts());
+    static auto* const cache = new CreativeImageCache(SharedPorts<ImagePorts>::get());
     return *cache;
 }
 

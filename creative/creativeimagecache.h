@@ -26,9 +26,8 @@ public:
     /// are not found again.
     explicit CreativeImageCache(const ImagePorts& ports, std::uint64_t seed = seedOfThisRun());
 
-    /// Names the ports of the shared cache. Called once, before the first use of `shared()`.
-    static void setSharedPorts(const ImagePorts& ports);
-    /// The process's cache, created on first use and kept until the process ends.
+    /// The process's cache, created on first use with `SharedPorts` and kept until the process
+    /// ends.
     [[nodiscard]] static CreativeImageCache& shared();
 
     /// The picture at the address, at most 128 pixels a side; absent when the address is absent or

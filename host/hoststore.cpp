@@ -3,9 +3,8 @@
 #include "host/notch.h"
 #include "host/statusline.h"
 #include "host/visibility.h"
+#include "platform/sharedports.h"
 #include "platform/starttask.h"
-
-#include <optional>
 
 namespace brimlet {
 namespace {
@@ -13,27 +12,16 @@ namespace {
 constexpr auto kHeartbeatInterval = std::chrono::seconds(900);
 constexpr auto kEstimateInterval = std::chrono::seconds(3);
 
-std::optional<HostPorts>& sharedPorts() {
-    static std::optional<HostPorts> ports;
-    return ports;
-}
-
 } // namespace
 
 std::shared_ptr<HostStore> HostStore::create(const HostPorts& ports) {
     return std::shared_ptr<HostStore>(new HostStore(ports));
 }
 
-void HostStore::setSharedPorts(const HostPorts& ports) {
-    sharedPorts().emplace(ports);
-}
-
 const std::shared_ptr<HostStore>& HostStore::shared() {
     // Left to the end of the process on purpose: its timers and observers are never torn down.
-    static const auto* const store = [] {
-        Q_ASSERT_X(sharedPorts(), "HostStore::shared", "the ports are named before first use");
-        return new std::shared_ptr<HostStore>(create(*sharedPorts()));
-    }();
+    static const auto* const store =
+        new std::shared_ptr<HostStore>(create(SharedPorts<HostPorts>::get()));
     return *store;
 }
 

@@ -44,9 +44,8 @@ public:
     /// nothing.
     [[nodiscard]] static std::shared_ptr<HostStore> create(const HostPorts& ports);
 
-    /// Names the ports of the shared store. Called once, before the first use of `shared()`.
-    static void setSharedPorts(const HostPorts& ports);
-    /// The process's store, created on first use and kept until the process ends.
+    /// The process's store, created on first use with `SharedPorts` and kept until the process
+    /// ends.
     [[nodiscard]] static const std::shared_ptr<HostStore>& shared();
 
     ~HostStore() override = default;

@@ -1,30 +1,13 @@
 #include "overlay/overlaycontroller.h"
 
 #include "host/hoststore.h"
-
-#include <optional>
+#include "platform/sharedports.h"
 
 namespace brimlet {
-namespace {
-
-std::optional<OverlayPorts>& sharedPorts() {
-    static std::optional<OverlayPorts> ports;
-    return ports;
-}
-
-} // namespace
-
-void OverlayController::setSharedPorts(const OverlayPorts& ports) {
-    sharedPorts().emplace(ports);
-}
 
 OverlayController& OverlayController::shared() {
-    // Left to the end of the process on purpose, like the store it shows.
-    static auto* const controller = [] {
-        Q_ASSERT_X(sharedPorts(), "OverlayController::shared",
-                   "the ports are named before first use");
-        return new OverlayController(*sharedPorts());
-    }();
+    // Never destroyed, like the store it shows.
+    static auto* const controller = new OverlayController(SharedPorts<OverlayPorts>::get());
     return *controller;
 }
 

@@ -6,15 +6,14 @@
 
 namespace brimlet {
 
-/// The owner of the one overlay panel. It never keeps the store alive. Main thread only.
+/// Owns the one overlay panel. Holds the store weakly. Main thread only.
 class OverlayController final {
 public:
     explicit OverlayController(OverlayPorts ports)
         : m_ports(std::move(ports)) {}
 
-    /// Names the ports of the shared controller. Called once, before the first use of `shared()`.
-    static void setSharedPorts(const OverlayPorts& ports);
-    /// The process's controller, created on first use and kept until the process ends.
+    /// The process's controller, created on first use with `SharedPorts` and kept until the
+    /// process ends.
     [[nodiscard]] static OverlayController& shared();
 
     /// Remembers the store, creates the panel if there is none, and renders.

@@ -1,4 +1,5 @@
 #include "app/brimletapp.h"
+#include "platform/sharedports.h"
 #include "tests/support/hostfixture.h"
 #include "tests/support/testprogram.h"
 
@@ -19,7 +20,7 @@ private Q_SLOTS:
         FakeStatusItem statusItem;
         FakeMenuWindow::Record menu;
         // The launch touches the shared store first here, the application after it.
-        HostStore::setSharedPorts(host.ports());
+        SharedPorts<HostPorts>::set(host.ports());
         const auto first = HostStore::shared();
         const BrimletApp app(
             host.ports(),

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <optional>
+
+namespace brimlet {
+
+/// The ports that an object shared by the whole process is created with, on its first use. Main
+/// thread only.
+template <typename Ports>
+class SharedPorts final {
+public:
+    /// Called before that first use. References in the ports outlive the main loop.
+    static void set(const Ports& ports) { s_ports.emplace(ports); }
+
+    [[nodiscard]] static const Ports& get() {
+        Q_ASSERT_X(s_ports, "SharedPorts", "the ports are set before the shared object is used");
+        return *s_ports;
+    }
+
+private:
+    inline static std::optional<Ports> s_ports;
+};
+
+} // namespace brimlet
