@@ -13,6 +13,7 @@
 #include "platform/linux/x11menuwindow.h"
 #include "platform/linux/x11overlaywindow.h"
 #include "platform/linux/x11watch.h"
+#include "platform/onceperturn.h"
 #include "platform/qt/unixsignals.h"
 
 #include <QApplication>
@@ -130,20 +131,14 @@ void askRunningProgram(const SingleInstance& instance, InstanceRequest request) 
 }
 
 void followDesktop(const HostStore& store, LinuxWorkspace& workspace) {
-    // Once for the many changes of one reply, and after them: what is found may change the store.
-    QObject::connect(&store, &HostStore::objectWillChange, &workspace,
-                     [&workspace, isDue = std::make_shared<bool>(false)] {
-                         if (!std::exchange(*isDue, true)) {
-                             QMetaObject::invokeMethod(
-                                 &workspace,
-                                 [&workspace, isDue] {
-                                     *isDue = false;
-                                     workspace.checkPanelPower();
-                                     X11Watch::shared().drainEvents();
-                                 },
-                                 Qt::QueuedConnection);
-                         }
-                     });
+    // After the many changes of one reply, since the check itself may change the store.
+    auto* const check = new OncePerTurn(
+        [&workspace] {
+            workspace.checkPanelPower();
+            X11Watch::shared().drainEvents();
+        },
+        &workspace);
+    QObject::connect(&store, &HostStore::objectWillChange, check, &OncePerTurn::schedule);
 }
 
 } // namespace brimlet

@@ -7,12 +7,12 @@
 namespace brimlet {
 namespace {
 
-/// A click on the status item may first take the keyboard from the panel, which then goes away, and
-/// be told of after that. It meant to close the panel and must not open it again.
+/// A click on the status item may first take the keyboard from the open panel, which closes it, and
+/// only then be reported as a press. Within this time such a press does not open the panel again.
 constexpr std::chrono::milliseconds kSameClick{200};
 
-/// How long the desktop's bar may take to show the status item before the panel opens by itself, so
-/// that the program can be reached where there is no bar.
+/// The panel opens by itself if the desktop shows no status item within this time. It is then the
+/// only way to reach the program.
 constexpr std::chrono::seconds kWaitForBar{3};
 
 } // namespace
@@ -21,8 +21,8 @@ MenuBarExtra::MenuBarExtra(std::shared_ptr<HostStore> store, MenuPorts ports)
     : m_store(std::move(store))
     , m_ports(std::move(ports)) {
     m_ports.statusItem.observePresses([this](const std::optional<Rect>& place) { pressed(place); });
-    connect(m_store.get(), &HostStore::objectWillChange, this, &MenuBarExtra::storeWillChange);
-    storeWillChange();
+    connect(m_store.get(), &HostStore::objectWillChange, &m_toolTipUpdate, &OncePerTurn::schedule);
+    m_toolTipUpdate.schedule();
     startTask(openUnlessShown(m_end.get_token()));
 }
 
@@ -50,25 +50,16 @@ void MenuBarExtra::openAt(const std::optional<Rect>& place) {
     m_window->present(place);
 }
 
-void MenuBarExtra::storeWillChange() {
-    if (std::exchange(m_isToolTipDue, true)) {
-        return;
+void MenuBarExtra::updateToolTip() {
+    if (m_toolTip != m_store->statusLine()) {
+        m_toolTip = m_store->statusLine();
+        m_ports.statusItem.setToolTip(m_toolTip);
     }
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            m_isToolTipDue = false;
-            if (m_toolTip != m_store->statusLine()) {
-                m_toolTip = m_store->statusLine();
-                m_ports.statusItem.setToolTip(m_toolTip);
-            }
-        },
-        Qt::QueuedConnection);
 }
 
 QCoro::Task<> MenuBarExtra::openUnlessShown(std::stop_token end) {
     co_await m_ports.clock.sleep(kWaitForBar, end);
-    // Whoever asked for the end is on the way out: nothing of it is touched any more.
+    // After a stop request `this` may be destroyed.
     if (!end.stop_requested() && !m_ports.statusItem.isShown() && !m_window) {
         open();
     }

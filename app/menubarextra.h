@@ -2,6 +2,7 @@
 
 #include "host/hoststore.h"
 #include "platform/menuwindow.h"
+#include "platform/onceperturn.h"
 #include "platform/statusitem.h"
 
 #include <QObject>
@@ -14,19 +15,19 @@
 
 namespace brimlet {
 
-/// Makes the panel's window with the menu inside.
+/// Makes the panel's window with the menu as its content.
 using MenuWindowFactory =
     std::function<std::unique_ptr<MenuWindow>(const std::shared_ptr<HostStore>&)>;
 
-/// What the menu-bar extra needs of the system. The ports outlive it.
+/// The ports of the menu-bar extra, which they outlive.
 struct MenuPorts final {
     StatusItem& statusItem;
     Clock& clock;
     MenuWindowFactory makeWindow;
 };
 
-/// The program's one place on the desktop besides the overlay: a status item, and the panel that a
-/// click on it opens and closes. The panel is made when it is first opened. Main thread only.
+/// The status item, and the panel that a press on it opens and closes. The panel is created when it
+/// is first opened. Main thread only.
 class MenuBarExtra final : public QObject {
     Q_OBJECT
 
@@ -43,16 +44,16 @@ public:
 private:
     void pressed(const std::optional<Rect>& place);
     void openAt(const std::optional<Rect>& place);
-    void storeWillChange();
+    void updateToolTip();
     [[nodiscard]] QCoro::Task<> openUnlessShown(std::stop_token end);
 
     std::shared_ptr<HostStore> m_store;
     MenuPorts m_ports;
     std::unique_ptr<MenuWindow> m_window;
-    /// Uptime at which the panel last went away.
+    /// When the panel last closed, in the clock's uptime.
     std::optional<std::chrono::nanoseconds> m_dismissedAt;
     QString m_toolTip;
-    bool m_isToolTipDue = false;
+    OncePerTurn m_toolTipUpdate{[this] { updateToolTip(); }};
     std::stop_source m_end;
 };
 

@@ -122,15 +122,12 @@ void HostMenuView::hideEvent(QHideEvent* /*event*/) {
 }
 
 void HostMenuView::storeWillChange() {
-    if (m_isRebuildDue || !isVisible()) {
-        return;
+    if (isVisible()) {
+        m_rebuild.schedule();
     }
-    m_isRebuildDue = true;
-    QMetaObject::invokeMethod(this, &HostMenuView::rebuild, Qt::QueuedConnection);
 }
 
 void HostMenuView::rebuild() {
-    m_isRebuildDue = false;
     const Assignment& week = m_store->assignment();
     const MenuRows rows = menuRows(week, m_store->hasNotch());
     const bool live = m_store->adsVisible();

@@ -2,6 +2,7 @@
 
 #include "creative/creativeenvironment.h"
 #include "host/hoststore.h"
+#include "platform/onceperturn.h"
 
 #include <QWidget>
 
@@ -44,7 +45,7 @@ private:
     void fitHeight();
 
     std::shared_ptr<HostStore> m_store;
-    bool m_isRebuildDue = false;
+    OncePerTurn m_rebuild{[this] { rebuild(); }};
 
     LiveDot* m_live;
     AmountText* m_amount;

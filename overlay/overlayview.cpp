@@ -24,7 +24,7 @@ OverlayView::OverlayView(OverlayRuntime& runtime, const CreativeEnvironment& env
     , m_left(new NotchPill(environment, this))
     , m_right(new NotchPill(environment, this)) {
     describePillsToScreenReaders();
-    connect(&runtime, &OverlayRuntime::objectWillChange, this, &OverlayView::runtimeWillChange);
+    connect(&runtime, &OverlayRuntime::objectWillChange, &m_rebuild, &OncePerTurn::schedule);
     for (NotchPill* const each : {m_left, m_right}) {
         connect(each, &NotchPill::clicked, this,
                 [this, each] { m_runtime.open(each->creative()); });
@@ -33,16 +33,7 @@ OverlayView::OverlayView(OverlayRuntime& runtime, const CreativeEnvironment& env
     rebuild();
 }
 
-void OverlayView::runtimeWillChange() {
-    if (m_isRebuildDue) {
-        return;
-    }
-    m_isRebuildDue = true;
-    QMetaObject::invokeMethod(this, &OverlayView::rebuild, Qt::QueuedConnection);
-}
-
 void OverlayView::rebuild() {
-    m_isRebuildDue = false;
     // The runtime announces every reply, and almost all are equal to the one before.
     Parts parts{.visible = m_runtime.visible(),
                 .left = m_runtime.left(),
@@ -128,7 +119,7 @@ void OverlayView::paintStep(NotchPill& moved) {
 }
 
 void OverlayView::resizeEvent(QResizeEvent* /*event*/) {
-    if (m_isRebuildDue) {
+    if (m_rebuild.isDue()) {
         m_parts.reset(); // the row is placed by what the runtime says by now
     }
     placeRow();

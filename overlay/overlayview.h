@@ -2,6 +2,7 @@
 
 #include "creative/creativeenvironment.h"
 #include "overlay/overlayruntime.h"
+#include "platform/onceperturn.h"
 
 #include <QRegion>
 #include <QWidget>
@@ -45,7 +46,6 @@ private:
         bool operator==(const Parts&) const = default;
     };
 
-    void runtimeWillChange();
     void rebuild();
     static void pill(NotchPill& view, const std::optional<SlotCreative>& creative);
     void placeRow();
@@ -55,7 +55,7 @@ private:
     OverlayRuntime& m_runtime;
     NotchPill* m_left;
     NotchPill* m_right;
-    bool m_isRebuildDue = false;
+    OncePerTurn m_rebuild{[this] { rebuild(); }};
     std::optional<Parts> m_parts; ///< Of the present picture.
     QRegion m_clickable;
     QRegion m_painted;

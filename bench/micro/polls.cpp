@@ -151,7 +151,7 @@ void unchangedPollWithViews(benchmark::State& state) {
     QCoreApplication::sendPostedEvents();
     repeat(state, [&] {
         overlay.sample.poll();
-        QCoreApplication::sendPostedEvents(view.get());
+        QCoreApplication::sendPostedEvents();
     });
     if (!overlay.isShown() || view->painted().isEmpty()) {
         state.SkipWithError("the overlay was not rendered");

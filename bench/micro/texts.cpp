@@ -55,7 +55,7 @@ struct Capsules final : Fixture {
     void show(const QString& text) {
         write(text);
         runtime.apply(*store, 184, 32);
-        QCoreApplication::sendPostedEvents(&view);
+        QCoreApplication::sendPostedEvents();
         paint(view);
     }
 

@@ -24,10 +24,10 @@ QtScreens::QtScreens(QString root)
     , m_panel(notchedPanel(readCompatible(m_root))) {
     connect(qGuiApp, &QGuiApplication::screenAdded, this, [this](QScreen* screen) {
         watch(screen);
-        announce();
+        m_announce.schedule();
     });
-    connect(qGuiApp, &QGuiApplication::screenRemoved, this, &QtScreens::announce);
-    connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &QtScreens::announce);
+    connect(qGuiApp, &QGuiApplication::screenRemoved, &m_announce, &OncePerTurn::schedule);
+    connect(qGuiApp, &QGuiApplication::primaryScreenChanged, &m_announce, &OncePerTurn::schedule);
     for (QScreen* screen : QGuiApplication::screens()) {
         watch(screen);
     }
@@ -36,23 +36,8 @@ QtScreens::QtScreens(QString root)
 void QtScreens::watch(QScreen* screen) {
     // These two cover moving, resizing and rescaling. A new scale is signalled before the new
     // geometry, and alone when rounding leaves the geometry unchanged.
-    connect(screen, &QScreen::geometryChanged, this, &QtScreens::announce);
-    connect(screen, &QScreen::logicalDotsPerInchChanged, this, &QtScreens::announce);
-}
-
-void QtScreens::announce() {
-    // One change of the desktop arrives as several signals, and inside some of them the list is
-    // not yet settled.
-    if (!m_isAnnounceDue) {
-        m_isAnnounceDue = true;
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                m_isAnnounceDue = false;
-                m_observers.notify();
-            },
-            Qt::QueuedConnection);
-    }
+    connect(screen, &QScreen::geometryChanged, &m_announce, &OncePerTurn::schedule);
+    connect(screen, &QScreen::logicalDotsPerInchChanged, &m_announce, &OncePerTurn::schedule);
 }
 
 std::vector<Screen> QtScreens::list() const {

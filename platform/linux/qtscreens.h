@@ -2,6 +2,7 @@
 
 #include "platform/linux/appledisplay.h"
 #include "platform/observers.h"
+#include "platform/onceperturn.h"
 #include "platform/screens.h"
 
 #include <QObject>
@@ -34,12 +35,13 @@ public:
 
 private:
     void watch(QScreen* screen);
-    void announce();
 
     QString m_root;
     std::optional<NotchedPanel> m_panel;
     Observers m_observers;
-    bool m_isAnnounceDue = false;
+    /// One change of the desktop arrives as several signals, and during some of them the list of
+    /// screens is not up to date yet.
+    OncePerTurn m_announce{[this] { m_observers.notify(); }};
 };
 
 } // namespace brimlet

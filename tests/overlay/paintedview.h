@@ -28,7 +28,7 @@ public:
         m_view.show();
         startTask(m_store->refreshDisplay());
         m_runtime.apply(*m_store, 184, 32);
-        QCoreApplication::sendPostedEvents(&m_view);
+        QCoreApplication::sendPostedEvents();
     }
 
     /// What it paints now on a screen with so many pixels to a point; elsewhere transparent.

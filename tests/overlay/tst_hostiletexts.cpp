@@ -34,7 +34,7 @@ struct TextFixture final {
         week().right = SlotCreative{
             QStringLiteral("right"), text, {}, std::nullopt, Url::fromString(u"https:///page")};
         runtime.apply(*store, 184, 32);
-        QCoreApplication::sendPostedEvents(&view);
+        QCoreApplication::sendPostedEvents();
     }
     [[nodiscard]] const NotchPill& left() const { return *view.findChildren<NotchPill*>().at(0); }
     [[nodiscard]] const NotchPill& right() const { return *view.findChildren<NotchPill*>().at(1); }
@@ -179,7 +179,7 @@ private Q_SLOTS:
         f.week().right = SlotCreative{
             QStringLiteral("right"), u"Brand"_qs, {}, std::nullopt, Url::fromString(link)};
         f.runtime.apply(*f.store, 184, 32);
-        QCoreApplication::sendPostedEvents(&f.view);
+        QCoreApplication::sendPostedEvents();
         QCOMPARE(insideToolTip(f.left().toolTip()), host);
         QCOMPARE(insideToolTip(f.right().toolTip()), host);
         QCOMPARE(f.heard(QAccessible::Name, 0), host); // there is nothing else to say

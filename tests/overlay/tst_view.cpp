@@ -49,7 +49,7 @@ struct ViewFixture final {
     }
     void render() {
         runtime.apply(*store, 184, 32);
-        QCoreApplication::sendPostedEvents(&view);
+        QCoreApplication::sendPostedEvents();
     }
     [[nodiscard]] NotchPill* left() const { return view.findChildren<NotchPill*>().at(0); }
     [[nodiscard]] NotchPill* right() const { return view.findChildren<NotchPill*>().at(1); }
