@@ -97,7 +97,7 @@ OverlayWindowFactory overlayWindowFactory(const std::function<QRectF()>& primary
         auto window = std::make_unique<X11OverlayWindow>(std::move(content), primaryGeometry);
         QObject::connect(view, &OverlayView::regionsChanged, window.get(),
                          [view, target = window.get()] {
-                             target->setShapes(view->clickable(), view->painted());
+                             target->setRegions(view->clickable(), view->painted());
                          });
         return window;
     };

@@ -74,7 +74,7 @@ OverlayWindowFactory overlayWindowFactory(const CreativeEnvironment& environment
             std::move(content), [view](QPoint where) { return toolTipAt(*view, where); });
         // Both go together: the window owns the view.
         QObject::connect(view, &OverlayView::regionsChanged, [view, target = window.get()] {
-            target->setClickable(view->clickable());
+            target->setRegions(view->clickable(), view->painted());
         });
         return window;
     };

@@ -2,6 +2,8 @@
 
 #include "platform/rect.h"
 
+class QRegion;
+
 namespace brimlet {
 
 /// The native window behind the overlay panel: borderless, transparent, above other windows, on
@@ -21,6 +23,10 @@ public:
 
     /// While true every click reaches what is underneath.
     virtual void setIgnoresMouseEvents(bool ignores) = 0;
+
+    /// Where the content takes clicks and where it paints, in its own coordinates (points). Both
+    /// are empty until set.
+    virtual void setRegions(const QRegion& clickable, const QRegion& painted) = 0;
 };
 
 } // namespace brimlet

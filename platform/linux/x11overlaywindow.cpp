@@ -7,7 +7,7 @@
 namespace brimlet {
 namespace {
 
-std::vector<QRect> onScreen(const QRegion& region, qreal devicePixelRatio) {
+std::vector<QRect> inDevicePixels(const QRegion& region, qreal devicePixelRatio) {
     std::vector<QRect> rectangles;
     for (const QRect& part : region) {
         const auto scaled = [&](int value) { return qRound(value * devicePixelRatio); };
@@ -35,15 +35,15 @@ X11OverlayWindow::X11OverlayWindow(std::unique_ptr<QWidget> content,
 }
 
 void X11OverlayWindow::orderFrontRegardless() {
-    // Shaped before it is mapped, and again each time, since a new native window or another scale
-    // factor comes without a word.
+    // Shaped before it is mapped, and again each time: a new native window or scale factor is not
+    // announced.
     create();
     applyInputShape();
     applyMask();
     bringForward();
 }
 
-/// Nothing to do while it is shown and nobody else's window was touched since it came forward.
+/// Sends nothing while it is shown and no foreign window changed the stacking since.
 void X11OverlayWindow::bringForward() {
     const std::uint64_t arrangement = X11Watch::shared().foreignStackingSerial();
     if (isVisible() && arrangement == m_arrangement) {
@@ -69,7 +69,7 @@ void X11OverlayWindow::setIgnoresMouseEvents(bool ignores) {
     }
 }
 
-void X11OverlayWindow::setShapes(const QRegion& clickable, const QRegion& painted) {
+void X11OverlayWindow::setRegions(const QRegion& clickable, const QRegion& painted) {
     m_clickable = clickable;
     m_painted = painted;
     applyInputShape();
@@ -79,7 +79,7 @@ void X11OverlayWindow::setShapes(const QRegion& clickable, const QRegion& painte
 void X11OverlayWindow::applyInputShape() {
     const WId window = internalWinId();
     std::vector<QRect> shape =
-        onScreen(m_ignoresMouseEvents ? QRegion() : m_clickable, devicePixelRatioF());
+        inDevicePixels(m_ignoresMouseEvents ? QRegion() : m_clickable, devicePixelRatioF());
     if (window == 0 || (window == m_shapedWindow && shape == m_inputShape)) {
         return;
     }
@@ -89,7 +89,7 @@ void X11OverlayWindow::applyInputShape() {
 }
 
 void X11OverlayWindow::applyMask() {
-    // An empty mask would mean no mask, so "nothing painted" is a dot outside the window.
+    // An empty region would remove the mask, so "nothing painted" is a pixel outside the window.
     constexpr QRect kOutside(-2, -2, 1, 1);
     const QRegion shown = m_painted.isEmpty() ? QRegion(kOutside) : m_painted;
     const QRegion wanted = X11Watch::shared().hasCompositor() ? QRegion() : shown;

@@ -12,24 +12,22 @@
 
 namespace brimlet {
 
-/// The overlay's window on an X server: unmanaged, so that it stands above everything on every
-/// desktop and never takes focus. Clicks pass through all of it but the clickable shape; without a
-/// compositor it is cut to the painted shape.
+/// The overlay's window on an X server: unmanaged, so that it is above all others on every desktop
+/// and never takes focus. Clicks outside the clickable region pass through; without a compositor
+/// the window is cut to the painted region.
 class X11OverlayWindow final : public QWidget, public OverlayWindow {
     Q_OBJECT
 
 public:
-    /// Takes the content as its child. `primaryGeometry` gives the primary screen in Qt's space at
-    /// the time of asking.
+    /// Takes ownership of the content. `primaryGeometry` returns the primary screen's current
+    /// geometry in Qt's coordinates.
     X11OverlayWindow(std::unique_ptr<QWidget> content, std::function<QRectF()> primaryGeometry);
 
     void orderFrontRegardless() override;
     void orderOut() override;
     void setFrame(const Rect& frame) override;
     void setIgnoresMouseEvents(bool ignores) override;
-
-    /// Both in the window's logical pixels.
-    void setShapes(const QRegion& clickable, const QRegion& painted);
+    void setRegions(const QRegion& clickable, const QRegion& painted) override;
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -44,10 +42,10 @@ private:
     QRegion m_clickable;
     QRegion m_painted;
     bool m_ignoresMouseEvents = true;
-    // What the X server was told last, so that it hears nothing while nothing changes.
+    // What was sent to the X server last; only changes are sent.
     WId m_shapedWindow = 0;
-    std::vector<QRect> m_inputShape; ///< Pixels of the screen.
-    std::uint64_t m_arrangement = 0; ///< Of the windows, when this one was raised.
+    std::vector<QRect> m_inputShape; ///< Device pixels.
+    std::uint64_t m_arrangement = 0; ///< Foreign stacking when this window was last raised.
 };
 
 } // namespace brimlet

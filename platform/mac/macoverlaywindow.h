@@ -13,11 +13,11 @@
 
 namespace brimlet {
 
-/// The overlay's panel: AppKit's window around the view of a Qt widget. It never makes the program
-/// the active one, so hovering, the hand and tooltips come from a view of our own around that.
+/// The overlay's panel: an AppKit window around the native view of a Qt widget. The panel never
+/// activates the program, so an NSView around the widget's handles hovering, cursor and tooltips.
 class MacOverlayWindow final : public OverlayWindow {
 public:
-    /// `toolTipAt` gives the text for a place in the content; empty for none.
+    /// `toolTipAt` returns the tooltip for a point in the content; empty for none.
     MacOverlayWindow(std::unique_ptr<QWidget> content, std::function<QString(QPoint)> toolTipAt);
     ~MacOverlayWindow() override;
     MacOverlayWindow(const MacOverlayWindow&) = delete;
@@ -27,9 +27,8 @@ public:
     void orderOut() override;
     void setFrame(const Rect& frame) override;
     void setIgnoresMouseEvents(bool ignores) override;
-
-    /// In the content's coordinates.
-    void setClickable(const QRegion& clickable);
+    /// The window is composited, so only the clickable region matters.
+    void setRegions(const QRegion& clickable, const QRegion& painted) override;
 
     [[nodiscard]] PanelFacts facts() const;
 

@@ -75,7 +75,7 @@ void MacOverlayWindow::setFrame(const Rect& frame) {
     if (!CGRectEqualToRect(m_native->panel.frame, rect)) {
         [m_native->panel setFrame:rect display:YES];
     }
-    // A part of a point too many is cut off by the panel; one too few would be a bare edge.
+    // Rounded up: the panel cuts off what is too much, while too little would leave a gap.
     m_content->setGeometry(0, 0, static_cast<int>(std::ceil(frame.width)),
                            static_cast<int>(std::ceil(frame.height)));
 }
@@ -85,7 +85,7 @@ void MacOverlayWindow::setIgnoresMouseEvents(bool ignores) {
     [m_native->hoverView updatePointerPosition];
 }
 
-void MacOverlayWindow::setClickable(const QRegion& clickable) {
+void MacOverlayWindow::setRegions(const QRegion& clickable, const QRegion& /*painted*/) {
     [m_native->hoverView followBoxes:hoverBoxes(clickable)];
 }
 

@@ -166,6 +166,9 @@ public:
         m_record.calls << (ignores ? QStringLiteral("ignores on") : QStringLiteral("ignores off"));
         m_record.ignoresMouseEvents = ignores;
     }
+    void setRegions(const QRegion& /*clickable*/, const QRegion& /*painted*/) override {
+        m_record.calls << QStringLiteral("regions");
+    }
 
 private:
     Record& m_record;

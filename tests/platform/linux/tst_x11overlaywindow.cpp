@@ -119,7 +119,7 @@ class TestX11OverlayWindow final : public QObject {
     static std::unique_ptr<X11OverlayWindow> makeWindow() {
         auto window = std::make_unique<X11OverlayWindow>(std::make_unique<QWidget>(),
                                                          [] { return QRectF(0, 0, 1512, 982); });
-        window->setShapes(QRect(8, 4, 108, 24), QRect(8, 4, 108, 24));
+        window->setRegions(QRect(8, 4, 108, 24), QRect(8, 4, 108, 24));
         return window;
     }
     /// Shown, with all that follows from it behind it.
@@ -164,7 +164,7 @@ private Q_SLOTS:
     void aChangedShapeIsTold() {
         const auto window = makeWindow();
         QVERIFY(isAtRest(*window));
-        window->setShapes(QRect(312, 4, 108, 24), QRect(312, 4, 108, 24));
+        window->setRegions(QRect(312, 4, 108, 24), QRect(312, 4, 108, 24));
         QTRY_COMPARE_WITH_TIMEOUT(m_x.inputShape(idOf(*window)),
                                   std::vector<QRect>{QRect(312, 4, 108, 24)}, kPatience);
         window->setIgnoresMouseEvents(true);
