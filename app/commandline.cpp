@@ -28,9 +28,9 @@ QString optionsOf(Program program) {
     return QStringLiteral("[--pause | --quit | --help | --version]");
 }
 
-/// When a program that was downloaded is opened for the first time, a Mac may name its process to
-/// it: "-psn_0_12345".
-QStringList withoutTheSystems(QStringList arguments) {
+/// macOS may pass the process serial number, e.g. "-psn_0_12345", to a downloaded program that is
+/// opened for the first time.
+QStringList withoutProcessNumber(QStringList arguments) {
     arguments.removeIf(
         [](const QString& argument) { return argument.startsWith(QStringLiteral("-psn_")); });
     return arguments;
@@ -76,7 +76,7 @@ std::optional<int> readCommandLine(const QStringList& arguments, Program program
     parser.addOptions(isSimulator ? QList{machine, console}
                       : isMac     ? QList{pause, quit, selfTest}
                                   : QList{pause, quit});
-    const bool isParsed = parser.parse(isMac ? withoutTheSystems(arguments) : arguments);
+    const bool isParsed = parser.parse(isMac ? withoutProcessNumber(arguments) : arguments);
     const auto refuse = [program](const QString& complaint) {
         print(stderr, QStringLiteral("%1: %2\nUsage: %1 %3\n")
                           .arg(nameOf(program), complaint, optionsOf(program)));
@@ -121,16 +121,17 @@ std::optional<int> readCommandLine(const QStringList& arguments, Program program
     return std::nullopt;
 }
 
-std::optional<int> exitCodeOf(InstanceClaim claim) {
-    switch (claim) {
-    case InstanceClaim::First:
-        return std::nullopt;
-    case InstanceClaim::Second:
+int exitCodeOf(InstanceAnswer answer) {
+    switch (answer) {
+    case InstanceAnswer::Done:
         return 0;
-    case InstanceClaim::NoAnswer:
+    case InstanceAnswer::NotRunning:
+        std::fputs("brimlet: Brimlet is not running.\n", stderr);
+        break;
+    case InstanceAnswer::NoAnswer:
+        std::fputs("brimlet: Brimlet is running already but does not answer.\n", stderr);
         break;
     }
-    std::fputs(kNoAnswer, stderr);
     return 1;
 }
 

@@ -9,19 +9,19 @@
 
 namespace brimlet {
 
-/// The programs, whose options differ.
+/// The programs; each has other options.
 enum class Program {
     Linux,
-    Mac, ///< Knows a self-test besides.
+    Mac, ///< Has a self-test, too.
     Simulator,
 };
 
-/// What the command line asks of a program that goes on.
+/// The options of a program that goes on.
 struct CommandLine final {
     QString machineFile;
     bool isConsoleWanted = false;
     bool isSelfTestWanted = false;
-    /// What the program that runs is to do; this one then ends.
+    /// To send to the program that runs already; this process then ends.
     std::optional<InstanceRequest> request;
 };
 
@@ -34,13 +34,8 @@ struct CommandLine final {
 [[nodiscard]] std::optional<int> readCommandLine(const QStringList& arguments, Program program,
                                                  CommandLine& commandLine);
 
-/// What is said where a program runs that does not answer.
-inline constexpr const char* kNoAnswer =
-    "brimlet: Brimlet is running already but does not answer.\n";
-
-/// How a start ends that is not the first one: with 0 once the running program has been asked for
-/// its panel, with 1 and a line on stderr where it does not answer. Absent for the first one, which
-/// goes on.
-[[nodiscard]] std::optional<int> exitCodeOf(InstanceClaim claim);
+/// The exit code of a process that only asks the running program for something: 0 if that was done,
+/// else 1, after a line on stderr.
+[[nodiscard]] int exitCodeOf(InstanceAnswer answer);
 
 } // namespace brimlet

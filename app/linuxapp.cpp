@@ -120,14 +120,8 @@ void obeyRequests(const SingleInstance& instance, BrimletApp& app) {
 
 void askRunningProgram(const SingleInstance& instance, InstanceRequest request) {
     disableUnresponsiveBuses();
-    const SingleInstance::Answer answer = instance.ask(request);
-    if (answer == SingleInstance::Answer::Nobody) {
-        std::fputs("brimlet: Brimlet is not running.\n", stderr);
-    } else if (answer == SingleInstance::Answer::None) {
-        std::fputs(kNoAnswer, stderr);
-    }
-    // Without the usual farewell, in which Qt's bus thread may stumble over what is gone already.
-    std::quick_exit(answer == SingleInstance::Answer::Done ? 0 : 1);
+    // Without destructors: Qt's bus thread may use objects that are destroyed already.
+    std::quick_exit(exitCodeOf(instance.ask(request)));
 }
 
 void followDesktop(const HostStore& store, LinuxWorkspace& workspace) {

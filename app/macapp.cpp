@@ -35,14 +35,6 @@ QString lockFile(const Bundle& bundle, const CachesFolder& cachesFolder) {
            QStringLiteral(".lock");
 }
 
-int askRunningProgram(const InstanceLock& instance, InstanceRequest request) {
-    if (instance.ask(request)) {
-        return 0;
-    }
-    std::fputs("brimlet: Brimlet is not running.\n", stderr);
-    return 1;
-}
-
 void prepareMacApplication() {
     // Else Qt brings the program to the front once it is launched, over whatever the user does.
     qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");

@@ -18,10 +18,6 @@ class InstanceLock;
 /// user's caches, by the program's identifier.
 [[nodiscard]] QString lockFile(const Bundle& bundle, const CachesFolder& cachesFolder);
 
-/// The whole of a program that only asks the running one: 0 once that has been asked, else a line
-/// on stderr and 1.
-[[nodiscard]] int askRunningProgram(const InstanceLock& instance, InstanceRequest request);
-
 /// What the program does before the application object: has Qt leave the program in the background
 /// and use the plainest widget style.
 void prepareMacApplication();

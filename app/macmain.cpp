@@ -27,7 +27,7 @@ int main(int argc, char* argv[]) {
     const QtCachesFolder cachesFolder;
     InstanceLock instance(lockFile(bundle, cachesFolder));
     if (commandLine.request) {
-        return askRunningProgram(instance, *commandLine.request);
+        return exitCodeOf(instance.ask(*commandLine.request));
     }
     prepareMacApplication();
     const QApplication application(argc, argv);
@@ -35,8 +35,8 @@ int main(int argc, char* argv[]) {
     if (commandLine.isSelfTestWanted) {
         return runSelfTest();
     }
-    if (const auto exitCode = exitCodeOf(instance.claim())) {
-        return *exitCode;
+    if (const auto answer = instance.claim()) {
+        return exitCodeOf(*answer);
     }
 
     MacScreens screens;

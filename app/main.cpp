@@ -35,8 +35,8 @@ int main(int argc, char* argv[]) {
     }
     const QApplication application(argc, argv);
     configureLinuxApplication();
-    if (const auto exitCode = exitCodeOf(instance.claim())) {
-        return *exitCode;
+    if (const auto answer = instance.claim()) {
+        return exitCodeOf(*answer);
     }
 
     QtScreens screens;

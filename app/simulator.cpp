@@ -69,8 +69,8 @@ int main(int argc, char* argv[]) {
     configureLinuxApplication();
     // A name of its own, so that it does not keep the user's own Brimlet from running.
     SingleInstance instance(QStringLiteral("app.brimlet.host.Simulator"));
-    if (const auto exitCode = exitCodeOf(instance.claim())) {
-        return *exitCode;
+    if (const auto answer = instance.claim()) {
+        return exitCodeOf(*answer);
     }
 
     MachineFile file(commandLine.machineFile);

@@ -2,18 +2,18 @@
 
 namespace brimlet {
 
-/// What the desktop, or another start of the program, can request of the running instance.
+/// What the desktop and other starts of the program can ask of the running one.
 enum class InstanceRequest {
     Open,  ///< Open the panel.
     Pause, ///< Pause ads for 24 hours.
     Quit,
 };
 
-/// The result of a start's claim to be the only instance.
-enum class InstanceClaim {
-    First,    ///< This process is now the running instance.
-    Second,   ///< Another instance runs and has been asked to open its panel.
-    NoAnswer, ///< Another instance runs, but it did not answer or cannot be asked.
+/// How the running program answered a request.
+enum class InstanceAnswer {
+    Done,
+    NotRunning, ///< No program runs.
+    NoAnswer,   ///< One runs, but it did not answer or cannot be reached.
 };
 
 } // namespace brimlet

@@ -5,21 +5,18 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusError>
 #include <QDBusMessage>
 #include <QDir>
 #include <QFile>
 
-#include <utility>
-
 namespace brimlet {
 namespace {
 
-/// Milliseconds within which a program that is alive answers.
+/// Milliseconds within which a program that does not hang answers.
 constexpr int kPatience = 3000;
 
-/// Empty where the session has none.
+/// Empty if the session has none.
 QString runtimeFolder() {
     const QString folder = QFile::decodeName(qgetenv("XDG_RUNTIME_DIR"));
     return folder.startsWith(u'/') ? folder : QString();
@@ -33,60 +30,42 @@ QString lockFile(const QString& name) {
 
 } // namespace
 
-SingleInstance::SingleInstance(QString name)
-    : m_name(std::move(name))
-    , m_lock(lockFile(m_name)) {
-    connect(&m_lock, &InstanceLock::requested, this, &SingleInstance::requested);
-}
+SingleInstance::SingleInstance(const QString& name)
+    : InstanceLock(lockFile(name))
+    , m_name(name) {}
 
-InstanceClaim SingleInstance::claim() {
-    if (QDBusConnection::sessionBus().isConnected()) {
-        m_lock.hearRequests();
-        return claimOverBus();
-    }
+std::optional<InstanceAnswer> SingleInstance::claim() {
     if (runtimeFolder().isEmpty()) {
         QDir().mkpath(*XdgCachesFolder().path());
     }
-    return m_lock.claim();
+    const auto answer = InstanceLock::claim();
+    if (!answer && QDBusConnection::sessionBus().isConnected()) {
+        ownName();
+    }
+    return answer;
 }
 
-SingleInstance::Answer SingleInstance::ask(InstanceRequest request) const {
+InstanceAnswer SingleInstance::ask(InstanceRequest request) const {
     if (QDBusConnection::sessionBus().isConnected()) {
-        return askOverBus(request);
-    }
-    return m_lock.ask(request) ? Answer::Done : Answer::Nobody;
-}
-
-InstanceClaim SingleInstance::claimOverBus() {
-    // The one that runs may end just when it is asked; then this one takes over.
-    constexpr int kAttempts = 3;
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        if (ownName()) {
-            return InstanceClaim::First;
-        }
-        const Answer answer = askOverBus(InstanceRequest::Open);
-        if (answer != Answer::Nobody) {
-            return answer == Answer::Done ? InstanceClaim::Second : InstanceClaim::NoAnswer;
+        const InstanceAnswer answer = askOverBus(request);
+        if (answer != InstanceAnswer::NotRunning) {
+            return answer;
         }
     }
-    return InstanceClaim::NoAnswer;
+    // The process that runs may have no bus, or no name there yet.
+    return InstanceLock::ask(request);
 }
 
-bool SingleInstance::ownName() {
+void SingleInstance::ownName() {
+    new FreedesktopApplication(this,
+                               [this](InstanceRequest request) { Q_EMIT requested(request); });
+    // The object first, so that it is there as soon as the name has an owner.
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (children().isEmpty()) {
-        new FreedesktopApplication(this,
-                                   [this](InstanceRequest request) { Q_EMIT requested(request); });
-    }
-    // The object first, so that nobody who finds the name finds nothing behind it.
     bus.registerObject(objectPath(), this, QDBusConnection::ExportAdaptors);
-    const auto reply =
-        bus.interface()->registerService(m_name, QDBusConnectionInterface::DontQueueService,
-                                         QDBusConnectionInterface::DontAllowReplacement);
-    return reply.value() == QDBusConnectionInterface::ServiceRegistered;
+    bus.registerService(m_name);
 }
 
-SingleInstance::Answer SingleInstance::askOverBus(InstanceRequest request) const {
+InstanceAnswer SingleInstance::askOverBus(InstanceRequest request) const {
     const QString interface = QStringLiteral("org.freedesktop.Application");
     QDBusMessage call;
     if (request == InstanceRequest::Open) {
@@ -103,13 +82,13 @@ SingleInstance::Answer SingleInstance::askOverBus(InstanceRequest request) const
     call.setAutoStartService(false);
     const QDBusMessage answer = QDBusConnection::sessionBus().call(call, QDBus::Block, kPatience);
     if (answer.type() == QDBusMessage::ReplyMessage) {
-        return Answer::Done;
+        return InstanceAnswer::Done;
     }
     const QDBusError error(answer);
-    const bool isThere =
+    const bool isOwned =
         error.type() != QDBusError::ServiceUnknown &&
         error.name() != QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner");
-    return isThere ? Answer::None : Answer::Nobody;
+    return isOwned ? InstanceAnswer::NoAnswer : InstanceAnswer::NotRunning;
 }
 
 QString SingleInstance::objectPath() const {

@@ -2,45 +2,28 @@
 
 #include "platform/qt/instancelock.h"
 
-#include <QObject>
-#include <QString>
-
 namespace brimlet {
 
-/// Sees to it that a user runs the program once in a session. The one that runs owns a name on the
-/// session bus, under which it can be asked for its panel. Without a session bus it holds a lock
-/// file and is asked by the signals of InstanceLock, which it heeds in any case. Needs the
-/// application object.
-class SingleInstance final : public QObject {
+/// The instance lock of a Linux session. Where there is a session bus, the process that runs also
+/// owns a name there and is asked over the bus, by the desktop too. Needs the application object.
+class SingleInstance final : public InstanceLock {
     Q_OBJECT
 
 public:
-    /// `name` is the bus name, in reverse-DNS form. The lock file bears it too.
-    explicit SingleInstance(QString name);
+    /// `name` is the bus name, in reverse-DNS form; the lock file is named after it.
+    explicit SingleInstance(const QString& name);
 
-    enum class Answer {
-        Done,
-        Nobody, ///< None runs.
-        None,   ///< One runs, but it does not answer.
-    };
+    [[nodiscard]] std::optional<InstanceAnswer> claim() override;
 
-    /// Called once. Requests that come in from then on wait for the main loop.
-    [[nodiscard]] InstanceClaim claim();
-
-    /// Hands the request to the one that runs. A signal counts as done once it is sent.
-    [[nodiscard]] Answer ask(InstanceRequest request) const;
-
-Q_SIGNALS:
-    void requested(brimlet::InstanceRequest request);
+    /// Over the bus if the name has an owner there, which has 3 s to answer; else by a signal.
+    [[nodiscard]] InstanceAnswer ask(InstanceRequest request) const override;
 
 private:
-    [[nodiscard]] InstanceClaim claimOverBus();
-    [[nodiscard]] bool ownName();
-    [[nodiscard]] Answer askOverBus(InstanceRequest request) const;
+    void ownName();
+    [[nodiscard]] InstanceAnswer askOverBus(InstanceRequest request) const;
     [[nodiscard]] QString objectPath() const;
 
     QString m_name;
-    InstanceLock m_lock;
 };
 
 } // namespace brimlet

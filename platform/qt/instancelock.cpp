@@ -39,41 +39,39 @@ struct flock wholeFile() {
 InstanceLock::InstanceLock(QString file)
     : m_file(std::move(file)) {}
 
-InstanceClaim InstanceLock::claim() {
-    // First, so that one who finds the lock held does not end its holder.
-    hearRequests();
-    // The one that runs may end just when it is asked; then this one takes over.
+std::optional<InstanceAnswer> InstanceLock::claim() {
+    // Before the lock: by default these signals end the process that others find holding it.
+    for (const InstanceRequest request : {InstanceRequest::Open, InstanceRequest::Pause}) {
+        onUnixSignal(signalOf(request), [this, request] { Q_EMIT requested(request); });
+    }
+    // The running process may end while it is asked; then this one takes over.
     constexpr int kAttempts = 3;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         if (lock()) {
-            return InstanceClaim::First;
+            return std::nullopt;
         }
-        if (ask(InstanceRequest::Open)) {
-            return InstanceClaim::Second;
+        const InstanceAnswer answer = ask(InstanceRequest::Open);
+        if (answer != InstanceAnswer::NotRunning) {
+            return answer;
         }
     }
-    return InstanceClaim::NoAnswer;
+    return InstanceAnswer::NoAnswer;
 }
 
-bool InstanceLock::ask(InstanceRequest request) const {
-    // Never a second descriptor of a file that is locked here: closing it would unlock it.
+InstanceAnswer InstanceLock::ask(InstanceRequest request) const {
+    // Never a second descriptor of a file that is locked here: closing it would release the lock.
     const int file = m_descriptor >= 0 ? m_descriptor
                                        : ::open(QFile::encodeName(m_file).constData(),
                                                 O_RDWR | O_CLOEXEC | O_NOFOLLOW);
     struct flock whole = wholeFile();
-    // The system knows who holds the lock, so nothing that was left in a file is trusted.
+    // The process ID is the kernel's, so the file's content is never trusted.
     const bool isHeld = file >= 0 && ::fcntl(file, F_GETLK, &whole) == 0 &&
                         whole.l_type == F_WRLCK && whole.l_pid > 0;
     if (file >= 0 && file != m_descriptor) {
         ::close(file);
     }
-    return isHeld && ::kill(whole.l_pid, signalOf(request)) == 0;
-}
-
-void InstanceLock::hearRequests() {
-    for (const InstanceRequest request : {InstanceRequest::Open, InstanceRequest::Pause}) {
-        onUnixSignal(signalOf(request), [this, request] { Q_EMIT requested(request); });
-    }
+    return isHeld && ::kill(whole.l_pid, signalOf(request)) == 0 ? InstanceAnswer::Done
+                                                                 : InstanceAnswer::NotRunning;
 }
 
 bool InstanceLock::lock() {
@@ -82,7 +80,7 @@ bool InstanceLock::lock() {
                               O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
     }
     struct flock whole = wholeFile();
-    // Where no file can be made or locked nobody can be told from anybody.
+    // Where no file can be created or locked, other processes cannot be found.
     return m_descriptor < 0 || ::fcntl(m_descriptor, F_SETLK, &whole) == 0 ||
            (errno != EACCES && errno != EAGAIN);
 }

@@ -5,27 +5,28 @@
 #include <QObject>
 #include <QString>
 
+#include <optional>
+
 namespace brimlet {
 
-/// A file that one running program holds locked, by which other starts of it find and ask it. They
-/// ask by signals: SIGUSR1 for the panel, SIGUSR2 for a pause; SIGTERM ends it as usual. The lock
-/// goes with the process, however that ends.
-class InstanceLock final : public QObject {
+/// Lets one process of the program run at a time: the one that holds a file locked. The kernel
+/// releases the lock when that process ends, in any way, and gives other processes its process ID.
+/// They send their requests as signals: SIGUSR1 opens the panel, SIGUSR2 pauses, SIGTERM ends it.
+class InstanceLock : public QObject {
     Q_OBJECT
 
 public:
-    /// The file is made when it is claimed; its folder has to be there.
+    /// The file is created by `claim`; its folder must exist.
     explicit InstanceLock(QString file);
 
-    /// Called once, with the application object there. The first, too, where no file can be locked.
-    /// Requests that come in from then on wait for the main loop.
-    [[nodiscard]] InstanceClaim claim();
+    /// Makes this process the one that runs, if none does. Otherwise asks that one to open its
+    /// panel and returns the answer. Where the file cannot be locked, every process runs. Called
+    /// once, after the application object was created; requests that arrive from then on are
+    /// emitted by the main loop.
+    [[nodiscard]] virtual std::optional<InstanceAnswer> claim();
 
-    /// Hands the request to the one that runs; false when none does. It counts as done once sent.
-    [[nodiscard]] bool ask(InstanceRequest request) const;
-
-    /// What `claim` begins with: the signals are requests from now on.
-    void hearRequests();
+    /// Asks the process that runs. A signal counts as done once it is sent.
+    [[nodiscard]] virtual InstanceAnswer ask(InstanceRequest request) const;
 
 Q_SIGNALS:
     void requested(brimlet::InstanceRequest request);

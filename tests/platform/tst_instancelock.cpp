@@ -8,6 +8,7 @@
 #include <QTest>
 
 #include <cstdio>
+#include <optional>
 
 #include <fcntl.h>
 
@@ -17,20 +18,20 @@ namespace {
 
 constexpr int kPatience = 15'000;
 
-/// The other process: prints whether it is the first instance, and then each request to it.
+/// The other process: prints whether it is the first, then each request it receives.
 int runOther(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
     quitOnTerminationSignals();
-    const auto print = [](const char* line) {
+    const auto say = [](const char* line) {
         std::puts(line);
         std::fflush(stdout);
     };
     InstanceLock lock(QString::fromLocal8Bit(argv[1]));
-    QObject::connect(&lock, &InstanceLock::requested, qApp, [print](InstanceRequest request) {
-        print(request == InstanceRequest::Open ? "open" : "pause");
+    QObject::connect(&lock, &InstanceLock::requested, qApp, [say](InstanceRequest request) {
+        say(request == InstanceRequest::Open ? "open" : "pause");
     });
-    const bool isFirst = lock.claim() == InstanceClaim::First;
-    print(isFirst ? "first" : "second");
+    const bool isFirst = !lock.claim();
+    say(isFirst ? "first" : "second");
     return isFirst ? QCoreApplication::exec() : 0;
 }
 
@@ -39,10 +40,10 @@ int runOther(int argc, char* argv[]) {
 class TestInstanceLock final : public QObject {
     Q_OBJECT
 
-    QTemporaryDir m_folder;
+    std::optional<QTemporaryDir> m_folder;
     QProcess m_other;
 
-    [[nodiscard]] QString file() const { return m_folder.filePath(QStringLiteral("lock")); }
+    [[nodiscard]] QString file() const { return m_folder->filePath(QStringLiteral("lock")); }
     void startOther() {
         m_other.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--other"), file()});
     }
@@ -54,40 +55,41 @@ class TestInstanceLock final : public QObject {
     }
 
 private Q_SLOTS:
+    void initTestCase() { m_folder.emplace(); }
     void cleanup() {
         m_other.kill();
         m_other.waitForFinished();
         QFile::remove(file());
     }
 
-    void withoutARunningInstanceNoneIsAsked() {
+    void withNoneRunningNoRequestIsSent() {
         const InstanceLock lock(file());
-        QVERIFY(!lock.ask(InstanceRequest::Quit));
+        QCOMPARE(lock.ask(InstanceRequest::Quit), InstanceAnswer::NotRunning);
         QVERIFY(!QFileInfo::exists(file()));
     }
 
-    void theSecondInstanceAsksTheFirstToOpenItsPanel() {
+    void aSecondProcessHasTheFirstOpenItsPanel() {
         startOther();
         QCOMPARE(nextLine(), QStringLiteral("first"));
         InstanceLock lock(file());
-        QCOMPARE(lock.claim(), InstanceClaim::Second);
+        QCOMPARE(lock.claim(), std::optional(InstanceAnswer::Done));
         QCOMPARE(nextLine(), QStringLiteral("open"));
     }
 
-    void theFirstInstanceCanBeAskedToPauseAndToQuit() {
+    void theFirstCanBeAskedToPauseAndToQuit() {
         startOther();
         QCOMPARE(nextLine(), QStringLiteral("first"));
         const InstanceLock lock(file());
-        QVERIFY(lock.ask(InstanceRequest::Pause));
+        QCOMPARE(lock.ask(InstanceRequest::Pause), InstanceAnswer::Done);
         QCOMPARE(nextLine(), QStringLiteral("pause"));
-        QVERIFY(lock.ask(InstanceRequest::Quit));
+        QCOMPARE(lock.ask(InstanceRequest::Quit), InstanceAnswer::Done);
         QVERIFY(m_other.waitForFinished(kPatience));
         QCOMPARE(m_other.exitStatus(), QProcess::NormalExit);
         QCOMPARE(m_other.exitCode(), 0);
-        QVERIFY(!lock.ask(InstanceRequest::Quit));
+        QCOMPARE(lock.ask(InstanceRequest::Quit), InstanceAnswer::NotRunning);
     }
 
-    void aKilledInstanceReleasesTheLock() {
+    void aKilledProcessReleasesTheLock() {
         startOther();
         QCOMPARE(nextLine(), QStringLiteral("first"));
         m_other.kill();
@@ -97,15 +99,15 @@ private Q_SLOTS:
         QCOMPARE(nextLine(), QStringLiteral("first"));
     }
 
-    void withoutALockFileEveryInstanceIsTheFirst() {
-        InstanceLock lock(m_folder.filePath(QStringLiteral("no/such/folder/lock")));
-        QCOMPARE(lock.claim(), InstanceClaim::First);
-        QVERIFY(!lock.ask(InstanceRequest::Open));
+    void withoutALockFileEveryProcessRuns() {
+        InstanceLock lock(m_folder->filePath(QStringLiteral("no/such/folder/lock")));
+        QVERIFY(!lock.claim());
+        QCOMPARE(lock.ask(InstanceRequest::Open), InstanceAnswer::NotRunning);
     }
 
-    void aLockWithoutAProcessIsNoAnswer() {
+    void aHolderThatCannotBeReachedGivesNoAnswer() {
 #ifdef F_OFD_SETLK
-        // For such a lock the system names no process that holds it.
+        // The kernel names no process as the holder of such a lock.
         QFile held(file());
         QVERIFY(held.open(QIODevice::ReadWrite));
         struct flock whole {};
@@ -113,9 +115,9 @@ private Q_SLOTS:
         whole.l_whence = SEEK_SET;
         QCOMPARE(::fcntl(held.handle(), F_OFD_SETLK, &whole), 0);
         InstanceLock lock(file());
-        QCOMPARE(lock.claim(), InstanceClaim::NoAnswer);
+        QCOMPARE(lock.claim(), std::optional(InstanceAnswer::NoAnswer));
 #else
-        QSKIP("no lock without a holder on this system");
+        QSKIP("this system has no locks without a process ID");
 #endif
     }
 };

@@ -31,7 +31,7 @@ const QString busName = QStringLiteral("app.brimlet.host");
 const QString lockName = QStringLiteral("app.brimlet.host.lock");
 const QString notRunning = QStringLiteral("brimlet: Brimlet is not running.\n");
 
-/// A start of the program. Killed with its owner if it is still there.
+/// A process of the program. Killed by the destructor if it still runs.
 class Start final {
 public:
     explicit Start(const QProcessEnvironment& environment, const QStringList& arguments = {}) {
@@ -70,8 +70,8 @@ private:
 
 } // namespace
 
-/// The program itself, started several times in one desktop. Its tray is of the older kind, which
-/// is there with and without a session bus, so no panel opens by itself.
+/// The program itself, started several times in one desktop session. The session's tray is an
+/// XEmbed one, which needs no bus, so no panel opens by itself.
 class TestSingleInstance final : public QObject {
     Q_OBJECT
 
@@ -86,15 +86,15 @@ class TestSingleInstance final : public QObject {
     }
     void useBus(bool isUsed) {
         m_environment = QProcessEnvironment::systemEnvironment();
+        m_environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_runtime->path());
         if (!isUsed) {
             m_environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
                                  QStringLiteral("unix:path=/nowhere/bus"));
-            m_environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_runtime->path());
         }
     }
     [[nodiscard]] QString lockFile() const { return m_runtime->filePath(lockName); }
 
-    /// Its main loop runs: it shows its status item.
+    /// It shows its status item, so its main loop runs.
     [[nodiscard]] bool isUp(const Start& start) const {
         const auto windows = m_x.windowsOf(start.pid());
         return std::any_of(windows.begin(), windows.end(),
@@ -132,7 +132,7 @@ private Q_SLOTS:
     void init() {
         m_runtime = std::make_unique<QTemporaryDir>();
         useBus(true);
-        // The one of the test before has left.
+        // The program of the test before has ended.
         QTRY_VERIFY_WITH_TIMEOUT(!isNameOwned(), kPatience);
     }
 
@@ -154,6 +154,30 @@ private Q_SLOTS:
         QCOMPARE(third.exitCode(), 0);
         QTRY_VERIFY_WITH_TIMEOUT(hasPanelWithKeyboard(first), kPatience);
         QVERIFY(first.isRunning());
+    }
+
+    void startsFindEachOtherIfOnlyOneHasABus_data() {
+        QTest::addColumn<bool>("hasFirstABus");
+        QTest::newRow("the first has one") << true;
+        QTest::newRow("all but the first have one") << false;
+    }
+    void startsFindEachOtherIfOnlyOneHasABus() {
+        QFETCH(bool, hasFirstABus);
+        useBus(hasFirstABus);
+        Start first(m_environment);
+        QTRY_VERIFY_WITH_TIMEOUT(isUp(first), kPatience);
+        useBus(!hasFirstABus);
+        Start second(m_environment);
+        QCOMPARE(second.exitCode(), 0);
+        QCOMPARE(second.complaints(), QString());
+        QTRY_VERIFY_WITH_TIMEOUT(hasPanelWithKeyboard(first), kPatience);
+        for (const auto* const option : {"--pause", "--quit"}) {
+            Start asking(m_environment, {QString::fromLatin1(option)});
+            QCOMPARE(asking.exitCode(), 0);
+            QCOMPARE(asking.complaints(), QString());
+        }
+        QCOMPARE(first.exitCode(), 0);
+        QCOMPARE(first.complaints(), QString());
     }
 
     void aSignalOpensThePanelToo_data() { withAndWithoutABus(); }
@@ -182,7 +206,7 @@ private Q_SLOTS:
         QCOMPARE(first.complaints(), QString());
     }
 
-    void withNoneRunningNobodyCanBeAsked_data() {
+    void withNoneRunningARequestFails_data() {
         QTest::addColumn<bool>("hasBus");
         QTest::addColumn<QString>("option");
         for (const bool hasBus : {true, false}) {
@@ -192,7 +216,7 @@ private Q_SLOTS:
             }
         }
     }
-    void withNoneRunningNobodyCanBeAsked() {
+    void withNoneRunningARequestFails() {
         QFETCH(bool, hasBus);
         QFETCH(QString, option);
         useBus(hasBus);
@@ -211,7 +235,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(isUp(first), kPatience);
         first.signal(SIGKILL);
         QVERIFY(first.ends(kPatience));
-        QCOMPARE(QFileInfo::exists(lockFile()), !hasBus);
+        QVERIFY(QFileInfo::exists(lockFile()));
         Start asking(m_environment, {QStringLiteral("--quit")});
         QCOMPARE(asking.exitCode(), 1);
         Start second(m_environment);
@@ -219,13 +243,20 @@ private Q_SLOTS:
         QVERIFY(!panel(second));
     }
 
-    void ofTenStartsAtOnceOneStays_data() { withAndWithoutABus(); }
+    void ofTenStartsAtOnceOneStays_data() {
+        QTest::addColumn<bool>("hasEvenABus");
+        QTest::addColumn<bool>("hasOddABus");
+        QTest::newRow("with a bus") << true << true;
+        QTest::newRow("without a bus") << false << false;
+        QTest::newRow("every second one with a bus") << true << false;
+    }
     void ofTenStartsAtOnceOneStays() {
-        QFETCH(bool, hasBus);
-        useBus(hasBus);
+        QFETCH(bool, hasEvenABus);
+        QFETCH(bool, hasOddABus);
         std::array<std::unique_ptr<Start>, 10> starts;
-        for (auto& start : starts) {
-            start = std::make_unique<Start>(m_environment);
+        for (std::size_t i = 0; i < starts.size(); ++i) {
+            useBus(i % 2 == 0 ? hasEvenABus : hasOddABus);
+            starts[i] = std::make_unique<Start>(m_environment);
         }
         const auto running = [&] {
             return std::count_if(starts.begin(), starts.end(),
@@ -293,13 +324,13 @@ private Q_SLOTS:
         QVERIFY(!panel(first));
     }
 
-    void theInterfaceIsTheDesktopsAndNoMore() {
+    void theObjectHasTheDesktopsInterfaceAndNoOther() {
         Start first(m_environment);
         QTRY_VERIFY_WITH_TIMEOUT(isUp(first), kPatience);
-        const auto question = QDBusMessage::createMethodCall(
+        const auto call = QDBusMessage::createMethodCall(
             busName, QStringLiteral("/app/brimlet/host"),
             QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"));
-        const QDBusMessage reply = QDBusConnection::sessionBus().call(question);
+        const QDBusMessage reply = QDBusConnection::sessionBus().call(call);
         QCOMPARE(reply.type(), QDBusMessage::ReplyMessage);
         const QString text = reply.arguments().constFirst().toString();
         QVERIFY2(text.contains(QStringLiteral("<interface name=\"org.freedesktop.Application\">")),
@@ -328,13 +359,15 @@ private Q_SLOTS:
         QCOMPARE(second.complaints(),
                  QStringLiteral("brimlet: Brimlet is running already but does not answer.\n"));
         QVERIFY2(waited >= 2500 && waited < 6000, QByteArray::number(waited).constData());
-        // What was asked of it comes true when it goes on.
+        // It does what it was asked once it runs again.
         first.signal(SIGCONT);
         QTRY_VERIFY_WITH_TIMEOUT(hasPanelWithKeyboard(first), kPatience);
     }
 
-    void theLockFileIsTheUsersOwn() {
-        useBus(false);
+    void theLockFileIsEmptyAndTheUsersOwn_data() { withAndWithoutABus(); }
+    void theLockFileIsEmptyAndTheUsersOwn() {
+        QFETCH(bool, hasBus);
+        useBus(hasBus);
         Start first(m_environment);
         QTRY_VERIFY_WITH_TIMEOUT(isUp(first), kPatience);
         const QFileInfo file(lockFile());
@@ -343,7 +376,7 @@ private Q_SLOTS:
                  QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadUser |
                      QFileDevice::WriteUser);
         QCOMPARE(file.size(), 0);
-        QVERIFY(!isNameOwned());
+        QCOMPARE(isNameOwned(), hasBus);
     }
 
     void aLinkInTheLockFilesPlaceIsNotFollowed() {
@@ -355,8 +388,8 @@ private Q_SLOTS:
             QTRY_VERIFY_WITH_TIMEOUT(isUp(first), kPatience);
             QVERIFY(!QFileInfo::exists(target));
         }
-        // A file that this process holds a lock on; what follows the link asks this process to
-        // quit.
+        // This process holds a lock on the link's target: a start that followed the link would ask
+        // this process to quit.
         const int held = ::open(QFile::encodeName(target).constData(), O_RDWR | O_CREAT, 0600);
         struct flock lock {};
         lock.l_type = F_WRLCK;
@@ -367,17 +400,17 @@ private Q_SLOTS:
         ::close(held);
     }
 
-    void withoutAFolderForTheLockItRunsAllTheSame_data() {
+    void withoutAFolderForTheLockFileItRuns_data() {
         QTest::addColumn<QString>("folder");
         QTest::newRow("gone") << QStringLiteral("/nowhere/at/all");
         QTest::newRow("not a folder") << QStringLiteral("/dev/null");
         QTest::newRow("nothing can be made there") << QStringLiteral("/proc");
     }
-    void withoutAFolderForTheLockItRunsAllTheSame() {
+    void withoutAFolderForTheLockFileItRuns() {
         QFETCH(QString, folder);
         useBus(false);
         m_environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), folder);
-        m_environment.remove(QStringLiteral("QT_FATAL_WARNINGS")); // Qt remarks on such a folder
+        m_environment.remove(QStringLiteral("QT_FATAL_WARNINGS")); // Qt warns of such a folder
         Start first(m_environment);
         QTRY_VERIFY_WITH_TIMEOUT(isUp(first), kPatience);
         Start asking(m_environment, {QStringLiteral("--quit")});
@@ -389,7 +422,7 @@ private Q_SLOTS:
     void withoutARuntimeFolderTheLockIsAmongTheCaches() {
         useBus(false);
         m_environment.remove(QStringLiteral("XDG_RUNTIME_DIR"));
-        m_environment.remove(QStringLiteral("QT_FATAL_WARNINGS")); // Qt remarks on it
+        m_environment.remove(QStringLiteral("QT_FATAL_WARNINGS")); // Qt warns of that
         const QString caches = m_runtime->filePath(QStringLiteral("not/yet/made"));
         m_environment.insert(QStringLiteral("XDG_CACHE_HOME"), caches);
         Start first(m_environment);
@@ -455,7 +488,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(screen.canReadLine(), kPatience);
         m_environment.insert(QStringLiteral("DISPLAY"),
                              u':' + QString::fromLatin1(screen.readLine().trimmed()));
-        m_environment.remove(QStringLiteral("QT_FATAL_WARNINGS")); // Qt remarks on it
+        m_environment.remove(QStringLiteral("QT_FATAL_WARNINGS")); // Qt warns of its end
         Start first(m_environment);
         QTRY_VERIFY_WITH_TIMEOUT(isNameOwned(), kPatience);
         // It answers, so its main loop runs.
