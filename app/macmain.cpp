@@ -1,7 +1,5 @@
-#include "app/brimletapp.h"
 #include "app/commandline.h"
 #include "app/macapp.h"
-#include "creative/creativeimagecache.h"
 #include "platform/curl/curlhttpclient.h"
 #include "platform/mac/macbundle.h"
 #include "platform/mac/macreducemotion.h"
@@ -12,7 +10,6 @@
 #include "platform/qt/instancelock.h"
 #include "platform/qt/qtcachesfolder.h"
 #include "platform/qt/qtclock.h"
-#include "platform/sharedports.h"
 
 #include <QApplication>
 
@@ -31,7 +28,7 @@ int main(int argc, char* argv[]) {
     }
     prepareMacApplication();
     const QApplication application(argc, argv);
-    configureMacApplication();
+    configureApplication();
     if (commandLine.isSelfTestWanted) {
         return runSelfTest();
     }
@@ -47,11 +44,9 @@ int main(int argc, char* argv[]) {
     CurlHttpClient http;
     MacStatusItem statusItem;
 
-    SharedPorts<ImagePorts>::set({http, cachesFolder});
-    const CreativeEnvironment environment{CreativeImageCache::shared(), clock, reduceMotion};
-    BrimletApp app({screens, workspace, secrets, http, bundle, clock},
-                   {screens, workspace, overlayWindowFactory(environment)},
-                   {statusItem, clock, menuWindowFactory(environment)});
+    BrimletApp app = makeApp({screens, workspace, secrets, http, bundle, clock, cachesFolder,
+                              reduceMotion, statusItem, makeMacOverlayWindow, makeMacMenuWindow});
     obeyRequests(instance, app);
+    openWhenReopened(app);
     return app.run();
 }

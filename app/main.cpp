@@ -1,19 +1,7 @@
-#include "app/brimletapp.h"
 #include "app/commandline.h"
 #include "app/linuxapp.h"
-#include "creative/creativeimagecache.h"
-#include "platform/curl/curlhttpclient.h"
-#include "platform/linux/libsecretstore.h"
-#include "platform/linux/linuxbundle.h"
-#include "platform/linux/linuxreducemotion.h"
-#include "platform/linux/linuxworkspace.h"
-#include "platform/linux/qtscreens.h"
 #include "platform/linux/singleinstance.h"
-#include "platform/linux/traystatusitem.h"
-#include "platform/linux/xdgcachesfolder.h"
 #include "platform/qt/desktopscreens.h"
-#include "platform/qt/qtclock.h"
-#include "platform/sharedports.h"
 
 #include <QApplication>
 
@@ -39,22 +27,12 @@ int main(int argc, char* argv[]) {
         return exitCodeOf(*answer);
     }
 
-    QtScreens screens;
-    LinuxWorkspace workspace;
-    LibsecretStore secrets;
-    LinuxBundle bundle(QCoreApplication::applicationFilePath());
-    const XdgCachesFolder cachesFolder;
-    LinuxReduceMotion reduceMotion;
-    QtClock clock;
-    CurlHttpClient http;
-    TrayStatusItem statusItem;
-
-    SharedPorts<ImagePorts>::set({http, cachesFolder});
-    const CreativeEnvironment environment{CreativeImageCache::shared(), clock, reduceMotion};
-    BrimletApp app({screens, workspace, secrets, http, bundle, clock},
-                   {screens, workspace, overlayWindowFactory(primaryGeometry, environment)},
-                   {statusItem, clock, menuWindowFactory(primaryGeometry, environment)});
+    LinuxAdapters desktop;
+    BrimletApp app =
+        makeApp({desktop.screens, desktop.workspace, desktop.secrets, *desktop.http, desktop.bundle,
+                 desktop.clock, desktop.cachesFolder, desktop.reduceMotion, desktop.statusItem,
+                 x11OverlayWindows(primaryGeometry), makeX11MenuWindow});
     obeyRequests(instance, app);
-    followDesktop(*HostStore::shared(), workspace);
+    followDesktop(*app.store(), desktop.workspace);
     return app.run();
 }
