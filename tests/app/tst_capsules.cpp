@@ -13,6 +13,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <optional>
+
 using namespace brimlet;
 
 namespace {
@@ -23,7 +25,7 @@ constexpr QPoint kLeftCapsule(542 + 8 + 54, 13);
 constexpr QPoint kRightCapsule(542 + 312 + 54, 13);
 constexpr QPoint kLeftMark(542 + 8 + 7 + 1, 1 + 4 + 1);
 constexpr QRect kLeftLine(542 + 8 + 28, 3, 73, 20);
-// The grounds of the sample brands' pictures.
+// The background of a sample brand's picture.
 const QColor kTea(0xd8, 0x5a, 0x3a);
 const QString kPicture = QStringLiteral("GET /assets/quiet-bicycle.png");
 const QString kDisplay = QStringLiteral("GET /api/display");
@@ -32,10 +34,10 @@ int scale() {
     return qMax(1, qEnvironmentVariableIntValue("QT_SCALE_FACTOR"));
 }
 
-/// A window that fills the screen, under a pointer of the given shape.
-class Ground final : public QRasterWindow {
+/// A window that fills the screen and has that pointer shape.
+class Background final : public QRasterWindow {
 public:
-    explicit Ground(Qt::CursorShape shape) {
+    explicit Background(Qt::CursorShape shape) {
         setCursor(shape);
         showFullScreen();
     }
@@ -59,12 +61,12 @@ QJsonObject scenarioOf(const char* path, const QJsonObject& change) {
 
 } // namespace
 
-/// What a host sees of the capsules and what they do, with the real program in a real session.
+/// What the capsules show and do, with the real program in a real session.
 class TestCapsules final : public QObject {
     Q_OBJECT
 
     XServer m_x;
-    QTemporaryDir m_folder;
+    std::optional<QTemporaryDir> m_folder;
     QString m_openedFile;
 
     [[nodiscard]] QStringList opened() const {
@@ -74,7 +76,7 @@ class TestCapsules final : public QObject {
                    : QStringList();
     }
     [[nodiscard]] QString cachesFolder() const {
-        return m_folder.filePath(QStringLiteral("caches"));
+        return m_folder->filePath(QStringLiteral("caches"));
     }
     [[nodiscard]] QStringList files() const {
         return QDir(cachesFolder() + QStringLiteral("/Brimlet/creatives")).entryList(QDir::Files);
@@ -102,7 +104,8 @@ class TestCapsules final : public QObject {
 private Q_SLOTS:
     void initTestCase() {
         QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session");
-        m_openedFile = m_folder.filePath(QStringLiteral("opened"));
+        m_folder.emplace();
+        m_openedFile = m_folder->filePath(QStringLiteral("opened"));
         QCOMPARE(QProcess::execute(sourcePath(u"tests/support/session/recording-browser"),
                                    {m_openedFile}),
                  0);
@@ -114,8 +117,8 @@ private Q_SLOTS:
     }
 
     void aClickOpensItsBrandsPageOnceAndLeavesTheFocus() {
-        Ground ground(Qt::ArrowCursor);
-        QVERIFY(QTest::qWaitForWindowActive(&ground));
+        Background background(Qt::ArrowCursor);
+        QVERIFY(QTest::qWaitForWindowActive(&background));
         const xcb_window_t focus = m_x.focus();
         const PlacementProcess service;
         SimulatorProcess program(machineAt(service));
@@ -127,19 +130,19 @@ private Q_SLOTS:
         const QString right = service.root() + QStringLiteral("/brands/palindrome-tea");
         QTRY_COMPARE_WITH_TIMEOUT(opened(), (QStringList{left, right}), kPatience);
         QCOMPARE(m_x.focus(), focus);
-        QVERIFY(ground.isActive());
-        QCOMPARE(ground.clicks, 0);
+        QVERIFY(background.isActive());
+        QCOMPARE(background.clicks, 0);
     }
 
     void hoveringShowsTheHandAndLeavingTheArrow() {
         QImage hand;
         {
-            Ground other(Qt::PointingHandCursor);
+            Background other(Qt::PointingHandCursor);
             QVERIFY(QTest::qWaitForWindowActive(&other));
             hand = m_x.cursor();
         }
-        Ground ground(Qt::ArrowCursor);
-        QVERIFY(QTest::qWaitForWindowActive(&ground));
+        Background background(Qt::ArrowCursor);
+        QVERIFY(QTest::qWaitForWindowActive(&background));
         QTRY_VERIFY_WITH_TIMEOUT(m_x.cursor() != hand, kPatience);
         const QImage arrow = m_x.cursor();
         QVERIFY(!hand.isNull() && !arrow.isNull());
@@ -153,7 +156,7 @@ private Q_SLOTS:
             moveTo(QPoint(756, 600) * scale());
             QTRY_COMPARE_WITH_TIMEOUT(m_x.cursor(), arrow, kPatience);
         }
-        // Into the gap between them, which is no part of the window for the pointer.
+        // Into the gap between them, where the window takes no input.
         moveTo(kLeftCapsule * scale());
         QTRY_COMPARE_WITH_TIMEOUT(m_x.cursor(), hand, kPatience);
         moveTo(QPoint(664, 35) * scale());
@@ -252,8 +255,8 @@ private Q_SLOTS:
         const PlacementProcess service;
         service.setScenario(scenarioOf("/assets/quiet-bicycle.png", fault));
         SimulatorProcess program(machineAt(service, 60));
-        // Twenty polls later it has been asked for once, and nothing of it is kept. Where a kept
-        // connection ends without a byte, HTTP has the request sent once more; four may be kept.
+        // After twenty polls it has been requested once, and nothing of it is kept. Where a kept
+        // connection closes without a reply, HTTP sends the request again; four may be kept.
         QTRY_VERIFY_WITH_TIMEOUT(service.requestLines().count(kDisplay) >= 20, kPatience);
         const auto requests = service.requestLines().count(kPicture);
         QVERIFY(requests == 1 ||

@@ -10,6 +10,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <optional>
+
 using namespace brimlet;
 
 namespace {
@@ -18,12 +20,12 @@ constexpr int kPatience = 15'000;
 constexpr QRect kPanel(542, 0, 428, 40);
 constexpr QPoint kLeftCapsule = QPoint(542 + 8 + 54, 13);
 
-/// Pixels of the X server to a point.
+/// X server pixels per point.
 int scale() {
     return qMax(1, qEnvironmentVariableIntValue("QT_SCALE_FACTOR"));
 }
 
-/// A window over the whole screen, like a film, that remembers the clicks it got.
+/// A full-screen window, like a film's, that records its clicks.
 class FullScreenWindow final : public QRasterWindow {
 public:
     QList<QPoint> clicks;
@@ -43,12 +45,12 @@ void click(QPoint at) {
 
 } // namespace
 
-/// How the overlay's window behaves among other windows of a real desktop.
+/// The overlay's window among other windows of a real desktop.
 class TestOverlayWindow final : public QObject {
     Q_OBJECT
 
     XServer m_x;
-    QTemporaryDir m_folder;
+    std::optional<QTemporaryDir> m_folder;
     QString m_openedFile;
 
     [[nodiscard]] QByteArray opened() const {
@@ -63,13 +65,14 @@ class TestOverlayWindow final : public QObject {
 private Q_SLOTS:
     void initTestCase() {
         QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session");
-        m_openedFile = m_folder.filePath(QStringLiteral("opened"));
+        m_folder.emplace();
+        m_openedFile = m_folder->filePath(QStringLiteral("opened"));
         QCOMPARE(QProcess::execute(sourcePath(u"tests/support/session/recording-browser"),
                                    {m_openedFile}),
                  0);
     }
 
-    void itStandsAboveAFullScreenWindowAndNeverTakesFocus() {
+    void itIsAboveAFullScreenWindowAndNeverTakesFocus() {
         FullScreenWindow film;
         film.showFullScreen();
         QVERIFY(QTest::qWaitForWindowActive(&film));

@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <optional>
 
 using namespace brimlet;
 
@@ -82,7 +83,7 @@ QJsonObject creative(const char* slot, const char* name) {
             {QStringLiteral("brandUrl"), QStringLiteral("/brands/%1").arg(brand)}};
 }
 
-/// Asks the console again and again until a key of the state has that value.
+/// Polls the console until a key of the state has that value.
 bool becomes(SimulatorProcess& program, const char* key, bool value) {
     return QTest::qWaitFor(
         [&] { return program.state().value(QString::fromLatin1(key)).toBool() == value; },
@@ -91,24 +92,24 @@ bool becomes(SimulatorProcess& program, const char* key, bool value) {
 
 } // namespace
 
-/// Holds PRIVACY.md to what the real program does from its first start to its last end, in a
-/// desktop with a real secret service, file system and HTTP service.
+/// Compares PRIVACY.md with what the real program does in several runs, in a desktop with a real
+/// secret service, file system and HTTP service.
 class TestPrivacy final : public QObject {
     Q_OBJECT
 
     XServer m_x;
-    QTemporaryDir m_folder;
-    PlacementProcess m_service;
+    std::optional<QTemporaryDir> m_folder;
+    std::optional<PlacementProcess> m_service;
     QTimer m_watch;
     QString m_text;
     PrivacyDocument m_document;
     const QString m_token = QUuid::createUuid().toString(QUuid::WithoutBraces);
 
-    // What the life showed.
+    // What the runs showed.
     SeenTraffic m_seen;
     qsizetype m_samples = 0;
     QSet<QString> m_peers;
-    QSet<QString> m_writtenFiles; ///< Seen for a moment, at least.
+    QSet<QString> m_writtenFiles; ///< Including those that existed only for a moment.
     QMap<QString, QString> m_keptBefore;
     QStringList m_files;
     QSet<QString> m_attributes;
@@ -117,10 +118,12 @@ class TestPrivacy final : public QObject {
     QStringList m_filesHoldingTheToken;
     bool m_hasEndedOrderly = true;
 
-    [[nodiscard]] QString openedFile() const { return m_folder.filePath(QStringLiteral("opened")); }
-    [[nodiscard]] QString authority() const { return m_service.root().section(u'/', 2); }
+    [[nodiscard]] QString openedFile() const {
+        return m_folder->filePath(QStringLiteral("opened"));
+    }
+    [[nodiscard]] QString authority() const { return m_service->root().section(u'/', 2); }
     [[nodiscard]] qsizetype count(const QString& request) const {
-        return m_service.requestLines().count(request);
+        return m_service->requestLines().count(request);
     }
     void say(const QStringList& sides) {
         QJsonArray creatives;
@@ -128,17 +131,17 @@ class TestPrivacy final : public QObject {
             creatives << (slot == u"left" ? creative("left", "quiet-bicycle")
                                           : creative("right", "palindrome-tea"));
         }
-        m_service.setScenario({{QStringLiteral("tokens"), QJsonArray{m_token}},
-                               {QStringLiteral("creatives"), creatives}});
+        m_service->setScenario({{QStringLiteral("tokens"), QJsonArray{m_token}},
+                                {QStringLiteral("creatives"), creatives}});
     }
     [[nodiscard]] QJsonObject machine() const {
         return {{QStringLiteral("infoDictionary"),
-                 QJsonObject{{QStringLiteral("BrimletAPIURL"), m_service.root()}}},
+                 QJsonObject{{QStringLiteral("BrimletAPIURL"), m_service->root()}}},
                 {QStringLiteral("secretStore"), QStringLiteral("system")},
                 {QStringLiteral("speed"), kSpeed}};
     }
-    /// Notes whom the program is connected to and what it is writing, at this moment.
-    void look() {
+    /// Records the program's current connections and the files it has open for writing.
+    void sample() {
         const qint64 program = processfacts::childOf(QStringLiteral("brimlet-simulator"));
         if (program > 0) {
             ++m_samples;
@@ -153,7 +156,7 @@ class TestPrivacy final : public QObject {
             }
         }
     }
-    void lookForTheToken() {
+    void searchForTheToken() {
         m_processesKnowingTheToken += processfacts::processesKnowing(m_token.toUtf8());
         m_filesHoldingTheToken += filesHolding(m_token);
     }
@@ -162,11 +165,11 @@ class TestPrivacy final : public QObject {
     }
 
     /// Without a token: the public placement, two pictures, a click.
-    void lookOn() {
+    void watchAds() {
         say({QStringLiteral("left")});
         SimulatorProcess program(machine());
         QTRY_VERIFY_WITH_TIMEOUT(
-            m_service.requestLines().contains(QStringLiteral("GET ") + kLeftPicture), kPatience);
+            m_service->requestLines().contains(QStringLiteral("GET ") + kLeftPicture), kPatience);
         const QString creatives = unnamed(kCreatives);
         QTRY_COMPARE_WITH_TIMEOUT(QDir(creatives).entryList(QDir::Files).size(), 1, kPatience);
         const FolderWatch watch(creatives);
@@ -191,7 +194,7 @@ class TestPrivacy final : public QObject {
         QTRY_VERIFY_WITH_TIMEOUT(count(kEstimate) > 0, kPatience);
         QTRY_VERIFY_WITH_TIMEOUT(!secretAttributes().isEmpty(), kPatience);
         m_attributes = secretAttributes();
-        lookForTheToken();
+        searchForTheToken();
         (void)program.ask("agree");
         QTRY_VERIFY_WITH_TIMEOUT(count(kAgreement) == 1, kPatience);
         program.edit({{QStringLiteral("bundlePath"), QStringLiteral("/home/somebody/Brimlet")},
@@ -202,7 +205,7 @@ class TestPrivacy final : public QObject {
         // One for the token, one for the sleep, one for the waking, and one by the clock alone.
         QTRY_VERIFY_WITH_TIMEOUT(count(kHeartbeat) >= 4, kPatience);
         (void)program.ask("quit");
-        lookForTheToken();
+        searchForTheToken();
     }
     /// The token is found again, the host pauses and then leaves.
     void leave() {
@@ -211,14 +214,14 @@ class TestPrivacy final : public QObject {
         QTRY_VERIFY_WITH_TIMEOUT(count(kHeartbeat) > heartbeats, kPatience);
         (void)program.ask("pause");
         QTRY_VERIFY_WITH_TIMEOUT(count(kHeartbeat) > heartbeats + 1, kPatience);
-        lookForTheToken();
+        searchForTheToken();
         (void)program.ask("save-token  ");
         QTRY_VERIFY_WITH_TIMEOUT(secretAttributes().isEmpty(), kPatience);
         const qsizetype displays = count(kDisplay);
         QTRY_VERIFY_WITH_TIMEOUT(count(kDisplay) > displays + 3, kPatience);
         end(program);
     }
-    /// Nobody to ask whether it runs already, and no secret store.
+    /// No bus, so no secret store either.
     void startWithoutABus() {
         const QByteArray bus = qgetenv("DBUS_SESSION_BUS_ADDRESS");
         qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
@@ -226,7 +229,7 @@ class TestPrivacy final : public QObject {
         SimulatorProcess program(machine());
         qputenv("DBUS_SESSION_BUS_ADDRESS", bus);
         QTRY_VERIFY_WITH_TIMEOUT(count(kDisplay) > displays + 3, kPatience);
-        // Its own machine file is the test's.
+        // The machine file is written by the test.
         for (const QString& path : newlyKept()) {
             if (!path.startsWith(u"$TMPDIR/")) {
                 m_writtenFiles << path;
@@ -234,7 +237,7 @@ class TestPrivacy final : public QObject {
         }
         end(program);
     }
-    /// What is there or has changed since the start of it all.
+    /// What was created or changed since before the first run.
     [[nodiscard]] QStringList newlyKept() const {
         QStringList paths;
         const QMap<QString, QString> now = kept();
@@ -245,7 +248,7 @@ class TestPrivacy final : public QObject {
         }
         return withoutParents(paths);
     }
-    /// Leaves out the folders of what else is in the list.
+    /// Without the folders of other entries.
     [[nodiscard]] static QStringList withoutParents(const QStringList& paths) {
         QStringList leaves;
         for (const QString& path : paths) {
@@ -257,7 +260,7 @@ class TestPrivacy final : public QObject {
         }
         return leaves;
     }
-    /// All that a document and the life have not in common.
+    /// All differences between a document and the runs.
     [[nodiscard]] QStringList differences(const PrivacyDocument& document) const {
         return deviations(document, m_seen) + fileDeviations(document, m_files) +
                attributeDeviations(document, m_attributes);
@@ -267,17 +270,19 @@ private Q_SLOTS:
     void initTestCase() {
         QVERIFY2(m_x.isConnected() && qEnvironmentVariable("HOME").contains(u"/brimlet-session."),
                  "this test needs script/desktop-session, and removes what it finds");
-        QDir(m_folder.path()).mkdir(QStringLiteral("temporary"));
-        qputenv("TMPDIR", QFile::encodeName(m_folder.filePath(QStringLiteral("temporary"))));
+        m_folder.emplace();
+        m_service.emplace();
+        QDir(m_folder->path()).mkdir(QStringLiteral("temporary"));
+        qputenv("TMPDIR", QFile::encodeName(m_folder->filePath(QStringLiteral("temporary"))));
         m_text = textOf(sourcePath(u"PRIVACY.md"));
         m_document = readPrivacyDocument(m_text);
         QCOMPARE(QProcess::execute(sourcePath(u"tests/support/session/recording-browser"),
                                    {openedFile()}),
                  0);
         m_keptBefore = kept();
-        connect(&m_watch, &QTimer::timeout, this, &TestPrivacy::look);
+        connect(&m_watch, &QTimer::timeout, this, &TestPrivacy::sample);
         m_watch.start(25);
-        for (const auto phase : {&TestPrivacy::lookOn, &TestPrivacy::join, &TestPrivacy::leave,
+        for (const auto phase : {&TestPrivacy::watchAds, &TestPrivacy::join, &TestPrivacy::leave,
                                  &TestPrivacy::startWithoutABus}) {
             (this->*phase)();
             if (QTest::currentTestFailed()) {
@@ -289,7 +294,7 @@ private Q_SLOTS:
         m_files.replaceInStrings(kSimulatorsLock, kLock);
         m_attributesAfter = secretAttributes();
         m_filesHoldingTheToken += filesHolding(m_token);
-        m_seen = {m_service.requests(), authority(), {kLeftPicture, kRightPicture}};
+        m_seen = {m_service->requests(), authority(), {kLeftPicture, kRightPicture}};
     }
 
     void theDocumentHasItsTables() {
@@ -312,7 +317,7 @@ private Q_SLOTS:
         QCOMPARE(m_attributesAfter, QSet<QString>());
     }
 
-    void nobodyButTheServiceIsConnectedTo() {
+    void theOnlyConnectionsAreToTheService() {
         QVERIFY(m_samples >= 20);
         QCOMPARE(m_peers, QSet<QString>{authority()});
     }
@@ -323,7 +328,7 @@ private Q_SLOTS:
     }
 
     void theSearchForTheTokenFindsOne() {
-        QFile file(m_folder.filePath(QStringLiteral("temporary/token")));
+        QFile file(m_folder->filePath(QStringLiteral("temporary/token")));
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(m_token.toUtf8()) > 0);
         file.close();
         QCOMPARE(filesHolding(m_token), QStringList{file.fileName()});
@@ -339,14 +344,14 @@ private Q_SLOTS:
         QVERIFY(other.waitForFinished());
     }
 
-    void aClickOpensTheBrandsAddressAndNoMore() {
+    void aClickOpensTheBrandsAddressOnly() {
         QCOMPARE(textOf(openedFile()),
-                 m_service.root() + QStringLiteral("/brands/quiet-bicycle\n"));
+                 m_service->root() + QStringLiteral("/brands/quiet-bicycle\n"));
     }
 
-    void theProgramEndsOrderly() { QVERIFY(m_hasEndedOrderly); }
+    void everyRunEndsWithExitCodeZero() { QVERIFY(m_hasEndedOrderly); }
 
-    void aRowLessIsNoticed() {
+    void aMissingRowIsReported() {
         QCOMPARE(lines(differences(m_document)), QString());
         for (const QString& table : m_document.keys()) {
             for (qsizetype row = 0; row < m_document.value(table).size(); ++row) {
@@ -357,7 +362,7 @@ private Q_SLOTS:
         }
     }
 
-    void aRowMoreIsNoticed_data() {
+    void anExtraRowIsReported_data() {
         QTest::addColumn<QString>("row");
         QTest::newRow("request") << QStringLiteral(
             "| request | method and address | body | credential |\n"
@@ -371,7 +376,7 @@ private Q_SLOTS:
         QTest::newRow("attribute") << QStringLiteral("| attribute | value |\n"
                                                      "| user | `somebody` |");
     }
-    void aRowMoreIsNoticed() {
+    void anExtraRowIsReported() {
         QFETCH(QString, row);
         const PrivacyDocument more = readPrivacyDocument(row);
         PrivacyDocument document = m_document;
@@ -379,7 +384,7 @@ private Q_SLOTS:
         QVERIFY(!differences(document).isEmpty());
     }
 
-    void anythingElseInARequestIsNoticed_data() {
+    void anythingElseInARequestIsReported_data() {
         QTest::addColumn<QString>("request");
         QTest::addColumn<QString>("key");
         QTest::addColumn<QJsonValue>("value");
@@ -422,11 +427,11 @@ private Q_SLOTS:
         QTest::newRow("another method")
             << kDisplay << QStringLiteral("method") << QJsonValue(QStringLiteral("HEAD"));
     }
-    void anythingElseInARequestIsNoticed() {
+    void anythingElseInARequestIsReported() {
         QFETCH(QString, request);
         QFETCH(QString, key);
         QFETCH(QJsonValue, value);
-        const qsizetype index = m_service.requestLines().indexOf(request);
+        const qsizetype index = m_service->requestLines().indexOf(request);
         QVERIFY(index >= 0);
         QJsonObject changed = m_seen.requests.at(index).toObject();
         if (key == u"headers") { // one more, or another in its place
@@ -442,7 +447,7 @@ private Q_SLOTS:
         QVERIFY(!deviations(m_document, seen).isEmpty());
     }
 
-    void anotherFileIsNoticed() {
+    void anotherFileIsReported() {
         for (const char* path : {"$XDG_CACHE_HOME/Brimlet/creatives/1.png", "$HOME/.brimlet",
                                  "$XDG_CACHE_HOME/Brimlet/creatives/1.abcdef.bak",
                                  "$XDG_RUNTIME_DIR/brimlet.pid", "/etc/brimlet"}) {

@@ -11,6 +11,7 @@
 #include <QTimer>
 
 #include <csignal>
+#include <optional>
 
 using namespace brimlet;
 
@@ -59,15 +60,15 @@ class TestDesktop final : public QObject {
     Q_OBJECT
 
     XServer m_x;
-    QTemporaryDir m_folder;
-    PlacementProcess m_service;
+    std::optional<QTemporaryDir> m_folder;
+    std::optional<PlacementProcess> m_service;
 
     [[nodiscard]] static QJsonObject machine(int speed, const PlacementProcess& service) {
         return {{QStringLiteral("infoDictionary"),
                  QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}},
                 {QStringLiteral("speed"), speed}};
     }
-    [[nodiscard]] QJsonObject machine(int speed) const { return machine(speed, m_service); }
+    [[nodiscard]] QJsonObject machine(int speed) const { return machine(speed, *m_service); }
     /// The overlay's place on the X server; empty when it is not mapped.
     [[nodiscard]] QRect overlay() const {
         const auto window = m_x.windowNamed("Brimlet");
@@ -92,8 +93,12 @@ class TestDesktop final : public QObject {
     }
 
 private Q_SLOTS:
-    void initTestCase() { QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session"); }
-    void init() { m_service.setScenario({}); }
+    void initTestCase() {
+        QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session");
+        m_folder.emplace();
+        m_service.emplace();
+    }
+    void init() { m_service->setScenario({}); }
 
     void figuresAreTheSameInEveryEnvironment_data() {
         QTest::addColumn<EnvironmentChanges>("environment");
@@ -101,7 +106,7 @@ private Q_SLOTS:
         const auto locale = [this](const char* name) {
             return EnvironmentChanges{{QStringLiteral("LC_ALL"), QString::fromLatin1(name)},
                                       {QStringLiteral("LANGUAGE"), QString::fromLatin1(name)},
-                                      {QStringLiteral("LOCPATH"), m_folder.path()}};
+                                      {QStringLiteral("LOCPATH"), m_folder->path()}};
         };
         QTest::newRow("Turkish") << locale("tr_TR.UTF-8");
         QTest::newRow("German") << locale("de_DE.UTF-8");
@@ -129,7 +134,7 @@ private Q_SLOTS:
         if (locale.startsWith(u"tr") || locale.startsWith(u"de")) {
             QCOMPARE(QProcess::execute(QStringLiteral("localedef"),
                                        {QStringLiteral("-i"), locale.left(5), QStringLiteral("-f"),
-                                        QStringLiteral("UTF-8"), m_folder.filePath(locale)}),
+                                        QStringLiteral("UTF-8"), m_folder->filePath(locale)}),
                      0);
         }
         // The same from both endpoints, since the reply that arrives last wins.
@@ -137,9 +142,9 @@ private Q_SLOTS:
             {QStringLiteral("merge"), QJsonObject{{QStringLiteral("agreed"), true},
                                                   {QStringLiteral("estimatedCents"), 1234},
                                                   {QStringLiteral("pendingStipendCents"), 5}}}};
-        m_service.setScenario({{QStringLiteral("endpoints"),
-                                QJsonObject{{QStringLiteral("/api/host/me"), figures},
-                                            {QStringLiteral("/api/host/heartbeat"), figures}}}});
+        m_service->setScenario({{QStringLiteral("endpoints"),
+                                 QJsonObject{{QStringLiteral("/api/host/me"), figures},
+                                             {QStringLiteral("/api/host/heartbeat"), figures}}}});
         environment.insert(QStringLiteral("QT_FATAL_WARNINGS"), QString()); // Qt warns about some
         SimulatorProcess program(machine(60), environment);
         QTRY_COMPARE_WITH_TIMEOUT(overlay(), kHome, kPatience);
@@ -184,8 +189,8 @@ private Q_SLOTS:
         for (const QJsonArray& others :
              {QJsonArray{first}, QJsonArray{first, second}, QJsonArray()}) {
             use(others);
-            const qsizetype polls = m_service.requests().size();
-            QTRY_VERIFY_WITH_TIMEOUT(m_service.requests().size() > polls + 10, kPatience);
+            const qsizetype polls = m_service->requests().size();
+            QTRY_VERIFY_WITH_TIMEOUT(m_service->requests().size() > polls + 10, kPatience);
             QVERIFY(overlayMovesTo(last));
         }
         use({own, second});
@@ -204,8 +209,8 @@ private Q_SLOTS:
                 QCOMPARE(
                     xrandr({QStringLiteral("--setmonitor"), name, place, QStringLiteral("none")}),
                     0);
-                const qsizetype polls = m_service.requests().size();
-                QTRY_VERIFY_WITH_TIMEOUT(m_service.requests().size() > polls + 2, kPatience);
+                const qsizetype polls = m_service->requests().size();
+                QTRY_VERIFY_WITH_TIMEOUT(m_service->requests().size() > polls + 2, kPatience);
                 QVERIFY(overlayMovesTo(kHome));
                 QCOMPARE(xrandr({QStringLiteral("--delmonitor"), monitor}), 0);
                 QVERIFY(overlayMovesTo(kHome));
@@ -326,11 +331,11 @@ private Q_SLOTS:
                 endpoints[text] = QJsonObject{{QStringLiteral("fault"), QStringLiteral("hang")}};
             }
         }
-        m_service.setScenario({{QStringLiteral("endpoints"), endpoints}});
-        const qsizetype before = m_service.requestLines().filter(hanging).size();
+        m_service->setScenario({{QStringLiteral("endpoints"), endpoints}});
+        const qsizetype before = m_service->requestLines().filter(hanging).size();
         SimulatorProcess program(machine(isPanelOpen ? 60 : 1));
         (void)program.ask("save-token " + kToken.toUtf8());
-        QTRY_VERIFY_WITH_TIMEOUT(m_service.requestLines().filter(hanging).size() >= before + 2,
+        QTRY_VERIFY_WITH_TIMEOUT(m_service->requestLines().filter(hanging).size() >= before + 2,
                                  kPatience);
         if (isPanelOpen) {
             QTRY_VERIFY_WITH_TIMEOUT(isMenuOpen(program), kPatience);

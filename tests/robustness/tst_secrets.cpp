@@ -71,18 +71,18 @@ QString keyring() {
 class TestSecrets final : public QObject {
     Q_OBJECT
 
-    QTemporaryDir m_folder;
-    PlacementProcess m_service;
+    std::optional<QTemporaryDir> m_folder;
+    std::optional<PlacementProcess> m_service;
     const QString m_canary = QUuid::createUuid().toString(QUuid::WithoutBraces);
 
     [[nodiscard]] QJsonObject machine(int speed = 1) const {
         return {{QStringLiteral("infoDictionary"),
-                 QJsonObject{{QStringLiteral("BrimletAPIURL"), m_service.root()}}},
+                 QJsonObject{{QStringLiteral("BrimletAPIURL"), m_service->root()}}},
                 {QStringLiteral("secretStore"), QStringLiteral("system")},
                 {QStringLiteral("speed"), speed}};
     }
     [[nodiscard]] qsizetype count(const QString& request) const {
-        return m_service.requestLines().count(request);
+        return m_service->requestLines().count(request);
     }
     void compareTokenIsNowhere() const {
         QCOMPARE(filesHolding(m_canary).join(u'\n'), QString());
@@ -119,9 +119,11 @@ private Q_SLOTS:
     void initTestCase() {
         QVERIFY2(qEnvironmentVariable("HOME").contains(u"/brimlet-session."),
                  "this test needs script/desktop-session");
-        QDir(m_folder.path()).mkdir(QStringLiteral("temporary"));
-        qputenv("TMPDIR", QFile::encodeName(m_folder.filePath(QStringLiteral("temporary"))));
-        m_service.setScenario({{QStringLiteral("tokens"), QJsonArray{m_canary}}});
+        m_folder.emplace();
+        m_service.emplace();
+        QDir(m_folder->path()).mkdir(QStringLiteral("temporary"));
+        qputenv("TMPDIR", QFile::encodeName(m_folder->filePath(QStringLiteral("temporary"))));
+        m_service->setScenario({{QStringLiteral("tokens"), QJsonArray{m_canary}}});
         // A first run loads programs and files into the page cache.
         (void)SimulatorProcess(machine(), {{kSession, QStringLiteral("unix:path=/nowhere/bus")}})
             .state();
@@ -187,7 +189,7 @@ private Q_SLOTS:
             QSKIP("buses are tried where there is no secret to be found");
         }
         runOnce(
-            {{kSession, {}}, {kSystem, {}}, {QStringLiteral("XDG_RUNTIME_DIR"), m_folder.path()}});
+            {{kSession, {}}, {kSystem, {}}, {QStringLiteral("XDG_RUNTIME_DIR"), m_folder->path()}});
     }
 
     void aSecondStartAndQuitWorkWithoutABus() {
@@ -244,10 +246,10 @@ private Q_SLOTS:
                  {toOther, QJsonObject{{QStringLiteral("status"), 401}},
                   QJsonObject{{QStringLiteral("fault"), QStringLiteral("cut")}},
                   QJsonObject{{QStringLiteral("fault"), QStringLiteral("garbage")}}}) {
-                const qsizetype before = m_service.requests().size();
-                m_service.setScenario({{QStringLiteral("tokens"), QJsonArray{m_canary}},
-                                       {QStringLiteral("endpoints"), everywhere(change)}});
-                QTRY_VERIFY_WITH_TIMEOUT(m_service.requests().size() > before + 10, kPatience);
+                const qsizetype before = m_service->requests().size();
+                m_service->setScenario({{QStringLiteral("tokens"), QJsonArray{m_canary}},
+                                        {QStringLiteral("endpoints"), everywhere(change)}});
+                QTRY_VERIFY_WITH_TIMEOUT(m_service->requests().size() > before + 10, kPatience);
             }
             compareTokenIsNowhere();
             QVERIFY(!program.answers().contains(m_canary.toUtf8()));
@@ -255,7 +257,7 @@ private Q_SLOTS:
             program.kill();
         }
         QVERIFY(other.requests().isEmpty());
-        m_service.setScenario({{QStringLiteral("tokens"), QJsonArray{m_canary}}});
+        m_service->setScenario({{QStringLiteral("tokens"), QJsonArray{m_canary}}});
         SimulatorProcess program(machine(kSpeed));
         QCOMPARE(program.state().value(QStringLiteral("hasToken")).toBool(), true);
         (void)program.ask("pause");
