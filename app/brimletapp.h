@@ -10,17 +10,17 @@
 
 namespace brimlet {
 
-/// The application: the one store, the one overlay, the menu-bar extra, and what joins them. At
-/// most one per process.
+/// The application: the shared store, the shared overlay, the menu-bar extra, and the connections
+/// between them. At most one per process.
 class BrimletApp final {
 public:
     /// The ports outlive the process's main loop.
     BrimletApp(const HostPorts& host, const OverlayPorts& overlay, const MenuPorts& menu);
 
-    /// Launches and runs the main loop until the program is asked to quit; returns its exit code.
+    /// Launches, and runs the main loop until the program quits; returns the exit code.
     [[nodiscard]] int run();
 
-    /// Does what another start of the program asks of this one.
+    /// Does what another process asked of this one.
     void obey(InstanceRequest request);
 
     [[nodiscard]] const std::shared_ptr<HostStore>& store() const { return m_store; }

@@ -6,7 +6,7 @@
 namespace brimlet {
 namespace {
 
-/// Overlay, then observers, then timers: the first requests leave only after the overlay exists.
+/// Overlay, then observers, then timers: the first requests are sent after the overlay exists.
 void startRuntime() {
     const auto& store = HostStore::shared();
     if (store->runtimeStarted) {

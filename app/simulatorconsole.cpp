@@ -47,7 +47,7 @@ QJsonValue describePanel() {
                        {QStringLiteral("right"), describe(panel->runtime().right())}};
 }
 
-/// What the shown pills are showing, from left to right.
+/// The visible pills, from left to right.
 QJsonArray describePills() {
     QJsonArray pills;
     for (const QWidget* const window : QApplication::topLevelWidgets()) {

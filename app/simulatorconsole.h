@@ -11,19 +11,19 @@ namespace brimlet {
 
 class BrimletApp;
 
-/// Drives the simulated program from its standard input, one command a line, each answered by one
-/// line of JSON on standard output: what a test or a script would otherwise have to read off the
-/// screen. The end of the input ends nothing.
+/// Controls the simulated program from standard input, for tests and scripts: one command a line,
+/// each answered by one line of JSON on standard output. The program goes on after the end of
+/// input.
 ///
-/// - `state`: what the store, the panel and its pills hold; of the token only whether there is one.
-/// - `save-token TOKEN`: as if typed into the menu and saved.
-/// - `agree`, `pause`, `quit`: as if the button were pressed.
+/// - `state`: the state of store, panel and pills; of the token only whether there is one.
+/// - `save-token TOKEN`: as typed into the menu and saved.
+/// - `agree`, `pause`, `quit`: as by pressing the button.
 /// - `open`: opens the menu-bar panel, as a second start does.
 class SimulatorConsole final : public QObject {
     Q_OBJECT
 
 public:
-    /// All outlive the console.
+    /// The references outlive the console.
     SimulatorConsole(BrimletApp& app, const CachesFolder& cachesFolder,
                      const ReduceMotion& reduceMotion);
 

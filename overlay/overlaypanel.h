@@ -12,29 +12,29 @@ namespace brimlet {
 
 class HostStore;
 
-/// Makes the native window and, inside it, the views over the runtime, which outlives the window.
+/// Makes the native window with the views of the runtime, which outlives the window.
 using OverlayWindowFactory = std::function<std::unique_ptr<OverlayWindow>(OverlayRuntime&)>;
 
-/// What the overlay needs of the system. The references outlive the panel.
+/// The ports of the overlay. They outlive the panel.
 struct OverlayPorts final {
     const Screens& screens;
     Workspace& workspace;
     OverlayWindowFactory makeWindow;
 };
 
-/// The one panel of the overlay: stands at the top edge of the built-in screen, centred on the
-/// notch, and shows or hides itself by the store's state. Main thread only.
+/// The overlay's panel, at the top edge of the built-in screen and centred on the notch. Shown and
+/// hidden by the store's state. Main thread only.
 class OverlayPanel final {
 public:
-    /// Placed at the notch, ordered out, letting clicks through.
+    /// Placed at the notch, ordered out and ignoring the mouse.
     explicit OverlayPanel(const OverlayPorts& ports);
 
-    /// Brings the panel and its runtime in line with the store. Measures and places afresh each
-    /// time, so a change of screens is picked up here.
+    /// Updates the panel and its runtime from the store. Measures the notch and places the window
+    /// each time, so this handles changes of screens, too.
     void render(const HostStore& store);
 
     [[nodiscard]] const OverlayRuntime& runtime() const { return *m_runtime; }
-    /// Global points; what the window was last told, absent before a built-in screen was found.
+    /// The window's frame in global points; absent until a built-in screen was found.
     [[nodiscard]] const std::optional<Rect>& frame() const { return m_frame; }
     [[nodiscard]] bool isShown() const { return m_isShown; }
 

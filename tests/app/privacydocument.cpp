@@ -18,7 +18,7 @@ QStringList cellsOf(const QString& line) {
     return cells;
 }
 
-/// What a cell says in code letters.
+/// The parts of a cell that are set as code.
 QStringList literals(const QString& cell) {
     const QStringList parts = cell.split(u'`');
     QStringList found;
@@ -36,11 +36,11 @@ DocumentTable table(const PrivacyDocument& document, const char* name) {
     return document.value(QString::fromLatin1(name));
 }
 
-/// The requests that a row is about, each as "METHOD path".
+/// The requests that a row names, each as "METHOD path".
 QStringList requestsOf(const PrivacyDocument& document, const QMap<QString, QString>& row) {
     QStringList requests;
     for (const QString& name : cell(row, "in requests").split(QStringLiteral(", "))) {
-        QString request = name; // itself, when the table of requests lacks it
+        QString request = name; // unless the table of requests has it
         for (const auto& known : table(document, "request")) {
             if (cell(known, "request") == name) {
                 request = literals(cell(known, "method and address")).join(u' ');
@@ -51,7 +51,7 @@ QStringList requestsOf(const PrivacyDocument& document, const QMap<QString, QStr
     return requests;
 }
 
-/// Everything that the document says of requests, one claim each.
+/// The document's statements on requests, one claim each.
 QSet<QString> claimsOf(const PrivacyDocument& document) {
     QSet<QString> claims;
     for (const auto& row : table(document, "request")) {
@@ -109,14 +109,14 @@ void addCredential(QSet<QString>& claims, const QString& request, const QJsonVal
     claims << request + QStringLiteral(" with the credential ") + credential;
 }
 
-/// Whether it has the form of the marks that the placement service gives its replies.
-bool isMark(const QString& text) {
+/// Whether it has the form of the placement service's entity tags.
+bool isEntityTag(const QString& text) {
     static const QRegularExpression form(
         QRegularExpression::anchoredPattern(QStringLiteral("W/\"[0-9a-f]{16}\"")));
     return form.match(text).hasMatch();
 }
 
-/// Everything that the requests show, in the document's words.
+/// The same for the requests that were seen.
 QSet<QString> claimsOf(const SeenTraffic& seen) {
     QSet<QString> claims;
     for (const auto& value : seen.requests) {
@@ -142,7 +142,7 @@ QSet<QString> claimsOf(const SeenTraffic& seen) {
                 word = QStringLiteral("HOST");
             } else if (header.key() == u"content-length" && word == length) {
                 word = QStringLiteral("LENGTH");
-            } else if (header.key() == u"if-none-match" && isMark(word)) {
+            } else if (header.key() == u"if-none-match" && isEntityTag(word)) {
                 word = QStringLiteral("MARK");
             }
             claims << request + QStringLiteral(" with ") + header.key() + QStringLiteral(": ") +
@@ -164,7 +164,7 @@ QStringList differences(const QSet<QString>& documented, const QSet<QString>& se
     return found;
 }
 
-/// The file's name in the document, or itself when no row is about it.
+/// The file's name in the document, or the file itself if no row matches.
 QString documentedName(const QSet<QString>& names, const QString& file) {
     for (const QString& name : names) {
         QString pattern = QRegularExpression::escape(name);

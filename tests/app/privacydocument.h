@@ -18,15 +18,15 @@ using PrivacyDocument = QMap<QString, DocumentTable>;
 /// The indented lines of the section with that heading, which are commands.
 [[nodiscard]] QString commandsIn(const QString& markdown, const QString& heading);
 
-/// What a run sent.
+/// What the runs sent.
 struct SeenTraffic final {
     QJsonArray requests;  ///< As the placement service logs them.
     QString authority;    ///< Host and port of the service.
     QStringList pictures; ///< The paths that the service named as pictures.
 };
 
-/// Every difference between the document and what was seen, either way round, as sentences for a
-/// person; empty when each says exactly what the other does.
+/// Every difference between the document and what was seen, in either direction, as readable
+/// sentences; empty when they agree.
 [[nodiscard]] QStringList deviations(const PrivacyDocument& document, const SeenTraffic& seen);
 
 /// The same for the files of a run, which begin with a variable: "$XDG_CACHE_HOME/a/b".

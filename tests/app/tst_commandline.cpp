@@ -17,7 +17,7 @@ struct Ended final {
 };
 
 Ended run(const QString& program, const QStringList& arguments) {
-    // Qt would remark on a missing runtime folder.
+    // Qt warns of a missing runtime folder.
     const QTemporaryDir runtimeFolder;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeFolder.path());
@@ -72,7 +72,7 @@ private Q_SLOTS:
             << brimlet << QStringList{QStringLiteral("--bogus")} << QStringLiteral("bogus");
         QTest::newRow("the self-test is a Mac's")
             << brimlet << QStringList{QStringLiteral("--self-test")} << QStringLiteral("self-test");
-        QTest::newRow("nobody feigns a notch with the product")
+        QTest::newRow("the product takes no machine file")
             << brimlet << QStringList{QStringLiteral("--machine"), QStringLiteral("x.json")}
             << QStringLiteral("machine");
         QTest::newRow("two requests at once")
@@ -83,7 +83,7 @@ private Q_SLOTS:
             << QStringLiteral("'24'");
         QTest::newRow("a request with a value")
             << brimlet << QStringList{QStringLiteral("--pause=24")} << QStringLiteral("pause");
-        QTest::newRow("the simulator is asked through its console")
+        QTest::newRow("the simulator takes requests on its console only")
             << simulator << QStringList{QStringLiteral("--quit")} << QStringLiteral("quit");
         QTest::newRow("unknown argument")
             << brimlet << QStringList{QStringLiteral("file")} << QStringLiteral("'file'");
@@ -104,19 +104,19 @@ private Q_SLOTS:
         QCOMPARE(ended.out, QString());
     }
 
-    void onAMacItGoesOn_data() {
+    void validOptionsOnAMacAreRead_data() {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<bool>("isSelfTestWanted");
         QTest::addColumn<bool>("isPauseAsked");
         QTest::newRow("plainly") << QStringList() << false << false;
-        QTest::newRow("with the system's name for the process")
+        QTest::newRow("with the process serial number")
             << QStringList{QStringLiteral("-psn_0_12345")} << false << false;
         QTest::newRow("to test itself")
             << QStringList{QStringLiteral("--self-test")} << true << false;
         QTest::newRow("to ask for a pause")
             << QStringList{QStringLiteral("--pause")} << false << true;
     }
-    void onAMacItGoesOn() {
+    void validOptionsOnAMacAreRead() {
         QFETCH(QStringList, arguments);
         CommandLine commandLine;
         arguments.prepend(QStringLiteral("brimlet"));
@@ -125,14 +125,14 @@ private Q_SLOTS:
         QTEST(commandLine.request == InstanceRequest::Pause, "isPauseAsked");
     }
 
-    void onAMacMistakesEndItToo_data() {
+    void mistakesOnAMacGiveExitCodeTwo_data() {
         QTest::addColumn<QStringList>("arguments");
         QTest::newRow("an argument") << QStringList{QStringLiteral("file")};
         QTest::newRow("unknown option") << QStringList{QStringLiteral("--bogus")};
         QTest::newRow("two requests at once")
             << QStringList{QStringLiteral("--self-test"), QStringLiteral("--quit")};
     }
-    void onAMacMistakesEndItToo() {
+    void mistakesOnAMacGiveExitCodeTwo() {
         QFETCH(QStringList, arguments);
         CommandLine commandLine;
         arguments.prepend(QStringLiteral("brimlet"));

@@ -44,14 +44,14 @@ private Q_SLOTS:
         QCOMPARE(m_host.clock.runningTimers(), 0);
     }
 
-    void theLaunchNotificationStartsNothingByItself() {
+    void theLaunchNotificationOnlyQueuesTheStart() {
         m_delegate.applicationDidFinishLaunching();
         QVERIFY(!HostStore::shared()->runtimeStarted);
         QCOMPARE(m_windows, 0);
         QVERIFY(m_host.http.requests().empty());
     }
 
-    void oneTurnLaterTheRuntimeStandsAndTheFirstRequestFollowsTheOverlay() {
+    void oneTurnLaterTheOverlayIsCreatedAndThenTheFirstRequestSent() {
         QCoreApplication::sendPostedEvents(&m_delegate);
         QVERIFY(HostStore::shared()->runtimeStarted);
         QCOMPARE(m_windows, 1);
@@ -68,7 +68,7 @@ private Q_SLOTS:
 
     void anAppliedReplyReachesTheOverlay() { QVERIFY(m_window.isShown); }
 
-    void aSecondLaunchNotificationStartsNothingASecondTime() {
+    void aSecondLaunchNotificationHasNoEffect() {
         m_host.http.clear();
         m_delegate.applicationDidFinishLaunching();
         m_delegate.applicationDidFinishLaunching();

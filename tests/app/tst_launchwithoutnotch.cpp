@@ -12,14 +12,14 @@ class TestLaunchWithoutNotch final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theRuntimeIsStartedAllTheSameAndHoldsBack() {
+    void theRuntimeStartsAndSendsAndShowsNothing() {
         HostFixture host;
         host.keepToken("t");
         host.screens.set({}, {});
         FakeOverlayWindow::Record window;
         FakeStatusItem statusItem;
         FakeMenuWindow::Record menu;
-        // The launch touches the shared store first here, the application after it.
+        // Here the shared store is created before the application.
         SharedPorts<HostPorts>::set(host.ports());
         const auto first = HostStore::shared();
         const BrimletApp app(

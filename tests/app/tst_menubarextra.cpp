@@ -8,7 +8,7 @@
 using namespace brimlet;
 using namespace std::chrono_literals;
 
-/// The status item, the panel and what opens and closes it, all but the desktop.
+/// What opens and closes the panel, on a fake desktop.
 class TestMenuBarExtra final : public QObject {
     Q_OBJECT
 
@@ -33,7 +33,7 @@ class TestMenuBarExtra final : public QObject {
     };
 
 private Q_SLOTS:
-    void thePanelIsMadeWhenItIsFirstOpened() {
+    void thePanelIsCreatedWhenItIsFirstOpened() {
         Scene scene;
         QCOMPARE(scene.windows, 0);
         QVERIFY(!scene.extra->isOpen());
@@ -56,19 +56,19 @@ private Q_SLOTS:
         QCOMPARE(scene.windows, 1);
     }
 
-    void theClickThatTookTheKeyboardAwayDoesNotOpenItAgain() {
+    void theClickThatClosedItByTakingTheKeyboardDoesNotOpenItAgain() {
         Scene scene;
         scene.item.press();
         scene.window.window->dismiss(); // the desktop gave the keyboard to the bar
         scene.host.clock.advance(199ms);
-        scene.item.press(); // and now tells of the click
+        scene.item.press(); // and reports the click afterwards
         QVERIFY(!scene.window.isPresented);
         scene.host.clock.advance(1ms);
         scene.item.press();
         QVERIFY(scene.window.isPresented);
     }
 
-    void aWallClockThatJumpsDoesNotMatter() {
+    void aJumpOfTheWallClockChangesNothing() {
         Scene scene;
         scene.item.press();
         scene.window.window->dismiss();
@@ -78,7 +78,7 @@ private Q_SLOTS:
         QVERIFY(scene.window.isPresented);
     }
 
-    void aSecondStartOpensItWhateverWasBefore() {
+    void aSecondStartAlwaysOpensIt() {
         Scene scene;
         scene.extra->open();
         QVERIFY(scene.window.isPresented);
@@ -86,11 +86,11 @@ private Q_SLOTS:
         QVERIFY(scene.window.isPresented);
         QCOMPARE(scene.window.presentations.size(), std::size_t{2});
         scene.window.window->dismiss();
-        scene.extra->open(); // at once: nobody clicked the item
+        scene.extra->open(); // at once, since this is no click
         QVERIFY(scene.window.isPresented);
     }
 
-    void anItemThatDoesNotTellItsPlaceLeavesThatToTheWindow() {
+    void withoutThePlaceOfTheItemTheWindowChoosesOne() {
         Scene scene;
         scene.item.itsPlace.reset();
         scene.extra->open();
@@ -105,7 +105,7 @@ private Q_SLOTS:
         QVERIFY(scene.extra->isOpen());
     }
 
-    void withABarThatComesInTimeItStaysClosed() {
+    void withABarThatAppearsInTimeItStaysClosed() {
         Scene scene(false);
         scene.host.clock.advance(2s);
         scene.item.shown = true;
@@ -122,11 +122,11 @@ private Q_SLOTS:
         QCOMPARE(scene.window.presentations.size(), std::size_t{1});
     }
 
-    void anExtraThatIsGoneOpensNothing() {
+    void afterItsDestructionNothingOpens() {
         Scene scene(false);
         QCOMPARE(scene.host.clock.runningSleeps(), 1);
         scene.extra.reset();
-        QCOMPARE(scene.host.clock.runningSleeps(), 0); // nor does it leave anything waiting
+        QCOMPARE(scene.host.clock.runningSleeps(), 0); // and nothing waits any more
         scene.host.clock.advance(1h);
         QCOMPARE(scene.windows, 0);
     }
@@ -139,7 +139,7 @@ private Q_SLOTS:
         QCoreApplication::sendPostedEvents();
         QCOMPARE(scene.item.toolTips.last(), scene.store->statusLine());
         QCOMPARE(scene.item.toolTips.size(), 2);
-        // Fields that leave the line as it is tell the bar nothing.
+        // Changes of other fields do not set it again.
         scene.host.workspace.screensDidSleep();
         scene.store->saveToken(QString());
         QCoreApplication::sendPostedEvents();

@@ -23,19 +23,19 @@ bool hasNotifierTray() {
     return qEnvironmentVariable("BRIMLET_SESSION_TRAY") == QStringLiteral("notifier");
 }
 
-/// Asks the tray of newer kind in the session.
+/// Calls the session's tray, a StatusNotifierItem one.
 void askTray(const char* method, const QVariantList& arguments = {}) {
-    auto question = QDBusMessage::createMethodCall(
+    auto call = QDBusMessage::createMethodCall(
         QStringLiteral("app.brimlet.test.Tray"), QStringLiteral("/tray"),
         QStringLiteral("app.brimlet.test.Tray"), QString::fromLatin1(method));
-    question.setArguments(arguments);
-    const QDBusMessage answer = QDBusConnection::sessionBus().call(question);
+    call.setArguments(arguments);
+    const QDBusMessage answer = QDBusConnection::sessionBus().call(call);
     QVERIFY2(answer.type() == QDBusMessage::ReplyMessage, qPrintable(answer.errorMessage()));
 }
 
 } // namespace
 
-/// The panel as somebody uses it with a pointer and a keyboard, from a tray of either kind.
+/// The panel used with pointer and keyboard, from a tray of either kind.
 class TestMenuByMouse final : public QObject {
     Q_OBJECT
 
@@ -69,7 +69,7 @@ class TestMenuByMouse final : public QObject {
         }
         std::optional<ClientWindow> icon;
         QTRY_VERIFY_WITH_TIMEOUT((icon = iconOf(program)), kPatience);
-        // Each time at the icon's other side: clicks at one place may be a double one.
+        // On alternating sides of the icon: two clicks at one place may count as a double click.
         m_isLeftNext = !m_isLeftNext;
         click(icon->geometry.center() + QPoint(m_isLeftNext ? -7 : 7, 0) * scale());
     }
@@ -139,7 +139,7 @@ private Q_SLOTS:
 
     void aSecondClickOnTheItemClosesAndAThirdOpens() {
         const PlacementProcess service;
-        // In fast motion, so that a click after closing is not taken for the one that closed.
+        // Accelerated, so that a click after closing does not count as the click that closed it.
         SimulatorProcess program({{QStringLiteral("infoDictionary"),
                                    QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}},
                                   {QStringLiteral("speed"), 100}});
@@ -152,7 +152,7 @@ private Q_SLOTS:
         }
     }
 
-    void escapeAndTheWorldOutsideCloseIt() {
+    void escapeAndClicksOutsideCloseIt() {
         const PlacementProcess service;
         SimulatorProcess program(
             {{QStringLiteral("infoDictionary"),

@@ -11,8 +11,8 @@ namespace {
 constexpr int kPatience = 5'000; // tried every 50 ms, not counting what a try takes
 const QString kPanel = QStringLiteral("Brimlet panel");
 
-/// What the panel says, as "role: name", from top to bottom.
-QStringList heard() {
+/// The panel's accessible elements as "role: name", from top to bottom.
+QStringList elements() {
     QStringList lines;
     for (const QJsonObject& element : ScreenReader::elements({QStringLiteral("window"), kPanel})) {
         const QString name = element.value(QStringLiteral("name")).toString();
@@ -33,7 +33,7 @@ QString label(const char* text) {
 
 } // namespace
 
-/// The whole program through the accessibility bus alone, as somebody uses it who sees nothing.
+/// The whole program used through the accessibility bus alone.
 class TestMenuByScreenReader final : public QObject {
     Q_OBJECT
 
@@ -46,7 +46,7 @@ private Q_SLOTS:
                                    QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}},
                                   {QStringLiteral("secretStore"), QStringLiteral("memory")}});
         QTRY_VERIFY_WITH_TIMEOUT(program.isPanelShown(), kPatience);
-        QCOMPARE(heard(), QStringList());
+        QCOMPARE(elements(), QStringList());
 
         // Opened by a second start.
         QCOMPARE(program.startAgain(), 0);
@@ -71,9 +71,9 @@ private Q_SLOTS:
             QStringLiteral("push button: Save token"),
             QStringLiteral("push button: Pause ads 24h"),
             QStringLiteral("push button: Quit")};
-        QTRY_COMPARE_WITH_TIMEOUT(heard(), welcome, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(elements(), welcome, kPatience);
 
-        // The token goes to the service, and the panel to the host's own figures.
+        // The token is sent, and the panel shows the host's own figures.
         QVERIFY(ScreenReader::does({QStringLiteral("type"), QStringLiteral("Host token"),
                                     QStringLiteral("demo-host-token")}));
         QVERIFY(press("Save token"));
@@ -91,39 +91,41 @@ private Q_SLOTS:
                  QStringLiteral("known"));
         const QString wanted =
             label("Sign the host agreement. Pay is an estimate, not a guarantee.");
-        QTRY_VERIFY_WITH_TIMEOUT(heard().contains(wanted), kPatience);
-        QVERIFY(heard().contains(label("You show ads.\nWe share what they earn.")));
+        QTRY_VERIFY_WITH_TIMEOUT(elements().contains(wanted), kPatience);
+        QVERIFY(elements().contains(label("You show ads.\nWe share what they earn.")));
 
-        // Signed, it is gone, and the week is worth something.
+        // Once signed, the agreement disappears and an estimate is shown.
         QVERIFY(press("I agree · not a guarantee"));
         QTRY_VERIFY_WITH_TIMEOUT(
             service.requestLines().contains(QStringLiteral("POST /api/host/agree")), kPatience);
         QTRY_VERIFY_WITH_TIMEOUT(
-            !heard().contains(QStringLiteral("push button: I agree · not a guarantee")), kPatience);
-        QCOMPARE(heard().filter(QStringLiteral("We share")), QStringList());
-        QTRY_COMPARE_WITH_TIMEOUT(heard().filter(QStringLiteral("Ads on. This week ~€")).size(), 1,
-                                  kPatience);
-        QVERIFY(!heard().contains(label("€0")));
-        QCOMPARE(heard().filter(QStringLiteral("Split with ")).size(), 1);
+            !elements().contains(QStringLiteral("push button: I agree · not a guarantee")),
+            kPatience);
+        QCOMPARE(elements().filter(QStringLiteral("We share")), QStringList());
+        QTRY_COMPARE_WITH_TIMEOUT(elements().filter(QStringLiteral("Ads on. This week ~€")).size(),
+                                  1, kPatience);
+        QVERIFY(!elements().contains(label("€0")));
+        QCOMPARE(elements().filter(QStringLiteral("Split with ")).size(), 1);
 
-        // Paused, nothing is live and the capsules are gone.
+        // While paused nothing is live, and the capsules are hidden.
         QVERIFY(press("Pause ads 24h"));
-        QTRY_COMPARE_WITH_TIMEOUT(heard().count(label("Unfilled")), 3, kPatience);
-        QVERIFY(!heard().contains(label("Live")));
+        QTRY_COMPARE_WITH_TIMEOUT(elements().count(label("Unfilled")), 3, kPatience);
+        QVERIFY(!elements().contains(label("Live")));
         QTRY_VERIFY_WITH_TIMEOUT(!program.isPanelShown(), kPatience);
 
         QVERIFY(press("Quit"));
         QCOMPARE(program.exitCode(), 0);
     }
 
-    void everyControlCanBeReachedAndTellsWhatItIs() {
+    void everyControlIsFocusableAndHasAName() {
         const PlacementProcess service;
         SimulatorProcess program(
             {{QStringLiteral("infoDictionary"),
               QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}}});
         QTRY_VERIFY_WITH_TIMEOUT(program.isPanelShown(), kPatience);
         QCOMPARE(program.startAgain(), 0);
-        QTRY_VERIFY_WITH_TIMEOUT(heard().contains(QStringLiteral("push button: Quit")), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(elements().contains(QStringLiteral("push button: Quit")),
+                                 kPatience);
         for (const QJsonObject& element :
              ScreenReader::elements({QStringLiteral("window"), kPanel})) {
             const QString role = element.value(QStringLiteral("role")).toString();

@@ -33,7 +33,7 @@ const QString kEstimate = QStringLiteral("GET /api/host/me");
 const QString kAgreement = QStringLiteral("POST /api/host/agree");
 const QString kLeftPicture = QStringLiteral("/assets/quiet-bicycle.png");
 const QString kRightPicture = QStringLiteral("/assets/palindrome-tea.png");
-// Each program has a lock of its own, by its own name.
+// Product and simulator use lock files of different names.
 const QString kLock = QStringLiteral("app.brimlet.host.lock");
 const QString kSimulatorsLock = QStringLiteral("app.brimlet.host.Simulator.lock");
 const QString kCreatives = QStringLiteral("$XDG_CACHE_HOME/Brimlet/creatives");
@@ -148,7 +148,7 @@ class TestPrivacy final : public QObject {
             m_peers += processfacts::peers(program);
             for (const QString& path : processfacts::filesBeingWritten(program)) {
                 const QString file = named(path);
-                // A temporary file has a name only once it is to be renamed.
+                // A temporary file has no name until it is renamed.
                 if (!file.startsWith(kCreatives + QStringLiteral("/#")) ||
                     !file.endsWith(QStringLiteral(" (deleted)"))) {
                     m_writtenFiles << file;

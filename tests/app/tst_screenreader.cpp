@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kPatience = 15'000;
 
-/// What is there, as "role: name (action)".
+/// The accessible elements, as "role: name (action)".
 QStringList elements() {
     QStringList lines;
     for (const QJsonObject& element : ScreenReader::elements({QStringLiteral("tree")})) {
@@ -36,7 +36,7 @@ QJsonObject creative(const char* slot, const char* brand, const char* tagline, c
 
 } // namespace
 
-/// The capsules as somebody finds them who does not see the screen.
+/// The capsules on the accessibility bus.
 class TestScreenReader final : public QObject {
     Q_OBJECT
 

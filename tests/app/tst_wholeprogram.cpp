@@ -30,7 +30,7 @@ QJsonObject systemStore(const QJsonObject& machine) {
     return with(machine, "secretStore", QStringLiteral("system"));
 }
 
-/// Runs a secret store's own command, so that the item is seen by somebody else than Brimlet.
+/// Runs the secret store's own command, so that another program than Brimlet reads the item.
 QByteArray secretTool(const QStringList& arguments, const QByteArray& input) {
     QProcess tool;
     tool.start(QStringLiteral("secret-tool"), arguments);
@@ -119,7 +119,7 @@ private Q_SLOTS:
                  (QStringList{QStringLiteral("host"), QStringLiteral("user-agent")}));
     }
 
-    void withATokenTheFirstRequestsComeInOrderAndAsLaidDown() {
+    void withATokenTheFirstRequestsHaveTheirOrderHeadersAndBodies() {
         const PlacementProcess service;
         keepToken(kToken.toUtf8());
         SimulatorProcess program(systemStore(machineAt(service)));
@@ -202,7 +202,7 @@ private Q_SLOTS:
         QCOMPARE(keptToken().trimmed(), QByteArray("last-moment"));
     }
 
-    void pausingHidesThePanelAndTellsTheService() {
+    void pausingHidesThePanelAndReachesTheService() {
         const PlacementProcess service;
         SimulatorProcess program(machineAt(service));
         QTRY_VERIFY_WITH_TIMEOUT(isOnScreen(), kPatience);
@@ -227,7 +227,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(isOnScreen(), kPatience);
     }
 
-    void theServicesOrderToHideIsFollowed() {
+    void forceHideOfTheServiceHidesThePanel() {
         const PlacementProcess service;
         SimulatorProcess program(machineAt(service));
         QTRY_VERIFY_WITH_TIMEOUT(isOnScreen(), kPatience);
@@ -300,7 +300,7 @@ private Q_SLOTS:
         QVERIFY(service.requests().isEmpty());
     }
 
-    void aBadEditOfTheMachineIsToldAndKeepsItRunning() {
+    void aBadEditOfTheMachineIsReportedAndChangesNothing() {
         const PlacementProcess service;
         SimulatorProcess program(machineAt(service));
         QTRY_VERIFY_WITH_TIMEOUT(isOnScreen(), kPatience);
@@ -337,18 +337,18 @@ private Q_SLOTS:
         keepToken(kToken.toUtf8());
         SimulatorProcess program(systemStore(machineAt(service)));
         QTRY_VERIFY_WITH_TIMEOUT(service.requestLines().contains(kDisplay), kPatience);
-        // No reply has come yet, and no heartbeat goes before one; the panel is there and placed.
+        // No reply has arrived, so no heartbeat was sent, but the panel exists and is placed.
         QCOMPARE(program.panel().value(QStringLiteral("frame")).toArray(),
                  (QJsonArray{542, 942, 428, 40}));
         QVERIFY(!service.requestLines().contains(kHeartbeat));
     }
 
-    void signalsEndTheProgramOrderly_data() {
+    void signalsEndTheProgramWithExitCodeZero_data() {
         QTest::addColumn<int>("signal");
         QTest::newRow("SIGTERM") << SIGTERM;
         QTest::newRow("SIGINT") << SIGINT;
     }
-    void signalsEndTheProgramOrderly() {
+    void signalsEndTheProgramWithExitCodeZero() {
         QFETCH(int, signal);
         const PlacementProcess service;
         service.setScenario(
@@ -363,7 +363,7 @@ private Q_SLOTS:
         QCOMPARE(program.endBySignal(signal), 0);
     }
 
-    void theConsoleExplainsItself() {
+    void anUnknownCommandIsAnsweredWithTheKnownOnes() {
         const PlacementProcess service;
         SimulatorProcess program(machineAt(service));
         QVERIFY(program.ask("dance")

@@ -8,7 +8,7 @@ using namespace brimlet;
 
 namespace {
 
-/// A controller whose windows are counted.
+/// A controller that counts the windows it creates.
 struct ControllerFixture final {
     HostFixture host;
     FakeOverlayWindow::Record window;
@@ -25,14 +25,14 @@ class TestController final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void beforeTheStartARefreshIsNothing() {
+    void beforeTheStartARefreshDoesNothing() {
         ControllerFixture f;
         f.controller.refresh();
         QCOMPARE(f.windows, 0);
         QVERIFY(f.controller.panel() == nullptr);
     }
 
-    void startingMakesThePanelAndRenders() {
+    void startingCreatesThePanelAndRenders() {
         ControllerFixture f;
         const auto store = makeLiveStore(f.host);
         f.controller.start(store);
@@ -40,7 +40,7 @@ private Q_SLOTS:
         QVERIFY(f.window.isShown);
     }
 
-    void aSecondStartWithAnotherStoreRendersThatInTheSamePanel() {
+    void aSecondStartRendersAnotherStoreInTheSamePanel() {
         ControllerFixture f;
         const auto first = makeLiveStore(f.host);
         f.controller.start(first);
@@ -52,7 +52,7 @@ private Q_SLOTS:
         QVERIFY(!f.window.isShown);
     }
 
-    void theStoreIsNotKeptAlive() {
+    void theStoreIsHeldWeakly() {
         ControllerFixture f;
         auto store = makeLiveStore(f.host);
         f.controller.start(store);

@@ -26,7 +26,7 @@ class TestPanel final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aNewPanelIsPlacedAndNotShown() {
+    void aNewPanelIsPlacedButNotShown() {
         HostFixture host;
         FakeOverlayWindow::Record window;
         const OverlayPanel panel = makePanel(host, window);
@@ -35,7 +35,7 @@ private Q_SLOTS:
         QVERIFY(!window.isShown);
     }
 
-    void visibleAdsOrderItFrontAndThenTakeClicks() {
+    void visibleAdsOrderItFrontBeforeItTakesClicks() {
         HostFixture host;
         const auto store = makeLiveStore(host);
         FakeOverlayWindow::Record window;
@@ -47,7 +47,7 @@ private Q_SLOTS:
         QVERIFY(panel.isShown());
     }
 
-    void hiddenAdsLetClicksThroughBeforeItIsOrderedOut() {
+    void hiddenAdsMakeItIgnoreClicksBeforeItIsOrderedOut() {
         HostFixture host;
         const auto store = makeLiveStore(host);
         FakeOverlayWindow::Record window;
@@ -60,14 +60,14 @@ private Q_SLOTS:
         QVERIFY(!panel.isShown());
     }
 
-    void withoutANotchItGoesOutAndLeavesTheMouseAlone() {
+    void withoutANotchItIsOrderedOutAndOtherwiseUnchanged() {
         HostFixture host;
         const auto notched = makeLiveStore(host);
         FakeOverlayWindow::Record window;
         OverlayPanel panel = makePanel(host, window);
         panel.render(*notched);
         QVERIFY(window.isShown && !window.ignoresMouseEvents);
-        // A store that never saw a notch.
+        // A store that was created without a notch.
         host.screens.set({}, {});
         const auto plain = host.makeStore();
         host.screens.set({notchedScreen(1)}, {1});
@@ -93,7 +93,7 @@ private Q_SLOTS:
         QCOMPARE(window.frame.width, 264.0);
     }
 
-    void everyRenderMeasuresAndPlacesAfresh() {
+    void everyRenderMeasuresTheNotchAndPlacesTheWindow() {
         HostFixture host;
         const auto store = makeLiveStore(host);
         FakeOverlayWindow::Record window;
@@ -140,7 +140,7 @@ private Q_SLOTS:
         QCOMPARE(panel.runtime().notchWidth(), 180.0);
     }
 
-    void onABuiltInScreenWhoseStripsWentItStandsAtTheTopCentre() {
+    void onABuiltInScreenWithoutStripsItIsAtTheTopCentre() {
         HostFixture host;
         const auto store = makeLiveStore(host);
         FakeOverlayWindow::Record window;

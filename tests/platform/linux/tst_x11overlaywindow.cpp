@@ -23,15 +23,15 @@ struct FreeReply {
     void operator()(void* reply) const { std::free(reply); }
 };
 
-/// Another program on the screen.
-class Stranger final {
+/// Another X client with windows on the same screen.
+class OtherClient final {
 public:
-    Stranger()
+    OtherClient()
         : m_x(xcb_connect(nullptr, nullptr))
         , m_root(xcb_setup_roots_iterator(xcb_get_setup(m_x)).data->root) {}
-    ~Stranger() { xcb_disconnect(m_x); }
-    Stranger(const Stranger&) = delete;
-    Stranger& operator=(const Stranger&) = delete;
+    ~OtherClient() { xcb_disconnect(m_x); }
+    OtherClient(const OtherClient&) = delete;
+    OtherClient& operator=(const OtherClient&) = delete;
 
     /// Shows an unmanaged window there, above all others.
     xcb_window_t show(const QRect& area) {
@@ -49,9 +49,9 @@ public:
     void raise(xcb_window_t window) {
         const std::uint32_t above = XCB_STACK_MODE_ABOVE;
         xcb_configure_window(m_x, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-        settle();
+        synchronise();
     }
-    /// Whether the first of the two stands above the second.
+    /// Whether the first of the two windows is above the second.
     [[nodiscard]] bool isAbove(xcb_window_t first, xcb_window_t second) {
         const std::unique_ptr<xcb_query_tree_reply_t, FreeReply> tree(
             xcb_query_tree_reply(m_x, xcb_query_tree(m_x, m_root), nullptr));
@@ -59,7 +59,7 @@ public:
         return std::find(fromBelow.begin(), fromBelow.end(), first) >
                std::find(fromBelow.begin(), fromBelow.end(), second);
     }
-    /// Owns the compositor's selection, or no longer.
+    /// Takes or gives up the compositor's selection.
     void actAsCompositor(bool isOne) {
         const QByteArray name("_NET_WM_CM_S0");
         const std::unique_ptr<xcb_intern_atom_reply_t, FreeReply> atom(xcb_intern_atom_reply(
@@ -72,12 +72,12 @@ public:
         }
         xcb_set_selection_owner(m_x, isOne ? m_owner : xcb_window_t{XCB_WINDOW_NONE}, atom->atom,
                                 XCB_CURRENT_TIME);
-        settle();
+        synchronise();
     }
 
 private:
-    /// Returns when the X server has done all it was asked for.
-    void settle() {
+    /// Returns once the X server has processed all requests.
+    void synchronise() {
         const std::unique_ptr<xcb_get_input_focus_reply_t, FreeReply> reply(
             xcb_get_input_focus_reply(m_x, xcb_get_input_focus(m_x), nullptr));
     }
@@ -91,7 +91,7 @@ xcb_connection_t* connectionOfTheProgram() {
     return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
 }
 
-/// How many requests the program sends meanwhile: the X protocol numbers them.
+/// The number of X requests that the action sends, from their sequence numbers.
 template <typename Action>
 unsigned requestsOf(const Action& action) {
     xcb_connection_t* const x = connectionOfTheProgram();
@@ -102,14 +102,14 @@ unsigned requestsOf(const Action& action) {
 
 } // namespace
 
-/// What the overlay's window tells the X server, and what it learns without asking.
+/// Which requests the overlay's window sends to the X server, and which events it follows.
 class TestX11OverlayWindow final : public QObject {
     Q_OBJECT
 
     XServer m_x;
-    Stranger m_stranger;
+    OtherClient m_other;
 
-    /// As the panel does with each reply.
+    /// As the panel does for each reply.
     static void render(X11OverlayWindow& window) {
         window.setFrame({kPanel.x() + 0.0, 982.0 - kPanel.height(), kPanel.width() + 0.0,
                          kPanel.height() + 0.0});
@@ -122,7 +122,7 @@ class TestX11OverlayWindow final : public QObject {
         window->setRegions(QRect(8, 4, 108, 24), QRect(8, 4, 108, 24));
         return window;
     }
-    /// Shown, with all that follows from it behind it.
+    /// Shown, and everything that follows from that is done.
     [[nodiscard]] bool isAtRest(X11OverlayWindow& window) const {
         render(window);
         const auto rests = [&] {
@@ -134,12 +134,12 @@ class TestX11OverlayWindow final : public QObject {
         return QTest::qWaitForWindowExposed(&window) && m_x.isMapped(idOf(window)) &&
                QTest::qWaitFor(rests, kPatience);
     }
-    /// With one of the next renders, as soon as the X server has told of the others.
-    [[nodiscard]] bool comesAbove(X11OverlayWindow& window, xcb_window_t stranger) {
+    /// With one of the next renders, once the X server's events have arrived.
+    [[nodiscard]] bool isRaisedAbove(X11OverlayWindow& window, xcb_window_t other) {
         const auto isAbove = [&] {
             render(window);
             xcb_flush(connectionOfTheProgram()); // as the loop does before it waits
-            return m_stranger.isAbove(idOf(window), stranger);
+            return m_other.isAbove(idOf(window), other);
         };
         return QTest::qWaitFor(isAbove, kPatience);
     }
@@ -150,7 +150,7 @@ class TestX11OverlayWindow final : public QObject {
 private Q_SLOTS:
     void initTestCase() { QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session"); }
 
-    void anUnchangedRenderTellsTheXServerNothing() {
+    void anUnchangedRenderSendsNoRequest() {
         const auto window = makeWindow();
         QVERIFY(isAtRest(*window));
         QCOMPARE(requestsOf([&] {
@@ -161,7 +161,7 @@ private Q_SLOTS:
                  0U);
     }
 
-    void aChangedShapeIsTold() {
+    void changedRegionsAreSent() {
         const auto window = makeWindow();
         QVERIFY(isAtRest(*window));
         window->setRegions(QRect(312, 4, 108, 24), QRect(312, 4, 108, 24));
@@ -183,29 +183,29 @@ private Q_SLOTS:
                                   std::vector<QRect>{QRect(8, 4, 108, 24)}, kPatience);
     }
 
-    void aStrangersWindowIsOvertakenWithTheNextRender() {
+    void theNextRenderRaisesItAboveANewForeignWindow() {
         const auto window = makeWindow();
         QVERIFY(isAtRest(*window));
-        const xcb_window_t film = m_stranger.show({0, 0, 1512, 982});
-        QVERIFY(m_stranger.isAbove(film, idOf(*window)));
-        QVERIFY(comesAbove(*window, film));
+        const xcb_window_t film = m_other.show({0, 0, 1512, 982});
+        QVERIFY(m_other.isAbove(film, idOf(*window)));
+        QVERIFY(isRaisedAbove(*window, film));
         QVERIFY(isAtRest(*window));
 
-        m_stranger.raise(film);
-        QVERIFY(m_stranger.isAbove(film, idOf(*window)));
-        QVERIFY(comesAbove(*window, film));
+        m_other.raise(film);
+        QVERIFY(m_other.isAbove(film, idOf(*window)));
+        QVERIFY(isRaisedAbove(*window, film));
     }
 
-    void aWindowThatCameWhileItWasHiddenIsOvertaken() {
+    void aWindowThatAppearedWhileItWasHiddenIsBelowItAfterwards() {
         const auto window = makeWindow();
         QVERIFY(isAtRest(*window));
         window->orderOut();
-        const xcb_window_t film = m_stranger.show({0, 0, 1512, 982});
-        QVERIFY(m_stranger.isAbove(film, idOf(*window)));
-        QVERIFY(comesAbove(*window, film));
+        const xcb_window_t film = m_other.show({0, 0, 1512, 982});
+        QVERIFY(m_other.isAbove(film, idOf(*window)));
+        QVERIFY(isRaisedAbove(*window, film));
     }
 
-    void windowsOfThisProgramDoNotCount() {
+    void windowsOfThisProgramAreNotForeign() {
         const auto window = makeWindow();
         QVERIFY(isAtRest(*window));
         const std::uint64_t before = X11Watch::shared().foreignStackingSerial();
@@ -215,19 +215,19 @@ private Q_SLOTS:
         window->raise();
         tip.raise();
         xcb_flush(connectionOfTheProgram());
-        QTRY_VERIFY_WITH_TIMEOUT(m_stranger.isAbove(idOf(tip), idOf(*window)), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(m_other.isAbove(idOf(tip), idOf(*window)), kPatience);
         QCOMPARE(X11Watch::shared().foreignStackingSerial(), before);
     }
 
-    void aCompositorIsNoticedComingAndGoing() {
+    void itIsCutToThePaintedRegionOnlyWithoutACompositor() {
         X11Watch& watch = X11Watch::shared();
-        m_stranger.actAsCompositor(false);
+        m_other.actAsCompositor(false);
         QTRY_VERIFY_WITH_TIMEOUT(!watch.hasCompositor(), kPatience);
         const auto window = makeWindow();
         QVERIFY(isAtRest(*window));
         QTRY_COMPARE_WITH_TIMEOUT(m_x.boundingShape(idOf(*window)),
                                   std::vector<QRect>{QRect(8, 4, 108, 24)}, kPatience);
-        m_stranger.actAsCompositor(true);
+        m_other.actAsCompositor(true);
         QTRY_VERIFY_WITH_TIMEOUT(watch.hasCompositor(), kPatience);
         render(*window);
         QTRY_COMPARE_WITH_TIMEOUT(m_x.boundingShape(idOf(*window)),
