@@ -1,7 +1,7 @@
 #include "creative/creativeimagecache.h"
 
 #include "creative/images/imagedecoding.h"
-#include "creative/images/imagegate.h"
+#include "creative/images/imagevalidation.h"
 #include "host/linkrule.h"
 #include "platform/deferred.h"
 #include "platform/sharedports.h"

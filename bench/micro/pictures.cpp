@@ -3,7 +3,7 @@
 
 #include "bench/micro/repeat.h"
 #include "creative/images/imagedecoding.h"
-#include "creative/images/imagegate.h"
+#include "creative/images/imagevalidation.h"
 #include "tests/support/samplepictures.h"
 
 #include <QRandomGenerator>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "creative/images/imagesifting.h"
-#include "creative/images/workbudget.h"
+#include "creative/images/cpudeadline.h"
+#include "creative/images/imagesanitising.h"
 
 #include <QImage>
 
@@ -10,9 +10,13 @@
 namespace brimlet {
 
 /// The decoder of each format: the first frame on its canvas, at its kept size, premultiplied.
-[[nodiscard]] std::optional<QImage> decodePng(const SiftedImage& image, const WorkBudget& budget);
-[[nodiscard]] std::optional<QImage> decodeJpeg(const SiftedImage& image, const WorkBudget& budget);
-[[nodiscard]] std::optional<QImage> decodeGif(const SiftedImage& image, const WorkBudget& budget);
-[[nodiscard]] std::optional<QImage> decodeWebP(const SiftedImage& image, const WorkBudget& budget);
+[[nodiscard]] std::optional<QImage> decodePng(const SanitisedImage& image,
+                                              const CpuDeadline& deadline);
+[[nodiscard]] std::optional<QImage> decodeJpeg(const SanitisedImage& image,
+                                               const CpuDeadline& deadline);
+[[nodiscard]] std::optional<QImage> decodeGif(const SanitisedImage& image,
+                                              const CpuDeadline& deadline);
+[[nodiscard]] std::optional<QImage> decodeWebP(const SanitisedImage& image,
+                                               const CpuDeadline& deadline);
 
 } // namespace brimlet

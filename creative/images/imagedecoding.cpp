@@ -9,16 +9,16 @@ using namespace std::chrono_literals;
 
 namespace {
 
-std::optional<QImage> decodeFirstFrame(const SiftedImage& image, const WorkBudget& budget) {
+std::optional<QImage> decodeFirstFrame(const SanitisedImage& image, const CpuDeadline& deadline) {
     switch (image.facts.format) {
     case ImageFormat::Png:
-        return decodePng(image, budget);
+        return decodePng(image, deadline);
     case ImageFormat::Jpeg:
-        return decodeJpeg(image, budget);
+        return decodeJpeg(image, deadline);
     case ImageFormat::Gif:
-        return decodeGif(image, budget);
+        return decodeGif(image, deadline);
     case ImageFormat::WebP:
-        return decodeWebP(image, budget);
+        return decodeWebP(image, deadline);
     }
     Q_UNREACHABLE();
 }
@@ -26,16 +26,16 @@ std::optional<QImage> decodeFirstFrame(const SiftedImage& image, const WorkBudge
 } // namespace
 
 std::optional<QImage> decodeImage(const QByteArray& bytes) {
-    return decodeImage(bytes, threadTime(170ms));
+    return decodeImage(bytes, cpuDeadline(170ms));
 }
 
-std::optional<QImage> decodeImage(const QByteArray& bytes, const WorkBudget& budget) {
-    const std::optional<SiftedImage> image = siftImage(bytes);
+std::optional<QImage> decodeImage(const QByteArray& bytes, const CpuDeadline& deadline) {
+    const std::optional<SanitisedImage> image = sanitiseImage(bytes);
     if (!image) {
         return std::nullopt;
     }
-    std::optional<QImage> picture = decodeFirstFrame(*image, budget);
-    // The allocator keeps what large decoders free, and what many small tables were.
+    std::optional<QImage> picture = decodeFirstFrame(*image, deadline);
+    // The allocator would keep the memory that decoders have freed.
     returnFreedMemory();
     return picture;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "creative/images/workbudget.h"
+#include "creative/images/cpudeadline.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -15,7 +15,8 @@ namespace brimlet {
 /// refuses or that takes too long. Prints nothing. Any one thread at a time.
 [[nodiscard]] std::optional<QImage> decodeImage(const QByteArray& bytes);
 
-/// As above, given up as soon as the budget is spent.
-[[nodiscard]] std::optional<QImage> decodeImage(const QByteArray& bytes, const WorkBudget& budget);
+/// As above, but given up once `deadline` has passed.
+[[nodiscard]] std::optional<QImage> decodeImage(const QByteArray& bytes,
+                                                const CpuDeadline& deadline);
 
 } // namespace brimlet

@@ -14,9 +14,8 @@ inline constexpr int kKeptSideLimit = 128;
 /// The size a picture of this size is kept at: its proportions, never larger, never empty.
 [[nodiscard]] QSize keptSize(QSize source);
 
-/// Averages a picture's pixels down to its kept size as they come, in any order, so that nobody
-/// has to hold the picture itself. QImage's own smooth scaling makes a second copy of it and
-/// spreads over threads.
+/// Averages a picture's pixels down to its kept size as they come, in any order, so that the whole
+/// picture need not be in memory. QImage's smooth scaling makes a second copy and uses threads.
 class PictureShrinker final {
 public:
     /// Both sides at least 1.

@@ -20,12 +20,12 @@ constexpr qsizetype kSlice = 4096;
 /// it gives up.
 class PngDecoder final {
 public:
-    PngDecoder(QSize size, const WorkBudget& budget);
+    PngDecoder(QSize size, const CpuDeadline& deadline);
     ~PngDecoder() { png_destroy_read_struct(&m_png, &m_info, nullptr); }
     PngDecoder(const PngDecoder&) = delete;
     PngDecoder& operator=(const PngDecoder&) = delete;
 
-    /// False when the bytes are broken or the budget is spent; nothing may follow then.
+    /// False when the bytes are broken or the deadline has passed; nothing may follow then.
     [[nodiscard]] bool feed(QByteArrayView bytes);
     /// Absent while rows are missing.
     [[nodiscard]] std::optional<QImage> picture() const;
@@ -39,14 +39,14 @@ private:
 
     png_structp m_png = nullptr;
     png_infop m_info = nullptr;
-    const WorkBudget& m_budget;
+    const CpuDeadline& m_deadline;
     PictureShrinker m_shrinker;
     std::vector<QRgb> m_row;
     bool m_hasEnded = false;
 };
 
-PngDecoder::PngDecoder(QSize size, const WorkBudget& budget)
-    : m_budget(budget)
+PngDecoder::PngDecoder(QSize size, const CpuDeadline& deadline)
+    : m_deadline(deadline)
     , m_shrinker(size)
     , m_row(static_cast<size_t>(size.width())) {
     m_png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, &fail, &ignore);
@@ -64,7 +64,7 @@ void PngDecoder::fail(png_structp png, png_const_charp /*message*/) {
 void PngDecoder::ignore(png_structp /*png*/, png_const_charp /*message*/) {}
 
 bool PngDecoder::feed(QByteArrayView bytes) {
-    if (!m_info || m_budget()) {
+    if (!m_info || m_deadline()) {
         return false;
     }
     if (setjmp(png_jmpbuf(m_png)) != 0) {
@@ -97,7 +97,7 @@ void PngDecoder::addRow(png_structp png, png_bytep row, png_uint_32 y, int pass)
     if (!row) {
         return;
     }
-    if (decoder->m_budget()) {
+    if (decoder->m_deadline()) {
         png_error(png, "out of time");
     }
     const bool isInterlaced = png_get_interlace_type(png, decoder->m_info) != PNG_INTERLACE_NONE;
@@ -127,8 +127,8 @@ std::optional<QImage> PngDecoder::picture() const {
 
 } // namespace
 
-std::optional<QImage> decodePng(const SiftedImage& image, const WorkBudget& budget) {
-    PngDecoder decoder(QSize(image.facts.width, image.facts.height), budget);
+std::optional<QImage> decodePng(const SanitisedImage& image, const CpuDeadline& deadline) {
+    PngDecoder decoder(QSize(image.facts.width, image.facts.height), deadline);
     for (QByteArrayView rest = image.body; !rest.isEmpty();) {
         const qsizetype count = qMin(kSlice, rest.size());
         if (!decoder.feed(rest.first(count))) {

@@ -1,6 +1,6 @@
 #include "creative/images/imagedecoders.h"
-#include "creative/images/meteredbytes.h"
 #include "creative/images/pictureshrinker.h"
+#include "creative/images/throttleddevice.h"
 
 #include <QImageReader>
 #include <QLoggingCategory>
@@ -21,8 +21,8 @@ void filterCategory(QLoggingCategory* category) {
     }
 }
 
-/// Broken pictures are everyday here, and Qt's decoders warn of each. Filter rules would replace
-/// those of the user, and a message handler comes too late where warnings are made fatal.
+/// Qt's decoders warn of every broken picture, and those are common here. Filter rules would
+/// replace the user's, and a message handler comes too late where warnings are fatal.
 void silenceDecoders() {
     static const bool once = [] {
         filterBefore = QLoggingCategory::installFilter(filterCategory);
@@ -50,10 +50,10 @@ int reduction(QSize size) {
 }
 
 /// Decodes with the plugin of this name and no other, reduced by a divisor.
-std::optional<QImage> decode(const QByteArray& format, const SiftedImage& image, int divisor,
-                             const WorkBudget& budget) {
+std::optional<QImage> decode(const QByteArray& format, const SanitisedImage& image, int divisor,
+                             const CpuDeadline& deadline) {
     silenceDecoders();
-    MeteredBytes bytes(image.body, budget);
+    ThrottledDevice bytes(image.body, deadline);
     QImageReader reader(&bytes, format);
     reader.setAutoDetectImageFormat(false);
     reader.setAutoTransform(true);
@@ -78,13 +78,13 @@ std::optional<QImage> decode(const QByteArray& format, const SiftedImage& image,
 
 } // namespace
 
-std::optional<QImage> decodeJpeg(const SiftedImage& image, const WorkBudget& budget) {
+std::optional<QImage> decodeJpeg(const SanitisedImage& image, const CpuDeadline& deadline) {
     return decode(QByteArrayLiteral("jpeg"), image,
-                  reduction(QSize(image.facts.width, image.facts.height)), budget);
+                  reduction(QSize(image.facts.width, image.facts.height)), deadline);
 }
 
-std::optional<QImage> decodeGif(const SiftedImage& image, const WorkBudget& budget) {
-    return decode(QByteArrayLiteral("gif"), image, 1, budget);
+std::optional<QImage> decodeGif(const SanitisedImage& image, const CpuDeadline& deadline) {
+    return decode(QByteArrayLiteral("gif"), image, 1, deadline);
 }
 
 } // namespace brimlet

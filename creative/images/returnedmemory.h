@@ -2,7 +2,7 @@
 
 namespace brimlet {
 
-/// Gives freed memory back to the system, where the C library would keep it for later.
+/// Returns freed memory to the system where the C library would keep it.
 void returnFreedMemory();
 
 } // namespace brimlet

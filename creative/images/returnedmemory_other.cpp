@@ -3,7 +3,7 @@
 namespace brimlet {
 
 void returnFreedMemory() {
-    // Other C libraries give large blocks back as they are freed.
+    // Other C libraries return large blocks as they are freed.
 }
 
 } // namespace brimlet

@@ -24,10 +24,10 @@ VP8StatusCode update(const Decoder& decoder, QByteArrayView bytes) {
                        static_cast<size_t>(bytes.size()));
 }
 
-/// A lossless picture may ask for 65 000 code tables before its first pixel: the least bytes that
-/// make a table make it 1400 times as large. True when the bytes before the pixels are few enough
-/// for what memory the pixels leave.
-bool hasRoomForTables(WebPDecoderConfig& config, const SiftedImage& image) {
+/// A lossless picture may ask for 65 000 code tables before its first pixel, and a table can be
+/// 1400 times as large as the bytes that describe it. True when the bytes before the pixels are few
+/// enough for the memory that the pixels leave.
+bool hasRoomForTables(WebPDecoderConfig& config, const SanitisedImage& image) {
     constexpr qint64 kTablesPerByte = 1400;
     constexpr qint64 kTablesAndPixels = qint64{72} * 1024 * 1024;
     // The pixels themselves, and a quarter of a byte for each table that tells tiles of them apart.
@@ -37,22 +37,22 @@ bool hasRoomForTables(WebPDecoderConfig& config, const SiftedImage& image) {
     if (!image.body.startsWith("VP8L") || image.body.size() <= limit) {
         return true;
     }
-    // libwebp waits for an eighth of the length a body claims before it reads any of it, so that
-    // these bytes have to claim less than the body did.
+    // libwebp reads nothing before it has an eighth of the length that a body claims, so the start
+    // has to claim less than the whole body did.
     QByteArray start = image.body.first(limit);
     qToLittleEndian(static_cast<quint32>(4 * limit), start.data() + 4);
     const Decoder decoder(WebPIDecode(nullptr, 0, &config), &WebPIDelete);
     if (!decoder || update(decoder, start) != VP8_STATUS_SUSPENDED) {
         return false;
     }
-    // Told once the pixels begin.
+    // Set once the pixels begin.
     int width = 0;
     WebPIDecGetRGB(decoder.get(), nullptr, &width, nullptr, nullptr);
     return width > 0;
 }
 
-/// Decodes into `target`, whose size it takes. False when that fails or the budget is spent.
-bool decodeInto(QImage& target, const SiftedImage& image, const WorkBudget& budget) {
+/// Decodes into `target`, whose size it takes. False when that fails or the deadline has passed.
+bool decodeInto(QImage& target, const SanitisedImage& image, const CpuDeadline& deadline) {
     WebPDecoderConfig config;
     if (WebPInitDecoderConfig(&config) == 0) {
         return false;
@@ -61,7 +61,7 @@ bool decodeInto(QImage& target, const SiftedImage& image, const WorkBudget& budg
         config.options.use_scaling = 1;
         config.options.scaled_width = target.width();
         config.options.scaled_height = target.height();
-        // What these are for is lost in scaling.
+        // Their effect is lost in scaling.
         config.options.bypass_filtering = 1;
         config.options.no_fancy_upsampling = 1;
     }
@@ -70,7 +70,7 @@ bool decodeInto(QImage& target, const SiftedImage& image, const WorkBudget& budg
     config.output.u.RGBA = {.rgba = target.bits(),
                             .stride = static_cast<int>(target.bytesPerLine()),
                             .size = static_cast<size_t>(target.sizeInBytes())};
-    if (budget() || !hasRoomForTables(config, image)) {
+    if (deadline() || !hasRoomForTables(config, image)) {
         return false;
     }
     const Decoder decoder(WebPIDecode(nullptr, 0, &config), &WebPIDelete);
@@ -78,7 +78,7 @@ bool decodeInto(QImage& target, const SiftedImage& image, const WorkBudget& budg
     const qsizetype slice = body.startsWith("VP8L") ? kLosslessSlice : kLossySlice;
     VP8StatusCode status = VP8_STATUS_SUSPENDED;
     for (qsizetype at = 0; decoder && status == VP8_STATUS_SUSPENDED && at < body.size();) {
-        if (budget()) {
+        if (deadline()) {
             return false;
         }
         at = qMin(at + slice, body.size());
@@ -87,8 +87,8 @@ bool decodeInto(QImage& target, const SiftedImage& image, const WorkBudget& budg
     return status == VP8_STATUS_OK;
 }
 
-/// Where a frame of this picture lies when the picture is drawn in its kept size.
-QRect keptFrame(const SiftedImage& image, QSize kept) {
+/// The place of the picture's frame when the picture is drawn in its kept size.
+QRect keptFrame(const SanitisedImage& image, QSize kept) {
     const auto scaled = [](int length, int part, int whole) { return length * part / whole; };
     const int left = scaled(image.frame.x(), kept.width(), image.facts.width);
     const int top = scaled(image.frame.y(), kept.height(), image.facts.height);
@@ -99,11 +99,11 @@ QRect keptFrame(const SiftedImage& image, QSize kept) {
 
 } // namespace
 
-std::optional<QImage> decodeWebP(const SiftedImage& image, const WorkBudget& budget) {
+std::optional<QImage> decodeWebP(const SanitisedImage& image, const CpuDeadline& deadline) {
     const QSize kept = keptSize(QSize(image.facts.width, image.facts.height));
     const QRect place = keptFrame(image, kept);
     QImage frame(place.size(), QImage::Format_ARGB32_Premultiplied);
-    if (!decodeInto(frame, image, budget)) {
+    if (!decodeInto(frame, image, deadline)) {
         return std::nullopt;
     }
     if (place.size() == kept) {

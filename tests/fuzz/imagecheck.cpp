@@ -1,7 +1,7 @@
 #include "tests/fuzz/imagecheck.h"
 
 #include "creative/images/imagedecoding.h"
-#include "creative/images/imagesifting.h"
+#include "creative/images/imagesanitising.h"
 #include "creative/images/pictureshrinker.h"
 
 #include <algorithm>
@@ -9,26 +9,27 @@
 namespace brimlet {
 namespace {
 
-/// Counts the questions, so that the same bytes always go the same way. More than the highest
-/// picture has rows.
-WorkBudget countedBudget() {
-    constexpr int kQuestions = 10'000;
-    return [asked = 0]() mutable { return ++asked > kQuestions; };
+/// Passes after a number of checks instead of a time, so that the same bytes always give the same
+/// result. The number exceeds the rows of the highest picture.
+CpuDeadline countedDeadline() {
+    constexpr int kChecks = 10'000;
+    return [checks = 0]() mutable { return ++checks > kChecks; };
 }
 
-bool isWithinLimits(const SiftedImage& image, qsizetype inputSize) {
+bool isWithinLimits(const SanitisedImage& image, qsizetype inputSize) {
     const ImageFacts& facts = image.facts;
     return isAffordable(facts.width, facts.height, 4) &&
            isAffordable(image.frame.width(), image.frame.height(), 4) &&
            image.body.size() <= inputSize && image.body.capacity() <= 2 * inputSize + 64;
 }
 
-/// All but WebP, which loses its container, are handed on as whole files.
-bool passesAgain(const SiftedImage& image) {
+/// True when the sanitised file is accepted again, unchanged. Not for WebP, whose container is
+/// gone.
+bool isAcceptedAgain(const SanitisedImage& image) {
     if (image.facts.format == ImageFormat::WebP) {
         return true;
     }
-    const std::optional<SiftedImage> again = siftImage(image.body);
+    const std::optional<SanitisedImage> again = sanitiseImage(image.body);
     return again && again->facts == image.facts && again->frame == image.frame &&
            again->body == image.body;
 }
@@ -56,16 +57,16 @@ bool isPremultiplied(const QImage& picture) {
 } // namespace
 
 QByteArray checkImage(const QByteArray& input) {
-    const std::optional<SiftedImage> image = siftImage(input);
-    const std::optional<QImage> picture = decodeImage(input, countedBudget());
+    const std::optional<SanitisedImage> image = sanitiseImage(input);
+    const std::optional<QImage> picture = decodeImage(input, countedDeadline());
     if (!image) {
         return picture ? "a refused file was decoded" : "";
     }
     if (!isWithinLimits(*image, input.size())) {
-        return "the gate let more through than it may";
+        return "the sanitised picture exceeds a limit";
     }
-    if (!passesAgain(*image)) {
-        return "what the gate let through it refuses";
+    if (!isAcceptedAgain(*image)) {
+        return "the sanitised picture is refused when validated again";
     }
     if (!picture) {
         return {};

@@ -4,9 +4,9 @@
 
 namespace brimlet {
 
-/// Has the bytes sifted and decoded. Returns what is wrong, empty when nothing is: a picture must
-/// be of its kept size and well-formed premultiplied pixels, nothing that the gate refuses may be
-/// decoded, and what the gate hands on must pass it again.
+/// Sanitises and decodes the bytes. Returns what is wrong, empty when nothing is: refused bytes
+/// must not be decoded, sanitised ones must be accepted again, and a picture must have its kept
+/// size and validly premultiplied pixels.
 [[nodiscard]] QByteArray checkImage(const QByteArray& input);
 
 } // namespace brimlet

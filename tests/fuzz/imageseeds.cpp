@@ -9,7 +9,7 @@ using namespace brimlet;
 
 namespace {
 
-/// Small files that between them reach every gate and every decoder.
+/// Small files that together reach every format's validation and decoder.
 QList<std::pair<const char*, QByteArray>> seeds() {
     const QImage picture = samples::quadrants(QSize(16, 12));
     QImage faint = picture.convertToFormat(QImage::Format_ARGB32);
@@ -43,7 +43,7 @@ QList<std::pair<const char*, QByteArray>> seeds() {
 
 } // namespace
 
-/// Writes the pictures that fuzzing began with: image-seeds FOLDER.
+/// Writes the initial corpus of the image fuzzer: image-seeds FOLDER.
 int main(int argc, char** argv) {
     if (argc != 2) {
         std::fputs("usage: image-seeds FOLDER\n", stderr);

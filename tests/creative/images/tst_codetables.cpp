@@ -1,5 +1,5 @@
 #include "creative/images/imagedecoding.h"
-#include "creative/images/imagegate.h"
+#include "creative/images/imagevalidation.h"
 #include "tests/support/memoryuse.h"
 #include "tests/support/samplepictures.h"
 #include "tests/support/testprogram.h"
@@ -72,8 +72,8 @@ void addCode(Bits& bits, quint32 code, int length) {
     }
 }
 
-/// A lossless picture of one colour whose tiles of 4 by 4 name so many sets of code tables one
-/// after the other, as far as there are tiles.
+/// A lossless picture of one colour with so many sets of code tables. Its tiles of 4 by 4 use one
+/// set after the other, as far as there are tiles.
 QByteArray manyCodeTables(QSize size, quint32 sets) {
     Bits bits;
     bits.add(0x2f, 8);
@@ -82,7 +82,7 @@ QByteArray manyCodeTables(QSize size, quint32 sets) {
     bits.add(0, 1 + 3); // no alpha, version
     bits.add(0, 1);     // no transforms
     bits.add(0, 1);     // no colour cache
-    bits.add(1, 1);     // an image that tells which tile has which set
+    bits.add(1, 1);     // an image that says which tile uses which set
     bits.add(0, 3);     // tiles of 4 by 4
 
     bits.add(0, 1);         // that image has no colour cache
@@ -114,7 +114,7 @@ QByteArray manyCodeTables(QSize size, quint32 sets) {
 
 } // namespace
 
-/// Lossless WebPs that ask for code tables without end before their first pixel.
+/// Lossless WebPs that ask for very many code tables before their first pixel.
 class TestCodeTables final : public QObject {
     Q_OBJECT
 
@@ -125,7 +125,7 @@ private Q_SLOTS:
         QCOMPARE(picture->size(), QSize(64, 64));
     }
 
-    void memoryIsHeld_data() {
+    void memoryStaysBounded_data() {
         QTest::addColumn<QSize>("size");
         QTest::addColumn<quint32>("sets");
         for (const quint32 sets : {1'000U, 8'000U, 10'000U, 11'000U, 12'000U, 16'000U}) {
@@ -138,14 +138,14 @@ private Q_SLOTS:
             QTest::addRow("%u in the largest picture", sets) << QSize(4096, 2700) << sets;
         }
     }
-    void memoryIsHeld() {
+    void memoryStaysBounded() {
         if (isMemoryDistorted()) {
             QSKIP("the sanitizer has memory of its own");
         }
         QFETCH(QSize, size);
         QFETCH(quint32, sets);
         const QByteArray bytes = manyCodeTables(size, sets);
-        QVERIFY(inspectImage(bytes)); // nothing is wrong with it on the surface
+        QVERIFY(inspectImage(bytes)); // it is not refused before decoding
         const qint64 before = memoryInUse();
         QVERIFY(forgetPeak());
         const bool isShown = decodeImage(bytes, [] { return false; }).has_value();

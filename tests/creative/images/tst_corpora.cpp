@@ -1,5 +1,5 @@
 #include "creative/images/imagedecoding.h"
-#include "creative/images/imagegate.h"
+#include "creative/images/imagevalidation.h"
 #include "creative/images/pictureshrinker.h"
 #include "tests/support/memoryuse.h"
 #include "tests/support/testpaths.h"
@@ -15,7 +15,7 @@ namespace {
 
 constexpr qint64 kMebibyte = qint64{1024} * 1024;
 
-/// True when this is what is kept of a picture like that, upright or turned.
+/// True when the size is the kept size for these facts, upright or turned.
 bool isKept(const QImage& picture, const std::optional<ImageFacts>& facts) {
     const QSize size = facts ? keptSize(QSize(facts->width, facts->height)) : QSize();
     return !size.isEmpty() && (picture.size() == size || picture.size() == size.transposed());
@@ -52,7 +52,7 @@ private Q_SLOTS:
         QVERIFY(!picture || isKept(*picture, inspectImage(bytes)));
     }
 
-    void memoryIsHeld() {
+    void memoryStaysBounded() {
         if (isMemoryDistorted()) {
             QSKIP("the sanitizer has memory of its own");
         }

@@ -69,7 +69,7 @@ private Q_SLOTS:
         QVERIFY(isNear(picture->pixel(20, 15), qRgb(100, 100, 100)));
     }
 
-    void inksAreColours() {
+    void cmykIsConvertedToRgb() {
         // Inverted: no cyan, all magenta and yellow, no black make red.
         const std::optional<QImage> picture = decodeImage(samples::inkJpeg({255, 0, 0, 255}));
         QVERIFY(picture);
@@ -113,7 +113,7 @@ private Q_SLOTS:
     void aTurnedPhotographComesUpright_data() {
         QTest::addColumn<char>("orientation");
         QTest::addColumn<QTransform>("turn");
-        // How the camera has turned the upright picture before it wrote it down.
+        // How the camera turned the upright picture before it stored it.
         QTest::newRow("as it is") << '\1' << QTransform();
         QTest::newRow("mirrored") << '\2' << QTransform(-1, 0, 0, 1, 0, 0);
         QTest::newRow("upside down") << '\3' << QTransform(-1, 0, 0, -1, 0, 0);
@@ -156,8 +156,8 @@ private Q_SLOTS:
         QCOMPARE(*picture, clear);
     }
 
-    void whatIsTransparentLendsNoColour() {
-        // Columns of opaque blue and of a red that nobody sees.
+    void transparentPixelsAddNoColour() {
+        // Columns of opaque blue and of a fully transparent red.
         QImage stripes(512, 4, QImage::Format_ARGB32);
         for (int x = 0; x < stripes.width(); ++x) {
             for (int y = 0; y < stripes.height(); ++y) {
@@ -172,7 +172,7 @@ private Q_SLOTS:
         }
     }
 
-    void aFrameLiesWhereItBelongs() {
+    void aFrameIsDrawnAtItsPlace() {
         const QImage frame = samples::quadrants(QSize(200, 100));
         const std::optional<QImage> picture = decodeImage(
             samples::animatedWebP(QSize(400, 400), {{.place = {200, 300}, .picture = frame}}));
@@ -183,8 +183,8 @@ private Q_SLOTS:
         QCOMPARE(picture->pixel(96, 32), 0U);
     }
 
-    void nothingButPixelsComesOfIt_data() { addGoodFiles(); }
-    void nothingButPixelsComesOfIt() {
+    void aPictureHoldsNothingButPixels_data() { addGoodFiles(); }
+    void aPictureHoldsNothingButPixels() {
         QFETCH(QByteArray, bytes);
         const std::optional<QImage> picture = decodeImage(bytes);
         QVERIFY(picture);

@@ -1,5 +1,5 @@
 #include "creative/images/imagedecoding.h"
-#include "creative/images/imagegate.h"
+#include "creative/images/imagevalidation.h"
 #include "creative/images/pictureshrinker.h"
 #include "tests/support/goodfiles.h"
 #include "tests/support/memoryuse.h"
@@ -30,8 +30,8 @@ QImage plainGrey(QSize size) {
     return picture;
 }
 
-/// True when this is what is kept of a picture like that, upright or turned, and every pixel is one
-/// that premultiplying makes.
+/// True when the size is the kept size for these facts, upright or turned, and every pixel is
+/// validly premultiplied.
 bool isKept(const QImage& picture, const std::optional<ImageFacts>& facts) {
     const QSize size = facts ? keptSize(QSize(facts->width, facts->height)) : QSize();
     if (size.isEmpty() || (picture.size() != size && picture.size() != size.transposed())) {
@@ -75,23 +75,24 @@ QByteArray mutated(QByteArray bytes, QRandomGenerator& random) {
     return bytes;
 }
 
-/// How often decoding asks whether its budget is spent.
-int questions(const QByteArray& bytes) {
-    int asked = 0;
-    const bool isDecoded = decodeImage(bytes, [&asked] {
-                               ++asked;
+/// How often decoding checks its deadline; 0 when the bytes hold no picture.
+int deadlineChecks(const QByteArray& bytes) {
+    int checks = 0;
+    const bool isDecoded = decodeImage(bytes, [&checks] {
+                               ++checks;
                                return false;
                            }).has_value();
-    return isDecoded ? asked : 0;
+    return isDecoded ? checks : 0;
 }
 
-std::optional<QImage> decodedWithin(int budget, const QByteArray& bytes) {
-    return decodeImage(bytes, [&budget] { return budget-- <= 0; });
+/// Decodes with a deadline that passes after so many checks.
+std::optional<QImage> decodedWithin(int checks, const QByteArray& bytes) {
+    return decodeImage(bytes, [&checks] { return checks-- <= 0; });
 }
 
 } // namespace
 
-/// Decoding bytes that mean harm.
+/// Decoding hostile bytes.
 class TestImageHardening final : public QObject {
     Q_OBJECT
 
@@ -123,18 +124,18 @@ private Q_SLOTS:
         QVERIFY(!isMeasured || memoryInUse() <= before + 8 * kMebibyte);
     }
 
-    void aSpentBudgetEndsDecoding_data() { addGoodFiles(); }
-    void aSpentBudgetEndsDecoding() {
+    void aPassedDeadlineEndsDecoding_data() { addGoodFiles(); }
+    void aPassedDeadlineEndsDecoding() {
         QFETCH(QByteArray, bytes);
-        const int needed = questions(bytes);
+        const int needed = deadlineChecks(bytes);
         QVERIFY(needed > 0);
-        for (int budget = 0; budget < needed; ++budget) {
-            QVERIFY(!decodedWithin(budget, bytes));
+        for (int checks = 0; checks < needed; ++checks) {
+            QVERIFY(!decodedWithin(checks, bytes));
         }
         QVERIFY(decodedWithin(needed, bytes));
     }
 
-    void largePicturesAskAboutTheirBudgetOften_data() {
+    void largePicturesCheckTheirDeadlineOften_data() {
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<int>("least");
         QRandomGenerator random(7);
@@ -149,31 +150,31 @@ private Q_SLOTS:
         QTest::newRow("lossy WebP") << samples::webp(noise, false) << 10;
         QTest::newRow("lossless WebP") << samples::webp(noise, true) << 30;
     }
-    void largePicturesAskAboutTheirBudgetOften() {
+    void largePicturesCheckTheirDeadlineOften() {
         QFETCH(QByteArray, bytes);
         QFETCH(int, least);
-        const int needed = questions(bytes);
+        const int needed = deadlineChecks(bytes);
         QVERIFY2(needed >= least, qPrintable(QString::number(needed)));
-        for (const int budget : {0, 1, needed / 2, needed - 1}) {
-            QVERIFY(!decodedWithin(budget, bytes));
+        for (const int checks : {0, 1, needed / 2, needed - 1}) {
+            QVERIFY(!decodedWithin(checks, bytes));
         }
     }
 
-    void pixelsWithoutEndAreGivenUp() {
+    void endlessPixelsAreGivenUp() {
         // Some hundred million pixels for a picture of 256.
         const QByteArray bytes = samples::endlessGif(QSize(16, 16), 40'000);
         QVERIFY(inspectImage(bytes));
         QVERIFY(!decodedWithin(20, bytes));
     }
 
-    void idleScansLeaveAPicture_data() {
+    void emptyScansStillMakeAPicture_data() {
         QTest::addColumn<QByteArray>("bytes");
         QTest::newRow("a scan without data") << samples::idleJpeg(0, false);
-        QTest::newRow("as many empty scans as are let through") << samples::idleJpeg(24, false);
+        QTest::newRow("as many empty scans as are allowed") << samples::idleJpeg(24, false);
         QTest::newRow("as many with a restart at each block") << samples::idleJpeg(6, false, 1);
         QTest::newRow("as many that refine all") << samples::idleJpeg(3, true);
     }
-    void idleScansLeaveAPicture() {
+    void emptyScansStillMakeAPicture() {
         QFETCH(QByteArray, bytes);
         QVERIFY(bytes.size() < 1200);
         const std::optional<QImage> picture = decodeImage(bytes, [] { return false; });

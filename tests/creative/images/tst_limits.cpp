@@ -1,4 +1,4 @@
-#include "creative/images/imagegate.h"
+#include "creative/images/imagevalidation.h"
 #include "tests/support/samplepictures.h"
 #include "tests/support/testprogram.h"
 
@@ -56,7 +56,7 @@ private Q_SLOTS:
     void aBodyHasALimit() {
         QFETCH(QByteArray, bytes);
         constexpr qsizetype limit = qsizetype{4} * 1024 * 1024;
-        // What follows the end of a picture is nobody's concern.
+        // Bytes after the end of a picture are ignored.
         QVERIFY(inspectImage(bytes.leftJustified(limit - 1, ' ')));
         QVERIFY(inspectImage(bytes.leftJustified(limit, ' ')));
         QVERIFY(!inspectImage(bytes.leftJustified(limit + 1, ' ')));

@@ -1,5 +1,5 @@
 #include "creative/images/imagedecoding.h"
-#include "creative/images/imagegate.h"
+#include "creative/images/imagevalidation.h"
 #include "tests/support/memoryuse.h"
 #include "tests/support/samplepictures.h"
 #include "tests/support/testprogram.h"
@@ -51,7 +51,7 @@ private Q_SLOTS:
         QVERIFY(inspectImage(bytes));
         const qint64 before = memoryInUse();
         QVERIFY(forgetPeak());
-        // Not by time: how much of it a machine needs is no matter here.
+        // Without a deadline: this test is about memory alone.
         const std::optional<QImage> picture = decodeImage(bytes, [] { return false; });
         QVERIFY(picture);
         QVERIFY2(memoryPeak() <= before + 80 * kMebibyte, qPrintable(growth(before)));

@@ -1,4 +1,4 @@
-#include "creative/images/imagegate.h"
+#include "creative/images/imagevalidation.h"
 #include "tests/support/samplepictures.h"
 #include "tests/support/testprogram.h"
 
@@ -38,7 +38,7 @@ QByteArray photograph(int width, int height) {
 
 } // namespace
 
-/// What each format's gate finds wrong with a file without decoding it.
+/// What validation refuses in each format, without decoding.
 class TestImageSurfaces final : public QObject {
     Q_OBJECT
 
@@ -126,8 +126,8 @@ private Q_SLOTS:
         QTest::newRow("63 scans") << jpegOf(frame + scan.repeated(63)) << true;
         QTest::newRow("64 scans") << jpegOf(frame + scan.repeated(64)) << true;
         QTest::newRow("65 scans") << jpegOf(frame + scan.repeated(65)) << false;
-        // 131 072 blocks: 100 visits are the limit, 24 of them for putting out, eight in a scan
-        // that refines, two for a restart.
+        // 131 072 blocks, for which 100 visits each are the limit: 24 for writing a block, eight
+        // for a scan that refines, two for a restart.
         QTest::newRow("9 refining scans of a large picture") << scanned(9, 0x10) << true;
         QTest::newRow("10 refining scans of a large picture") << scanned(10, 0x10) << false;
         QTest::newRow("64 first scans of a large picture") << scanned(64, 0x01) << true;

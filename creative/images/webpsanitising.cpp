@@ -1,4 +1,4 @@
-#include "creative/images/imagesifting.h"
+#include "creative/images/imagesanitising.h"
 
 #include <webp/decode.h>
 
@@ -55,9 +55,9 @@ QByteArray pictureChunks(QByteArrayView bytes) {
     }
 }
 
-/// Bytes the code tables of a compressed alpha channel may take: one set for each tile of 4 by 4
-/// pixels, as far as the channel's length can name them. It is unpacked at one go, so that the
-/// decoder cannot be stopped while it makes them.
+/// The most bytes that the code tables of a compressed alpha channel can take: one set for each
+/// tile of 4 by 4 pixels, limited by the channel's length. The decoder cannot be stopped while it
+/// builds them, since it unpacks the channel in one call.
 qint64 alphaTables(QByteArrayView body, int width, int height) {
     constexpr int kTablesOfTile = 6000;
     constexpr int kTablesPerByte = 1400;
@@ -70,7 +70,7 @@ qint64 alphaTables(QByteArrayView body, int width, int height) {
 }
 
 /// The picture whose chunks these are, on a canvas of its own size.
-std::optional<SiftedImage> readPicture(QByteArrayView bytes) {
+std::optional<SanitisedImage> readPicture(QByteArrayView bytes) {
     QByteArray body = pictureChunks(bytes);
     WebPBitstreamFeatures features{};
     if (body.isEmpty() ||
@@ -86,13 +86,13 @@ std::optional<SiftedImage> readPicture(QByteArrayView bytes) {
                       alphaTables(body, features.width, features.height))) {
         return std::nullopt;
     }
-    SiftedImage image = wholeCanvas(ImageFormat::WebP, features.width, features.height);
+    SanitisedImage image = wholeCanvas(ImageFormat::WebP, features.width, features.height);
     image.body = std::move(body);
     return image;
 }
 
 /// The first frame of an animation, on its canvas.
-std::optional<SiftedImage> readFirstFrame(QByteArrayView bytes, int width, int height) {
+std::optional<SanitisedImage> readFirstFrame(QByteArrayView bytes, int width, int height) {
     Chunk chunk = takeChunk(bytes);
     while (!chunk.kind.isEmpty() && chunk.kind != "ANMF") {
         chunk = takeChunk(bytes);
@@ -100,7 +100,7 @@ std::optional<SiftedImage> readFirstFrame(QByteArrayView bytes, int width, int h
     if (chunk.kind.isEmpty() || chunk.data.size() < kFrameHeader) {
         return std::nullopt;
     }
-    std::optional<SiftedImage> image = readPicture(chunk.data.sliced(kFrameHeader));
+    std::optional<SanitisedImage> image = readPicture(chunk.data.sliced(kFrameHeader));
     if (image) {
         const QPoint place(2 * littleEndian24(chunk.data, 0), 2 * littleEndian24(chunk.data, 3));
         image->frame.moveTopLeft(place);
@@ -112,7 +112,7 @@ std::optional<SiftedImage> readFirstFrame(QByteArrayView bytes, int width, int h
 
 } // namespace
 
-std::optional<SiftedImage> siftWebP(QByteArrayView bytes) {
+std::optional<SanitisedImage> sanitiseWebP(QByteArrayView bytes) {
     const qint64 length = littleEndian32(bytes, 4);
     if (length < 4 || length > bytes.size() - 8) {
         return std::nullopt;
@@ -132,7 +132,7 @@ std::optional<SiftedImage> siftWebP(QByteArrayView bytes) {
     if (!isAffordable(width, height, 4)) {
         return std::nullopt;
     }
-    const std::optional<SiftedImage> image =
+    const std::optional<SanitisedImage> image =
         isAnimated ? readFirstFrame(rest, width, height) : readPicture(rest);
     const QRect canvas(0, 0, width, height);
     return image && canvas.contains(image->frame) && (isAnimated || canvas == image->frame)

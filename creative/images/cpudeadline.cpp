@@ -1,4 +1,4 @@
-#include "creative/images/workbudget.h"
+#include "creative/images/cpudeadline.h"
 
 #include <ctime>
 #include <optional>
@@ -6,8 +6,8 @@
 namespace brimlet {
 namespace {
 
-/// Absent when the system does not tell.
-std::optional<std::chrono::nanoseconds> workedSoFar() {
+/// CPU time of the calling thread; absent where the system cannot say.
+std::optional<std::chrono::nanoseconds> usedCpuTime() {
     timespec time{};
     if (clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time) != 0) {
         return std::nullopt;
@@ -17,9 +17,9 @@ std::optional<std::chrono::nanoseconds> workedSoFar() {
 
 } // namespace
 
-WorkBudget threadTime(std::chrono::milliseconds limit) {
-    return [start = workedSoFar(), limit] {
-        const std::optional<std::chrono::nanoseconds> now = workedSoFar();
+CpuDeadline cpuDeadline(std::chrono::milliseconds limit) {
+    return [start = usedCpuTime(), limit] {
+        const std::optional<std::chrono::nanoseconds> now = usedCpuTime();
         return !start || !now || *now - *start >= limit;
     };
 }

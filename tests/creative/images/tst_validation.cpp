@@ -1,6 +1,6 @@
-#include "creative/images/imagegate.h"
+#include "creative/images/imagevalidation.h"
 
-#include "creative/images/imagesifting.h"
+#include "creative/images/imagesanitising.h"
 #include "tests/support/samplepictures.h"
 #include "tests/support/testprogram.h"
 
@@ -12,17 +12,17 @@ namespace {
 
 const QSize kSize(40, 30);
 
-/// Of the GIFs made here: up to the colours' end, and the block that makes them repeat.
+/// In the GIFs made here: the bytes up to the end of the colour table, and the repetition block.
 constexpr qsizetype kGifHeader = 13 + 3 * 128;
 constexpr qsizetype kGifRepeat = 19;
 
 } // namespace
 
-class TestImageGate final : public QObject {
+class TestImageValidation final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void formatsAreToldByTheirFirstBytes_data() {
+    void formatsAreRecognisedByTheirFirstBytes_data() {
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<ImageFormat>("format");
         const QImage picture = samples::quadrants(kSize);
@@ -38,14 +38,14 @@ private Q_SLOTS:
             << samples::animatedWebP(kSize, {{.place = {}, .picture = picture}})
             << ImageFormat::WebP;
     }
-    void formatsAreToldByTheirFirstBytes() {
+    void formatsAreRecognisedByTheirFirstBytes() {
         QFETCH(QByteArray, bytes);
         QFETCH(ImageFormat, format);
         const ImageFacts expected{.format = format, .width = 40, .height = 30};
         QCOMPARE(inspectImage(bytes), std::optional(expected));
     }
 
-    void nothingElseIsAPicture_data() {
+    void otherBytesAreNoPicture_data() {
         QTest::addColumn<QByteArray>("bytes");
         QTest::newRow("nothing") << QByteArray();
         QTest::newRow("one byte") << QByteArray("\xff");
@@ -63,7 +63,7 @@ private Q_SLOTS:
         }
         QTest::newRow("only a signature, WebP") << QByteArray("RIFF\4\0\0\0WEBP", 12);
     }
-    void nothingElseIsAPicture() {
+    void otherBytesAreNoPicture() {
         QFETCH(QByteArray, bytes);
         QVERIFY(!inspectImage(bytes));
     }
@@ -106,15 +106,15 @@ private Q_SLOTS:
     void onlyThePictureReachesADecoder() {
         QFETCH(QByteArray, bare);
         QFETCH(QByteArray, laden);
-        const std::optional<SiftedImage> expected = siftImage(bare);
-        const std::optional<SiftedImage> image = siftImage(laden);
+        const std::optional<SanitisedImage> expected = sanitiseImage(bare);
+        const std::optional<SanitisedImage> image = sanitiseImage(laden);
         QVERIFY(expected && image);
         QCOMPARE(image->facts, expected->facts);
         QCOMPARE(image->body, expected->body);
     }
 
     void aFrameIsFoundOnItsCanvas() {
-        const std::optional<SiftedImage> image = siftImage(samples::animatedWebP(
+        const std::optional<SanitisedImage> image = sanitiseImage(samples::animatedWebP(
             QSize(40, 30), {{.place = {10, 4}, .picture = samples::quadrants(QSize(20, 16))}}));
         QVERIFY(image);
         QCOMPARE(image->frame, QRect(10, 4, 20, 16));
@@ -123,5 +123,5 @@ private Q_SLOTS:
     }
 };
 
-BRIMLET_TEST(TestImageGate, brimlet::NoApplication)
-#include "tst_gate.moc"
+BRIMLET_TEST(TestImageValidation, brimlet::NoApplication)
+#include "tst_validation.moc"

@@ -1,23 +1,22 @@
-#include "creative/images/meteredbytes.h"
+#include "creative/images/throttleddevice.h"
 
 #include <algorithm>
 
 namespace brimlet {
 namespace {
 
-/// Bytes. The costliest kilobyte, of a GIF that repeats itself, keeps its decoder busy for ten
-/// milliseconds.
+/// Bytes. A kilobyte of a repetitive GIF, the slowest kind, takes a decoder ten milliseconds.
 constexpr qint64 kSlice = 1024;
 
 } // namespace
 
-MeteredBytes::MeteredBytes(QByteArrayView bytes, const WorkBudget& budget)
+ThrottledDevice::ThrottledDevice(QByteArrayView bytes, const CpuDeadline& deadline)
     : m_bytes(bytes)
-    , m_budget(budget) {
+    , m_deadline(deadline) {
     open(QIODevice::ReadOnly | QIODevice::Unbuffered);
 }
 
-bool MeteredBytes::seek(qint64 position) {
+bool ThrottledDevice::seek(qint64 position) {
     if (position < 0 || position > m_bytes.size() || !QIODevice::seek(position)) {
         return false;
     }
@@ -25,8 +24,8 @@ bool MeteredBytes::seek(qint64 position) {
     return true;
 }
 
-qint64 MeteredBytes::readData(char* data, qint64 most) {
-    m_hasStopped = m_hasStopped || m_budget();
+qint64 ThrottledDevice::readData(char* data, qint64 most) {
+    m_hasStopped = m_hasStopped || m_deadline();
     if (m_hasStopped) {
         return -1;
     }
@@ -36,7 +35,7 @@ qint64 MeteredBytes::readData(char* data, qint64 most) {
     return count;
 }
 
-qint64 MeteredBytes::writeData(const char* /*data*/, qint64 /*most*/) {
+qint64 ThrottledDevice::writeData(const char* /*data*/, qint64 /*most*/) {
     return -1;
 }
 

@@ -8,14 +8,14 @@ namespace brimlet {
 
 enum class ImageFormat { Png, Jpeg, Gif, WebP };
 
-/// Longest body that is looked at, in bytes.
+/// Longest body that is read, in bytes.
 inline constexpr qsizetype kImageBodyLimit = qsizetype{4} * 1024 * 1024;
 /// Widest and highest picture, in pixels.
 inline constexpr int kImageSideLimit = 4096;
 /// Most memory a decoder may take for one picture, in bytes.
 inline constexpr qint64 kImageMemoryLimit = qint64{64} * 1024 * 1024;
 
-/// What a picture says of itself.
+/// A picture's format and size, from its header.
 struct ImageFacts final {
     ImageFormat format = ImageFormat::Png;
     /// Pixels, as stored: of an animation the whole canvas, of a turned photograph before turning.
@@ -25,10 +25,10 @@ struct ImageFacts final {
     bool operator==(const ImageFacts&) const = default;
 };
 
-/// Walks over the whole file, copies what a decoder would be given, at most the file again, and
-/// allocates no pixels. Absent when the bytes are of no known format, cut
-/// short, broken on the surface, or would cost too much to decode. The format is told by the first
-/// bytes, never by a name or a promised type.
+/// Validates the whole file without decoding it. Allocates no pixels, and at most the file's size
+/// for a copy of what a decoder would get. Absent when the bytes are of no known format, cut short,
+/// malformed, or would cost too much to decode. The format is recognised by the first bytes, never
+/// by a name or a declared type.
 [[nodiscard]] std::optional<ImageFacts> inspectImage(QByteArrayView bytes);
 
 } // namespace brimlet

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "creative/images/imagegate.h"
+#include "creative/images/imagevalidation.h"
 
 #include <QByteArray>
 #include <QRect>
@@ -8,33 +8,34 @@
 
 namespace brimlet {
 
-/// A picture that passed the gate, and only those of its bytes that make up its first frame:
-/// comments, profiles, thumbnails, text and later frames never reach a decoder.
-struct SiftedImage final {
+/// A validated picture with only those of its bytes that make up the first frame. Comments,
+/// profiles, thumbnails, text and later frames are left out and never reach a decoder.
+struct SanitisedImage final {
     ImageFacts facts;
-    /// Where the first frame lies on the canvas.
+    /// The first frame's place on the canvas, in pixels.
     QRect frame;
     /// A complete file again, except for WebP, where it is the frame's chunks without their
     /// container.
     QByteArray body;
 };
 
-/// The gate of each format. All take bytes that begin with their format's signature.
-[[nodiscard]] std::optional<SiftedImage> siftPng(QByteArrayView bytes);
-[[nodiscard]] std::optional<SiftedImage> siftJpeg(QByteArrayView bytes);
-[[nodiscard]] std::optional<SiftedImage> siftGif(QByteArrayView bytes);
-[[nodiscard]] std::optional<SiftedImage> siftWebP(QByteArrayView bytes);
+/// Validate and sanitise one format each; absent for a picture that is refused. The bytes begin
+/// with the format's signature.
+[[nodiscard]] std::optional<SanitisedImage> sanitisePng(QByteArrayView bytes);
+[[nodiscard]] std::optional<SanitisedImage> sanitiseJpeg(QByteArrayView bytes);
+[[nodiscard]] std::optional<SanitisedImage> sanitiseGif(QByteArrayView bytes);
+[[nodiscard]] std::optional<SanitisedImage> sanitiseWebP(QByteArrayView bytes);
 
-/// The gate of all formats, their common limits included.
-[[nodiscard]] std::optional<SiftedImage> siftImage(QByteArrayView bytes);
+/// The same for bytes of any format, including the limit on their number.
+[[nodiscard]] std::optional<SanitisedImage> sanitiseImage(QByteArrayView bytes);
 
-/// True when both sides, and the memory that so many bytes a pixel and others besides add up to,
-/// are within limits.
+/// True when both sides are within `kImageSideLimit` and the pixels and `bytesBesides` together
+/// within `kImageMemoryLimit`.
 [[nodiscard]] bool isAffordable(qint64 width, qint64 height, int bytesPerPixel,
                                 qint64 bytesBesides = 0);
 
 /// A picture whose first frame covers it.
-[[nodiscard]] SiftedImage wholeCanvas(ImageFormat format, int width, int height);
+[[nodiscard]] SanitisedImage wholeCanvas(ImageFormat format, int width, int height);
 
 [[nodiscard]] inline quint8 byteAt(QByteArrayView bytes, qsizetype at) {
     return static_cast<quint8>(bytes[at]);

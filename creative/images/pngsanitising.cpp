@@ -1,4 +1,4 @@
-#include "creative/images/imagesifting.h"
+#include "creative/images/imagesanitising.h"
 
 namespace brimlet {
 namespace {
@@ -23,7 +23,7 @@ bool isDepthOfKind(int depth, int kind) {
 }
 
 /// Reads the header chunk's data.
-std::optional<SiftedImage> readHeader(QByteArrayView header) {
+std::optional<SanitisedImage> readHeader(QByteArrayView header) {
     const quint32 width = bigEndian32(header, 0);
     const quint32 height = bigEndian32(header, 4);
     const int depth = byteAt(header, 8);
@@ -35,8 +35,8 @@ std::optional<SiftedImage> readHeader(QByteArrayView header) {
     return wholeCanvas(ImageFormat::Png, static_cast<int>(width), static_cast<int>(height));
 }
 
-/// A chunk that spoils the file: too long for what it is, in the wrong place, or one that must be
-/// understood and is not.
+/// True for a chunk that makes the file invalid: too long for its type, in the wrong place, or
+/// critical and unknown.
 bool isRefused(QByteArrayView type, QByteArrayView data, bool hasPixels) {
     if (type == "PLTE") {
         return hasPixels || data.isEmpty() || data.size() > qsizetype{3} * 256 ||
@@ -52,8 +52,8 @@ bool isRefused(QByteArrayView type, QByteArrayView data, bool hasPixels) {
 
 } // namespace
 
-std::optional<SiftedImage> siftPng(QByteArrayView bytes) {
-    std::optional<SiftedImage> image;
+std::optional<SanitisedImage> sanitisePng(QByteArrayView bytes) {
+    std::optional<SanitisedImage> image;
     bool hasPixels = false;
     qsizetype at = kSignatureSize;
     while (bytes.size() - at >= kChunkFrame) {

@@ -1,19 +1,20 @@
 #pragma once
 
-#include "creative/images/workbudget.h"
+#include "creative/images/cpudeadline.h"
 
 #include <QByteArrayView>
 #include <QIODevice>
 
 namespace brimlet {
 
-/// Hands bytes out in small slices and stops for good once a budget is spent: the only way to end
-/// a decoder that has no brake of its own. Open from the start; bytes and budget must outlive it.
-class MeteredBytes final : public QIODevice {
+/// Returns bytes in small slices, and none any more once a deadline has passed: the only way to
+/// stop a decoder that cannot be interrupted. Opened by its constructor. Bytes and deadline outlive
+/// it.
+class ThrottledDevice final : public QIODevice {
 public:
-    MeteredBytes(QByteArrayView bytes, const WorkBudget& budget);
+    ThrottledDevice(QByteArrayView bytes, const CpuDeadline& deadline);
 
-    /// True once bytes were withheld; whatever was made of the others is not to be trusted.
+    /// True once bytes were withheld: what was decoded from the others is incomplete.
     [[nodiscard]] bool hasStopped() const { return m_hasStopped; }
 
     [[nodiscard]] qint64 size() const override { return m_bytes.size(); }
@@ -25,7 +26,7 @@ protected:
 
 private:
     QByteArrayView m_bytes;
-    const WorkBudget& m_budget;
+    const CpuDeadline& m_deadline;
     qint64 m_at = 0;
     bool m_hasStopped = false;
 };

@@ -1,6 +1,6 @@
-#include "creative/images/imagegate.h"
+#include "creative/images/imagevalidation.h"
 
-#include "creative/images/imagesifting.h"
+#include "creative/images/imagesanitising.h"
 
 namespace brimlet {
 
@@ -9,33 +9,33 @@ bool isAffordable(qint64 width, qint64 height, int bytesPerPixel, qint64 bytesBe
            width * height * bytesPerPixel + bytesBesides <= kImageMemoryLimit;
 }
 
-SiftedImage wholeCanvas(ImageFormat format, int width, int height) {
+SanitisedImage wholeCanvas(ImageFormat format, int width, int height) {
     return {.facts = {.format = format, .width = width, .height = height},
             .frame = QRect(0, 0, width, height),
             .body = {}};
 }
 
-std::optional<SiftedImage> siftImage(QByteArrayView bytes) {
+std::optional<SanitisedImage> sanitiseImage(QByteArrayView bytes) {
     if (bytes.size() > kImageBodyLimit) {
         return std::nullopt;
     }
     if (bytes.startsWith("\x89PNG\r\n\x1a\n")) {
-        return siftPng(bytes);
+        return sanitisePng(bytes);
     }
     if (bytes.startsWith("\xff\xd8\xff")) {
-        return siftJpeg(bytes);
+        return sanitiseJpeg(bytes);
     }
     if (bytes.startsWith("GIF87a") || bytes.startsWith("GIF89a")) {
-        return siftGif(bytes);
+        return sanitiseGif(bytes);
     }
     if (bytes.size() >= 12 && bytes.startsWith("RIFF") && bytes.sliced(8).startsWith("WEBP")) {
-        return siftWebP(bytes);
+        return sanitiseWebP(bytes);
     }
     return std::nullopt;
 }
 
 std::optional<ImageFacts> inspectImage(QByteArrayView bytes) {
-    const std::optional<SiftedImage> image = siftImage(bytes);
+    const std::optional<SanitisedImage> image = sanitiseImage(bytes);
     return image ? std::optional(image->facts) : std::nullopt;
 }
 

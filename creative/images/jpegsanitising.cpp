@@ -1,4 +1,4 @@
-#include "creative/images/imagesifting.h"
+#include "creative/images/imagesanitising.h"
 
 #include <algorithm>
 #include <array>
@@ -9,16 +9,16 @@ namespace {
 
 /// Files in use have a dozen scans.
 constexpr int kScanLimit = 64;
-/// All work together, in visits to a block of 8 by 8 samples by a pass that finds nothing new
-/// there: about 5 ns each, where it was measured. A file of a few hundred bytes can ask for this
-/// much once its last byte is read, so that no budget is asked any more. A photograph of 12
-/// megapixels in the usual ten scans, its colours at half resolution, needs nine tenths of it.
+/// The work of all scans together. Its unit is one visit of a scan to a block of 8 by 8 samples for
+/// which it has no data: about 5 ns where it was measured. A file of a few hundred bytes can ask
+/// for this much after its last byte was read, when the deadline is no longer checked. A photograph
+/// of 12 megapixels in the usual ten scans, its colours at half resolution, needs 90 % of it.
 constexpr qint64 kVisitLimit = 13'200'000;
-/// What it takes to come by a block's memory, to smooth it and to put it out, in such visits.
+/// The cost, in visits, of allocating, smoothing and writing a block whose coefficients are kept.
 constexpr qint64 kVisitsOfKeptBlock = 24;
-/// The same for a block that is put out at once.
+/// The cost, in visits, of a block that is written at once.
 constexpr qint64 kVisitsOfPassingBlock = 3;
-/// What it takes to look for a restart, in such visits.
+/// The cost, in visits, of looking for a restart marker.
 constexpr qint64 kVisitsOfRestart = 2;
 /// Decoders keep all coefficients of a picture that comes in several scans: two bytes for each.
 constexpr qint64 kBytesPerKeptBlock = 128;
@@ -60,7 +60,7 @@ bool isFrameHeader(quint8 code) {
     return code >= 0xc0 && code <= 0xcf && code != 0xc4 && code != 0xc8 && code != 0xcc;
 }
 
-/// Of what decoders need not see, nothing is kept: comments, profiles, thumbnails.
+/// Keeps only what decoders need: comments, profiles and thumbnails are left out.
 bool isKept(quint8 code, QByteArrayView data) {
     switch (code) {
     case 0xc4: // Huffman tables
@@ -77,7 +77,7 @@ bool isKept(quint8 code, QByteArrayView data) {
     }
 }
 
-/// Codings no decoder here knows, and heights that are told later.
+/// Codings that no decoder here supports, and heights given after the frame header.
 bool isRefused(quint8 code) {
     return code == 0xc8 || code == 0xcc || code == 0xdc || code == 0xde || code == 0xdf;
 }
@@ -117,7 +117,7 @@ std::optional<Frame> readFrame(quint8 code, QByteArrayView data) {
     return frame;
 }
 
-/// Visits that a scan pays to each block: one that refines earlier ones looks at each coefficient.
+/// Visits of a scan to each block; one that refines earlier ones reads every coefficient.
 qint64 visitsOfScan(bool refines, bool isDirect) {
     if (!refines) {
         return 1;
@@ -156,8 +156,8 @@ bool addScan(Frame& frame, QByteArrayView data, int restartInterval) {
 
 } // namespace
 
-std::optional<SiftedImage> siftJpeg(QByteArrayView bytes) {
-    SiftedImage image;
+std::optional<SanitisedImage> sanitiseJpeg(QByteArrayView bytes) {
+    SanitisedImage image;
     std::optional<Frame> frame;
     int restartInterval = 0;
     image.body.reserve(bytes.size());

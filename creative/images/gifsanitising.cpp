@@ -1,4 +1,4 @@
-#include "creative/images/imagesifting.h"
+#include "creative/images/imagesanitising.h"
 
 namespace brimlet {
 namespace {
@@ -23,8 +23,8 @@ qsizetype endOfBlocks(QByteArrayView bytes, qsizetype at) {
     return -1;
 }
 
-/// The transparent colour of a graphic control extension, as a new extension that says nothing
-/// else: the way to dispose of the frame would make the decoder keep a second picture.
+/// A graphic control extension with nothing but the transparent colour of this one. Its disposal
+/// method is dropped, since some make the decoder keep a second picture.
 QByteArray transparencyOf(QByteArrayView control) {
     const bool isTransparent =
         control.size() >= 8 && byteAt(control, 2) == 4 && (byteAt(control, 3) & 1) != 0;
@@ -37,15 +37,15 @@ QByteArray transparencyOf(QByteArrayView control) {
 }
 
 /// Reads the frame whose descriptor begins the bytes, up to its last block.
-std::optional<SiftedImage> readFrame(QByteArrayView header, QByteArrayView bytes,
-                                     const QByteArray& transparency) {
+std::optional<SanitisedImage> readFrame(QByteArrayView header, QByteArrayView bytes,
+                                        const QByteArray& transparency) {
     const int right = littleEndian16(bytes, 1) + littleEndian16(bytes, 5);
     const int bottom = littleEndian16(bytes, 3) + littleEndian16(bytes, 7);
     const QRect frame(QPoint(littleEndian16(bytes, 1), littleEndian16(bytes, 3)),
                       QPoint(right - 1, bottom - 1));
     const int screenWidth = littleEndian16(header, 6);
     const int screenHeight = littleEndian16(header, 8);
-    // A screen without size is as large as its first frame, for decoders.
+    // Decoders take a screen of no size to be as large as its first frame.
     const int width = screenWidth > 0 ? screenWidth : right;
     const int height = screenHeight > 0 ? screenHeight : bottom;
     const bool fits = isAffordable(width, height, 4) && isAffordable(right, bottom, 4);
@@ -58,7 +58,7 @@ std::optional<SiftedImage> readFrame(QByteArrayView header, QByteArrayView bytes
     if (codeSize < 1 || codeSize > 8 || end < 0) {
         return std::nullopt;
     }
-    SiftedImage image = wholeCanvas(ImageFormat::Gif, width, height);
+    SanitisedImage image = wholeCanvas(ImageFormat::Gif, width, height);
     image.frame = frame;
     image.body.append(header).append(transparency).append(bytes.first(end)).append(';');
     return image;
@@ -66,7 +66,7 @@ std::optional<SiftedImage> readFrame(QByteArrayView header, QByteArrayView bytes
 
 } // namespace
 
-std::optional<SiftedImage> siftGif(QByteArrayView bytes) {
+std::optional<SanitisedImage> sanitiseGif(QByteArrayView bytes) {
     if (bytes.size() < kHeaderSize) {
         return std::nullopt;
     }
@@ -76,8 +76,8 @@ std::optional<SiftedImage> siftGif(QByteArrayView bytes) {
     }
     const QByteArrayView header = bytes.first(at);
     QByteArray transparency;
-    std::optional<SiftedImage> image;
-    // The later frames are walked over only to see that the file is whole.
+    std::optional<SanitisedImage> image;
+    // Later frames are skipped, only to check that the file is complete.
     while (at < bytes.size() && bytes[at] != ';') {
         qsizetype blocksAt = at + 2;
         if (bytes[at] == ',' && bytes.size() - at >= kImageDescriptorSize) {
