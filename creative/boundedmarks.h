@@ -4,8 +4,8 @@
 
 namespace brimlet {
 
-/// The text with no more than 30 combining marks in a row, as Unicode has it for safe streams. What
-/// is left out would pile up far beyond any line, and laying it out costs the square of its length.
+/// The text with no more than 30 combining marks in a row, the limit of Unicode's stream-safe text
+/// format (UAX 15). Longer runs overlap other lines, and their layout takes quadratic time.
 [[nodiscard]] QString withBoundedMarks(const QString& text);
 
 } // namespace brimlet

@@ -13,7 +13,7 @@
 namespace brimlet {
 namespace {
 
-/// The rows that are not all of one colour: from the first one to the one after the last.
+/// The first row that is not all of one colour, and the one after the last.
 std::pair<int, int> inkedRows(const QImage& picture) {
     const auto hasInk = [&picture](int y) {
         const auto* const row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
@@ -110,13 +110,12 @@ void CarRadioLine::restart() {
     startTask(cycle(m_task.get_token()));
 }
 
-/// Writes both at once, without an animation: a scroll under way ends.
-void CarRadioLine::setState(bool showingTagline, double offset) {
-    const bool isSame = m_showingTagline == showingTagline && m_scroll.pixels() == 0;
+/// Shows the brand or the tagline from its start, without an animation; ends a scroll.
+void CarRadioLine::show(bool tagline) {
+    const bool isSame = m_showingTagline == tagline && m_scroll.pixels() == 0;
     m_scroll.reset();
-    m_offset = offset;
-    if (m_showingTagline != showingTagline) {
-        m_showingTagline = showingTagline;
+    if (m_showingTagline != tagline) {
+        m_showingTagline = tagline;
         m_text.reset();
     }
     if (!isSame) {
@@ -128,9 +127,9 @@ QCoro::Task<> CarRadioLine::sleep(double seconds, std::stop_token stop) {
     return m_clock.sleep(sleepLength(seconds), std::move(stop));
 }
 
-/// After a cancellation the line may be gone, so nothing is touched any more.
+/// Returns at once after a cancellation, since `this` may be destroyed by then.
 QCoro::Task<> CarRadioLine::cycle(std::stop_token stop) {
-    setState(false, 0);
+    show(false);
     if (m_reduceMotion.isOn()) {
         co_return;
     }
@@ -139,25 +138,24 @@ QCoro::Task<> CarRadioLine::cycle(std::stop_token stop) {
         co_return;
     }
     while (!stop.stop_requested()) {
-        setState(false, 0);
+        show(false);
         co_await sleep(m_style.idle, stop);
         if (stop.stop_requested()) {
             co_return;
         }
-        setState(true, 0);
+        show(true);
         co_await sleep(m_style.holdStart, stop);
         if (stop.stop_requested()) {
             co_return;
         }
         if (const double overflow = overflowWidth(m_taglineWidth, m_containerWidth); overflow > 1) {
             const auto toTheEnd = sleepLength(overflow / m_style.pointsPerSecond + m_style.holdEnd);
-            m_offset = -overflowWidth(m_taglineWidth, m_containerWidth);
-            m_scroll.start(-m_offset, m_style.pointsPerSecond);
+            m_scroll.start(overflow, m_style.pointsPerSecond);
             co_await m_clock.sleep(toTheEnd, stop);
             if (stop.stop_requested()) {
                 co_return;
             }
-            setState(true, 0);
+            show(true);
             co_await sleep(0.35, stop);
         } else {
             co_await sleep(2.8, stop);
@@ -176,9 +174,9 @@ bool CarRadioLine::isPictureOf(const QRect& box) const {
 
 void CarRadioLine::paint(QPainter& painter, const QRect& box) {
     if (box.isEmpty()) {
-        return; // a compact pill's line on a screen below scale 1
+        return; // the line of a compact pill on a screen with a scale below 1
     }
-    // Wide enough for almost every text as a whole, so that a scroll only moves it.
+    // Pixels; wide enough for almost every text as a whole, so that a scroll only copies.
     constexpr int kPictureWidth = 2048;
     if (!isPictureOf(box)) {
         if (!m_text) {
@@ -186,19 +184,18 @@ void CarRadioLine::paint(QPainter& painter, const QRect& box) {
             m_rowsOfText = {};
         }
         m_pictureFrom = m_scroll.pixels();
-        // Two more than its width, since the last offset is rounded, too.
+        // Two more than the text's width, since the last offset is rounded as well.
         const int rest = qCeil(m_text->width() * m_devicePixelRatio) + 2 - m_pictureFrom;
         m_picture = m_text->picture(
-            m_style.color, m_style.ground, m_devicePixelRatio, m_pictureFrom,
+            m_style.color, m_style.background, m_devicePixelRatio, m_pictureFrom,
             {std::max(box.width(), m_showingTagline ? std::min(rest, kPictureWidth) : 0),
              box.height()});
         const auto [first, end] = inkedRows(m_picture);
-        // With those of the piece before, which is still on screen outside what is painted now.
+        // Together with the rows of the previous piece, parts of which are still on screen.
         const bool isFirstPiece = m_rowsOfText.first == m_rowsOfText.second;
         const int top = qFloor(first / m_devicePixelRatio);
         m_rowsOfText = {isFirstPiece ? top : std::min(m_rowsOfText.first, top),
                         std::max(m_rowsOfText.second, qCeil(end / m_devicePixelRatio))};
-        ++m_pictures;
     }
     const int from = m_scroll.pixels() - m_pictureFrom;
     painter.setCompositionMode(QPainter::CompositionMode_Source);

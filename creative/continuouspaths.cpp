@@ -5,10 +5,10 @@
 namespace brimlet {
 namespace {
 
-// Half a corner is one cubic curve from the edge to the middle of the corner's circle, where it has
-// the circle's own direction and bend. Distances from the corner, in radii: where the curve leaves
-// the circle (which is as far from either edge), its two control points, which lie on the edge so
-// that it leaves that without a bend, and where it meets the edge.
+// Half a corner is one cubic curve from the middle of the corner's circular arc, whose direction
+// and curvature it has there, to the edge, where its curvature is zero since both control points
+// are on the edge. The constants are distances from the corner along the edge, in radii: of the
+// middle of the arc, of the two control points, and of the point where the curve meets the edge.
 constexpr double kCircle = 0.292893;
 constexpr double kFirst = 0.585786;
 constexpr double kSecond = 0.949747;

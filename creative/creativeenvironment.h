@@ -6,7 +6,7 @@ class Clock;
 class CreativeImageCache;
 class ReduceMotion;
 
-/// What the views of creatives need besides the creative. The references outlive the views.
+/// What the views of creatives share. The references outlive the views.
 struct CreativeEnvironment final {
     CreativeImageCache& images;
     Clock& clock;

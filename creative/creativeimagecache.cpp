@@ -21,7 +21,7 @@
 namespace brimlet {
 namespace {
 
-/// A text's hash under a seed, as the signed number that its digits are taken from.
+/// A keyed hash of the text, truncated to a signed number.
 std::int64_t seededHash(const QString& text, std::uint64_t seed) {
     const QByteArray key(reinterpret_cast<const char*>(&seed), sizeof seed);
     const QByteArray digest =
@@ -31,7 +31,7 @@ std::int64_t seededHash(const QString& text, std::uint64_t seed) {
 
 std::uint64_t magnitude(std::int64_t value) {
     const auto bits = static_cast<std::uint64_t>(value);
-    return value < 0 ? std::uint64_t{0} - bits : bits; // the smallest number has one, too
+    return value < 0 ? std::uint64_t{0} - bits : bits; // defined for the smallest number, too
 }
 
 std::optional<QImage> imageFromFile(const QString& path) {
@@ -43,8 +43,8 @@ std::optional<QImage> imageFromFile(const QString& path) {
     return bytes.size() > kImageBodyLimit ? std::nullopt : decodeImage(bytes);
 }
 
-/// Whole or not at all; a failure is nobody's concern. Never waits for the disk, as QSaveFile does:
-/// a file of this run need not survive a crash.
+/// Writes the whole file or none; a failure is ignored. Unlike QSaveFile it does not wait for the
+/// disk, since the files need not survive a crash.
 void writeAtomically(const QString& path, const QByteArray& bytes) {
     QTemporaryFile file(path + QStringLiteral(".XXXXXX"));
     if (file.open() && file.write(bytes) == bytes.size() && file.flush() &&
@@ -54,7 +54,7 @@ void writeAtomically(const QString& path, const QByteArray& bytes) {
     }
 }
 
-/// Stands for the whole address in the maps: an address of a stranger's may be longer than its
+/// The key of an address in the maps: a hash, since an untrusted address may be longer than its
 /// picture.
 QByteArray keyOf(const Url& url) {
     return QCryptographicHash::hash(url.absoluteString().toLatin1(), QCryptographicHash::Sha256);
@@ -70,12 +70,12 @@ HttpRequest requestFor(const Url& url) {
 
 } // namespace
 
-/// Both maps by the key of the whole address.
+/// Both maps are keyed by `keyOf` the address.
 struct CreativeImageCache::State final {
     ImagePorts ports;
     std::uint64_t seed;
     std::map<QByteArray, QImage> memory; ///< Never evicted; its pictures are small.
-    /// Loads under way, each with those who wait for it besides the one who began it.
+    /// Loads in progress, each with the results of the other calls that wait for it.
     std::map<QByteArray, std::vector<Deferred<std::optional<QImage>>>> inflight;
 };
 
@@ -92,14 +92,10 @@ std::uint64_t CreativeImageCache::seedOfThisRun() {
     return seed;
 }
 
-bool CreativeImageCache::isAllowed(const Url& url) {
-    return isAllowedLink(url);
-}
-
 QCoro::Task<std::optional<QImage>> CreativeImageCache::image(std::optional<Url> url) {
     const auto state = m_state;
     std::optional<QImage> image;
-    if (url && isAllowed(*url)) {
+    if (url && isAllowedLink(*url)) {
         image = co_await find(state, *url);
     }
     co_return image;
@@ -108,7 +104,7 @@ QCoro::Task<std::optional<QImage>> CreativeImageCache::image(std::optional<Url> 
 QCoro::Task<std::optional<QImage>> CreativeImageCache::find(std::shared_ptr<State> state, Url url) {
     const QByteArray key = keyOf(url);
     if (const auto known = state->memory.find(key); known != state->memory.end()) {
-        // A copy by name: what a coroutine returns is moved from, and the memory keeps its own.
+        // A named copy, since a coroutine moves from what it returns.
         std::optional<QImage> kept = known->second;
         co_return kept;
     }

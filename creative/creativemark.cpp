@@ -10,10 +10,6 @@
 
 namespace brimlet {
 
-CreativeMark::CreativeMark(CreativeImageCache& images, double size)
-    : m_images(images)
-    , m_size(size) {}
-
 void CreativeMark::setCreative(const std::optional<Url>& url, const QString& brand) {
     if (m_brand != brand) {
         m_brand = brand;
@@ -55,7 +51,7 @@ void CreativeMark::startLoading() {
 QCoro::Task<> CreativeMark::load(std::optional<Url> url, int attempt) {
     const QPointer<CreativeMark> self(this);
     std::optional<QImage> image = co_await m_images.image(std::move(url));
-    // A late reply for an older address never replaces a newer one's.
+    // A late reply to an older load never replaces the result of a newer one.
     if (self && attempt == m_attempt) {
         setImage(std::move(image));
     }
@@ -75,7 +71,6 @@ const QImage& CreativeMark::scaledTo(QSize box) {
     if (m_scaledForBox != box) {
         m_scaled = m_image->scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation);
         m_scaledForBox = box;
-        ++m_scalings;
     }
     return m_scaled;
 }
@@ -88,7 +83,7 @@ void CreativeMark::paint(QPainter& painter, const QRect& box, double devicePixel
         return;
     }
     painter.save();
-    painter.setClipRect(box); // some characters are as wide as a sentence
+    painter.setClipRect(box); // some characters are much wider than the box
     painter.translate(QRectF(box).center());
     painter.scale(devicePixelRatio, devicePixelRatio);
     painter.setFont(NotchFont::fallbackMark());

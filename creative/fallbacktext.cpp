@@ -9,7 +9,7 @@ QString fallbackText(const QString& brand) {
     if (trimmed.isEmpty()) {
         return QStringLiteral("\u00b7");
     }
-    // Far longer than any character, and short whatever strangers send.
+    // Far longer than any real character; bounds the work for untrusted input.
     const QString start = trimmed.left(1024);
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, start);
     return start.left(finder.toNextBoundary());

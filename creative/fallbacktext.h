@@ -4,9 +4,9 @@
 
 namespace brimlet {
 
-/// What stands where a brand's picture is missing: the first character of the trimmed brand as a
-/// reader sees it, with all its code points (a flag, a family, an accent written apart), case
-/// unchanged; a middle dot for a brand of blanks only.
+/// The text in place of a missing picture: the first grapheme cluster of the trimmed brand (a flag,
+/// a letter with a combining accent), case unchanged; a middle dot for a brand of blanks only. At
+/// most 1,024 UTF-16 units.
 [[nodiscard]] QString fallbackText(const QString& brand);
 
 } // namespace brimlet

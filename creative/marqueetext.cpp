@@ -14,7 +14,7 @@ namespace {
 
 QString wholePoints(double width) {
     const double whole = std::trunc(width);
-    // Both bounds are powers of two, so exact; the upper one itself does not fit.
+    // Both bounds are powers of two, so exact; the upper one does not fit into 64 bits.
     constexpr double kBound = 0x1p63;
     if (!std::isfinite(whole) || whole < -kBound || whole >= kBound) {
         qFatal("A width of the marquee line is out of range.");
@@ -54,7 +54,7 @@ std::chrono::nanoseconds sleepLength(double seconds) {
     if (!std::isfinite(nanoseconds) || nanoseconds >= 0x1p64) {
         qFatal("A time of the marquee line is out of range.");
     }
-    // The clock counts to half of that, 292 years, which is as good as for ever.
+    // The clock counts half as far, 292 years, which is practically for ever.
     using Count = std::chrono::nanoseconds::rep;
     return std::chrono::nanoseconds(nanoseconds >= 0x1p63 ? std::numeric_limits<Count>::max()
                                                           : static_cast<Count>(nanoseconds));

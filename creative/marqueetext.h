@@ -8,7 +8,7 @@ namespace brimlet {
 
 // The rules behind the marquee line. Widths in points, times in seconds.
 
-/// A width that was measured inside the line: the last one reported counts.
+/// A width measured inside the line. The last reported value counts.
 struct ReportedWidth {
     static constexpr double defaultValue = 0;
     static void reduce(double& value, double nextValue) { value = nextValue; }
@@ -24,20 +24,22 @@ struct TextWidthKey final : ReportedWidth {};
 /// The text on screen. Unlike the resting text, a tagline that is swapped in is trimmed.
 [[nodiscard]] QString lineText(const QString& brand, const QString& tagline, bool showingTagline);
 
-/// Names everything the line's loop depends on; the loop starts afresh when it changes. Widths
-/// count in whole points, truncated. One that is no number, or beyond 64 bits, ends the program.
+/// Joins everything that the line's loop depends on; the loop restarts when the result changes.
+/// Widths count in whole points, truncated. A width that is not finite, or does not fit into 64
+/// bits, ends the program.
 [[nodiscard]] QString marqueeTaskID(const QString& brand, const QString& tagline,
                                     double containerWidth, double taglineWidth, bool reduceMotion);
 
-/// By how much the tagline is wider than its container; never negative.
+/// How much wider the tagline is than its container; never negative.
 [[nodiscard]] double overflowWidth(double taglineWidth, double containerWidth);
 
-/// Seconds as the clock takes them; a negative time is none. One that is no number, or beyond 2^64
-/// nanoseconds, ends the program.
+/// Converts seconds for the clock; a negative time counts as 0. One that is not finite, or is 2^64
+/// nanoseconds or more, ends the program.
 [[nodiscard]] std::chrono::nanoseconds sleepLength(double seconds);
 
-/// How a text of strangers is laid out in the one line: control characters and breaks as blanks,
-/// bounded marks, and no more than the first `longest` UTF-16 units of it, cut between characters.
+/// An untrusted text prepared for one line: control characters and breaks become blanks, runs of
+/// marks are bounded, and only the first `longest` UTF-16 units are kept, cut between grapheme
+/// clusters.
 [[nodiscard]] QString singleLine(const QString& text, qsizetype longest = 1024);
 
 } // namespace brimlet

@@ -4,18 +4,18 @@
 
 namespace brimlet {
 
-/// The desktop's own font in a size of the program's own: points of the desktop's geometry, which
-/// are Qt's logical pixels.
+/// The desktop's font in this size. `size` is in points of the program's geometry, which are Qt's
+/// logical pixels, not in typographic points.
 [[nodiscard]] QFont systemFont(int size, QFont::Weight weight);
 
-/// The three fonts of the overlay, from the system's own font, each made once.
+/// The overlay's three fonts, from the system font; each is made on first use.
 class NotchFont final {
 public:
     /// The line of text in a pill: 12, semibold.
     [[nodiscard]] static const QFont& pill();
     /// Secondary lines: 11, regular.
     [[nodiscard]] static const QFont& tagline();
-    /// The letter that stands in for a missing picture: 11, semibold.
+    /// The character in place of a missing picture: 11, semibold.
     [[nodiscard]] static const QFont& fallbackMark();
 
     NotchFont() = delete;

@@ -12,7 +12,7 @@ int PixelScroll::allPixels() const {
 }
 
 std::chrono::nanoseconds PixelScroll::timeOf(int pixel) const {
-    // The last one may be a rounded half, which the end of the distance stands for.
+    // The last pixel may be rounded up, beyond the distance.
     const double points = std::min(pixel / m_devicePixelRatio, m_distance);
     return std::chrono::nanoseconds(std::llround(points / m_speed * 1e9));
 }
@@ -24,7 +24,7 @@ int PixelScroll::pixels() const {
     }
     const std::chrono::duration<double> seconds = m_elapsed;
     const int pixel = static_cast<int>(seconds.count() * m_speed * m_devicePixelRatio);
-    // A wake-up on the dot finds its pixel, whatever the last digit of the product.
+    // Exactly at a pixel's time the product may be rounded down to the pixel before.
     return pixel + (m_elapsed >= timeOf(pixel + 1) ? 1 : 0);
 }
 

@@ -4,11 +4,11 @@
 
 namespace brimlet {
 
-/// Moves evenly over a distance, one whole pixel of the screen at a time, and wakes only when the
-/// next pixel is due. Late wake-ups are made up by larger steps. Main thread only.
+/// Moves evenly over a distance in steps of one pixel, and wakes only when the next pixel is due.
+/// After a late wake-up the step is larger. Main thread only.
 class PixelScroll final {
 public:
-    /// `moved` is called after each step. The clock outlives the scroll.
+    /// `moved` is called after each step. `clock` outlives the scroll.
     PixelScroll(Clock& clock, std::function<void()> moved)
         : m_clock(clock)
         , m_moved(std::move(moved)) {}
@@ -16,30 +16,30 @@ public:
     PixelScroll(const PixelScroll&) = delete;
     PixelScroll& operator=(const PixelScroll&) = delete;
 
-    /// Starts at no distance. `distance` in points, `speed` in points per second, more than 0.
+    /// Starts from 0. `distance` in points, `speed` in points per second, more than 0.
     void start(double distance, double speed);
-    /// Back to no distance at once.
+    /// Ends the scroll and goes back to 0 at once.
     void reset();
 
-    /// Pixels to a point, from the next step on.
+    /// Pixels per point, from the next step on.
     void setDevicePixelRatio(double ratio) { m_devicePixelRatio = ratio; }
-    /// Moves to where it is due by now, without a word. Whether that is another pixel.
+    /// Advances to the position at this time without calling `moved`; returns whether it moved.
     bool catchUp();
-    /// How far it has come, in pixels of the screen.
+    /// The distance covered so far, in pixels.
     [[nodiscard]] int pixels() const;
 
 private:
     [[nodiscard]] QCoro::Task<> run(std::stop_token stop);
     [[nodiscard]] int allPixels() const;
-    /// When it has come so far, from its start on.
+    /// The time from the start until this pixel is reached.
     [[nodiscard]] std::chrono::nanoseconds timeOf(int pixel) const;
 
     Clock& m_clock;
     std::function<void()> m_moved;
     double m_devicePixelRatio = 1;
-    double m_distance = 0;
-    double m_speed = 0;
-    std::chrono::nanoseconds m_start{}; ///< Of the clock.
+    double m_distance = 0;              ///< Points.
+    double m_speed = 0;                 ///< Points per second.
+    std::chrono::nanoseconds m_start{}; ///< The clock's uptime at the start.
     std::chrono::nanoseconds m_elapsed{};
     std::stop_source m_stop;
 };

@@ -14,7 +14,7 @@ TextLine::TextLine(const QString& text, const QFont& font)
     m_layout.setTextOption(option);
     m_layout.beginLayout();
     if (QTextLine line = m_layout.createLine(); line.isValid()) {
-        constexpr double kUnbounded = 1'000'000; // points; laying out begins with a width
+        constexpr double kUnbounded = 1'000'000; // points; a layout needs some width
         line.setLineWidth(kUnbounded);
         m_width = line.naturalTextWidth();
         m_left = line.naturalTextRect().x();
@@ -24,14 +24,14 @@ TextLine::TextLine(const QString& text, const QFont& font)
     m_layout.endLayout();
 }
 
-QImage TextLine::picture(const QColor& color, const QColor& ground, double devicePixelRatio,
+QImage TextLine::picture(const QColor& color, const QColor& background, double devicePixelRatio,
                          int from, QSize size) const {
     QImage picture(size, QImage::Format_ARGB32_Premultiplied);
-    picture.fill(ground);
+    picture.fill(background);
     QPainter painter(&picture);
     painter.scale(devicePixelRatio, devicePixelRatio);
     painter.setPen(color);
-    // The base line on a whole pixel, so that letters are equally sharp at every offset.
+    // The baseline is on a whole pixel, so that letters are equally sharp at every offset.
     const double heightInPoints = size.height() / devicePixelRatio;
     const double baseline =
         qRound(((heightInPoints - m_height) / 2 + m_ascent) * devicePixelRatio) / devicePixelRatio;

@@ -6,23 +6,24 @@
 
 namespace brimlet {
 
-/// A text laid out once on one line at its natural width, whatever its script, never as markup.
+/// A plain text of any script, laid out once on one line at its natural width.
 class TextLine final {
 public:
-    /// Of a text longer than `singleLine` allows, what that leaves.
+    /// Shows what `singleLine` makes of the text.
     TextLine(const QString& text, const QFont& font);
 
     /// Natural width in points.
     [[nodiscard]] double width() const { return m_width; }
 
-    /// The part of the line that begins `from` pixels from its left end, as a picture of this size
-    /// on this ground; upright centred. All in pixels, of which a point has `devicePixelRatio`.
-    [[nodiscard]] QImage picture(const QColor& color, const QColor& ground, double devicePixelRatio,
-                                 int from, QSize size) const;
+    /// A picture of the part that begins `from` pixels from the line's left end, vertically
+    /// centred. `size` is in pixels as well; `devicePixelRatio` is pixels per point.
+    [[nodiscard]] QImage picture(const QColor& color, const QColor& background,
+                                 double devicePixelRatio, int from, QSize size) const;
 
 private:
     QTextLayout m_layout;
-    double m_left = 0; ///< Where the layout put the line's left end.
+    // Points, in the layout's coordinates.
+    double m_left = 0;
     double m_width = 0;
     double m_ascent = 0;
     double m_height = 0;

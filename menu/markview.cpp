@@ -1,6 +1,6 @@
 #include "menu/markview.h"
 
-#include "creative/pixelgrid.h"
+#include "creative/pixelspace.h"
 #include "menu/hosttheme.h"
 
 #include <QPainter>
@@ -8,13 +8,14 @@
 namespace brimlet {
 namespace {
 
+// Points.
 constexpr int kMark = 18;
 constexpr int kSquare = 22;
 
 } // namespace
 
 MarkView::MarkView(const CreativeEnvironment& environment)
-    : m_mark(environment.images, kMark) {
+    : m_mark(environment.images) {
     setFixedSize(kSquare, kSquare);
     connect(&m_mark, &CreativeMark::changed, this, qOverload<>(&QWidget::update));
 }
@@ -41,12 +42,9 @@ void MarkView::paintEvent(QPaintEvent* /*event*/) {
     if (!m_hasCreative) {
         return;
     }
-    // The mark is drawn in whole pixels of the screen, whatever its scale.
-    const QTransform toScreen = painter.deviceTransform();
-    painter.setWorldTransform(toScreen.inverted());
     constexpr int kMargin = (kSquare - kMark) / 2;
-    const QRectF box(kMargin, kMargin, kMark, kMark);
-    m_mark.paint(painter, snapped(toScreen.mapRect(box)), toScreen.m11());
+    const PixelSpace pixels(painter);
+    m_mark.paint(painter, pixels.of({kMargin, kMargin, kMark, kMark}), pixels.devicePixelRatio());
 }
 
 void MarkView::showEvent(QShowEvent* /*event*/) {

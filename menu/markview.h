@@ -8,13 +8,16 @@
 
 namespace brimlet {
 
-/// A creative's mark of 18 points on a square of 22; without a creative the bare square, in grey.
+/// A creative's mark of 18 points on a square of 22 points; without a creative only the square, in
+/// grey.
 class MarkView final : public QWidget {
     Q_OBJECT
 
 public:
+    /// What `environment` refers to outlives the view.
     explicit MarkView(const CreativeEnvironment& environment);
 
+    /// Without a creative the view forgets the picture.
     void setCreative(const std::optional<SlotCreative>& creative);
 
 protected:

@@ -2,7 +2,7 @@
 
 #include "creative/continuouspaths.h"
 #include "creative/notchfont.h"
-#include "creative/pixelgrid.h"
+#include "creative/pixelspace.h"
 #include "overlay/capsule.h"
 #include "overlay/pilltexts.h"
 
@@ -13,39 +13,15 @@
 namespace brimlet {
 namespace {
 
+// Points.
 constexpr int kHorizontalPadding = 7;
 constexpr int kSpacing = 5;
 constexpr int kMarkSize = 16;
 
-/// As long as it lives, a painter paints in whole pixels of the screen, whatever its scale: sharp
-/// edges, plain copies.
-class PixelSpace final {
-public:
-    /// The painter is untransformed.
-    explicit PixelSpace(QPainter& painter)
-        : m_painter(painter)
-        , m_toScreen(painter.deviceTransform()) {
-        painter.setWorldTransform(m_toScreen.inverted());
-    }
-    ~PixelSpace() { m_painter.setWorldTransform({}); }
-    PixelSpace(const PixelSpace&) = delete;
-    PixelSpace& operator=(const PixelSpace&) = delete;
-
-    [[nodiscard]] QRect of(const QRect& box) const {
-        return snapped(m_toScreen.mapRect(QRectF(box)));
-    }
-    /// Pixels of what is painted on to a point.
-    [[nodiscard]] double devicePixelRatio() const { return m_toScreen.m11(); }
-
-private:
-    QPainter& m_painter;
-    QTransform m_toScreen;
-};
-
 CarRadioStyle lineStyle() {
     return {.font = NotchFont::pill(),
             .color = Qt::white,
-            .ground = kCapsuleGround,
+            .background = kCapsuleBackground,
             .idle = 16,
             .holdStart = 1.6,
             .pointsPerSecond = 22,
@@ -56,9 +32,9 @@ CarRadioStyle lineStyle() {
 
 NotchPill::NotchPill(const CreativeEnvironment& environment, QWidget* parent)
     : QWidget(parent)
-    , m_mark(environment.images, kMarkSize)
+    , m_mark(environment.images)
     , m_line(lineStyle(), environment.clock, environment.reduceMotion) {
-    // It paints all of its pixels, the transparent ones too, so nothing behind it is painted again.
+    // It paints all its pixels, also the transparent ones, so nothing behind it is repainted.
     setAttribute(Qt::WA_OpaquePaintEvent);
     connect(&m_mark, &CreativeMark::changed, this, qOverload<>(&QWidget::update));
     connect(&m_line, &CarRadioLine::changed, this, [this] { update(lineBox()); });
@@ -85,16 +61,16 @@ void NotchPill::setCreative(const std::optional<SlotCreative>& creative, bool is
     QAccessible::updateAccessibility(&renamed);
 }
 
-// What is drawn in a pill of 108 by 24 points, or of 36 without text:
+// The layout of a pill in points: 108 wide, or 36 without text, and 24 high.
 //
-//   |<-7->[ mark 16 ]<-5->[ line, what is left ]<-7->|
+//   |<-7->[ mark 16 ]<-5->[ line, the rest ]<-7->|
 
 QRect NotchPill::markBox() const {
     return {kHorizontalPadding, (height() - kMarkSize) / 2, kMarkSize, kMarkSize};
 }
 
 QRect NotchPill::lineBox() const {
-    // Two points stay free above and below, where the capsule's ends curve.
+    // Above and below, where the capsule's ends curve.
     constexpr int kFree = 2;
     const int x = kHorizontalPadding + kMarkSize + kSpacing;
     return {x, kFree, width() - x - kHorizontalPadding, height() - 2 * kFree};
@@ -126,7 +102,7 @@ void NotchPill::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     if (!lineBox().contains(event->rect())) {
         const PixelSpace pixels(painter);
-        paintGround(painter, pixels.of(rect()), pixels.devicePixelRatio());
+        paintBackground(painter, pixels.of(rect()), pixels.devicePixelRatio());
         m_mark.paint(painter, pixels.of(markBox()), pixels.devicePixelRatio());
     }
     paintLine(painter, {});
@@ -138,12 +114,12 @@ void NotchPill::paintLine(QPainter& painter, QPoint origin) {
     m_line.paint(painter, pixels.of(lineBox().translated(origin)));
 }
 
-void NotchPill::paintGround(QPainter& painter, const QRect& box, double devicePixelRatio) {
-    if (m_ground.size() != box.size()) {
-        m_ground = capsulePicture(box.size(), devicePixelRatio);
+void NotchPill::paintBackground(QPainter& painter, const QRect& box, double devicePixelRatio) {
+    if (m_background.size() != box.size()) {
+        m_background = capsulePicture(box.size(), devicePixelRatio);
     }
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.drawImage(box.topLeft(), m_ground);
+    painter.drawImage(box.topLeft(), m_background);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
 }
 

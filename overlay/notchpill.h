@@ -9,38 +9,41 @@
 
 namespace brimlet {
 
-/// One black capsule beside the notch: a creative's mark and its line of text. It works while it is
-/// on screen and rests while it is not.
+/// One black capsule beside the notch: a creative's mark and its line of text. The picture loads
+/// and the text moves only while the pill is on screen.
 class NotchPill final : public QWidget {
     Q_OBJECT
 
 public:
+    /// What `environment` refers to outlives the pill.
     NotchPill(const CreativeEnvironment& environment, QWidget* parent);
 
-    /// What it shows; absent empties it. Only a clickable pill takes clicks.
+    /// Without a creative the pill forgets its picture. Only a clickable pill accepts clicks.
     void setCreative(const std::optional<SlotCreative>& creative, bool isClickable);
 
     [[nodiscard]] const std::optional<SlotCreative>& creative() const { return m_creative; }
     [[nodiscard]] bool isClickable() const { return m_isClickable; }
-    /// What a step of its scrolling text changes, in the parent's coordinates.
+    /// The area that a step of the scrolling text changes, in the parent's coordinates.
     [[nodiscard]] QRect movingBox() const;
-    /// Moves a scrolling text to where it is due by now, without a word. Whether that is elsewhere.
+    /// Advances a scrolling text to its position at this time without emitting `moved`; returns
+    /// whether it moved.
     bool catchUp() { return isVisible() && m_line.catchUp(); }
-    /// Paints the line alone. The pill's origin in the painter's untransformed coordinates.
+    /// Paints only the line. `origin` is the pill's top left corner in the coordinates of the
+    /// painter, which has no world transform.
     void paintLine(QPainter& painter, QPoint origin);
     /// The capsule's shape in the parent's coordinates.
     [[nodiscard]] QRegion capsule() const;
-    /// What a screen reader says.
+    /// The accessible name.
     [[nodiscard]] QString spokenText() const;
-    /// Where a click leads, as the tooltip has it; empty for a pill that takes none.
+    /// The target of a click, as in the tooltip; empty for a pill that is not clickable.
     [[nodiscard]] QString destination() const;
     [[nodiscard]] const CreativeMark& mark() const { return m_mark; }
     [[nodiscard]] const CarRadioLine& line() const { return m_line; }
 
 Q_SIGNALS:
-    /// The creative that it shows was clicked, by pointer or by a screen reader.
+    /// The visible creative was activated, with the pointer or by a screen reader.
     void clicked();
-    /// The text has moved on by a step, which is for the receiver to paint.
+    /// The text has moved by a step. The receiver has to paint `movingBox` with `paintLine`.
     void moved();
 
 protected:
@@ -54,7 +57,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    void paintGround(QPainter& painter, const QRect& box, double devicePixelRatio);
+    void paintBackground(QPainter& painter, const QRect& box, double devicePixelRatio);
     [[nodiscard]] QRect markBox() const;
     [[nodiscard]] QRect lineBox() const;
 
@@ -62,10 +65,10 @@ private:
     bool m_isClickable = false;
     CreativeMark m_mark;
     CarRadioLine m_line;
-    // The capsule's shape at the pill's own origin, and its picture: made once for each size.
+    // The capsule's shape in the pill's own coordinates, and its picture: made once per size.
     mutable QRegion m_capsule;
     mutable QSize m_capsuleSize;
-    QImage m_ground;
+    QImage m_background;
 };
 
 } // namespace brimlet

@@ -43,7 +43,7 @@ private:
 CarRadioStyle style() {
     return {.font = NotchFont::pill(),
             .color = Qt::white,
-            .ground = QColor(0, 0, 0, 245),
+            .background = QColor(0, 0, 0, 245),
             .idle = 16,
             .holdStart = 1.6,
             .pointsPerSecond = 22,

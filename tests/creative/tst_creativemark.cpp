@@ -1,57 +1,50 @@
-#include "creative/creativeimagecache.h"
 #include "creative/creativemark.h"
-#include "creative/notchfont.h"
-#include "tests/support/fakehttpclient.h"
-#include "tests/support/fakes.h"
-#include "tests/support/pngbytes.h"
+#include "tests/support/drawnimages.h"
+#include "tests/support/imagefixture.h"
 #include "tests/support/testprogram.h"
 
 #include <QGuiApplication>
-#include <QPainter>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
+using namespace brimlet;
 using namespace std::chrono_literals;
 
-namespace brimlet {
 namespace {
 
 const QString kBrand = QStringLiteral("Acme");
 
-struct MarkFixture final {
-    MarkFixture() { caches.folder = home.path(); }
-
-    static std::optional<Url> url(const char* name) {
-        return Url::fromString(QStringLiteral("https://images.test/") + QString::fromLatin1(name));
-    }
-    void serve(const char* name, const QColor& color, std::chrono::milliseconds lag = {}) {
-        http.answer(QString::fromLatin1(name), HttpReply{200, pngOf(color)}, lag);
+struct MarkFixture final : ImageFixture {
+    /// A mark on screen with the picture of this name.
+    void appearWith(const char* name) const {
+        mark->setCreative(url(name), kBrand);
+        mark->appear();
     }
     /// The colour in the picture's middle; invalid while there is none.
     [[nodiscard]] QColor shown() const {
         return mark->image() ? mark->image()->pixelColor(5, 5) : QColor();
     }
+    /// The mark as a pill paints it, on a grey background with a margin of four pixels.
+    [[nodiscard]] QImage picture(double scale = 1) const {
+        const int side = qRound(16 * scale);
+        QImage image(side + 8, side + 8, QImage::Format_RGB32);
+        image.fill(Qt::gray);
+        QPainter painter(&image);
+        mark->paint(painter, {4, 4, side, side}, scale);
+        return image;
+    }
+    /// The scaled image that is painted into a box of this side.
+    [[nodiscard]] QImage scaled(int side) const {
+        DrawnImages device;
+        QPainter painter(&device);
+        mark->paint(painter, {0, 0, side, side}, side / 16.0);
+        return device.take().at(0);
+    }
 
-    QTemporaryDir home;
-    FakeCachesFolder caches;
-    FakeClock clock;
-    FakeHttpClient http{clock};
-    CreativeImageCache cache{{http, caches}, 1};
-    std::unique_ptr<CreativeMark> mark = std::make_unique<CreativeMark>(cache, 16);
+    std::unique_ptr<CreativeMark> mark = std::make_unique<CreativeMark>(images);
 };
 
-/// The mark as a pill draws it, on a grey ground.
-QImage drawn(CreativeMark& mark, double scale = 1) {
-    const int side = qRound(mark.size() * scale);
-    QImage image(side + 8, side + 8, QImage::Format_RGB32);
-    image.fill(Qt::gray);
-    QPainter painter(&image);
-    mark.paint(painter, {4, 4, side, side}, scale);
-    return image;
-}
-
-/// The box around everything that is not the ground.
+/// The box around everything that is not background.
 QRect inkOf(const QImage& image) {
     QRect ink;
     for (int y = 0; y < image.height(); ++y) {
@@ -87,15 +80,14 @@ private Q_SLOTS:
         f.mark->appear();
         QVERIFY(!f.mark->image());
         QVERIFY(f.http.requests().empty());
-        QVERIFY(inkOf(drawn(*f.mark)).isValid());
+        QVERIFY(inkOf(f.picture()).isValid());
     }
 
     void theOldPictureStaysWhileTheNewOneLoads() {
         MarkFixture f;
         f.serve("a.png", Qt::red);
         f.serve("b.png", Qt::blue, 2s);
-        f.mark->setCreative(f.url("a.png"), kBrand);
-        f.mark->appear();
+        f.appearWith("a.png");
         f.mark->setCreative(f.url("b.png"), kBrand);
         f.clock.advance(1999ms);
         QCOMPARE(f.shown(), QColor(Qt::red));
@@ -107,19 +99,17 @@ private Q_SLOTS:
         MarkFixture f;
         f.serve("a.png", Qt::red);
         f.http.answer(QStringLiteral("b.png"), HttpReply{404, {}}, 2s);
-        f.mark->setCreative(f.url("a.png"), kBrand);
-        f.mark->appear();
+        f.appearWith("a.png");
         f.mark->setCreative(f.url("b.png"), kBrand);
         QCOMPARE(f.shown(), QColor(Qt::red));
         f.clock.advance(2s);
         QVERIFY(!f.mark->image());
     }
 
-    void aRefusedAddressFallsBackAtOnce() {
+    void aRefusedAddressShowsTheFallbackAtOnce() {
         MarkFixture f;
         f.serve("a.png", Qt::red);
-        f.mark->setCreative(f.url("a.png"), kBrand);
-        f.mark->appear();
+        f.appearWith("a.png");
         f.mark->setCreative(Url::fromString(u"http://images.test/a.png"), kBrand);
         QVERIFY(!f.mark->image());
         QCOMPARE(f.http.requests().size(), std::size_t{1});
@@ -129,8 +119,7 @@ private Q_SLOTS:
         MarkFixture f;
         f.serve("slow.png", Qt::red, 5s);
         f.serve("fast.png", Qt::blue, 1s);
-        f.mark->setCreative(f.url("slow.png"), kBrand);
-        f.mark->appear();
+        f.appearWith("slow.png");
         f.mark->setCreative(f.url("fast.png"), kBrand);
         f.clock.advance(1s);
         QCOMPARE(f.shown(), QColor(Qt::blue));
@@ -142,19 +131,17 @@ private Q_SLOTS:
         MarkFixture f;
         f.http.hang(QStringLiteral("hung.png"));
         f.serve("fast.png", Qt::blue);
-        f.mark->setCreative(f.url("hung.png"), kBrand);
-        f.mark->appear();
+        f.appearWith("hung.png");
         f.mark->setCreative(f.url("fast.png"), kBrand);
         f.clock.advance(60s);
         QCOMPARE(f.shown(), QColor(Qt::blue));
     }
 
-    void backAtTheFirstAddressItsReplyCounts() {
+    void backAtTheFirstAddressItsFirstReplyCounts() {
         MarkFixture f;
         f.serve("a.png", Qt::red, 5s);
         f.serve("b.png", Qt::blue, 1s);
-        f.mark->setCreative(f.url("a.png"), kBrand);
-        f.mark->appear();
+        f.appearWith("a.png");
         f.mark->setCreative(f.url("b.png"), kBrand);
         f.mark->setCreative(f.url("a.png"), kBrand);
         f.clock.advance(1s);
@@ -164,11 +151,10 @@ private Q_SLOTS:
         QCOMPARE(f.http.requests().size(), std::size_t{2});
     }
 
-    void offScreenAReplyIsNotShownAndOnScreenItIsAskedAgain() {
+    void aReplyWhileOffScreenIsShownOnlyFromMemoryLater() {
         MarkFixture f;
         f.serve("a.png", Qt::red, 2s);
-        f.mark->setCreative(f.url("a.png"), kBrand);
-        f.mark->appear();
+        f.appearWith("a.png");
         f.mark->disappear();
         f.clock.advance(2s);
         QVERIFY(!f.mark->image());
@@ -180,8 +166,7 @@ private Q_SLOTS:
     void theSameCreativeAgainLoadsNothing() {
         MarkFixture f;
         f.http.answer(QStringLiteral("a.png"), 404, {});
-        f.mark->setCreative(f.url("a.png"), kBrand);
-        f.mark->appear();
+        f.appearWith("a.png");
         f.mark->setCreative(f.url("a.png"), kBrand);
         f.mark->setCreative(f.url("a.png"), QStringLiteral("Another brand"));
         f.mark->appear();
@@ -191,12 +176,11 @@ private Q_SLOTS:
         QCOMPARE(f.http.requests().size(), std::size_t{2}); // the retry
     }
 
-    void aClearedMarkIsAsNew() {
+    void aClearedMarkIsLikeANewOne() {
         MarkFixture f;
         f.serve("a.png", Qt::red);
         f.serve("b.png", Qt::blue, 1s);
-        f.mark->setCreative(f.url("a.png"), kBrand);
-        f.mark->appear();
+        f.appearWith("a.png");
         f.mark->setCreative(f.url("b.png"), kBrand);
         f.mark->clear();
         QVERIFY(!f.mark->image());
@@ -207,33 +191,28 @@ private Q_SLOTS:
     void aDestroyedMarkIgnoresItsReply() {
         MarkFixture f;
         f.serve("a.png", Qt::red, 1s);
-        f.mark->setCreative(f.url("a.png"), kBrand);
-        f.mark->appear();
+        f.appearWith("a.png");
         f.mark.reset();
         f.clock.advance(1s);
         QCOMPARE(f.http.requests().size(), std::size_t{1});
     }
 
-    void aPictureIsScaledOncePerSizeAndScale() {
+    void aPictureIsScaledOncePerSize() {
         MarkFixture f;
         f.serve("a.png", Qt::red);
         f.serve("b.png", Qt::blue);
-        f.mark->setCreative(f.url("a.png"), kBrand);
-        f.mark->appear();
-        (void)drawn(*f.mark);
-        (void)drawn(*f.mark);
-        QCOMPARE(f.mark->m_scalings, 1);
-        QCOMPARE(f.mark->m_scaled.size(), QSize(16, 16));
-        (void)drawn(*f.mark, 2);
-        (void)drawn(*f.mark, 2);
-        QCOMPARE(f.mark->m_scalings, 2);
-        QCOMPARE(f.mark->m_scaled.size(), QSize(32, 32));
+        f.appearWith("a.png");
+        const QImage small = f.scaled(16);
+        QCOMPARE(small.size(), QSize(16, 16));
+        QCOMPARE(f.scaled(16).cacheKey(), small.cacheKey());
+        const QImage large = f.scaled(32);
+        QCOMPARE(large.size(), QSize(32, 32));
+        QCOMPARE(f.scaled(32).cacheKey(), large.cacheKey());
         f.mark->setCreative(f.url("b.png"), kBrand);
-        (void)drawn(*f.mark, 2);
-        QCOMPARE(f.mark->m_scalings, 3);
+        QVERIFY(f.scaled(32).cacheKey() != large.cacheKey());
     }
 
-    void thePictureFitsTheSquareWhole_data() {
+    void theWholePictureFitsTheSquare_data() {
         QTest::addColumn<QSize>("size");
         QTest::addColumn<double>("scale");
         QTest::addColumn<QRect>("place");
@@ -241,25 +220,23 @@ private Q_SLOTS:
         QTest::newRow("wide") << QSize(64, 32) << 1.0 << QRect(4, 8, 16, 8);
         QTest::newRow("tall") << QSize(32, 64) << 2.0 << QRect(12, 4, 16, 32);
         QTest::newRow("small ones grow") << QSize(4, 2) << 1.0 << QRect(4, 8, 16, 8);
-        QTest::newRow("a thread") << QSize(1, 4096) << 1.0 << QRect(11, 4, 1, 16);
+        QTest::newRow("one pixel wide") << QSize(1, 4096) << 1.0 << QRect(11, 4, 1, 16);
         QTest::newRow("scale 1.5") << QSize(10, 10) << 1.5 << QRect(4, 4, 24, 24);
     }
-    void thePictureFitsTheSquareWhole() {
+    void theWholePictureFitsTheSquare() {
         QFETCH(QSize, size);
         QFETCH(double, scale);
         MarkFixture f;
         f.http.answer(QStringLiteral("a.png"), 200, pngOf(Qt::red, size));
-        f.mark->setCreative(f.url("a.png"), kBrand);
-        f.mark->appear();
-        QTEST(inkOf(drawn(*f.mark, scale)), "place");
+        f.appearWith("a.png");
+        QTEST(inkOf(f.picture(scale)), "place");
     }
 
-    void transparencyLetsTheGroundThrough() {
+    void theBackgroundShowsThroughTransparency() {
         MarkFixture f;
         f.http.answer(QStringLiteral("a.png"), 200, pngOf(QColor(255, 0, 0, 128)));
-        f.mark->setCreative(f.url("a.png"), kBrand);
-        f.mark->appear();
-        const QColor mixed = drawn(*f.mark).pixelColor(12, 12);
+        f.appearWith("a.png");
+        const QColor mixed = f.picture().pixelColor(12, 12);
         QVERIFY(qAbs(mixed.red() - (255 + 160) / 2) < 4);
         QVERIFY(qAbs(mixed.green() - 80) < 4);
     }
@@ -277,7 +254,7 @@ private Q_SLOTS:
         QFETCH(double, scale);
         MarkFixture f;
         f.mark->setCreative(std::nullopt, brand);
-        const QImage image = drawn(*f.mark, scale);
+        const QImage image = f.picture(scale);
         const QRect ink = inkOf(image);
         QVERIFY(!ink.isEmpty());
         const double middle = 4 + 8 * scale;
@@ -295,12 +272,12 @@ private Q_SLOTS:
     void aBlankBrandShowsADot() {
         MarkFixture f;
         f.mark->setCreative(std::nullopt, QStringLiteral(" \n"));
-        const QRect ink = inkOf(drawn(*f.mark, 2));
+        const QRect ink = inkOf(f.picture(2));
         QVERIFY(!ink.isEmpty());
         QVERIFY(ink.width() < 10 && ink.height() < 10);
     }
 
-    void anotherBrandChangesTheFallbackOnly() {
+    void anotherBrandChangesOnlyTheFallback() {
         MarkFixture f;
         f.mark->setCreative(std::nullopt, kBrand);
         f.mark->appear();
@@ -315,8 +292,5 @@ private Q_SLOTS:
     }
 };
 
-} // namespace brimlet
-
-using brimlet::TestCreativeMark;
 BRIMLET_TEST(TestCreativeMark, QGuiApplication)
 #include "tst_creativemark.moc"

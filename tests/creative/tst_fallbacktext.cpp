@@ -9,7 +9,7 @@ class TestFallbackText final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theFirstCharacterAsAReaderSeesIt_data() {
+    void itIsTheFirstGraphemeCluster_data() {
         QTest::addColumn<QString>("brand");
         QTest::addColumn<QString>("text");
         const auto row = [](const char* name, const char16_t* brand, const char16_t* text) {
@@ -40,12 +40,12 @@ private Q_SLOTS:
         row("right to left", u"\u05E9\u05DC\u05D5\u05DD", u"\u05E9");
         row("beyond the first plane", u"\U00020000\u6c34", u"\U00020000");
     }
-    void theFirstCharacterAsAReaderSeesIt() {
+    void itIsTheFirstGraphemeCluster() {
         QFETCH(QString, brand);
         QTEST(fallbackText(brand), "text");
     }
 
-    void aBrandWithoutEndCostsNothing() {
+    void aVeryLongBrandIsCut() {
         QCOMPARE(fallbackText(QString(1'000'000, u'x')), QStringLiteral("x"));
         QCOMPARE(fallbackText(u'a' + QString(5'000, QChar(0x301))).size(), 1024);
     }

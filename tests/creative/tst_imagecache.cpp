@@ -30,7 +30,7 @@ Url url(const QString& text) {
     return *Url::fromString(text);
 }
 
-/// What one caller got: nothing yet, no image, or an image.
+/// The result of one call: none yet, no image, or an image.
 struct Answer final {
     bool isThere = false;
     std::optional<QImage> image;
@@ -52,8 +52,8 @@ struct CacheFixture final {
     }
     std::shared_ptr<Answer> ask() { return ask(url(kAddress)); }
 
-    /// As after a new start, or when memory forgot: another cache over the same folder.
-    void forget(std::uint64_t seed) {
+    /// Makes a new cache over the same folder, as after a restart.
+    void restart(std::uint64_t seed) {
         cache = std::make_unique<CreativeImageCache>(ImagePorts{http, caches}, seed);
     }
     [[nodiscard]] QString folder() const {
@@ -63,12 +63,12 @@ struct CacheFixture final {
         return QDir(folder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
 
-    /// Loads the image once and forgets it again, also on disk, to learn its file's path.
-    [[nodiscard]] QString learnPath() {
+    /// The path of the image's file: loads the image once, restarts the cache and removes the file.
+    [[nodiscard]] QString findPath() {
         http.answer(kPath, 200, pngOf(Qt::red));
         (void)ask();
         http.clear();
-        forget(1);
+        restart(1);
         const QString path = files().size() == 1 ? folder() + u'/' + files().at(0) : QString();
         QFile::remove(path);
         return path;
@@ -82,10 +82,10 @@ struct CacheFixture final {
         std::make_unique<CreativeImageCache>(ImagePorts{http, caches}, 1);
 };
 
-/// Hands over a body whatever the status, as no client should.
-class CarelessClient final : public HttpClient {
+/// Returns a body whatever the status and its length, as a client must not.
+class FaultyClient final : public HttpClient {
 public:
-    explicit CarelessClient(HttpReply reply)
+    explicit FaultyClient(HttpReply reply)
         : m_reply(std::move(reply)) {}
     [[nodiscard]] QCoro::Task<HttpResult> send(HttpRequest /*request*/) override {
         HttpResult result = m_reply;
@@ -101,7 +101,7 @@ QByteArray contentOf(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// From now on this process's writes beyond that fail, as on a full disk.
+/// Makes writes of this process beyond this size fail, as on a full disk.
 void limitFileSizes(rlim_t bytes) {
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit limit{};
@@ -110,7 +110,7 @@ void limitFileSizes(rlim_t bytes) {
     setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-/// To root no folder is read-only: makes a folder and all in it another user's.
+/// Gives a folder and all in it to another user if this is root, for whom no folder is read-only.
 bool giveToNobody(const QString& path) {
     if (geteuid() != 0) {
         return true;
@@ -125,7 +125,7 @@ bool giveToNobody(const QString& path) {
     return chown(QFile::encodeName(path).constData(), kNobody, kNobody) == 0;
 }
 
-/// Root is that user as long as this lives.
+/// Makes root that user during its lifetime.
 class Nobody final {
 public:
     Nobody() {
@@ -160,7 +160,7 @@ private Q_SLOTS:
         QCOMPARE(first->image->size(), QSize(32, 32));
         QCOMPARE(first->image->pixelColor(5, 5), QColor(Qt::red));
         QCOMPARE(f.http.log(), QStringList{QStringLiteral("GET /a.png")});
-        // Memory, not the file: that may go.
+        // From memory: the file is gone.
         QVERIFY(QDir(f.folder()).removeRecursively());
         const auto second = f.ask();
         QVERIFY(second->isThere);
@@ -169,7 +169,7 @@ private Q_SLOTS:
         QVERIFY(!QDir(f.folder()).exists());
     }
 
-    void whatMemoryHasItKeepsHoweverOftenItIsAsked() {
+    void anImageInMemoryIsReturnedAgainAndAgain() {
         CacheFixture f;
         f.http.answer(kPath, 200, pngOf(Qt::red));
         for (int i = 0; i < 5; ++i) {
@@ -181,7 +181,7 @@ private Q_SLOTS:
         QCOMPARE(f.http.requests().size(), std::size_t{1});
     }
 
-    void theRequestNamesNothingButTheAddress() {
+    void theRequestContainsNothingButTheAddress() {
         CacheFixture f;
         (void)f.ask();
         const HttpRequest& request = f.http.requests().at(0);
@@ -209,7 +209,7 @@ private Q_SLOTS:
         QCOMPARE(request.mayFollow(request.url, url(to)), isAllowedLink(url(to)));
     }
 
-    void anAbsentOrRefusedAddressTouchesNothing_data() {
+    void anAbsentOrRefusedAddressCausesNoRequestAndNoFile_data() {
         QTest::addColumn<QString>("address");
         QTest::newRow("absent") << QString();
         QTest::newRow("not encrypted") << QStringLiteral("http://images.test/a.png");
@@ -219,7 +219,7 @@ private Q_SLOTS:
         QTest::newRow("relative") << QStringLiteral("/a.png");
         QTest::newRow("data") << QStringLiteral("data:image/png;base64,AAAA");
     }
-    void anAbsentOrRefusedAddressTouchesNothing() {
+    void anAbsentOrRefusedAddressCausesNoRequestAndNoFile() {
         QFETCH(QString, address);
         CacheFixture f;
         const auto answer = f.ask(Url::fromString(address));
@@ -229,14 +229,14 @@ private Q_SLOTS:
         QVERIFY(!QDir(*f.caches.folder).exists());
     }
 
-    void thisMachineMayServeImages() {
+    void imagesFromThisMachineAreAllowed() {
         CacheFixture f;
         f.http.answer(kPath, 200, pngOf(Qt::red));
         QVERIFY(f.ask(url(QStringLiteral("http://127.0.0.1:8791/a.png")))->image);
         QVERIFY(f.ask(url(QStringLiteral("http://[::1]/a.png")))->image);
     }
 
-    void whoeverAsksMeanwhileSharesTheDownload() {
+    void concurrentCallsShareOneDownload() {
         CacheFixture f;
         f.http.answer(kPath, HttpReply{200, pngOf(Qt::red)}, 2s);
         const auto first = f.ask();
@@ -250,10 +250,10 @@ private Q_SLOTS:
         QVERIFY(!other->isThere);
         QCOMPARE(second->image->cacheKey(), first->image->cacheKey());
         QCOMPARE(third->image->cacheKey(), first->image->cacheKey());
-        QCOMPARE(f.http.requests().size(), std::size_t{2}); // the other address is its own
+        QCOMPARE(f.http.requests().size(), std::size_t{2}); // the other address has its own
     }
 
-    void aSharedFailureIsNobodysImage() {
+    void concurrentCallsShareAFailure() {
         CacheFixture f;
         f.http.hang(kPath);
         const auto first = f.ask();
@@ -307,25 +307,25 @@ private Q_SLOTS:
         QFETCH(bool, isShown);
         CacheFixture f;
         const HttpReply reply{200, pngOf(Qt::red).leftJustified(size, ' ')};
-        CarelessClient http(reply); // not even a client that hands over too much matters
+        FaultyClient http(reply); // even if the client returns too long a body
         f.cache = std::make_unique<CreativeImageCache>(ImagePorts{http, f.caches}, 1);
         QCOMPARE(f.ask()->image.has_value(), isShown);
         QCOMPARE(f.files().size(), isShown ? 1 : 0);
-        f.forget(2);
+        f.restart(2);
         f.http.answer(kPath, reply);
         QCOMPARE(f.ask()->image.has_value(), isShown);
     }
 
-    void anotherStatusIsNoImageWhateverItsBody_data() {
+    void anotherStatusIsNoImageEvenWithABody_data() {
         QTest::addColumn<int>("status");
         for (const int status : {199, 300, 302, 304, 404, 503}) {
             QTest::addRow("%d", status) << status;
         }
     }
-    void anotherStatusIsNoImageWhateverItsBody() {
+    void anotherStatusIsNoImageEvenWithABody() {
         QFETCH(int, status);
         CacheFixture f;
-        CarelessClient http({status, pngOf(Qt::red)});
+        FaultyClient http({status, pngOf(Qt::red)});
         f.cache = std::make_unique<CreativeImageCache>(ImagePorts{http, f.caches}, 1);
         QVERIFY(!f.ask()->image);
         QCOMPARE(f.files(), QStringList());
@@ -376,7 +376,7 @@ private Q_SLOTS:
         f.http.answer(kPath, 200, pngOf(Qt::red));
         QSet<QString> names;
         for (std::uint64_t seed = 0; seed < 200; ++seed) {
-            f.forget(seed);
+            f.restart(seed);
             (void)f.ask();
             QCOMPARE(f.files().size(), 1);
             const QString name = f.files().at(0);
@@ -397,10 +397,10 @@ private Q_SLOTS:
         (void)f.ask();
         const QStringList before = f.files();
         const QString path = f.folder() + u'/' + before.at(0);
-        // An open file that is replaced has no name any more.
+        // An open file that was replaced would have no link any more.
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
-        f.forget(1);
+        f.restart(1);
         const auto answer = f.ask();
         QVERIFY(answer->image);
         QCOMPARE(f.http.requests().size(), std::size_t{1});
@@ -414,7 +414,7 @@ private Q_SLOTS:
         CacheFixture f;
         f.http.answer(kPath, 200, pngOf(Qt::red));
         (void)f.ask();
-        f.forget(2);
+        f.restart(2);
         (void)f.ask();
         QCOMPARE(f.http.requests().size(), std::size_t{2});
         QCOMPARE(f.files().size(), 2); // and the earlier one is not removed
@@ -440,16 +440,16 @@ private Q_SLOTS:
         QCOMPARE(f.files().size(), 2);
     }
 
-    void aSpoiltFileIsFetchedAgainAndReplaced_data() {
+    void aBrokenFileIsFetchedAgainAndReplaced_data() {
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("empty") << QByteArray();
         QTest::newRow("garbage") << QByteArray("garbage");
         QTest::newRow("too long") << pngOf(Qt::green) + QByteArray(4 * 1024 * 1024, '\0');
     }
-    void aSpoiltFileIsFetchedAgainAndReplaced() {
+    void aBrokenFileIsFetchedAgainAndReplaced() {
         QFETCH(QByteArray, content);
         CacheFixture f;
-        const QString path = f.learnPath();
+        const QString path = f.findPath();
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(content);
@@ -489,7 +489,7 @@ private Q_SLOTS:
         } else if (fault == "a file as parent") {
             fill(*f.caches.folder);
         } else if (fault == "a folder as the file") {
-            QVERIFY(QDir().mkpath(f.learnPath()));
+            QVERIFY(QDir().mkpath(f.findPath()));
         } else if (fault == "full") {
             limitFileSizes(10);
         } else if (fault == "nowhere") {

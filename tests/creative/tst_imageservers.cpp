@@ -14,11 +14,11 @@ using namespace brimlet;
 
 namespace {
 
-/// A cache over the real client and a server that says anything.
+/// A cache over the real client and a server that sends any bytes.
 struct ServedCache final {
     ServedCache() { caches.folder = home.path(); }
 
-    /// Asks and waits for the answer.
+    /// Requests the picture and waits for the result.
     std::optional<QImage> ask(const QString& path) {
         auto answer = std::make_shared<std::optional<std::optional<QImage>>>();
         startTask(load(cache, server.url(path), answer));
@@ -49,20 +49,20 @@ QByteArray withLength(qsizetype length, const QByteArray& body) {
 
 } // namespace
 
-/// What servers send in place of a picture, over a real connection.
+/// What servers may send in place of a picture, over a real connection.
 class TestImageServers final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void whatIsNoPictureLeavesNoFileAndIsAskedForAgain_data() {
+    void otherRepliesLeaveNoFileAndAreRequestedAgain_data() {
         QTest::addColumn<QByteArray>("bytes");
         const QByteArray picture = pngOf(Qt::red);
         const QByteArray page = "<!DOCTYPE html><title>Sign in</title>";
         const QByteArray ok = "HTTP/1.1 200 OK\r\n";
         const QByteArray asPng = "Content-Type: image/png\r\n";
         QTest::newRow("a page") << rawReply(200, page, "Content-Type: text/html\r\n");
-        QTest::newRow("a page that says it is a picture") << rawReply(200, page, asPng);
-        QTest::newRow("a drawing that says it is a picture")
+        QTest::newRow("a page declared as a picture") << rawReply(200, page, asPng);
+        QTest::newRow("a drawing declared as a picture")
             << rawReply(200, "<svg xmlns='http://www.w3.org/2000/svg'/>", asPng);
         QTest::newRow("nothing") << rawReply(200, {}, asPng);
         QTest::newRow("a page for 404") << rawReply(404, page);
@@ -79,10 +79,10 @@ private Q_SLOTS:
         QTest::newRow("a body beyond the limit")
             << withLength(qsizetype{4} * 1024 * 1024 + 1,
                           picture.leftJustified(qsizetype{4} * 1024 * 1024 + 1, ' '));
-        QTest::newRow("packed and not said so")
+        QTest::newRow("compressed without saying so")
             << rawReply(200, qCompress(picture).sliced(4), asPng);
     }
-    void whatIsNoPictureLeavesNoFileAndIsAskedForAgain() {
+    void otherRepliesLeaveNoFileAndAreRequestedAgain() {
         QFETCH(QByteArray, bytes);
         ServedCache f;
         f.server.answerAndCut("/a.png", bytes);
@@ -94,7 +94,7 @@ private Q_SLOTS:
         QCOMPARE(f.server.requests().size(), std::size_t{2});
     }
 
-    void aPictureIsOneWhateverItIsCalled_data() {
+    void theDeclaredTypeOfAPictureIsIgnored_data() {
         QTest::addColumn<QByteArray>("headers");
         QTest::newRow("no type") << QByteArray();
         QTest::newRow("another picture's type") << QByteArray("Content-Type: image/jpeg\r\n");
@@ -102,7 +102,7 @@ private Q_SLOTS:
         QTest::newRow("a drawing's type") << QByteArray("Content-Type: image/svg+xml\r\n");
         QTest::newRow("no type at all") << QByteArray("Content-Type: \xff\r\n");
     }
-    void aPictureIsOneWhateverItIsCalled() {
+    void theDeclaredTypeOfAPictureIsIgnored() {
         QFETCH(QByteArray, headers);
         ServedCache f;
         f.server.answer("/a.svg", rawReply(200, pngOf(Qt::red), headers));

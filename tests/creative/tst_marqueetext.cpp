@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 class TestMarqueeText final : public QObject {
     Q_OBJECT
 
-    /// Runs this program again for one thing that ends it.
+    /// Whether this program, run again for one of the cases of `die`, ends with the expected error.
     static bool isFatal(const char* what) {
         QProcess program;
         program.start(QCoreApplication::applicationFilePath(),
@@ -25,7 +25,7 @@ class TestMarqueeText final : public QObject {
     }
 
 private Q_SLOTS:
-    void aBlankBrandRestsOnTheTaglineAsGiven_data() {
+    void withABlankBrandTheUntrimmedTaglineRests_data() {
         QTest::addColumn<QString>("brand");
         QTest::addColumn<QString>("tagline");
         QTest::addColumn<QString>("resting");
@@ -43,7 +43,7 @@ private Q_SLOTS:
         row("both empty", "", "", "", "");
         row("only a brand", "Acme", " ", "Acme", "");
     }
-    void aBlankBrandRestsOnTheTaglineAsGiven() {
+    void withABlankBrandTheUntrimmedTaglineRests() {
         QFETCH(QString, brand);
         QFETCH(QString, tagline);
         QTEST(restingText(brand, tagline), "resting");
@@ -51,7 +51,7 @@ private Q_SLOTS:
         QTEST(lineText(brand, tagline, true), "swapped");
     }
 
-    void theTaskIDJoinsAllThatTheLoopDependsOn_data() {
+    void theTaskIDContainsAllThatTheLoopDependsOn_data() {
         QTest::addColumn<double>("container");
         QTest::addColumn<double>("tagline");
         QTest::addColumn<bool>("reduceMotion");
@@ -69,7 +69,7 @@ private Q_SLOTS:
                                  << start + QStringLiteral(
                                                 "9223372036854774784|-9223372036854775808|false");
     }
-    void theTaskIDJoinsAllThatTheLoopDependsOn() {
+    void theTaskIDContainsAllThatTheLoopDependsOn() {
         QFETCH(double, container);
         QFETCH(double, tagline);
         QFETCH(bool, reduceMotion);
@@ -78,7 +78,7 @@ private Q_SLOTS:
               "id");
     }
 
-    void theTaskIDTakesTheTextsAsGiven() {
+    void theTaskIDContainsTheTextsUntrimmed() {
         QCOMPARE(marqueeTaskID(QStringLiteral(" A "), QStringLiteral("\nB|"), 1, 2, false),
                  QStringLiteral(" A |\nB||1|2|false"));
     }
@@ -108,11 +108,11 @@ private Q_SLOTS:
         QCOMPARE(sleepLength(0), 0ns);
         QCOMPARE(sleepLength(-3), 0ns);
         QCOMPARE(sleepLength(-std::numeric_limits<double>::infinity()), 0ns);
-        // Half of the range that a 64-bit count has is the clock's "for ever".
+        // The clock counts half as far as 64 bits.
         QCOMPARE(sleepLength(1e10), std::chrono::nanoseconds::max());
     }
 
-    void whatIsOutOfRangeEndsTheProgram_data() {
+    void valuesOutOfRangeEndTheProgram_data() {
         QTest::addColumn<QByteArray>("what");
         for (const char* what :
              {"width-nan", "width-infinite", "width-too-large", "width-too-small", "sleep-infinite",
@@ -120,12 +120,12 @@ private Q_SLOTS:
             QTest::newRow(what) << QByteArray(what);
         }
     }
-    void whatIsOutOfRangeEndsTheProgram() {
+    void valuesOutOfRangeEndTheProgram() {
         QFETCH(QByteArray, what);
         QVERIFY(isFatal(what.constData()));
     }
 
-    void textsOfStrangersComeOnOneLine_data() {
+    void untrustedTextsAreMadeOneLine_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("line");
         const auto row = [](const char* name, const char16_t* text, const char16_t* line) {
@@ -141,7 +141,7 @@ private Q_SLOTS:
         row("outer blanks stay", u" a ", u" a ");
         row("marks of direction stay", u"\u202eabc", u"\u202eabc");
     }
-    void textsOfStrangersComeOnOneLine() {
+    void untrustedTextsAreMadeOneLine() {
         QFETCH(QString, text);
         QTEST(singleLine(text), "line");
     }
@@ -154,7 +154,7 @@ private Q_SLOTS:
         QCOMPARE(singleLine(QString(1020, u'a') + flag + u'b'), QString(1020, u'a') + flag);
         // A single character that long is cut inside.
         QCOMPARE(singleLine(QStringLiteral("\U0001F468\u200D").repeated(5000)).size(), 1024);
-        // Of marks no more are kept than can be seen.
+        // Runs of marks are bounded.
         QCOMPARE(singleLine(u'a' + QString(5000, QChar(0x301))).size(), 31);
         QCOMPARE(singleLine(QString(1'000'000, u'x')).size(), 1024);
     }
@@ -162,7 +162,7 @@ private Q_SLOTS:
 
 namespace {
 
-/// Does the thing that must end the program; returns only if it did not.
+/// Does what must end the program; returns only if it does not.
 int die(int /*argc*/, char* argv[]) {
     const QByteArray what = argv[1];
     const double infinite = std::numeric_limits<double>::infinity();

@@ -10,7 +10,7 @@ class TestNotchFont final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theThreeFontsAreOfTheSystemsFamily_data() {
+    void theThreeFontsUseTheSystemsFamily_data() {
         QTest::addColumn<QFont>("font");
         QTest::addColumn<int>("size");
         QTest::addColumn<int>("weight");
@@ -18,14 +18,14 @@ private Q_SLOTS:
         QTest::newRow("tagline") << NotchFont::tagline() << 11 << int(QFont::Normal);
         QTest::newRow("fallback mark") << NotchFont::fallbackMark() << 11 << int(QFont::DemiBold);
     }
-    void theThreeFontsAreOfTheSystemsFamily() {
+    void theThreeFontsUseTheSystemsFamily() {
         QFETCH(QFont, font);
         QCOMPARE(font.family(), QGuiApplication::font().family());
         QTEST(font.pixelSize(), "size");
         QTEST(int(font.weight()), "weight");
     }
 
-    void eachIsMadeOnce() {
+    void eachFontIsMadeOnce() {
         QCOMPARE(&NotchFont::pill(), &NotchFont::pill());
         QCOMPARE(&NotchFont::tagline(), &NotchFont::tagline());
         QCOMPARE(&NotchFont::fallbackMark(), &NotchFont::fallbackMark());

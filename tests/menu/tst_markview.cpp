@@ -1,12 +1,8 @@
-#include "creative/creativeimagecache.h"
 #include "menu/markview.h"
-#include "tests/support/fakehttpclient.h"
-#include "tests/support/fakes.h"
-#include "tests/support/pngbytes.h"
+#include "tests/support/imagefixture.h"
 #include "tests/support/testprogram.h"
 
 #include <QApplication>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace brimlet;
@@ -14,26 +10,19 @@ using namespace std::chrono_literals;
 
 namespace {
 
-struct MarkFixture final {
-    MarkFixture() {
-        caches.folder = folder.path();
-        mark.setParent(&window);
-    }
+struct MarkFixture final : ImageFixture {
+    MarkFixture() { mark.setParent(&window); }
 
     /// A brand with a picture, or without one.
     static SlotCreative creative(const char* picture = nullptr) {
         SlotCreative creative;
         creative.brandName = QStringLiteral("Acme");
         if (picture != nullptr) {
-            creative.assetURL = Url::fromString(QStringLiteral("https://images.test/") +
-                                                QString::fromLatin1(picture));
+            creative.assetURL = url(picture);
         }
         return creative;
     }
-    void serve(const char* name, const QColor& color, std::chrono::milliseconds lag = {}) {
-        http.answer(QString::fromLatin1(name), HttpReply{200, pngOf(color)}, lag);
-    }
-    /// On black, four pixels a point.
+    /// On black, at four pixels per point.
     [[nodiscard]] QImage picture() {
         QImage image(mark.size() * 4, QImage::Format_RGB32);
         image.setDevicePixelRatio(4);
@@ -43,12 +32,7 @@ struct MarkFixture final {
     }
     [[nodiscard]] QRgb middle() { return picture().pixel(44, 44); }
 
-    QTemporaryDir folder;
-    FakeCachesFolder caches;
     FakeReduceMotion reduceMotion;
-    FakeClock clock;
-    FakeHttpClient http{clock};
-    CreativeImageCache images{{http, caches}, 1};
     QWidget window;
     MarkView& mark = *new MarkView(CreativeEnvironment{images, clock, reduceMotion});
 };
@@ -85,7 +69,7 @@ private Q_SLOTS:
         QCOMPARE(f.http.requests().size(), std::size_t{1});
     }
 
-    void aPictureThatCameWhileHiddenIsNotAwaited() {
+    void aPictureThatLoadedWhileHiddenIsShownAtOnce() {
         MarkFixture f;
         f.serve("a.png", Qt::red, 2s);
         f.mark.setCreative(f.creative("a.png"));
@@ -119,7 +103,7 @@ private Q_SLOTS:
         QCOMPARE(picture.pixel(84, 44), kAccent);
     }
 
-    void withoutAPictureThereIsTheLetter() {
+    void withoutAPictureTheLetterIsShown() {
         MarkFixture f;
         f.mark.setCreative(f.creative());
         f.window.show();
@@ -129,7 +113,7 @@ private Q_SLOTS:
         QCOMPARE(picture.pixel(3, 44), kAccent);
     }
 
-    void withoutACreativeTheSquareIsBare() {
+    void withoutACreativeOnlyTheSquareIsShown() {
         MarkFixture f;
         f.serve("a.png", Qt::red);
         f.mark.setCreative(f.creative("a.png"));

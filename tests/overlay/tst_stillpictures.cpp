@@ -1,13 +1,9 @@
-#include "creative/creativeimagecache.h"
-#include "overlay/notchpill.h"
-#include "overlay/overlayview.h"
-#include "tests/support/hostfixture.h"
+#include "tests/overlay/shownoverlay.h"
 #include "tests/support/samplepictures.h"
 #include "tests/support/testprogram.h"
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace brimlet;
@@ -33,12 +29,12 @@ qsizetype timersOf(const OverlayView& view) {
 
 } // namespace
 
-/// Of a picture that moves, the capsule shows the first frame and nothing else.
+/// Of an animated picture the capsule shows only the first frame.
 class TestStillPictures final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void anAnimationStandsStillWithoutATimer_data() {
+    void anAnimationIsStillAndNeedsNoTimer_data() {
         QTest::addColumn<QByteArray>("bytes");
         const QImage first = plain(Qt::red);
         const QImage second = plain(Qt::green);
@@ -46,37 +42,24 @@ private Q_SLOTS:
         QTest::newRow("WebP") << samples::animatedWebP(
             first.size(), {{.place = {}, .picture = first}, {.place = {}, .picture = second}});
     }
-    void anAnimationStandsStillWithoutATimer() {
+    void anAnimationIsStillAndNeedsNoTimer() {
         QFETCH(QByteArray, bytes);
-        QTemporaryDir folder;
-        FakeCachesFolder caches;
-        caches.folder = folder.path();
-        FakeReduceMotion reduceMotion;
-        HostFixture host;
-        host.http.answer(QStringLiteral("/moving"), 200, bytes);
-        host.http.answer(QStringLiteral("/api/display"), 200,
-                         "{\"weekStatus\":\"live\",\"creatives\":[{\"slotId\":\"left\","
-                         "\"assetUrl\":\"https://a.test/moving\"}]}");
-        CreativeImageCache images({host.http, caches}, 1);
-        const auto store = host.makeStore();
-        OverlayRuntime runtime(host.workspace);
-        OverlayView view(runtime, {images, host.clock, reduceMotion});
-        view.resize(428, 40);
-        view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&view));
-        startTask(store->refreshDisplay());
-        runtime.apply(*store, 184, 32);
+        ShownOverlay f;
+        f.host.http.answer(QStringLiteral("/moving"), 200, bytes);
+        QVERIFY(QTest::qWaitForWindowExposed(&f.view));
+        f.show("{\"weekStatus\":\"live\",\"creatives\":[{\"slotId\":\"left\","
+               "\"assetUrl\":\"https://a.test/moving\"}]}");
         QCoreApplication::processEvents();
-        const NotchPill& pill = *view.findChildren<NotchPill*>().at(0);
-        QVERIFY(pill.mark().image());
-        QCOMPARE(pill.mark().image()->pixelColor(20, 20), QColor(Qt::red));
+        const CreativeMark& mark = f.left()->mark();
+        QVERIFY(mark.image());
+        QCOMPARE(mark.image()->pixelColor(20, 20), QColor(Qt::red));
         QCoreApplication::processEvents();
 
-        QCOMPARE(host.clock.runningTimers(), 0);
-        QCOMPARE(host.clock.runningSleeps(), 0);
-        QCOMPARE(timersOf(view), 0);
-        host.clock.advance(1h);
-        QCOMPARE(pill.mark().image()->pixelColor(20, 20), QColor(Qt::red));
+        QCOMPARE(f.host.clock.runningTimers(), 0);
+        QCOMPARE(f.host.clock.runningSleeps(), 0);
+        QCOMPARE(timersOf(f.view), 0);
+        f.host.clock.advance(1h);
+        QCOMPARE(mark.image()->pixelColor(20, 20), QColor(Qt::red));
     }
 };
 

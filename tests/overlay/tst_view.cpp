@@ -1,7 +1,4 @@
-#include "creative/creativeimagecache.h"
-#include "overlay/notchpill.h"
-#include "overlay/overlayview.h"
-#include "tests/support/hostfixture.h"
+#include "tests/overlay/shownoverlay.h"
 #include "tests/support/pngbytes.h"
 #include "tests/support/testprogram.h"
 
@@ -9,7 +6,6 @@
 #include <QApplication>
 #include <QPaintEvent>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace brimlet;
@@ -33,52 +29,25 @@ QByteArray reply(std::initializer_list<const char*> creatives) {
 
 const QByteArray kBoth = reply({kLeft, kRight});
 
-/// A view of 428 by 40 over a runtime that follows a store.
-struct ViewFixture final {
-    ViewFixture() {
-        caches.folder = folder.path();
-        host.http.answer(QStringLiteral("l.png"), 200, pngOf(Qt::red));
-        view.resize(428, 40);
-        view.show();
-    }
-
-    void show(const QByteArray& reply) {
-        host.http.answer(QStringLiteral("/api/display"), 200, reply);
-        startTask(store->refreshDisplay());
-        render();
-    }
-    void render() {
-        runtime.apply(*store, 184, 32);
-        QCoreApplication::sendPostedEvents();
-    }
-    [[nodiscard]] NotchPill* left() const { return view.findChildren<NotchPill*>().at(0); }
-    [[nodiscard]] NotchPill* right() const { return view.findChildren<NotchPill*>().at(1); }
-
-    QTemporaryDir folder;
-    FakeCachesFolder caches;
-    FakeReduceMotion reduceMotion;
-    HostFixture host;
-    CreativeImageCache images{{host.http, caches}, 1};
-    std::shared_ptr<HostStore> store = host.makeStore();
-    OverlayRuntime runtime{host.workspace};
-    OverlayView view{runtime, {images, host.clock, reduceMotion}};
+struct ViewFixture final : ShownOverlay {
+    ViewFixture() { host.http.answer(QStringLiteral("l.png"), 200, pngOf(Qt::red)); }
 };
 
-/// The areas painted from now on, each with the class of the widget that painted it.
+/// Records each painted area from now on with the class of its widget.
 class PaintLog final : public QObject {
 public:
     explicit PaintLog(OverlayView& view) {
         (void)QTest::qWaitForWindowExposed(&view);
-        QCoreApplication::processEvents(); // what is due already
+        QCoreApplication::processEvents(); // paints what is due already
         view.installEventFilter(this);
         for (NotchPill* pill : view.findChildren<NotchPill*>()) {
             pill->installEventFilter(this);
         }
     }
-    /// What was painted since the last call.
+    /// The areas painted since the last call.
     QStringList take() {
-        QCoreApplication::processEvents(); // what is rebuilt
-        QCoreApplication::processEvents(); // is painted then
+        QCoreApplication::processEvents(); // rebuilds
+        QCoreApplication::processEvents(); // paints what was rebuilt
         return std::exchange(m_paints, {});
     }
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -109,7 +78,7 @@ private Q_SLOTS:
         f.show(kBoth);
         QCOMPARE(f.left()->geometry(), QRect(8, 1, 108, 24));
         QCOMPARE(f.right()->geometry(), QRect(312, 1, 108, 24));
-        // Nothing is painted in the gap, the margins and the corners that the capsules leave out.
+        // The gap, the margins and the capsules' corners are not painted.
         QVERIFY(f.view.painted().contains(QPoint(8 + 54, 13)));
         QVERIFY(f.view.painted().contains(QPoint(312 + 54, 13)));
         QVERIFY(!f.view.painted().contains(QPoint(214, 13)));
@@ -117,10 +86,10 @@ private Q_SLOTS:
         QCOMPARE(f.view.painted().boundingRect(), QRect(8, 1, 412, 24));
     }
 
-    void unequalSlotsMoveTheGapOffTheNotch() {
+    void pillsOfDifferentWidthsShiftTheGap() {
         ViewFixture f;
         f.show(reply({kRight}));
-        // The row of 36, gap and 108 is centred as a whole: the gap sits 36 points to the left.
+        // The row of 36, gap and 108 points is centred, so the gap is 36 points further left.
         QCOMPARE(f.right()->geometry().left(), 428 / 2 - 36 + 92 + 6);
         QVERIFY(!f.left()->isVisible());
         QVERIFY(f.right()->isVisible());
@@ -132,14 +101,13 @@ private Q_SLOTS:
         QCOMPARE(f.left()->size(), QSize(36, 24));
         QVERIFY(f.left()->mark().image());
         QCOMPARE(f.left()->line().line(), QString());
-        QCOMPARE(f.left()->line().containerWidth(), 1.0);
+        QCOMPARE(f.left()->movingBox().width(), 1);
     }
 
-    void theLineTakesWhatTheMarkLeaves() {
+    void theLineFillsTheRestBesideTheMark() {
         ViewFixture f;
         f.show(kBoth);
-        QCOMPARE(f.left()->line().containerWidth(), 108.0 - 7 - 16 - 5 - 7);
-        QCOMPARE(f.left()->mark().size(), 16.0);
+        QCOMPARE(f.left()->movingBox().width(), 108 - 7 - 16 - 5 - 7);
     }
 
     void onlyAllowedLinksTakeClicks() {
@@ -161,14 +129,14 @@ private Q_SLOTS:
         QVERIFY(f.host.workspace.opened.empty());
     }
 
-    void aRefusedLinkMakesAPillForShowOnly_data() {
+    void aPillWithARefusedLinkCannotBeClicked_data() {
         QTest::addColumn<QByteArray>("link");
         QTest::newRow("not encrypted") << QByteArray("\"brandUrl\":\"http://r.test/\"");
         QTest::newRow("in capitals") << QByteArray("\"brandUrl\":\"HTTPS://r.test/\"");
         QTest::newRow("a script") << QByteArray("\"brandUrl\":\"javascript:alert(1)\"");
         QTest::newRow("none") << QByteArray("\"copy\":\"\"");
     }
-    void aRefusedLinkMakesAPillForShowOnly() {
+    void aPillWithARefusedLinkCannotBeClicked() {
         QFETCH(QByteArray, link);
         ViewFixture f;
         f.show(reply({("{\"slotId\":\"left\",\"brandName\":\"B\"," + link + "}").constData()}));
@@ -183,7 +151,7 @@ private Q_SLOTS:
         QVERIFY(f.host.workspace.opened.empty());
     }
 
-    void hoveringSetsTheHandAndLeavingTheArrow() {
+    void hoveringSetsTheHandCursorAndLeavingTheArrow() {
         ViewFixture f;
         f.show(kBoth);
         QEnterEvent enter({5, 5}, {5, 5}, {5, 5});
@@ -192,7 +160,7 @@ private Q_SLOTS:
         QEvent leave(QEvent::Leave);
         QCoreApplication::sendEvent(f.left(), &leave);
         QCOMPARE(f.left()->cursor().shape(), Qt::ArrowCursor);
-        // A link that is withdrawn under the pointer takes the hand with it.
+        // The arrow returns when the link is removed under the pointer.
         QCoreApplication::sendEvent(f.left(), &enter);
         f.show(reply({"{\"slotId\":\"left\",\"brandName\":\"Left\"}", kRight}));
         QCOMPARE(f.left()->cursor().shape(), Qt::ArrowCursor);
@@ -223,10 +191,10 @@ private Q_SLOTS:
         QVERIFY(f.view.painted().isEmpty());
         QVERIFY(f.view.clickable().isEmpty());
         QVERIFY(!f.left()->isVisible());
-        QCOMPARE(f.left()->geometry(), QRect(8, 1, 108, 24)); // laid out all the same
+        QCOMPARE(f.left()->geometry(), QRect(8, 1, 108, 24)); // placed as if it were visible
     }
 
-    void nothingRunsWhileThePanelIsOut() {
+    void nothingRunsWhileThePanelIsHidden() {
         ViewFixture f;
         f.show(kBoth);
         f.host.clock.advance(18s);
@@ -261,7 +229,7 @@ private Q_SLOTS:
         QVERIFY(!f.left()->mark().image());
     }
 
-    void aSlotsNewCreativeKeepsTheOldPictureUntilItsOwnIsThere() {
+    void aNewCreativeKeepsTheOldPictureUntilItsOwnIsLoaded() {
         ViewFixture f;
         f.show(kBoth);
         f.show(reply({"{\"slotId\":\"left\",\"brandName\":\"New\","
@@ -288,13 +256,13 @@ private Q_SLOTS:
         f.show(kBoth);
         QCOMPARE(paints.take(), QStringList());
         QCOMPARE(regions.count(), 0);
-        // While a change does paint, and only where it is.
+        // A change is painted, and only where it is.
         QByteArray other = kBoth;
         f.show(other.replace("\"Left\"", "\"Else\""));
         QCOMPARE(paints.take(), QStringList{QStringLiteral("brimlet::NotchPill 28,2 73x20")});
     }
 
-    void betweenSwapsNothingIsPainted() {
+    void nothingIsPaintedWhileTheTextStandsStill() {
         ViewFixture f;
         f.show(kBoth);
         PaintLog paints(f.view);
@@ -307,7 +275,7 @@ private Q_SLOTS:
         QCOMPARE(paints.take(), QStringList());
     }
 
-    void aScrollPaintsTheRowsOfItsTextAlone() {
+    void aScrollPaintsOnlyTheRowsOfItsText() {
         ViewFixture f;
         f.show(kBoth);
         f.host.clock.advance(17600ms);
@@ -318,11 +286,11 @@ private Q_SLOTS:
             const QStringList painted = paints.take();
             QVERIFY(painted.size() <= 1);
             for (const QString& area : painted) {
-                const auto [first, end] = f.left()->line().rowsOfText();
-                QVERIFY(first > 0 && end < 20 && end - first >= 8);
+                const QRect box = f.left()->movingBox().translated(-f.left()->pos());
+                QVERIFY(box.top() > 2 && box.bottom() < 21 && box.height() >= 8);
                 QCOMPARE(area, QStringLiteral("brimlet::NotchPill 28,%1 73x%2")
-                                   .arg(2 + first)
-                                   .arg(end - first));
+                                   .arg(box.top())
+                                   .arg(box.height()));
             }
         }
         QCOMPARE(f.left()->line().offsetOnScreen(), -20);
@@ -336,9 +304,7 @@ private Q_SLOTS:
         const QSignalSpy regions(&f.view, &OverlayView::regionsChanged);
         for (const char* brand : {"\"One\"", "\"Two\"", "\"Three\""}) {
             QByteArray other = kBoth;
-            f.host.http.answer(QStringLiteral("/api/display"), 200,
-                               other.replace("\"Left\"", brand).replace("http:", "https:"));
-            startTask(f.store->refreshDisplay());
+            f.fetch(other.replace("\"Left\"", brand).replace("http:", "https:"));
             f.runtime.apply(*f.store, 184, 32);
             QCOMPARE(regions.count(), 0);
             QCOMPARE(f.left()->line().line(), QStringLiteral("Left"));
@@ -348,7 +314,7 @@ private Q_SLOTS:
         QCOMPARE(f.left()->line().line(), QStringLiteral("Three"));
     }
 
-    void aLinkWithoutAHostIsAButtonNamedByItsBrand() {
+    void theTooltipOfALinkWithoutAHostIsTheBrand() {
         ViewFixture f;
         f.show(
             reply({"{\"slotId\":\"left\",\"brandName\":\"Acme\",\"brandUrl\":\"https:///page\"}"}));
@@ -356,13 +322,11 @@ private Q_SLOTS:
         QVERIFY(f.left()->toolTip().contains(QStringLiteral(">Acme<")));
     }
 
-    void aClickOpensWhatThePillShows() {
+    void aClickOpensTheLinkOfTheVisibleCreative() {
         ViewFixture f;
         f.show(kBoth);
         QByteArray other = kBoth;
-        f.host.http.answer(QStringLiteral("/api/display"), 200,
-                           other.replace("https://l.test/\"", "https://new.test/\""));
-        startTask(f.store->refreshDisplay());
+        f.fetch(other.replace("https://l.test/\"", "https://new.test/\""));
         f.runtime.apply(*f.store, 184, 32);
         // The new creative has arrived, but the old one is still on screen.
         QTest::mouseClick(f.left(), Qt::LeftButton);
@@ -393,7 +357,7 @@ private Q_SLOTS:
         QVERIFY(!row->child(2));
     }
 
-    void hiddenPillsAreGoneForScreenReaders() {
+    void screenReadersFindNoHiddenPills() {
         ViewFixture f;
         f.show(reply({kRight}));
         QAccessibleInterface* const row = QAccessible::queryAccessibleInterface(&f.view);

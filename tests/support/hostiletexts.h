@@ -6,22 +6,24 @@
 #include <QFile>
 #include <QTest>
 
-#include <optional>
+#include <algorithm>
 
 namespace brimlet {
 
-/// Adds rows of hostile texts to the test's column "text".
+/// Adds the column "text" with rows of texts that break layouts.
 inline void addHostileTexts() {
     QTest::addColumn<QString>("text");
     const auto row = [](const char* name, const QString& text) { QTest::newRow(name) << text; };
     row("nothing", {});
     row("markup", u"<h1>big</h1><img src='file:///etc/passwd'>"_qs);
-    row("the tooltip's own end", u"</span><b>x"_qs);
+    row("the end tag of the tooltip's markup", u"</span><b>x"_qs);
     row("ampersand", u"R&D &amp; &lt;b&gt; &"_qs);
-    row("places", u"%1 %2 %n %L1 %%1"_qs);
+    row("placeholders", u"%1 %2 %n %L1 %%1"_qs);
     row("tab and breaks", u"a\tb\nc\r\nd\u2028e\u2029f\vg\fh\u0085i"_qs);
     row("NUL", QString::fromUtf16(u"a\0b", 3));
+    row("only NUL", QString(3, QChar(0)));
     row("lone surrogates", QString(300, QChar(0xD800)));
+    row("lone surrogates among blanks", QString::fromUtf16(u"\xD800 \xDC00 \xD800"));
     row("lone low surrogates", QString(300, QChar(0xDC00)) + u'x');
     row("no characters", u"\uFFFE\uFFFF\uFEFF"_qs);
     row("right to left",
@@ -30,7 +32,7 @@ inline void addHostileTexts() {
     row("overrides without end", u"\u202E\u202D\u2067\u2068\u202B"_qs.repeated(200) + u'x');
     row("5 000 marks", u'a' + QString(5'000, QChar(0x0301)));
     row("5 000 marks of nothing", QString(5'000, QChar(0x0489)));
-    row("5 000 joined", u"\U0001F468\u200D"_qs.repeated(5'000));
+    row("5 000 joined characters", u"\U0001F468\u200D"_qs.repeated(5'000));
     row("a million letters", QString(1'000'000, u'W'));
     row("a million words", u"words "_qs.repeated(166'667));
     row("a million blanks", QString(1'000'000, u' '));
@@ -38,10 +40,18 @@ inline void addHostileTexts() {
     row("a million ampersands", QString(1'000'000, u'&'));
     row("a million marks", QString(1'000'000, QChar(0x0301)));
     row("a million Arabic letters", QString(1'000'000, QChar(0x0628)));
-    row("as wide as a sentence", QString(100, QChar(0xFDFD)));
+    row("characters as wide as a sentence", QString(100, QChar(0xFDFD)));
 }
 
-/// Every line of the collection of naughty strings; none where the collection is not installed.
+/// Whether the text holds no line break and no other control character.
+inline bool isOneLine(const QString& text) {
+    return std::none_of(text.begin(), text.end(), [](QChar c) {
+        return c.category() == QChar::Other_Control || c == QChar::LineSeparator ||
+               c == QChar::ParagraphSeparator;
+    });
+}
+
+/// Every line of the collection of naughty strings; empty where it is not installed.
 inline QByteArrayList naughtyStrings() {
     const QDir folder(samplePath(u"strings"));
     QByteArrayList lines;
@@ -52,6 +62,24 @@ inline QByteArrayList naughtyStrings() {
         }
     }
     return lines;
+}
+
+/// Calls `check` with each of the naughty strings until the test fails. Skips the test where they
+/// are not installed.
+template <typename Check>
+void checkNaughtyStrings(Check check) {
+    const QByteArrayList texts = naughtyStrings();
+    if (texts.isEmpty()) {
+        QSKIP("there is no collection of texts at BRIMLET_CORPORA");
+    }
+    QVERIFY(texts.size() > 100);
+    for (const QByteArray& text : texts) {
+        check(QString::fromUtf8(text));
+        if (QTest::currentTestFailed()) {
+            qInfo("the text was %s", text.constData());
+            return;
+        }
+    }
 }
 
 } // namespace brimlet
