@@ -24,7 +24,7 @@ Rect panelFrame(const Rect& screenFrame, const NotchMetrics& notch) {
     constexpr double kSideAllowance = 28;
     constexpr double kMinimumBandHeight = 24;
     constexpr double kBottomAllowance = 8;
-    // Two additions in this order: with a fractional notch width one sum of both would round apart.
+    // In this order: adding the sum of both would round fractional notch widths differently.
     const double width = (notch.width + kPillAllowance) + kSideAllowance;
     const double height = std::max(notch.height, kMinimumBandHeight) + kBottomAllowance;
     return {screenFrame.midX() - width * 0.5, screenFrame.maxY() - height, width, height};

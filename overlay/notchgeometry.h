@@ -14,11 +14,12 @@ struct NotchMetrics final {
     bool operator==(const NotchMetrics&) const = default;
 };
 
-/// Measures the notch from the strips beside it; at least 20 by 22 points. Without a built-in
-/// screen, or on one without strips, 180 by 32.
+/// Measures the notch between the auxiliary areas on its left and right: at least 20 by 22 points,
+/// or 180 by 32 without a built-in screen or one of the areas.
 [[nodiscard]] NotchMetrics notchMetrics(const std::optional<Screen>& builtIn);
 
-/// Where the panel stands: centred on the screen's top edge, with room for a pill on either side.
+/// The panel's frame in the coordinates of `screenFrame`, in points: centred at the screen's top
+/// edge, with room for a pill on either side of the notch.
 [[nodiscard]] Rect panelFrame(const Rect& screenFrame, const NotchMetrics& notch);
 
 } // namespace brimlet

@@ -1,12 +1,16 @@
 #include "overlay/overlaylayout.h"
 
 namespace brimlet {
+namespace {
 
+/// Points.
 double pillWidth(const std::optional<SlotCreative>& creative) {
     const bool hasText =
         creative && (!creative->brandName.isEmpty() || !creative->tagline.isEmpty());
     return hasText ? 108 : 36;
 }
+
+} // namespace
 
 OverlayLayout overlayLayout(double panelWidth, double notchWidth,
                             const std::optional<SlotCreative>& left,

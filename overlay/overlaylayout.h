@@ -6,7 +6,8 @@
 
 namespace brimlet {
 
-/// A pill's place inside the panel: points, origin at the panel's top left, y growing downwards.
+/// A pill's rectangle in the panel, in points: the origin is the panel's top left corner, y grows
+/// downwards.
 struct PillFrame final {
     double x = 0;
     double y = 0;
@@ -16,6 +17,7 @@ struct PillFrame final {
     bool operator==(const PillFrame&) const = default;
 };
 
+/// The places of both pills, also of one that is not shown.
 struct OverlayLayout final {
     PillFrame left;
     PillFrame right;
@@ -23,11 +25,10 @@ struct OverlayLayout final {
     bool operator==(const OverlayLayout&) const = default;
 };
 
-/// What a slot takes up: 108 points with any text, 36 with none or without a creative.
-[[nodiscard]] double pillWidth(const std::optional<SlotCreative>& creative);
-
-/// The row of left pill, gap of the notch's width and right pill, hung from the panel's top edge
-/// and centred as a whole, so that unequal slots move the gap off the notch.
+/// Places left pill, gap and right pill in a row at the panel's top edge. A pill is 108 points
+/// wide, or 36 without text or without a creative; the gap is as wide as the notch plus 6 points on
+/// either side. The row as a whole is centred, so pills of different widths shift the gap. Widths
+/// in points.
 [[nodiscard]] OverlayLayout overlayLayout(double panelWidth, double notchWidth,
                                           const std::optional<SlotCreative>& left,
                                           const std::optional<SlotCreative>& right);

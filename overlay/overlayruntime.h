@@ -12,23 +12,25 @@ namespace brimlet {
 
 class HostStore;
 
-/// The observable state behind the overlay's views. Main thread only.
+/// The observable state that the overlay's views show. Main thread only.
 class OverlayRuntime final : public QObject {
     Q_OBJECT
 
 public:
-    /// The workspace outlives the runtime.
+    /// `workspace` outlives the runtime.
     explicit OverlayRuntime(Workspace& workspace)
         : m_workspace(workspace) {}
 
-    /// Copies what the views show from the store: five changes, each announced, equal or not. The
-    /// creatives are copied whether or not ads are visible; hiding is the views' business.
+    /// Copies the five fields below from the store and the notch's size in points. Each is
+    /// announced, even if its value stays the same. The creatives are copied even while ads are
+    /// hidden.
     void apply(const HostStore& store, double notchWidth, double notchHeight);
 
-    /// Opens the creative's brand page, if ads are visible and the link rule allows it.
+    /// Opens the creative's brand page in the workspace if ads are visible and the link rule allows
+    /// it; otherwise does nothing.
     void open(const std::optional<SlotCreative>& creative);
 
-    /// The link rule.
+    /// Whether the link rule allows the address.
     [[nodiscard]] static bool canOpen(const Url& url);
 
     [[nodiscard]] bool visible() const { return m_visible; }
@@ -36,11 +38,11 @@ public:
     [[nodiscard]] const std::optional<SlotCreative>& right() const { return m_right; }
     /// Points.
     [[nodiscard]] double notchWidth() const { return m_notchWidth; }
-    /// Points.
+    /// Points. Published with the width, although no view needs it: the pills' height is fixed.
     [[nodiscard]] double notchHeight() const { return m_notchHeight; }
 
 Q_SIGNALS:
-    /// A field is about to change; it still has its old value.
+    /// Emitted before a field is set, while it still has its old value.
     void objectWillChange();
 
 private:

@@ -34,7 +34,7 @@ OverlayView::OverlayView(OverlayRuntime& runtime, const CreativeEnvironment& env
 }
 
 void OverlayView::rebuild() {
-    // The runtime announces every reply, and almost all are equal to the one before.
+    // The runtime announces every reply, although most are equal to the one before.
     Parts parts{.visible = m_runtime.visible(),
                 .left = m_runtime.left(),
                 .right = m_runtime.right(),
@@ -48,10 +48,10 @@ void OverlayView::rebuild() {
     placeRow();
     m_left->setVisible(m_runtime.visible() && m_runtime.left());
     m_right->setVisible(m_runtime.visible() && m_runtime.right());
-    updateRegions(); // told of when what can be clicked is there
+    updateRegions(); // last, so that its signal comes when the pills can be clicked
 }
 
-/// Nothing, a pill that opens its brand's page, or one for show only.
+/// Shows no creative, one that opens its brand's page, or one that is not clickable.
 void OverlayView::pill(NotchPill& view, const std::optional<SlotCreative>& creative) {
     if (!creative) {
         view.setCreative(std::nullopt, false);
@@ -89,13 +89,13 @@ void OverlayView::updateRegions() {
     }
 }
 
-/// Straight into the window's pixels, and both texts when both are due, so that the display server
-/// is sent one message. A step by `repaint()` takes a third more instructions, 22 times a second.
+/// Paints directly into the backing store, and the other text as well if it is due, so that one
+/// flush serves both. With `repaint()` a step takes a third more instructions, 22 times a second.
 void OverlayView::paintStep(NotchPill& moved) {
     QBackingStore* const store = backingStore();
     const QWidget* const top = window();
     if (!moved.isVisible() || store == nullptr || store->size() != top->size()) {
-        return; // as a whole it is still to be painted
+        return; // the next paint event paints all of it
     }
     NotchPill& other = &moved == m_left ? *m_right : *m_left;
     std::vector<NotchPill*> pills{&moved};
@@ -120,7 +120,7 @@ void OverlayView::paintStep(NotchPill& moved) {
 
 void OverlayView::resizeEvent(QResizeEvent* /*event*/) {
     if (m_rebuild.isDue()) {
-        m_parts.reset(); // the row is placed by what the runtime says by now
+        m_parts.reset(); // the row is placed by newer state than m_parts
     }
     placeRow();
     updateRegions();

@@ -13,30 +13,30 @@ namespace brimlet {
 
 class NotchPill;
 
-/// The overlay's picture: a pill on either side of a gap of the notch's size. It draws the runtime
-/// and repaints at most once per turn of the event loop, and not at all when nothing it draws
-/// changed. A step of a scrolling text is painted at once.
+/// Shows the runtime's state: a pill on either side of the notch. Updates at most once per turn of
+/// the event loop, and not at all when nothing visible changed. A step of a scrolling text is
+/// painted at once.
 class OverlayView final : public QWidget {
     Q_OBJECT
 
 public:
-    /// The runtime outlives the view.
+    /// `runtime` and what `environment` refers to outlive the view.
     OverlayView(OverlayRuntime& runtime, const CreativeEnvironment& environment);
 
     /// The clickable capsules' shape in the view's coordinates.
     [[nodiscard]] const QRegion& clickable() const { return m_clickable; }
-    /// The shape of everything painted.
+    /// The shape of all shown capsules, in the view's coordinates.
     [[nodiscard]] const QRegion& painted() const { return m_painted; }
 
 Q_SIGNALS:
-    /// One of the two shapes is another one now.
+    /// At least one of the two shapes has changed.
     void regionsChanged();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    /// What the picture is made of.
+    /// The runtime's fields that decide what is visible.
     struct Parts final {
         bool visible = false;
         std::optional<SlotCreative> left;
@@ -56,7 +56,7 @@ private:
     NotchPill* m_left;
     NotchPill* m_right;
     OncePerTurn m_rebuild{[this] { rebuild(); }};
-    std::optional<Parts> m_parts; ///< Of the present picture.
+    std::optional<Parts> m_parts; ///< As shown now.
     QRegion m_clickable;
     QRegion m_painted;
 };

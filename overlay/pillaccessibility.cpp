@@ -45,7 +45,7 @@ private:
     NotchPill& m_pill;
 };
 
-/// The row: its children are the pills that are shown.
+/// The row, whose children are the visible pills.
 class AccessibleRow final : public QAccessibleWidget {
 public:
     explicit AccessibleRow(OverlayView* view)

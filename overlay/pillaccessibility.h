@@ -2,9 +2,8 @@
 
 namespace brimlet {
 
-/// Tells screen readers of the overlay's views: a clickable pill is a link with a press action, any
-/// other one a text, and a pill that is not shown is not there. Once per process; again does
-/// nothing.
+/// Installs the accessible interfaces of the overlay's views: a clickable pill is a link with a
+/// press action, any other pill a text, and a hidden pill is left out. Further calls do nothing.
 void describePillsToScreenReaders();
 
 } // namespace brimlet

@@ -32,7 +32,7 @@ QString shortToolTip(const QString& text) {
 
 QString asPlainToolTip(const QString& text) {
     const QString line = shortToolTip(text);
-    // Qt's tooltips guess whether a text is markup. This one is, and all it holds is the text.
+    // Qt's tooltips guess whether a text is markup. This one is, with the text escaped.
     return line.isEmpty() ? line
                           : QStringLiteral("<span style='white-space:pre'>%1</span>")
                                 .arg(line.toHtmlEscaped());

@@ -4,18 +4,18 @@
 
 namespace brimlet {
 
-/// What a clickable pill's tooltip says: the host its link leads to, as it is written in addresses,
-/// so that a look-alike shows for what it is; the brand's name on one line where the link has none.
+/// The text of a clickable pill's tooltip: the link's host in the encoded form, so that a
+/// look-alike host is recognisable; the brand's name on one line if the link has no host.
 [[nodiscard]] QString toolTipOf(const SlotCreative& creative);
 
-/// What a screen reader says of a pill: brand and tagline, once where they are the same; of a pill
-/// with a picture alone where it leads to.
+/// A pill's accessible name: brand and tagline, only once where they are equal; for a pill without
+/// text the same as its tooltip.
 [[nodiscard]] QString spokenTextOf(const SlotCreative& creative);
 
-/// The text on one line of a length that suits a tooltip, with an ellipsis where it was cut.
+/// The text on one line of at most 120 UTF-16 units, followed by an ellipsis if it was cut.
 [[nodiscard]] QString shortToolTip(const QString& text);
 
-/// The same so that a tooltip of Qt's shows it as written.
+/// The same as markup, so that a tooltip of Qt shows exactly this text; empty for an empty text.
 [[nodiscard]] QString asPlainToolTip(const QString& text);
 
 } // namespace brimlet

@@ -1,16 +1,14 @@
 #pragma once
 
-#include "creative/creativeimagecache.h"
-#include "overlay/overlayview.h"
-#include "tests/support/hostfixture.h"
+#include "tests/overlay/shownoverlay.h"
 #include "tests/support/pngbytes.h"
 
 #include <QPainter>
-#include <QTemporaryDir>
+#include <QTest>
 
 namespace brimlet {
 
-/// A real overlay view beside a notch of 184 by 32 points, fed by fakes, and what it paints.
+/// An overlay view beside a notch of 184 by 32 points, and what it paints.
 class PaintedView final {
 public:
     /// In points.
@@ -19,47 +17,37 @@ public:
     /// The service answers with `creatives`, a list in JSON, and with the picture for
     /// "https://brand.test/picture.png".
     PaintedView(const QByteArray& creatives, const QImage& picture) {
-        m_caches.folder = m_folder.path();
-        m_host.http.answer(QStringLiteral("/picture.png"), 200, pngOf(picture));
-        m_host.http.answer(QStringLiteral("/none.png"), 404, {});
-        m_host.http.answer(QStringLiteral("/api/display"), 200,
-                           R"({"weekStatus":"live","creatives":)" + creatives + '}');
-        m_view.resize(size);
-        m_view.show();
-        startTask(m_store->refreshDisplay());
-        m_runtime.apply(*m_store, 184, 32);
-        QCoreApplication::sendPostedEvents();
+        m_overlay.host.http.answer(QStringLiteral("/picture.png"), 200, pngOf(picture));
+        m_overlay.host.http.answer(QStringLiteral("/none.png"), 404, {});
+        m_overlay.show(R"({"weekStatus":"live","creatives":)" + creatives + '}');
     }
 
-    /// What it paints now on a screen with so many pixels to a point; elsewhere transparent.
+    /// What it paints now at this scale; transparent elsewhere.
     [[nodiscard]] QImage picture(double devicePixelRatio) {
-        QImage picture(size * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
-        picture.setDevicePixelRatio(devicePixelRatio);
-        picture.fill(Qt::transparent);
-        m_view.render(&picture, {}, {}, QWidget::DrawChildren);
-        return picture;
+        return m_overlay.picture(devicePixelRatio);
     }
-    /// The same as it looks on a ground of one colour.
-    [[nodiscard]] QImage pictureOver(const QColor& ground, double devicePixelRatio) {
+    /// The same over a background of one colour.
+    [[nodiscard]] QImage pictureOver(const QColor& background, double devicePixelRatio) {
         const QImage top = picture(devicePixelRatio);
         QImage whole(top.size(), QImage::Format_RGB32);
         whole.setDevicePixelRatio(devicePixelRatio);
-        whole.fill(ground);
+        whole.fill(background);
         QPainter(&whole).drawImage(0, 0, top);
         return whole;
     }
 
-    void advance(std::chrono::nanoseconds time) { m_host.clock.advance(time); }
+    void advance(std::chrono::nanoseconds time) { m_overlay.host.clock.advance(time); }
 
 private:
-    QTemporaryDir m_folder;
-    FakeCachesFolder m_caches;
-    FakeReduceMotion m_reduceMotion;
-    HostFixture m_host;
-    CreativeImageCache m_images{{m_host.http, m_caches}, 1};
-    std::shared_ptr<HostStore> m_store = m_host.makeStore();
-    OverlayRuntime m_runtime{m_host.workspace};
-    OverlayView m_view{m_runtime, {m_images, m_host.clock, m_reduceMotion}};
+    ShownOverlay m_overlay;
 };
+
+/// Adds the column "ratio" with the usual scales.
+inline void addScales() {
+    QTest::addColumn<double>("ratio");
+    QTest::newRow("scale 1") << 1.0;
+    QTest::newRow("scale 1.5") << 1.5;
+    QTest::newRow("scale 2") << 2.0;
+}
 
 } // namespace brimlet

@@ -7,7 +7,7 @@ using namespace brimlet;
 
 namespace {
 
-/// A screen 1000 by 800 whose notch leaves the given gap and reaches down the given heights.
+/// A screen of 1000 by 800 points with the given gap between areas of the given heights.
 Screen screenWith(double gap, double leftHeight, double rightHeight) {
     Screen screen;
     screen.frame = {100, 200, 1000, 800};
@@ -22,7 +22,7 @@ class TestGeometry final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theNotchIsMeasuredBetweenTheStrips_data() {
+    void theNotchIsMeasuredBetweenTheAreas_data() {
         QTest::addColumn<double>("gap");
         QTest::addColumn<double>("leftHeight");
         QTest::addColumn<double>("rightHeight");
@@ -31,15 +31,15 @@ private Q_SLOTS:
         QTest::newRow("a laptop's") << 184.0 << 32.0 << 32.0 << 184.0 << 32.0;
         QTest::newRow("a gap of 12 is 20") << 12.0 << 32.0 << 32.0 << 20.0 << 32.0;
         QTest::newRow("a gap of exactly 20") << 20.0 << 32.0 << 32.0 << 20.0 << 32.0;
-        QTest::newRow("overlapping strips") << -30.0 << 32.0 << 32.0 << 20.0 << 32.0;
+        QTest::newRow("overlapping areas") << -30.0 << 32.0 << 32.0 << 20.0 << 32.0;
         QTest::newRow("a height of 18 is 22") << 184.0 << 18.0 << 18.0 << 184.0 << 22.0;
         QTest::newRow("a height of exactly 22") << 184.0 << 22.0 << 22.0 << 184.0 << 22.0;
         QTest::newRow("a height of 38") << 184.0 << 38.0 << 38.0 << 184.0 << 38.0;
-        QTest::newRow("the taller left strip") << 184.0 << 40.0 << 30.0 << 184.0 << 40.0;
-        QTest::newRow("the taller right strip") << 184.0 << 30.0 << 40.0 << 184.0 << 40.0;
+        QTest::newRow("the taller left area") << 184.0 << 40.0 << 30.0 << 184.0 << 40.0;
+        QTest::newRow("the taller right area") << 184.0 << 30.0 << 40.0 << 184.0 << 40.0;
         QTest::newRow("fractions") << 184.5 << 32.25 << 32.0 << 184.5 << 32.25;
     }
-    void theNotchIsMeasuredBetweenTheStrips() {
+    void theNotchIsMeasuredBetweenTheAreas() {
         QFETCH(double, gap);
         QFETCH(double, leftHeight);
         QFETCH(double, rightHeight);
@@ -48,7 +48,7 @@ private Q_SLOTS:
         QTEST(notch.height, "height");
     }
 
-    void withoutScreenOrStripsTheNotchIs180By32() {
+    void withoutScreenOrAreasTheNotchIs180By32() {
         const NotchMetrics fallback{180, 32};
         QCOMPARE(notchMetrics(std::nullopt), fallback);
         Screen screen = screenWith(184, 32, 32);

@@ -22,11 +22,17 @@ class TestLayout final : public QObject {
 private Q_SLOTS:
     void aPillWithAnyTextIsWide() {
         const auto text = QStringLiteral("x");
-        QCOMPARE(pillWidth(creative(text, {})), 108.0);
-        QCOMPARE(pillWidth(creative({}, text)), 108.0);
-        QCOMPARE(pillWidth(creative(text, text)), 108.0);
-        QCOMPARE(pillWidth(creative({}, {})), 36.0);
-        QCOMPARE(pillWidth(std::nullopt), 36.0);
+        const auto widths = [](const std::optional<SlotCreative>& pill) {
+            const OverlayLayout row = overlayLayout(428, 184, pill, pill);
+            return std::pair(row.left.width, row.right.width);
+        };
+        const std::pair wide(108.0, 108.0);
+        const std::pair narrow(36.0, 36.0);
+        QVERIFY(widths(creative(text, {})) == wide);
+        QVERIFY(widths(creative({}, text)) == wide);
+        QVERIFY(widths(creative(text, text)) == wide);
+        QVERIFY(widths(creative({}, {})) == narrow);
+        QVERIFY(widths(std::nullopt) == narrow);
     }
 
     void twoWidePillsLeaveEightPointsOnEitherSide() {
@@ -37,13 +43,13 @@ private Q_SLOTS:
         QCOMPARE(row.right.x + row.right.width, 428.0 - 8);
     }
 
-    void twoEmptySlotsKeepALittleRoom() {
+    void twoEmptySlotsAre36PointsWide() {
         const OverlayLayout row = overlayLayout(428, 184, std::nullopt, std::nullopt);
         QCOMPARE(row.left, (PillFrame{80, 1, 36, 24}));
         QCOMPARE(row.right, (PillFrame{80 + 36 + 6 + 184 + 6, 1, 36, 24}));
     }
 
-    void unequalSlotsMoveTheGapOffTheNotch() {
+    void pillsOfDifferentWidthsShiftTheGap() {
         const auto pill = creative(QStringLiteral("x"), {});
         const OverlayLayout row = overlayLayout(428, 184, std::nullopt, pill);
         const double gapCentre = row.left.x + row.left.width + 6 + 92;

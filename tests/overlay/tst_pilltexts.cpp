@@ -39,18 +39,18 @@ private Q_SLOTS:
         QTEST(toolTipOf(creative(QStringLiteral("Acme"), {}, link)), "text");
     }
 
-    void aShortTooltipIsOneLineOfBearableLength_data() {
+    void aShortTooltipIsOneLineOfAtMost120Units_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("shown");
         const QString longest(120, u'x');
         QTest::newRow("a host") << QStringLiteral("brand.test") << QStringLiteral("brand.test");
         QTest::newRow("markup stays") << QStringLiteral("<b>A</b>") << QStringLiteral("<b>A</b>");
         QTest::newRow("line break") << QStringLiteral("a\nb") << QStringLiteral("a b");
-        QTest::newRow("as long as may be") << longest << longest;
+        QTest::newRow("at the limit") << longest << longest;
         QTest::newRow("longer") << longest + u'y' << longest + QChar(0x2026);
         QTest::newRow("nothing") << QString() << QString();
     }
-    void aShortTooltipIsOneLineOfBearableLength() {
+    void aShortTooltipIsOneLineOfAtMost120Units() {
         QFETCH(QString, text);
         QTEST(shortToolTip(text), "shown");
     }
@@ -76,9 +76,9 @@ private Q_SLOTS:
         QVERIFY(toolTip.contains(u'>' + inside + u'<'));
     }
 
-    void nothingToSayIsNoTooltip() { QCOMPARE(asPlainToolTip({}), QString()); }
+    void anEmptyTextIsNoTooltip() { QCOMPARE(asPlainToolTip({}), QString()); }
 
-    void spokenAreBrandAndTagline_data() {
+    void theAccessibleNameIsBrandAndTagline_data() {
         QTest::addColumn<QString>("brand");
         QTest::addColumn<QString>("tagline");
         QTest::addColumn<QString>("text");
@@ -93,13 +93,13 @@ private Q_SLOTS:
         row("the same", "Acme", " Acme ", "Acme");
         row("neither", "", "", "");
     }
-    void spokenAreBrandAndTagline() {
+    void theAccessibleNameIsBrandAndTagline() {
         QFETCH(QString, brand);
         QFETCH(QString, tagline);
         QTEST(spokenTextOf(creative(brand, tagline)), "text");
     }
 
-    void aPictureAloneIsCalledByItsHost() {
+    void withoutTextTheAccessibleNameIsTheHost() {
         QCOMPARE(spokenTextOf(
                      creative({}, QStringLiteral(" "), QStringLiteral("https://brand.test/page"))),
                  QStringLiteral("brand.test"));

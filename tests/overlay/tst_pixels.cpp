@@ -20,7 +20,7 @@ constexpr const char* kPicturesOnly =
     "[{\"slotId\":\"left\",\"assetUrl\":\"https://brand.test/picture.png\"},"
     "{\"slotId\":\"right\",\"assetUrl\":\"https://brand.test/picture.png\"}]";
 
-/// A painted view, looked at in pixels.
+/// A painted view and its pixels.
 struct Fixture final {
     Fixture(double devicePixelRatio, const char* creatives)
         : ratio(devicePixelRatio)
@@ -34,14 +34,14 @@ struct Fixture final {
         return image;
     }
 
-    /// A rectangle of points with each edge on the nearest pixel.
+    /// A rectangle in points with each edge at the nearest pixel.
     [[nodiscard]] QRect onScreen(const QRect& points) const {
         const auto edge = [this](int at) { return qRound(at * ratio); };
         const QPoint topLeft(edge(points.left()), edge(points.top()));
         return {topLeft, QSize(edge(points.left() + points.width()) - topLeft.x(),
                                edge(points.top() + points.height()) - topLeft.y())};
     }
-    /// The smallest rectangle around the pixels of an area for which the condition holds.
+    /// The smallest rectangle around the pixels in an area that meet the condition.
     [[nodiscard]] static QRect bounds(const QImage& image, const QRect& area,
                                       const std::function<bool(QRgb)>& condition) {
         QRect found;
@@ -54,7 +54,7 @@ struct Fixture final {
         }
         return found;
     }
-    /// What is painted at all in the left or the right half.
+    /// The smallest rectangle around everything painted in an area.
     [[nodiscard]] QRect paintedIn(const QRect& half) const {
         return bounds(painted, half, [](QRgb pixel) { return qAlpha(pixel) > 0; });
     }
@@ -80,34 +80,26 @@ constexpr QRect kRightPill(312, 1, 108, 24);
 
 } // namespace
 
-/// What is where, to the pixel and whatever the font.
+/// The position of each part to the pixel, independent of the font.
 class TestPixels final : public QObject {
     Q_OBJECT
 
-private:
-    static void scales() {
-        QTest::addColumn<double>("ratio");
-        QTest::newRow("scale 1") << 1.0;
-        QTest::newRow("scale 1.5") << 1.5;
-        QTest::newRow("scale 2") << 2.0;
-    }
-
 private Q_SLOTS:
-    void pillsOf108By24StandSixBesideTheGap_data() { scales(); }
-    void pillsOf108By24StandSixBesideTheGap() {
+    void pillsOf108By24AreSixPointsBesideTheGap_data() { addScales(); }
+    void pillsOf108By24AreSixPointsBesideTheGap() {
         QFETCH(double, ratio);
         const Fixture f(ratio, kTexts);
         const QRect left = f.paintedIn(f.leftHalf());
         const QRect right = f.paintedIn(f.rightHalf());
         QCOMPARE(left, f.onScreen(kLeftPill));
         QCOMPARE(right, f.onScreen(kRightPill));
-        // The notch's width and two spacings between them, eight points on either side.
+        // Between them are the notch's width and two spacings, on either side eight points.
         QCOMPARE(right.left() - left.right() - 1, qRound((6 + 184 + 6) * ratio));
         QCOMPARE(left.left(), qRound(8 * ratio));
         QCOMPARE(f.painted.width() - right.right() - 1, qRound(8 * ratio));
     }
 
-    void aPillWithoutTextIs36Wide_data() { scales(); }
+    void aPillWithoutTextIs36Wide_data() { addScales(); }
     void aPillWithoutTextIs36Wide() {
         QFETCH(double, ratio);
         const Fixture f(ratio, kPicturesOnly);
@@ -116,13 +108,13 @@ private Q_SLOTS:
     }
 
     void onePointStaysFreeAboveInWholePixels() {
-        // One and a half pixels are none of a screen's: they become two.
+        // One and a half pixels are rounded to two.
         QCOMPARE(Fixture(1, kTexts).paintedIn({0, 0, 214, 40}).top(), 1);
         QCOMPARE(Fixture(1.5, kTexts).paintedIn({0, 0, 321, 60}).top(), 2);
         QCOMPARE(Fixture(2, kTexts).paintedIn({0, 0, 428, 80}).top(), 2);
     }
 
-    void straightEdgesAreSharp_data() { scales(); }
+    void straightEdgesAreSharp_data() { addScales(); }
     void straightEdgesAreSharp() {
         QFETCH(double, ratio);
         const Fixture f(ratio, kTexts);
@@ -135,11 +127,11 @@ private Q_SLOTS:
         QCOMPARE(alpha(pill.bottom() + 1), 0);
     }
 
-    void cornersAreTransparent_data() { scales(); }
+    void cornersAreTransparent_data() { addScales(); }
     void cornersAreTransparent() {
         QFETCH(double, ratio);
         const Fixture f(ratio, kTexts);
-        // Squares of three points, from which a circle of twelve stays away.
+        // Squares of three points, which a circle with a radius of twelve does not reach.
         const QSize square = f.onScreen({0, 0, 3, 3}).size() - QSize(1, 1);
         for (const QRect& points : {kLeftPill, kRightPill}) {
             const QRect pill = f.onScreen(points);
@@ -154,8 +146,8 @@ private Q_SLOTS:
         }
     }
 
-    void theGroundIsBlackAt96Percent_data() { scales(); }
-    void theGroundIsBlackAt96Percent() {
+    void theBackgroundIsBlackAt96Percent_data() { addScales(); }
+    void theBackgroundIsBlackAt96Percent() {
         QFETCH(double, ratio);
         const Fixture f(ratio, kTexts);
         // Before the mark, and after a short text.
@@ -168,25 +160,25 @@ private Q_SLOTS:
         }
     }
 
-    void theRimIsTheInnerHalfOfAThinWhiteLine_data() { scales(); }
+    void theRimIsTheInnerHalfOfAThinWhiteLine_data() { addScales(); }
     void theRimIsTheInnerHalfOfAThinWhiteLine() {
         QFETCH(double, ratio);
         const Fixture f(ratio, kTexts);
         const QRect pill = f.onScreen(kLeftPill);
         const int x = pill.center().x();
-        // Of the half-point line a quarter point is inside, which covers as much of one pixel row.
+        // A quarter point of the half-point line is inside and covers that share of one pixel row.
         const int rim = underLine(0.14 * 0.25 * ratio);
-        const int ground = underLine(0);
+        const int background = underLine(0);
         for (const int y : {pill.top(), pill.bottom()}) {
             QVERIFY2(std::abs(f.grey({x, y}) - rim) <= 2,
                      qPrintable(QStringLiteral("%1, not %2").arg(f.grey({x, y})).arg(rim)));
         }
-        QVERIFY(rim >= ground + 8);
-        QVERIFY(std::abs(f.grey({x, pill.top() + 1}) - ground) <= 1);
-        QVERIFY(std::abs(f.grey({x, pill.bottom() - 1}) - ground) <= 1);
+        QVERIFY(rim >= background + 8);
+        QVERIFY(std::abs(f.grey({x, pill.top() + 1}) - background) <= 1);
+        QVERIFY(std::abs(f.grey({x, pill.bottom() - 1}) - background) <= 1);
     }
 
-    void theMarkFillsSixteenPointsSevenFromTheEnd_data() { scales(); }
+    void theMarkFillsSixteenPointsSevenFromTheEnd_data() { addScales(); }
     void theMarkFillsSixteenPointsSevenFromTheEnd() {
         QFETCH(double, ratio);
         const Fixture f(ratio, kTexts);
@@ -194,25 +186,25 @@ private Q_SLOTS:
         const auto isReddish = [](QRgb pixel) { return qRed(pixel) > qGreen(pixel) + 8; };
         const QRect left = f.onScreen({8 + 7, 1 + 4, 16, 16});
         QCOMPARE(Fixture::bounds(f.painted, f.leftHalf(), isRed), left);
-        // No soft edges around it either.
+        // It has no soft edges either.
         QCOMPARE(Fixture::bounds(f.painted, f.leftHalf(), isReddish), left);
         QCOMPARE(Fixture::bounds(f.painted, f.rightHalf(), isReddish),
                  f.onScreen({312 + 7, 1 + 4, 16, 16}));
     }
 
-    void theTextFillsWhatTheMarkLeaves_data() { scales(); }
-    void theTextFillsWhatTheMarkLeaves() {
+    void theTextFillsTheRestBesideTheMark_data() { addScales(); }
+    void theTextFillsTheRestBesideTheMark() {
         QFETCH(double, ratio);
         const Fixture f(ratio, kTexts);
         const auto isText = [](QRgb pixel) { return qGreen(pixel) > 64; };
         const QRect line = f.onScreen({8 + 7 + 16 + 5, 1, 108 - 7 - 16 - 5 - 7, 24});
         const QRect text = Fixture::bounds(f.painted, f.leftHalf(), isText);
         QVERIFY(line.contains(text));
-        // A letter begins with some air of its own.
+        // A letter has a bearing of its own.
         QVERIFY(text.left() - line.left() <= 2.5 * ratio);
-        // Upright in the middle, give or take what a font's own proportions do.
+        // Vertically centred, apart from the font's own proportions.
         QVERIFY(std::abs(text.center().y() - line.center().y()) <= 1.5 * ratio);
-        // One too wide is cut off at the line's end: the last letters reach it.
+        // A text that is too wide is cut off at the line's end, so letters reach it.
         QVERIFY(line.right() - text.right() <= 6 * ratio);
     }
 };

@@ -36,7 +36,7 @@ QByteArray list(std::initializer_list<const char*> creatives) {
     return '[' + all.join(',') + ']';
 }
 
-/// Four colours, so that a turned one shows.
+/// Four colours, so that a rotated picture looks different.
 QImage fourColours() {
     QImage image(64, 64, QImage::Format_RGB32);
     image.fill(Qt::red);
@@ -47,8 +47,8 @@ QImage fourColours() {
     return image;
 }
 
-/// The share of pixels, from 0 to 1, in which two pictures of one size differ clearly. Where
-/// letters are smoothed in another way they differ by up to 26 levels.
+/// The share of pixels, from 0 to 1, that differ clearly between two pictures of the same size. A
+/// different smoothing of letters changes pixels by up to 26 levels, which does not count.
 double clearDifference(const QImage& picture, const QImage& other) {
     constexpr int kClear = 32;
     const auto differ = [](int level, int otherLevel) {
@@ -68,14 +68,14 @@ double clearDifference(const QImage& picture, const QImage& other) {
     return double(count) / (double(picture.width()) * picture.height());
 }
 
-/// Half of what a mark makes at scale 2 that is out of place by one pixel.
+/// Half of the share that differs when a mark at scale 2 is shifted by one pixel.
 constexpr double kTolerance = 0.0005;
 
 bool looksTheSame(const QImage& picture, const QImage& other) {
     return picture.size() == other.size() && clearDifference(picture, other) <= kTolerance;
 }
 
-/// The picture with what is in the box moved.
+/// The picture with the content of the box shifted.
 QImage withMoved(const QImage& picture, const QRect& box, const QPoint& by) {
     QImage moved = picture;
     moved.setDevicePixelRatio(1);
@@ -85,36 +85,28 @@ QImage withMoved(const QImage& picture, const QRect& box, const QPoint& by) {
     return moved;
 }
 
-/// Slight hinting whatever the desktop prefers: full hinting moves letters.
+/// The font of the reference pictures, with fixed hinting whatever the desktop prefers.
 QFont inter(QFont::HintingPreference hinting) {
     QFont font(QStringLiteral("Inter"));
     font.setHintingPreference(hinting);
     return font;
 }
 
-constexpr QColor kGround(160, 160, 160);
+constexpr QColor kBackground(160, 160, 160);
 
 } // namespace
 
-/// What the overlay looks like, compared with pictures that were found right by eye. They are made
-/// anew by running this test with BRIMLET_UPDATE_REFERENCES=1; look at them before you keep them.
+/// Compares what the overlay paints with reference pictures that were checked by eye. With
+/// BRIMLET_UPDATE_REFERENCES=1 this test replaces them; check new ones before committing them.
 class TestReference final : public QObject {
     Q_OBJECT
-
-private:
-    static void scales() {
-        QTest::addColumn<double>("ratio");
-        QTest::newRow("scale 1") << 1.0;
-        QTest::newRow("scale 1.5") << 1.5;
-        QTest::newRow("scale 2") << 2.0;
-    }
 
 private Q_SLOTS:
     void initTestCase() {
         if (!QFontDatabase::hasFamily(QStringLiteral("Inter"))) {
             QSKIP("The font Inter, in which the reference pictures are set, is not installed.");
         }
-        // Before anything uses the overlay's fonts, which are made once.
+        // Before the first use of the overlay's fonts, which are made once.
         QGuiApplication::setFont(inter(QFont::PreferVerticalHinting));
     }
 
@@ -144,11 +136,11 @@ private Q_SLOTS:
         QFETCH(QString, file);
         PaintedView view(creatives, fourColours());
         if (isScrolling) {
-            (void)view.picture(ratio); // tells it the scale
+            (void)view.picture(ratio); // sets the scale
             view.advance(16s + 1600ms);
             view.advance(1800ms);
         }
-        const QImage actual = view.pictureOver(kGround, ratio);
+        const QImage actual = view.pictureOver(kBackground, ratio);
 
         const QDir folder(sourcePath(u"tests/overlay/reference"));
         const QString path = folder.filePath(file);
@@ -165,11 +157,11 @@ private Q_SLOTS:
         QCOMPARE_LE(clearDifference(actual, reference), kTolerance);
     }
 
-    void onePixelOutOfPlaceIsNoticed_data() { scales(); }
-    void onePixelOutOfPlaceIsNoticed() {
+    void aShiftByOnePixelIsADifference_data() { addScales(); }
+    void aShiftByOnePixelIsADifference() {
         QFETCH(double, ratio);
         PaintedView view(list({kLeft, kRight}), fourColours());
-        const QImage picture = view.pictureOver(kGround, ratio);
+        const QImage picture = view.pictureOver(kBackground, ratio);
         const auto onScreen = [&](const QRectF& points) {
             return QRectF(points.topLeft() * ratio, points.size() * ratio).toRect();
         };
@@ -183,8 +175,8 @@ private Q_SLOTS:
         QVERIFY(looksTheSame(picture, withMoved(picture, picture.rect(), {})));
     }
 
-    void anotherSmoothingOfLettersIsNot_data() { scales(); }
-    void anotherSmoothingOfLettersIsNot() {
+    void aDifferentSmoothingOfLettersIsNoDifference_data() { addScales(); }
+    void aDifferentSmoothingOfLettersIsNoDifference() {
         QFETCH(double, ratio);
         const auto picture = [&](QFont::HintingPreference hinting) {
             QFont font = inter(hinting);
@@ -198,7 +190,7 @@ private Q_SLOTS:
     }
 
 private:
-    /// Leaves what was seen, and how it differs, beside the test and says where.
+    /// Saves the picture and its difference beside the test program, and prints the paths.
     static void keep(const QImage& actual, const QImage& reference, const QString& file) {
         QImage difference = actual;
         difference.setDevicePixelRatio(1);

@@ -31,7 +31,7 @@ private Q_SLOTS:
         QCOMPARE(runtime.notchHeight(), 32.0);
     }
 
-    void applyingPublishesFiveFieldsInOrderEqualOrNot() {
+    void applyingAnnouncesFiveFieldsInOrderEvenIfEqual() {
         HostFixture host;
         host.http.answer(
             QStringLiteral("/api/display"), 200,
@@ -71,7 +71,7 @@ private Q_SLOTS:
         QCOMPARE(runtime.left()->brandName, QStringLiteral("L"));
     }
 
-    void allowedLinksAreOpenedAsTheyWereJudged() {
+    void allowedLinksAreOpenedInTheFormThatWasChecked() {
         HostFixture host;
         const auto store = makeLiveStore(host);
         OverlayRuntime runtime(host.workspace);
@@ -102,7 +102,7 @@ private Q_SLOTS:
         QVERIFY(host.workspace.opened.empty());
     }
 
-    void theLinkRuleIsTheOneRule_data() {
+    void canOpenFollowsTheLinkRule_data() {
         QTest::addColumn<QString>("link");
         QTest::addColumn<bool>("canOpen");
         const auto row = [](const char* link, bool canOpen) {
@@ -117,7 +117,7 @@ private Q_SLOTS:
         row("ftp://127.0.0.1/", false);
         row("mailto:a@b.test", false);
     }
-    void theLinkRuleIsTheOneRule() {
+    void canOpenFollowsTheLinkRule() {
         QFETCH(QString, link);
         QTEST(OverlayRuntime::canOpen(*Url::fromString(link)), "canOpen");
     }

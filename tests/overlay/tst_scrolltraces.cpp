@@ -1,7 +1,4 @@
-#include "creative/creativeimagecache.h"
-#include "overlay/notchpill.h"
-#include "overlay/overlayview.h"
-#include "tests/support/hostfixture.h"
+#include "tests/overlay/shownoverlay.h"
 #include "tests/support/testprogram.h"
 
 #include <QApplication>
@@ -20,48 +17,31 @@ const QByteArray kReply =
     "{\"slotId\":\"right\",\"brandName\":\"Right\",\"tagline\":\"A tagline much too wide for "
     "it\"}]}";
 
-/// A view whose two taglines begin to scroll at this moment.
-struct ScrollFixture final {
-    ScrollFixture() {
-        host.http.answer(QStringLiteral("/api/display"), 200, kReply);
-        startTask(store->refreshDisplay());
-        // As the window of the capsules is.
-        view.setAttribute(Qt::WA_TranslucentBackground);
-        view.resize(428, 40);
-        view.show();
+/// An overlay whose two taglines begin to scroll now.
+struct ScrollingOverlay final : ShownOverlay {
+    ScrollingOverlay() {
         (void)QTest::qWaitForWindowExposed(&view);
-        // An odd width of the notch puts the right pill on an odd point.
-        runtime.apply(*store, 185, 32);
+        fetch(kReply);
+        render(185); // with an odd width of the notch the right pill is at an odd point
         QCoreApplication::processEvents();
         host.clock.advance(17600ms);
         QCoreApplication::processEvents();
     }
 
-    [[nodiscard]] const NotchPill& left() const { return *view.findChildren<NotchPill*>().at(0); }
-    [[nodiscard]] const NotchPill& right() const { return *view.findChildren<NotchPill*>().at(1); }
     [[nodiscard]] QImage onScreen() const {
         return view.screen()->grabWindow(view.winId()).toImage();
     }
-
-    FakeCachesFolder caches;
-    FakeReduceMotion reduceMotion;
-    HostFixture host;
-    CreativeImageCache images{{host.http, caches}, 1};
-    std::shared_ptr<HostStore> store = host.makeStore();
-    OverlayRuntime runtime{host.workspace};
-    OverlayView view{runtime, {images, host.clock, reduceMotion}};
 };
 
 } // namespace
 
-/// What a scroll leaves on screen at the scale of the environment, step by step, against the same
-/// state painted as a whole.
+/// Compares each step of a scroll on the screen with a full repaint, at the environment's scale.
 class TestScrollTraces final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aStepPaintsAllThatItChanges() {
-        ScrollFixture f;
+    void aStepPaintsEverythingThatItChanges() {
+        ScrollingOverlay f;
         QImage before;
         for (int step = 0; step < 25; ++step) {
             f.host.clock.advance(46ms);
@@ -71,21 +51,21 @@ private Q_SLOTS:
             f.view.repaint();
             QCOMPARE(stepped, f.onScreen());
         }
-        QVERIFY(f.left().line().offsetOnScreen() <= -20);
+        QVERIFY(f.left()->line().offsetOnScreen() <= -20);
     }
 
-    void textsThatMoveAtOnceArePaintedTogether() {
-        ScrollFixture f;
+    void textsThatAreDueTogetherArePaintedTogether() {
+        ScrollingOverlay f;
         f.host.clock.advance(100ms);
-        const QSignalSpy left(&f.left(), &NotchPill::moved);
-        const QSignalSpy right(&f.right(), &NotchPill::moved);
-        const int start = f.left().line().offsetOnScreen();
-        QCOMPARE(f.right().line().offsetOnScreen(), start);
+        const QSignalSpy left(f.left(), &NotchPill::moved);
+        const QSignalSpy right(f.right(), &NotchPill::moved);
+        const int start = f.left()->line().offsetOnScreen();
+        QCOMPARE(f.right()->line().offsetOnScreen(), start);
         f.host.clock.advance(500ms);
-        const int steps = start - f.left().line().offsetOnScreen();
+        const int steps = start - f.left()->line().offsetOnScreen();
         QVERIFY(steps >= 10);
-        QCOMPARE(f.right().line().offsetOnScreen(), start - steps);
-        // Whichever is woken first takes the other one along, each time.
+        QCOMPARE(f.right()->line().offsetOnScreen(), start - steps);
+        // Each time the text that wakes first advances the other one as well.
         QCOMPARE(left.count() + right.count(), steps);
     }
 };
