@@ -10,10 +10,11 @@
 namespace brimlet {
 namespace {
 
-constexpr int kHighest = 90;
-/// Lines that are made at a time: far more than an agreement has that was written to be read.
+/// Points.
+constexpr int kMaximumHeight = 90;
+/// Lines laid out at a time; far more than an ordinary agreement has.
 constexpr int kLines = 300;
-/// Between the text and the bar.
+/// Between the text and the scroll bar, in points.
 constexpr int kGap = 4;
 
 } // namespace
@@ -31,40 +32,40 @@ AgreementText::AgreementText()
     setSizePolicy(policy);
     setWidget(m_text);
     m_text->setAutoFillBackground(false);
-    connect(m_bar, &QScrollBar::valueChanged, this, &AgreementText::growAtTheEnd);
+    connect(m_bar, &QScrollBar::valueChanged, this, &AgreementText::addLinesAtTheEnd);
 }
 
-void AgreementText::setWording(const QString& text) {
+void AgreementText::setText(const QString& text) {
     if (text == m_text->accessibleName()) {
         return;
     }
-    m_text->setFirstLines(kLines);
-    m_text->setWording(text);
+    m_text->setInitialLines(kLines);
+    m_text->setText(text);
     m_bar->setValue(0);
     fitText();
     updateGeometry();
 }
 
 int AgreementText::heightForWidth(int width) const {
-    return m_text->isHigher(width, kHighest) ? kHighest : m_text->heightForWidth(width);
+    return m_text->isHigher(width, kMaximumHeight) ? kMaximumHeight : m_text->heightForWidth(width);
 }
 
 QSize AgreementText::sizeHint() const {
-    constexpr int kColumn = 288;
+    constexpr int kColumn = 288; // points; the menu's width without its margins
     return {kColumn, heightForWidth(kColumn)};
 }
 
 void AgreementText::fitText() {
-    const bool isLong = m_text->isHigher(width(), kHighest);
+    const bool isLong = m_text->isHigher(width(), kMaximumHeight);
     const int column = isLong ? width() - SlimScrollBar::kWidth - kGap : width();
     setFocusPolicy(isLong ? Qt::StrongFocus : Qt::NoFocus);
     setVerticalScrollBarPolicy(isLong ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
     m_text->resize(column, m_text->heightForWidth(column));
 }
 
-void AgreementText::growAtTheEnd() {
-    if (m_bar->maximum() > 0 && m_bar->value() + kHighest >= m_bar->maximum()) {
-        m_text->growBy(kLines);
+void AgreementText::addLinesAtTheEnd() {
+    if (m_bar->maximum() > 0 && m_bar->value() + kMaximumHeight >= m_bar->maximum()) {
+        m_text->addLines(kLines);
         m_text->resize(m_text->width(), m_text->heightForWidth(m_text->width()));
     }
 }

@@ -7,16 +7,17 @@ namespace brimlet {
 class MenuText;
 class SlimScrollBar;
 
-/// The host agreement: wrapped, at most 90 points high, and scrolled beyond. It takes the keyboard
-/// only while there is something to scroll. A text without end is shown at once, and goes on as it
-/// is scrolled through.
+/// The host agreement: wrapped, at most 90 points high, and scrolled if it is higher, which is also
+/// when it accepts the keyboard focus. A text of any length appears at once: only its first lines
+/// are laid out, and more as it is scrolled through.
 class AgreementText final : public QScrollArea {
     Q_OBJECT
 
 public:
     AgreementText();
 
-    void setWording(const QString& text);
+    /// Scrolls back to the top, unless the text is the same.
+    void setText(const QString& text);
 
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }
     [[nodiscard]] int heightForWidth(int width) const override;
@@ -31,7 +32,7 @@ protected:
 
 private:
     void fitText();
-    void growAtTheEnd();
+    void addLinesAtTheEnd();
 
     MenuText* m_text;
     SlimScrollBar* m_bar;

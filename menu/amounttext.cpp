@@ -10,14 +10,14 @@
 namespace brimlet {
 namespace {
 
-constexpr double kTracking = -1.2;
+constexpr double kTracking = -1.2; // points
 
 } // namespace
 
 AmountText::AmountText() {
-    setTextFormat(Qt::PlainText);
     setFont(systemFont(44, QFont::Bold));
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred); // lines may be added
+    QSizePolicy policy(QSizePolicy::Preferred,
+                       QSizePolicy::Preferred); // the number of lines varies
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     const QFontMetricsF metrics(font());

@@ -4,16 +4,17 @@
 
 namespace brimlet {
 
-/// The big amount: bold, letters 1.2 points closer than usual, digits of equal width, so that it
-/// stands still while it counts. An amount that is wider than the menu goes on in a line below. A
-/// screen reader gets it as one phrase.
+/// The big amount: bold, letters 1.2 points closer than usual, digits of equal width, so that they
+/// keep their places when the amount changes. An amount wider than the menu continues on the next
+/// line. The accessible name is the whole amount; a QLabel for the accessible role, but QLabel's
+/// own text stays empty.
 class AmountText final : public QLabel {
     Q_OBJECT
 
 public:
     AmountText();
 
-    /// Nothing happens when it is the same text.
+    /// The same text again does nothing.
     void setAmount(const QString& amount);
 
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }
@@ -25,9 +26,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    /// The cell of a character, which may be wider than the character.
+    /// The width of a character's cell in points. A digit's is that of the widest digit.
     [[nodiscard]] double cellWidth(QChar character) const;
-    /// Goes through the characters' cells; returns how many lines they take.
+    /// Calls `visit(character, line, x, cellWidth)` for each character; returns the number of
+    /// lines.
     template <typename Visit>
     int placeCells(int width, Visit visit) const;
 

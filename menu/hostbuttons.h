@@ -4,9 +4,9 @@
 
 namespace brimlet {
 
-/// A button of the menu: as wide as it can be, a capsule with its label in the middle, smaller
-/// while it is pressed. Space, Enter and a click press it. A ring shows that it has the keyboard,
-/// unless a click gave it that.
+/// A button of the menu: a capsule over the full width with a centred label, drawn smaller while it
+/// is pressed. Space, Enter and a click activate it. A ring marks the keyboard focus, unless it
+/// came from a click.
 class HostButton : public QAbstractButton {
     Q_OBJECT
 
@@ -17,7 +17,7 @@ public:
 protected:
     HostButton(const QString& label, QFont::Weight weight);
 
-    /// The capsule, in the way of its kind.
+    /// Fills and outlines the capsule.
     virtual void paintCapsule(QPainter& painter, const QPainterPath& capsule) const = 0;
 
     void paintEvent(QPaintEvent* event) override;
@@ -28,7 +28,7 @@ private:
     bool m_isFocusMarked = true;
 };
 
-/// What the host should do.
+/// A button for a recommended action.
 class HostPrimaryButton final : public HostButton {
     Q_OBJECT
 
@@ -39,7 +39,7 @@ protected:
     void paintCapsule(QPainter& painter, const QPainterPath& capsule) const override;
 };
 
-/// What the host may do.
+/// A button for an optional action.
 class HostGhostButton final : public HostButton {
     Q_OBJECT
 

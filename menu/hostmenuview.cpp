@@ -20,7 +20,7 @@
 namespace brimlet {
 namespace {
 
-constexpr int kWidth = 320;
+constexpr int kWidth = 320; // points
 
 MenuText* dimText(const QString& text = {}) {
     return new MenuText(NotchFont::tagline(), HostTheme::dim(), text);
@@ -30,7 +30,7 @@ MenuText* faintText(const QString& text = {}) {
     return new MenuText(NotchFont::tagline(), HostTheme::faint(), text);
 }
 
-/// The same colours in every state and role, so that nothing of the desktop's look comes through.
+/// Sets every role, so that no colour of the desktop's palette is used.
 QPalette darkPalette() {
     QPalette palette(Qt::white, HostTheme::card(), Qt::white, Qt::black, Qt::gray, Qt::white,
                      Qt::white, HostTheme::card(), HostTheme::bg());
@@ -86,7 +86,7 @@ void HostMenuView::buildLayout() {
     earnings->addWidget(faintText(tr("Estimate, not a guarantee")));
 
     auto* const column = new QVBoxLayout(this);
-    column->setSizeConstraint(QLayout::SetNoConstraint); // it sizes itself
+    column->setSizeConstraint(QLayout::SetNoConstraint); // fitHeight() sets the size
     column->setContentsMargins(16, 16, 16, 16);
     column->setSpacing(14);
     column->addLayout(title);
@@ -117,8 +117,8 @@ void HostMenuView::showEvent(QShowEvent* /*event*/) {
 }
 
 void HostMenuView::hideEvent(QHideEvent* /*event*/) {
-    // Nothing keeps a token that was typed and not saved.
-    m_draftToken->setText(QString()); // unlike clear() it cannot be undone
+    // A token that was typed and not saved is forgotten.
+    m_draftToken->setText(QString()); // unlike clear(), cannot be undone
 }
 
 void HostMenuView::storeWillChange() {
@@ -133,18 +133,18 @@ void HostMenuView::rebuild() {
     const bool live = m_store->adsVisible();
     m_live->setLive(live);
     m_amount->setAmount(eurosShort(week.estimatedCents));
-    m_earnings->setWording(earningsText(week.estimatedCents));
+    m_earnings->setText(earningsText(week.estimatedCents));
     m_notchedOnly->setVisible(rows.notchedOnly);
     m_moveToApplications->setVisible(rows.moveToApplications);
     m_card->setWeek(week, rows, live);
-    m_statusLine->setWording(m_store->statusLine());
-    m_recorded->setWording(
+    m_statusLine->setText(m_store->statusLine());
+    m_recorded->setText(
         recordedText(week.liveBucketsToday, week.liveBucketsNeeded, week.liveDaysThisWeek));
-    m_split->setWording(splitText(week.liveHostCount));
+    m_split->setText(splitText(week.liveHostCount));
     m_split->setVisible(rows.split);
-    m_banked->setWording(bankedText(week.pendingStipendCents));
+    m_banked->setText(bankedText(week.pendingStipendCents));
     m_banked->setVisible(rows.banked);
-    m_agreement->setWording(rows.agreement ? week.agreementText : QString());
+    m_agreement->setText(rows.agreement ? week.agreementText : QString());
     m_agreement->setVisible(rows.agreement && !week.agreementText.isEmpty());
     m_agree->setVisible(rows.agreement);
     fitHeight();

@@ -19,18 +19,19 @@ class MenuText;
 class StatusCard;
 class TokenField;
 
-/// What the menu-bar panel shows: what the week is worth, both slots, the status line, counters,
-/// the agreement, the token field and the buttons. It reads the store and calls its actions. Always
-/// 320 points wide and as high as its content. While it is shown it is rebuilt at most once per
-/// turn of the event loop, while it is not it does nothing.
+/// The content of the menu-bar panel: the week's amount, both slots, the status line, counters, the
+/// agreement, the token field and the buttons. Reads the store and calls its actions. Always 320
+/// points wide and as high as its content. While shown, it updates at most once per turn of the
+/// event loop; while hidden, not at all.
 class HostMenuView final : public QWidget {
     Q_OBJECT
 
 public:
+    /// Shares ownership of the store. What `environment` refers to outlives the view.
     HostMenuView(std::shared_ptr<HostStore> store, const CreativeEnvironment& environment);
 
 Q_SIGNALS:
-    /// "Quit" was pressed.
+    /// The "Quit" button was pressed.
     void quitRequested();
 
 protected:
@@ -47,6 +48,7 @@ private:
     std::shared_ptr<HostStore> m_store;
     OncePerTurn m_rebuild{[this] { rebuild(); }};
 
+    // All children of this widget.
     LiveDot* m_live;
     AmountText* m_amount;
     MenuText* m_earnings;

@@ -4,10 +4,10 @@
 
 namespace brimlet {
 
-/// The menu's own dark colours, whatever the desktop's look; each is made once, on first use.
+/// The menu's dark colours, independent of the desktop's palette. Each is made on first use.
 class HostTheme final {
 public:
-    /// The ground of the panel.
+    /// The background of the panel.
     [[nodiscard]] static const QColor& bg();
     /// The fill of cards, of the token field and of ghost buttons.
     [[nodiscard]] static const QColor& card();
@@ -19,7 +19,7 @@ public:
     [[nodiscard]] static const QColor& faint();
     /// The fill of primary buttons.
     [[nodiscard]] static const QColor& accent();
-    /// The live indicator.
+    /// The dot and the word "Live".
     [[nodiscard]] static const QColor& live();
 
     HostTheme() = delete;

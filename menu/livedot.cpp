@@ -11,6 +11,7 @@
 namespace brimlet {
 namespace {
 
+// Points.
 constexpr int kDot = 7;
 constexpr int kSpacing = 5;
 
@@ -22,7 +23,6 @@ QString wordFor(bool live) {
 
 LiveDot::LiveDot(bool live, bool compact)
     : m_live(live) {
-    setTextFormat(Qt::PlainText);
     setFont(systemFont(compact ? 11 : 12, QFont::Medium));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAccessibleName(wordFor(live));

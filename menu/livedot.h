@@ -4,16 +4,16 @@
 
 namespace brimlet {
 
-/// A small dot with its word: green and "Live", or grey and "Unfilled". It does not move.
+/// A small dot and a word: green and "Live", or grey and "Unfilled". Not animated. A QLabel for the
+/// accessible role, but QLabel's own text stays empty.
 class LiveDot final : public QLabel {
     Q_OBJECT
 
 public:
-    /// `live`: the slot is filled and showing. `compact`: a smaller word.
+    /// `live`: ads are shown. `compact`: a smaller font.
     LiveDot(bool live, bool compact);
 
     void setLive(bool live);
-    [[nodiscard]] bool live() const { return m_live; }
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }

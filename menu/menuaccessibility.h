@@ -2,8 +2,8 @@
 
 namespace brimlet {
 
-/// Tells screen readers of the menu's containers: the menu is a group, and the agreement a document
-/// that can be read through. Once per process; again does nothing.
+/// Installs the accessible interfaces of the menu's containers: the menu is a group, the agreement
+/// a document. Further calls do nothing.
 void describeMenuToScreenReaders();
 
 } // namespace brimlet

@@ -6,7 +6,7 @@ MenuRows menuRows(const Assignment& week, bool hasNotch) {
     return {
         .notchedOnly = !hasNotch,
         .moveToApplications = !week.fromApplications,
-        // An empty slot is never listed on its own.
+        // An empty slot has no row of its own.
         .leftPanel = week.left.has_value(),
         .rightPanel = week.right.has_value(),
         .noBrand = !week.left && !week.right,

@@ -12,7 +12,7 @@ MenuScroll::MenuScroll(QWidget* menu) {
     setPalette(menu->palette());
     setFrameShape(NoFrame);
     setFocusPolicy(Qt::ClickFocus);
-    horizontalScrollBar()->setEnabled(false); // what the bar hides on the right is margin
+    horizontalScrollBar()->setEnabled(false); // the vertical bar covers only the right margin
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBar(new SlimScrollBar);
     viewport()->setAutoFillBackground(false);
@@ -23,7 +23,7 @@ MenuScroll::MenuScroll(QWidget* menu) {
 }
 
 MenuScroll::~MenuScroll() {
-    // The control with the keyboard goes after this, and gives the keyboard away then.
+    // The focused control is destroyed later, and emits focusChanged then.
     disconnect(qApp, nullptr, this, nullptr);
 }
 

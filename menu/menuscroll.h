@@ -4,14 +4,13 @@
 
 namespace brimlet {
 
-/// The menu for a window that may have less height than it needs, on a small screen: then it
-/// scrolls, and the control with the keyboard is always in sight. Its size hint is the menu's own
-/// size.
+/// Scrolls the menu in a window that is lower than the menu, on a small screen, and keeps the
+/// focused control visible. Its size hint is the menu's size.
 class MenuScroll final : public QScrollArea {
     Q_OBJECT
 
 public:
-    /// Takes the menu, whose palette becomes its own.
+    /// Takes ownership of the menu and uses its palette.
     explicit MenuScroll(QWidget* menu);
     ~MenuScroll() override;
     Q_DISABLE_COPY_MOVE(MenuScroll)

@@ -11,8 +11,8 @@
 namespace brimlet {
 namespace {
 
-/// Draws one line where its upper left corner is; a line of a paragraph that is read from the right
-/// stands at the left like the others, without the blanks that follow its last word.
+/// Draws one line with its top left corner at `at`. A right-to-left line is aligned left like the
+/// others; the blanks after its last word are left out.
 void drawLine(QPainter& painter, const QString& text, bool isRightToLeft, QPointF at) {
     qsizetype length = text.size();
     while (length > 0 && text.at(length - 1).isSpace()) {
@@ -35,15 +35,15 @@ void drawLine(QPainter& painter, const QString& text, bool isRightToLeft, QPoint
 
 MenuText::MenuText(const QFont& font, const QColor& color, const QString& text)
     : m_color(color) {
-    setTextFormat(Qt::PlainText);
     setFont(font);
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred); // lines may be added
+    QSizePolicy policy(QSizePolicy::Preferred,
+                       QSizePolicy::Preferred); // the number of lines varies
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
-    setWording(text);
+    setText(text);
 }
 
-void MenuText::setWording(const QString& text) {
+void MenuText::setText(const QString& text) {
     if (text == accessibleName()) {
         return;
     }
@@ -55,17 +55,17 @@ void MenuText::setWording(const QString& text) {
     update();
 }
 
-void MenuText::setMostLines(int lines) {
-    m_mostLines = lines;
-    m_enoughLines = lines + 1; // one more tells whether that is all
+void MenuText::setMaximumLines(int lines) {
+    m_maximumLines = lines;
+    m_wantedLines = lines + 1; // one more, to know whether there are more
 }
 
-void MenuText::setFirstLines(int lines) {
-    m_enoughLines = lines;
+void MenuText::setInitialLines(int lines) {
+    m_wantedLines = lines;
 }
 
-void MenuText::growBy(int lines) {
-    m_enoughLines = static_cast<int>(m_wrapped.lines.size()) + lines;
+void MenuText::addLines(int lines) {
+    m_wantedLines = static_cast<int>(m_wrapped.lines.size()) + lines;
 }
 
 const WrappedText& MenuText::wrappedFor(int width) const {
@@ -74,33 +74,33 @@ const WrappedText& MenuText::wrappedFor(int width) const {
         m_wrappedWidth = width;
         m_wrappedLines = -1;
     }
-    if (m_wrappedLines != m_enoughLines) {
-        m_wrappedLines = m_enoughLines;
+    if (m_wrappedLines != m_wantedLines) {
+        m_wrappedLines = m_wantedLines;
         wrapText(m_wrapped, m_text, font(), std::max(1, width),
-                 static_cast<std::size_t>(m_enoughLines));
+                 static_cast<std::size_t>(m_wantedLines));
     }
     return m_wrapped;
 }
 
 bool MenuText::isHigher(int width, int height) const {
-    const int enough = height / lineHeight(font()) + 1;
+    const int tooMany = height / lineHeight(font()) + 1;
     WrappedText start;
-    wrapText(start, m_text, font(), std::max(1, width), static_cast<std::size_t>(enough));
-    return static_cast<int>(start.lines.size()) >= enough;
+    wrapText(start, m_text, font(), std::max(1, width), static_cast<std::size_t>(tooMany));
+    return static_cast<int>(start.lines.size()) >= tooMany;
 }
 
 int MenuText::heightForWidth(int width) const {
     const int lines = static_cast<int>(wrappedFor(width).lines.size());
-    return lineHeight(font()) * std::min(lines, m_mostLines);
+    return lineHeight(font()) * std::min(lines, m_maximumLines);
 }
 
 QSize MenuText::sizeHint() const {
-    // A column of the menu is no wider, and a text that is asks for all of it.
-    constexpr int kWidest = 288;
-    const QString start = m_text.left(kWidest);
-    const int width = std::min(kWidest, qCeil(QFontMetricsF(font()).horizontalAdvance(start)));
-    // The height follows from the width that it gets. A scroll area asks for this hint each time
-    // the text grows, when lines for another width would cost all those that are there.
+    // The width of the menu's column, in points. As many characters are enough to fill it.
+    constexpr int kColumn = 288;
+    const QString start = m_text.left(kColumn);
+    const int width = std::min(kColumn, qCeil(QFontMetricsF(font()).horizontalAdvance(start)));
+    // Of one line only: heightForWidth() gives the height. A scroll area asks for this hint
+    // whenever lines are added, and wrapping all of them for another width would take too long.
     return {width, lineHeight(font())};
 }
 

@@ -8,25 +8,27 @@
 
 namespace brimlet {
 
-/// A text of the menu: plain whatever it holds, wrapped to the width it is given. A screen reader
-/// gets it whole.
+/// A plain text of the menu, wrapped to its width. The accessible name is the whole text. A QLabel
+/// for the accessible role, but QLabel's own text stays empty.
 class MenuText final : public QLabel {
     Q_OBJECT
 
 public:
     MenuText(const QFont& font, const QColor& color, const QString& text = {});
 
-    /// Nothing happens when it is the same text.
-    void setWording(const QString& text);
-    /// Of a text with more lines the last one shown ends with an ellipsis.
-    void setMostLines(int lines);
-    /// Of a longer text only so many lines or some more are there until `growBy`, so that a text of
-    /// any length is shown at once.
-    void setFirstLines(int lines);
-    /// Has that many lines more, if the text has them.
-    void growBy(int lines);
+    /// The same text again does nothing. Unlike QLabel's function of this name never interprets
+    /// markup.
+    void setText(const QString& text);
+    /// Shows this many lines at most; the last one ends with an ellipsis if there are more.
+    void setMaximumLines(int lines);
+    /// Lays out only about this many lines until `addLines`, so that a text of any length appears
+    /// at once.
+    void setInitialLines(int lines);
+    /// Lays out about this many lines more, if the text has them.
+    void addLines(int lines);
 
-    /// Whether it is higher than that at this width; looks at no more lines than it takes to tell.
+    /// Whether the text at this width is higher than `height`, both in points. Lays out
+    /// no more lines than that takes.
     [[nodiscard]] bool isHigher(int width, int height) const;
 
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }
@@ -41,12 +43,13 @@ private:
     [[nodiscard]] const WrappedText& wrappedFor(int width) const;
 
     QColor m_color;
-    QString m_text; ///< As it is laid out.
-    int m_mostLines = std::numeric_limits<int>::max();
-    int m_enoughLines = std::numeric_limits<int>::max();
+    QString m_text;                                       ///< The result of `wrappableText`.
+    int m_maximumLines = std::numeric_limits<int>::max(); ///< Shown.
+    int m_wantedLines = std::numeric_limits<int>::max();  ///< Laid out.
+    // The layout, and the width and the wanted lines that it was made for.
     mutable WrappedText m_wrapped;
-    mutable int m_wrappedWidth = -1; ///< The width that the lines were made for.
-    mutable int m_wrappedLines = -1; ///< How many were to be enough then.
+    mutable int m_wrappedWidth = -1;
+    mutable int m_wrappedLines = -1;
 };
 
 } // namespace brimlet

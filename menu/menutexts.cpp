@@ -7,7 +7,7 @@
 namespace brimlet {
 namespace {
 
-/// In the user's language, where there is a translation.
+/// Translated into the user's language, if there is a translation.
 QString localized(const char* text) {
     return QCoreApplication::translate("HostMenuView", text);
 }

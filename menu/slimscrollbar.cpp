@@ -9,7 +9,7 @@
 namespace brimlet {
 namespace {
 
-/// The bar from end to end, without arrows.
+/// Lays out a scroll bar without arrows, whose handle is at least 24 points long.
 class SlimStyle final : public QProxyStyle {
 public:
     [[nodiscard]] QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option,
@@ -45,7 +45,7 @@ public:
 };
 
 QStyle* slimStyle() {
-    static auto* const style = new SlimStyle; // until the process ends, as the application's own
+    static auto* const style = new SlimStyle; // never deleted: widgets may outlive static objects
     return style;
 }
 

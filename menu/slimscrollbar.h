@@ -4,7 +4,7 @@
 
 namespace brimlet {
 
-/// An upright scroll bar in the menu's colours: a bar on the bare ground.
+/// A vertical scroll bar in the menu's colours: a handle without arrows and without a groove.
 class SlimScrollBar final : public QScrollBar {
     Q_OBJECT
 
@@ -14,7 +14,7 @@ public:
     /// Points.
     static constexpr int kWidth = 8;
 
-    /// Shows that what it scrolls has the keyboard.
+    /// Shows whether the scrolled widget has the keyboard focus.
     void setHighlighted(bool isHighlighted);
 
     [[nodiscard]] QSize sizeHint() const override { return {kWidth, 3 * kWidth}; }

@@ -32,7 +32,7 @@ void StatusCard::setWeek(const Assignment& week, const MenuRows& rows, bool live
     layout()->activate();
 }
 
-/// A row that is not there takes no space and forgets what it showed.
+/// A row that is not shown takes no space and forgets its picture.
 void StatusCard::statusRow(StatusRow& row, bool isThere, const std::optional<SlotCreative>& slot,
                            bool live) {
     row.setSlot(slot, live);

@@ -10,14 +10,15 @@ namespace brimlet {
 
 class StatusRow;
 
-/// The card that tells which brand is in which slot and whether it shows.
+/// The card with the brand in each slot and whether its ad is shown.
 class StatusCard final : public QWidget {
     Q_OBJECT
 
 public:
+    /// What `environment` refers to outlives the card.
     explicit StatusCard(const CreativeEnvironment& environment);
 
-    /// `rows` says which rows there are; `live`, whether ads show.
+    /// `rows` says which rows are shown; `live`, whether ads are shown.
     void setWeek(const Assignment& week, const MenuRows& rows, bool live);
 
 protected:

@@ -22,8 +22,7 @@ StatusRow::StatusRow(const QString& label, const CreativeEnvironment& environmen
     : m_mark(new MarkView(environment))
     , m_name(new MenuText(systemFont(12, QFont::DemiBold), Qt::white))
     , m_dot(new LiveDot(false, true)) {
-    // A name of any length leaves the row a row.
-    m_name->setMostLines(2);
+    m_name->setMaximumLines(2); // brand names have no limit
 
     auto* const texts = new QVBoxLayout;
     texts->setSpacing(1);
@@ -41,10 +40,10 @@ StatusRow::StatusRow(const QString& label, const CreativeEnvironment& environmen
 
 void StatusRow::setSlot(const std::optional<SlotCreative>& slot, bool live) {
     m_mark->setCreative(slot);
-    m_name->setWording(slot ? nameOf(*slot) : tr("Unfilled"));
+    m_name->setText(slot ? nameOf(*slot) : tr("Unfilled"));
     m_dot->setLive(live);
     m_dot->setVisible(slot.has_value());
-    layout()->activate(); // so that its height is known at once
+    layout()->activate(); // the menu needs the height at once
 }
 
 } // namespace brimlet

@@ -11,15 +11,15 @@ class LiveDot;
 class MarkView;
 class MenuText;
 
-/// One row of the status card: a mark, a name over a label and, for a slot that is filled, a live
-/// dot.
+/// One row of the status card: a mark, a name over a label and, for a filled slot, a live dot.
 class StatusRow final : public QWidget {
     Q_OBJECT
 
 public:
+    /// What `environment` refers to outlives the row.
     StatusRow(const QString& label, const CreativeEnvironment& environment);
 
-    /// The slot's brand; absent shows "Unfilled" without a dot.
+    /// Without a brand the row shows "Unfilled" and no dot. `live`: ads are shown.
     void setSlot(const std::optional<SlotCreative>& slot, bool live);
 
 private:

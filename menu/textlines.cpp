@@ -8,15 +8,15 @@
 namespace brimlet {
 namespace {
 
-/// How much is laid out at a time, in UTF-16 units; longer than any line.
+/// Laid out at a time, in UTF-16 units; longer than any line.
 constexpr qsizetype kPiece = 2048;
-/// After so many units a few lines are enough: more than fill the menu, made of characters that
-/// hardly take any room.
-constexpr qsizetype kMuch = 32'768;
-constexpr std::size_t kFewLines = 20;
+/// A call ends after this many UTF-16 units, if it has made the minimum of lines, which is more
+/// than the menu shows at a time. Bounds the cost of characters that take hardly any room.
+constexpr qsizetype kMaximumPerPass = 32'768;
+constexpr std::size_t kMinimumLines = 20;
 
-/// The lines of a piece of a paragraph. Unless the paragraph ends with it, its last line may go on
-/// and is left to the next piece.
+/// The lines of a piece of a paragraph. If it is not the paragraph's last piece, its last line may
+/// be incomplete and is left to the next piece.
 std::vector<TextSpan> wrapPiece(const QString& text, TextSpan piece, bool isLast, const QFont& font,
                                 int width) {
     QTextLayout layout(text.mid(piece.start, piece.length), font);
@@ -58,16 +58,17 @@ QString wrappableText(const QString& text) {
 }
 
 void wrapText(WrappedText& wrapped, const QString& text, const QFont& font, int width,
-              std::size_t enough) {
-    const qsizetype startOfAll = wrapped.next;
+              std::size_t wanted) {
+    const qsizetype startOfPass = wrapped.next;
     const std::size_t linesBefore = wrapped.lines.size();
-    const bool wantsAll = enough == std::numeric_limits<std::size_t>::max();
+    const bool wantsAll = wanted == std::numeric_limits<std::size_t>::max();
     const auto isEnough = [&] {
-        return wrapped.lines.size() >= enough || (!wantsAll && wrapped.next - startOfAll >= kMuch &&
-                                                  wrapped.lines.size() - linesBefore >= kFewLines);
+        return wrapped.lines.size() >= wanted ||
+               (!wantsAll && wrapped.next - startOfPass >= kMaximumPerPass &&
+                wrapped.lines.size() - linesBefore >= kMinimumLines);
     };
     while (!wrapped.isWhole(text) && !isEnough()) {
-        // No more is looked at than the piece: a paragraph may be as long as the text.
+        // Reads no further than the piece, since a paragraph may be as long as the text.
         const qsizetype start = wrapped.next;
         const QStringView ahead = QStringView(text).mid(start, kPiece + 1);
         const qsizetype feed = ahead.indexOf(QChar::LineFeed);
@@ -80,7 +81,7 @@ void wrapText(WrappedText& wrapped, const QString& text, const QFont& font, int 
         const TextSpan piece{start, length, wrapped.isRightToLeft};
         const auto lines = wrapPiece(text, piece, isLast, font, width);
         wrapped.lines.insert(wrapped.lines.end(), lines.begin(), lines.end());
-        // Over the line feed, or over the end, once a paragraph is through.
+        // After a paragraph: behind its line feed, or behind the end of the text.
         wrapped.next = isLast ? start + length + 1 : lines.back().start + lines.back().length;
     }
 }

@@ -17,29 +17,30 @@ struct TextSpan final {
     bool operator==(const TextSpan&) const = default;
 };
 
-/// A text that has been wrapped up to a point, from which it can go on.
+/// The result of wrapping the start of a text, and the state for continuing.
 struct WrappedText final {
     std::vector<TextSpan> lines;
-    qsizetype next = 0;         ///< Where the first line that is missing begins.
-    bool isInParagraph = false; ///< Whether that line goes on with the paragraph of the last one.
+    qsizetype next = 0;         ///< Start of the next line, in UTF-16 units from the beginning.
+    bool isInParagraph = false; ///< Whether the next line continues the last line's paragraph.
     bool isRightToLeft = false; ///< The direction of that paragraph.
 
+    /// Whether all of `text` is wrapped.
     [[nodiscard]] bool isWhole(const QString& text) const { return next > text.size(); }
 };
 
-/// How high a line of text is, in whole points.
+/// The line spacing in points, rounded up.
 [[nodiscard]] int lineHeight(const QFont& font);
 
-/// A text of strangers as it can be laid out: breaks of all kinds as line feeds, other control
-/// characters as blanks.
+/// An untrusted text prepared for `wrapText`: breaks of all kinds become line feeds, other control
+/// characters blanks.
 [[nodiscard]] QString wrappableText(const QString& text);
 
-/// Goes on wrapping a text that is to be `width` points wide until there are `enough` lines or
-/// more, or the text ends; unless all of it is wanted, a few lines more will do after very many
-/// characters. Lines break between words, and inside a word that is wider than a line. `text` is
-/// one that `wrappableText` made. The cost is that of the new lines, however long the text and its
-/// paragraphs are; a paragraph's direction is told by its first two thousand characters.
+/// Continues wrapping `text`, a result of `wrappableText`, to a width in points, until there are at
+/// least `wanted` lines in all or the text ends. Stops earlier, with at least 20 new lines, after
+/// 32,768 UTF-16 units, unless `wanted` is the default. Lines break between words, and inside a
+/// word that is wider than a line. The cost depends on the new lines only, not on the length of the
+/// text or its paragraphs. A paragraph's direction is that of its first 2,048 UTF-16 units.
 void wrapText(WrappedText& wrapped, const QString& text, const QFont& font, int width,
-              std::size_t enough = std::numeric_limits<std::size_t>::max());
+              std::size_t wanted = std::numeric_limits<std::size_t>::max());
 
 } // namespace brimlet

@@ -13,9 +13,10 @@
 namespace brimlet {
 namespace {
 
+// Points.
 constexpr int kHorizontalPadding = 10;
 constexpr int kVerticalPadding = 8;
-/// What Qt keeps free on either side of the text besides.
+/// QLineEdit adds this on either side of the text margins.
 constexpr int kOwnMargin = 2;
 
 } // namespace
@@ -26,11 +27,11 @@ TokenField::TokenField() {
     setAccessibleName(name);
     setFont(NotchFont::tagline());
     setFrame(false);
-    QPalette ownGround;
-    ownGround.setColor(QPalette::Base, Qt::transparent);
-    setPalette(ownGround);
+    QPalette withoutBackground;
+    withoutBackground.setColor(QPalette::Base, Qt::transparent);
+    setPalette(withoutBackground);
     setMaxLength(std::numeric_limits<int>::max());
-    display(Password);
+    showAs(Password);
     setTextMargins(kHorizontalPadding - kOwnMargin, 0, kHorizontalPadding - kOwnMargin, 0);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
@@ -43,9 +44,9 @@ QSize TokenField::minimumSizeHint() const {
     return sizeHint();
 }
 
-void TokenField::display(EchoMode mode) {
+void TokenField::showAs(EchoMode mode) {
     setEchoMode(mode);
-    // Nothing of it goes into a dictionary, in either mode.
+    // Keeps the token out of input methods' dictionaries; setEchoMode() resets the hints.
     setInputMethodHints(Qt::ImhSensitiveData | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
 }
 
@@ -66,14 +67,14 @@ void TokenField::paintEvent(QPaintEvent* event) {
 }
 
 void TokenField::focusInEvent(QFocusEvent* event) {
-    display(Normal);
+    showAs(Normal);
     QLineEdit::focusInEvent(event);
 }
 
 void TokenField::focusOutEvent(QFocusEvent* event) {
-    // Its own menu takes the keyboard only for a moment.
+    // The context menu takes the focus only for a moment.
     if (event->reason() != Qt::PopupFocusReason) {
-        display(Password);
+        showAs(Password);
     }
     QLineEdit::focusOutEvent(event);
 }
@@ -81,7 +82,7 @@ void TokenField::focusOutEvent(QFocusEvent* event) {
 void TokenField::contextMenuEvent(QContextMenuEvent* event) {
     QMenu* const menu = createStandardContextMenu();
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    // Its own palette would hand on no more than what it has set itself.
+    // The field's own palette passes on only the colours that the field has set itself.
     menu->setPalette(parentWidget()->palette());
     menu->popup(event->globalPos());
 }

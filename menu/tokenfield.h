@@ -4,8 +4,9 @@
 
 namespace brimlet {
 
-/// The line in which the host types or pastes the host token, as typed. While it has the keyboard
-/// the token can be read; at other times it shows dots, so that nobody reads it over a shoulder.
+/// The field for the host token, whose text is kept exactly as typed or pasted. Shows the token
+/// while it has the keyboard focus, and dots otherwise, so that others cannot read it from the
+/// screen.
 class TokenField final : public QLineEdit {
     Q_OBJECT
 
@@ -22,7 +23,7 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
-    void display(EchoMode mode);
+    void showAs(EchoMode mode);
 };
 
 } // namespace brimlet

@@ -14,7 +14,7 @@
 
 namespace brimlet {
 
-/// A menu over a store whose every port is a fake. The service's replies are what a test says.
+/// A menu over a store whose ports are fakes.
 class ShownMenu final {
 public:
     ShownMenu() {
@@ -24,7 +24,7 @@ public:
 
     HostFixture host;
 
-    /// A host's reply in the middle of a good week.
+    /// A reply for a live week with both slots filled.
     [[nodiscard]] static QJsonObject liveWeek() {
         return {{QStringLiteral("weekStatus"), QStringLiteral("live")},
                 {QStringLiteral("estimatedCents"), 1234},
@@ -51,7 +51,7 @@ public:
         return week;
     }
 
-    /// What the service answers from now on.
+    /// Sets the service's reply from now on.
     void reply(const QJsonObject& week) {
         const QByteArray body = QJsonDocument(week).toJson(QJsonDocument::Compact);
         for (const char* path :
@@ -59,7 +59,7 @@ public:
             host.http.answer(QString::fromLatin1(path), 200, body);
         }
     }
-    /// The store, with a token unless told otherwise, made at the first use.
+    /// The store, made at first use, with a token unless `hasToken` is false.
     [[nodiscard]] const std::shared_ptr<HostStore>& store() {
         if (!m_store) {
             if (hasToken) {
@@ -69,17 +69,16 @@ public:
         }
         return m_store;
     }
-    /// The week that the store holds, to be written by hand: a machine without a notch asks for
-    /// nothing, so no reply gets there.
+    /// The store's assignment, to be changed directly: without a notch the store sends no requests.
     [[nodiscard]] Assignment& week() { return const_cast<Assignment&>(store()->assignment()); }
-    /// Fetches what the service answers.
+    /// Fetches the service's reply.
     void poll() { startTask(store()->refreshEstimate()); }
-    /// The view as it is after a poll, shown.
+    /// Polls and shows the view.
     HostMenuView& show() {
         poll();
         return open();
     }
-    /// The view as it is, shown.
+    /// Shows the view without a poll.
     HostMenuView& open() {
         view().show();
         m_window.show();
@@ -96,13 +95,13 @@ public:
 
     bool hasToken = true;
 
-    /// A slot filled with a brand that has no picture.
+    /// A creative with this brand and no picture.
     [[nodiscard]] static SlotCreative slot(const QString& brand) {
         SlotCreative creative;
         creative.brandName = brand;
         return creative;
     }
-    /// A machine without a notch, with everything on its menu that a menu can have.
+    /// Shows the menu of a machine without a notch, with every optional part visible.
     HostMenuView& openWithEverything() {
         host.screens.set({}, {});
         Assignment& all = week();
@@ -117,7 +116,7 @@ public:
         return open();
     }
 
-    /// The texts that are shown, from top to bottom.
+    /// The visible texts from top to bottom.
     [[nodiscard]] QStringList texts() {
         QStringList texts;
         for (const QLabel* const label : view().findChildren<QLabel*>()) {
@@ -127,6 +126,7 @@ public:
         }
         return texts;
     }
+    /// The widget with this accessible name; null if there is none.
     template <typename Widget>
     [[nodiscard]] Widget* named(const QString& name) {
         for (Widget* const each : view().findChildren<Widget*>()) {
@@ -136,7 +136,7 @@ public:
         }
         return nullptr;
     }
-    /// Where a widget is in the view.
+    /// The rectangle of a widget in the view's coordinates.
     [[nodiscard]] QRect place(const QWidget& widget) {
         return {widget.mapTo(&view(), QPoint()), widget.size()};
     }
@@ -155,7 +155,7 @@ private:
     CreativeImageCache m_images{{host.http, m_caches}, 1};
     std::shared_ptr<HostStore> m_store;
     QWidget m_window;
-    HostMenuView* m_view = nullptr; ///< The window's.
+    HostMenuView* m_view = nullptr; ///< Child of the window.
 };
 
 } // namespace brimlet

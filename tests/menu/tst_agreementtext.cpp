@@ -13,7 +13,7 @@ using namespace brimlet;
 
 namespace {
 
-/// The agreement as a column of the menu has it.
+/// The agreement in a column like the menu's.
 struct Column final {
     Column() {
         column->setContentsMargins({});
@@ -23,13 +23,13 @@ struct Column final {
     }
 
     void show(const QString& text) {
-        agreement->setWording(text);
+        agreement->setText(text);
         column->activate();
         window.resize(288, column->totalHeightForWidth(288));
         window.show();
     }
     [[nodiscard]] QScrollBar& bar() const { return *agreement->verticalScrollBar(); }
-    /// Reads on until there is no more.
+    /// Scrolls to the end until no more lines are added.
     void readToTheEnd() const {
         int last = -1;
         while (bar().value() != last) {
@@ -53,7 +53,7 @@ class TestAgreementText final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void itIsAsHighAsItsTextUpToNinetyPoints_data() {
+    void itsHeightIsThatOfItsTextUpToNinetyPoints_data() {
         QTest::addColumn<int>("lines");
         QTest::addColumn<bool>("scrolls");
         for (const int lines : {1, 2, 5}) {
@@ -63,7 +63,7 @@ private Q_SLOTS:
             QTest::addRow("%d", lines) << lines << true;
         }
     }
-    void itIsAsHighAsItsTextUpToNinetyPoints() {
+    void itsHeightIsThatOfItsTextUpToNinetyPoints() {
         QFETCH(int, lines);
         QFETCH(bool, scrolls);
         Column column;
@@ -71,15 +71,15 @@ private Q_SLOTS:
         QCOMPARE(column.agreement->height(), scrolls ? 90 : lines * lineOf(column));
         QCOMPARE(column.agreement->focusPolicy(), scrolls ? Qt::StrongFocus : Qt::NoFocus);
         QCOMPARE(column.bar().isVisible(), scrolls);
-        // The text leaves room for the bar, and takes all of it without one.
+        // The text leaves room for the bar only if there is one.
         QCOMPARE(column.agreement->widget()->width(), scrolls ? 276 : 288);
         column.readToTheEnd();
         QCOMPARE(column.agreement->widget()->height(), lines * lineOf(column));
         QCOMPARE(column.bar().value(), scrolls ? lines * lineOf(column) - 90 : 0);
     }
 
-    // If reading on went through all that was read before, this would not end in time.
-    void readingOnCostsWhatIsNew() {
+    // If each step laid out all lines before it again, this would exceed the test's time limit.
+    void scrollingOnLaysOutOnlyNewLines() {
         Column column;
         column.show(QStringLiteral("a\n").repeated(150'000));
         column.readToTheEnd();
@@ -105,16 +105,16 @@ private Q_SLOTS:
                  agreement->verticalScrollBar()->maximum());
         QTest::keyClick(agreement, Qt::Key_Home);
         QCOMPARE(agreement->verticalScrollBar()->value(), 0);
-        // The bar itself goes from end to end.
+        // A click beside the handle moves the bar by a page.
         auto* const bar = agreement->verticalScrollBar();
         QTest::mouseClick(bar, Qt::LeftButton, {}, QPoint(4, 88));
         QCOMPARE(bar->value(), qMin(bar->pageStep(), bar->maximum()));
         bar->setValue(0);
-        // Nothing is hidden: the text is as high as what can be scrolled over.
+        // All of the text can be scrolled to.
         QCOMPARE(agreement->widget()->height(), 90 + agreement->verticalScrollBar()->maximum());
     }
 
-    void anAgreementWithoutEndIsShownAtOnceAndCanBeReadToItsEnd() {
+    void aVeryLongAgreementAppearsAtOnceAndCanBeReadToItsEnd() {
         const QString text = QStringLiteral("Line.\n").repeated(2000) + QStringLiteral("The end.");
         ShownMenu menu;
         menu.reply(ShownMenu::with(ShownMenu::with(ShownMenu::liveWeek(), "agreed", false),
@@ -132,22 +132,22 @@ private Q_SLOTS:
         QCOMPARE(agreement->widget()->height(), 2001 * line);
         QVERIFY(first < 400 * line);
         QCOMPARE(agreement->verticalScrollBar()->value(), 2001 * line - 90);
-        // A screen reader has it whole from the start.
+        // Its accessible name is the whole text from the start.
         QVERIFY(menu.texts().contains(text));
     }
 
-    void anotherTextBeginsAtTheTopAnEqualOneStays() {
+    void aNewTextStartsAtTheTopAnEqualOneKeepsItsPosition() {
         Column column;
         const QString text = QStringLiteral("Many words. ").repeated(400);
         column.show(text);
         column.bar().setValue(200);
-        column.show(text + QString()); // a text of its own
+        column.show(text + QString()); // equal, but a copy
         QCOMPARE(column.bar().value(), 200);
         column.show(text + QStringLiteral("More."));
         QCOMPARE(column.bar().value(), 0);
     }
 
-    void aTextReadToItsEndIsBroughtBackToItsFirstLinesByAnother() {
+    void aNewTextAfterOneReadToItsEndHasOnlyItsFirstLines() {
         Column column;
         column.show(QStringLiteral("a\n").repeated(3000));
         column.readToTheEnd();
@@ -166,7 +166,7 @@ private Q_SLOTS:
         QVERIFY(!column.bar().isVisible());
     }
 
-    void onceSignedItHoldsNothingOfTheText() {
+    void onceSignedTheTextIsDropped() {
         const QString text = QStringLiteral("Line.\n").repeated(2000);
         const QJsonObject open = ShownMenu::with(
             ShownMenu::with(ShownMenu::liveWeek(), "agreed", false), "agreementText", text);
@@ -185,13 +185,13 @@ private Q_SLOTS:
         QVERIFY(agreement->widget()->height() < 20);
     }
 
-    void aScreenReaderFindsADocument() {
-        ShownMenu menu; // the menu tells of its parts
+    void itsAccessibleRoleIsADocument() {
+        ShownMenu menu; // installs the accessible interfaces
         menu.show();
         auto* const agreement = menu.view().findChild<AgreementText*>();
-        QAccessibleInterface* const heard = QAccessible::queryAccessibleInterface(agreement);
-        QCOMPARE(heard->role(), QAccessible::Document);
-        QCOMPARE(heard->text(QAccessible::Name), QStringLiteral("Host agreement"));
+        QAccessibleInterface* const accessible = QAccessible::queryAccessibleInterface(agreement);
+        QCOMPARE(accessible->role(), QAccessible::Document);
+        QCOMPARE(accessible->text(QAccessible::Name), QStringLiteral("Host agreement"));
     }
 };
 

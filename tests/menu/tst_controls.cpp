@@ -16,19 +16,20 @@ using namespace brimlet;
 
 namespace {
 
-/// The widget as it looks on the menu's ground, or on another.
+/// The widget on the menu's background, or on another.
 QImage pictureOf(QWidget& widget, double devicePixelRatio = 1,
-                 const QColor& ground = HostTheme::bg()) {
+                 const QColor& background = HostTheme::bg()) {
     QImage image(widget.size() * devicePixelRatio, QImage::Format_RGB32);
     image.setDevicePixelRatio(devicePixelRatio);
-    image.fill(ground);
+    image.fill(background);
     widget.render(&image, {}, {}, QWidget::DrawChildren);
     return image;
 }
 
-QColor over(const QColor& top, const QColor& ground) {
+/// The result of drawing `top` over `background`.
+QColor over(const QColor& top, const QColor& background) {
     QImage image(1, 1, QImage::Format_RGB32);
-    image.fill(ground);
+    image.fill(background);
     QPainter(&image).fillRect(image.rect(), top);
     return image.pixelColor(0, 0);
 }
@@ -43,7 +44,7 @@ bool isAbout(const QColor& a, const QColor& b) {
            qAbs(a.blue() - b.blue()) <= 2;
 }
 
-/// Columns from the first to the last that differ from the ground in this row.
+/// The first and the last column in this row that differ from the background.
 std::pair<int, int> extent(const QImage& image, int row) {
     int first = -1;
     int last = -1;
@@ -67,7 +68,7 @@ class TestControls final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void thePaletteIsTheMenusOwn_data() {
+    void theThemeHasItsColours_data() {
         QTest::addColumn<QColor>("color");
         QTest::addColumn<QColor>("wanted");
         QTest::newRow("bg") << HostTheme::bg() << QColor::fromRgbF(0.07F, 0.07F, 0.07F);
@@ -78,13 +79,13 @@ private Q_SLOTS:
         QTest::newRow("accent") << HostTheme::accent() << QColor::fromRgbF(0.24F, 0.42F, 1);
         QTest::newRow("live") << HostTheme::live() << QColor::fromRgbF(0.19F, 0.82F, 0.35F);
     }
-    void thePaletteIsTheMenusOwn() {
+    void theThemeHasItsColours() {
         QFETCH(QColor, color);
         QFETCH(QColor, wanted);
         QCOMPARE(color, wanted);
     }
 
-    void theDotTellsItsState_data() {
+    void theDotShowsItsState_data() {
         QTest::addColumn<bool>("live");
         QTest::addColumn<bool>("compact");
         QTest::addColumn<QString>("word");
@@ -96,7 +97,7 @@ private Q_SLOTS:
         QTest::newRow("unfilled") << false << false << unfilled << 12;
         QTest::newRow("unfilled, compact") << false << true << unfilled << 11;
     }
-    void theDotTellsItsState() {
+    void theDotShowsItsState() {
         QFETCH(bool, live);
         QFETCH(bool, compact);
         QFETCH(QString, word);
@@ -107,7 +108,7 @@ private Q_SLOTS:
         QCOMPARE(dot.font().weight(), QFont::Medium);
         dot.resize(dot.sizeHint());
         QCOMPARE(dot.width(), 7 + 5 + qCeil(QFontMetricsF(dot.font()).horizontalAdvance(word)));
-        // A circle of seven points, centred upright, then five points of nothing.
+        // A circle of seven points, vertically centred, then a gap of five points.
         const QImage picture = pictureOf(dot, 4);
         const QColor wanted = live ? HostTheme::live() : over(HostTheme::faint(), HostTheme::bg());
         QVERIFY(isAbout(picture.pixelColor(14, picture.height() / 2), wanted));
@@ -123,7 +124,7 @@ private Q_SLOTS:
         const QImage picture = pictureOf(dot, 8);
         QVERIFY(isAbout(picture.pixelColor(28, picture.height() / 2),
                         over(HostTheme::faint(), HostTheme::bg())));
-        // The brightest of the word is its colour.
+        // The brightest pixel of the word has its colour.
         int brightest = 0;
         for (int y = 0; y < picture.height(); ++y) {
             for (int x = 12 * 8; x < picture.width(); ++x) {
@@ -134,13 +135,15 @@ private Q_SLOTS:
         QCOMPARE(dot.font().pixelSize(), 11);
     }
 
-    void aDotThatChangesIsItsNewState() {
+    void aDotThatChangesLooksLikeItsNewState() {
         LiveDot dot(false, false);
         dot.setLive(true);
-        QVERIFY(dot.live());
         QCOMPARE(dot.accessibleName(), QStringLiteral("Live"));
-        const LiveDot fresh(true, false);
-        QCOMPARE(dot.sizeHint(), fresh.sizeHint());
+        LiveDot live(true, false);
+        QCOMPARE(dot.sizeHint(), live.sizeHint());
+        dot.resize(dot.sizeHint());
+        live.resize(live.sizeHint());
+        QCOMPARE(pictureOf(dot), pictureOf(live));
     }
 
     void buttonsAreCapsulesInTheirColours() {
@@ -170,19 +173,19 @@ private Q_SLOTS:
         HostGhostButton ghost(QStringLiteral("I"));
         press(primary);
         press(ghost);
-        const QColor ground = Qt::black;
-        const QImage picture = pictureOf(primary, 1, ground);
+        const QColor background = Qt::black;
+        const QImage picture = pictureOf(primary, 1, background);
         QVERIFY(isAbout(picture.pixelColor(40, 10),
-                        over(withOpacity(HostTheme::accent(), 0.85F), ground)));
-        QVERIFY(isAbout(pictureOf(ghost, 1, ground).pixelColor(40, 10),
-                        over(withOpacity(HostTheme::card(), 0.7F), ground)));
-        // 0.96 of 288 points about the centre: 5.76 points stay free at either end.
+                        over(withOpacity(HostTheme::accent(), 0.85F), background)));
+        QVERIFY(isAbout(pictureOf(ghost, 1, background).pixelColor(40, 10),
+                        over(withOpacity(HostTheme::card(), 0.7F), background)));
+        // 0.96 of 288 points around the centre leave 5.76 points free at either end.
         const auto [first, last] = extent(picture, picture.height() / 2);
         QVERIFY2(qAbs(first - 6) <= 1 && qAbs(last - 281) <= 1,
                  qPrintable(QStringLiteral("%1 %2").arg(first).arg(last)));
         primary.setDown(false);
-        QVERIFY(isAbout(pictureOf(primary, 1, ground).pixelColor(40, 10), HostTheme::accent()));
-        QCOMPARE(extent(pictureOf(primary, 1, ground), picture.height() / 2).first, 0);
+        QVERIFY(isAbout(pictureOf(primary, 1, background).pixelColor(40, 10), HostTheme::accent()));
+        QCOMPARE(extent(pictureOf(primary, 1, background), picture.height() / 2).first, 0);
     }
 
     void buttonsSideBySideShareTheWidthEqually() {
@@ -200,7 +203,7 @@ private Q_SLOTS:
         QCOMPARE(ghost->width(), 200);
     }
 
-    void focusCanBeSeen() {
+    void theFocusIsVisible() {
         for (const bool isPrimary : {true, false}) {
             std::unique_ptr<HostButton> button;
             if (isPrimary) {
@@ -229,7 +232,7 @@ private Q_SLOTS:
         };
         QCOMPARE(widthOf("€11.11"), widthOf("€88.88"));
         QVERIFY(widthOf("€111.11") > widthOf("€11.11"));
-        // Letters stand 1.2 points closer than they would.
+        // Letters are 1.2 points closer than usual.
         const QFontMetricsF metrics(amount.font());
         double widestDigit = 0;
         for (char digit = '0'; digit <= '9'; ++digit) {
@@ -239,7 +242,7 @@ private Q_SLOTS:
         QCOMPARE(widthOf("€15"), qCeil(euro + 2 * widestDigit - 3 * 1.2));
     }
 
-    void anAmountWiderThanTheMenuGoesOnBelow() {
+    void anAmountWiderThanTheMenuContinuesOnTheNextLine() {
         AmountText amount;
         amount.setAmount(QStringLiteral("€12.34"));
         const int line = amount.heightForWidth(288);
@@ -248,7 +251,7 @@ private Q_SLOTS:
         QVERIFY(height >= 2 * line);
         QCOMPARE(height % line, 0);
         amount.resize(288, height);
-        // Its last line has something on it, and nothing goes over the edge.
+        // Its last line is not empty, and nothing crosses the edge.
         const QImage picture = pictureOf(amount);
         QVERIFY(extent(picture, height - line / 2).first >= 0);
         for (int y = 0; y < height; ++y) {
@@ -256,16 +259,16 @@ private Q_SLOTS:
         }
     }
 
-    void theAmountIsOnePhraseToAScreenReader() {
+    void theAmountHasOneAccessibleName() {
         AmountText amount;
         amount.setAmount(QStringLiteral("€12.34"));
-        QAccessibleInterface* const heard = QAccessible::queryAccessibleInterface(&amount);
-        QCOMPARE(heard->text(QAccessible::Name), QStringLiteral("€12.34"));
-        QCOMPARE(heard->role(), QAccessible::StaticText);
-        QCOMPARE(heard->childCount(), 0);
+        QAccessibleInterface* const accessible = QAccessible::queryAccessibleInterface(&amount);
+        QCOMPARE(accessible->text(QAccessible::Name), QStringLiteral("€12.34"));
+        QCOMPARE(accessible->role(), QAccessible::StaticText);
+        QCOMPARE(accessible->childCount(), 0);
     }
 
-    void buttonsAndDotsHaveNameAndRole() {
+    void buttonsAndDotsHaveAccessibleNameAndRole() {
         HostGhostButton quit(QStringLiteral("Quit"));
         QAccessibleInterface* const button = QAccessible::queryAccessibleInterface(&quit);
         QCOMPARE(button->role(), QAccessible::Button);
@@ -282,7 +285,7 @@ private Q_SLOTS:
         MenuText text(systemFont(12, QFont::DemiBold), Qt::white,
                       QStringLiteral("some words ").repeated(100));
         const int line = MenuText(text.font(), Qt::white, QStringLiteral("A")).heightForWidth(200);
-        text.setMostLines(2);
+        text.setMaximumLines(2);
         QCOMPARE(text.heightForWidth(200), 2 * line);
         text.resize(200, 2 * line);
         const QImage cut = pictureOf(text);

@@ -13,7 +13,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kGround = 18;
+constexpr int kBackground = 18;
 constexpr int kCard = 26;
 /// The outline over a card.
 constexpr int kOutline = 44;
@@ -22,12 +22,12 @@ bool isAbout(int a, int b) {
     return qAbs(a - b) <= 3;
 }
 
-/// Points in the picture that are brighter than what is round about, as a box in pixels.
-QRect inkOf(const QImage& picture, const QRect& box, int ground) {
+/// The box around all pixels in `box` that are brighter than the background.
+QRect inkOf(const QImage& picture, const QRect& box, int background) {
     QRect ink;
     for (int y = box.top(); y <= box.bottom(); ++y) {
         for (int x = box.left(); x <= box.right(); ++x) {
-            if (qGray(picture.pixel(x, y)) > ground + 20) {
+            if (qGray(picture.pixel(x, y)) > background + 20) {
                 ink |= QRect(x, y, 1, 1);
             }
         }
@@ -40,7 +40,7 @@ QRect scaled(const QRect& box, double scale) {
             QPoint(qRound((box.right() + 1) * scale) - 1, qRound((box.bottom() + 1) * scale) - 1)};
 }
 
-/// The brightest grey in the box, and whether it is a grey.
+/// The level of the brightest pixel in the box; -1 if it is not grey.
 int brightestOf(const QImage& picture, const QRect& box) {
     QColor brightest(Qt::black);
     for (int y = box.top(); y <= box.bottom(); ++y) {
@@ -54,12 +54,12 @@ int brightestOf(const QImage& picture, const QRect& box) {
     return isGrey ? brightest.red() : -1;
 }
 
-/// How far into the box its shape begins on the way from the upper left corner to the middle, in
-/// points of either axis. Of an arc with radius r that is 0.29 r.
-double cornerOf(const QImage& picture, const QRect& box, int scale, int ground) {
+/// The distance along each axis, in points, from the top left corner diagonally to the shape in the
+/// box: 0.29 r for a corner with radius r. -1 if there is no shape.
+double cornerOf(const QImage& picture, const QRect& box, int scale, int background) {
     const QPoint corner = box.topLeft() * scale;
     for (int i = 0; i < box.height() * scale; ++i) {
-        if (picture.pixelColor(corner + QPoint(i, i)).blue() > ground + 3) {
+        if (picture.pixelColor(corner + QPoint(i, i)).blue() > background + 3) {
             return double(i) / scale;
         }
     }
@@ -68,7 +68,7 @@ double cornerOf(const QImage& picture, const QRect& box, int scale, int ground) 
 
 } // namespace
 
-/// The menu's measures and colours, as they come out.
+/// The menu's measures and colours in its pixels.
 class TestMenuLook final : public QObject {
     Q_OBJECT
 
@@ -87,7 +87,7 @@ private Q_SLOTS:
             QTest::newRow(text) << it << size << weight << brightness << x << gap << above;
             above = it;
         };
-        // White, white at 0.55 and at 0.42 over the ground; 122 is 0.42 over a card.
+        // White, white at 0.55 and at 0.42 over the background; 122 is 0.42 over a card.
         row("Brimlet", 15, 600, 255, 16, 16);
         row("€12.34", 44, 700, 255, 16, 14);
         row("You'll earn €12.34 this week", 11, 400, 148, 16, 6);
@@ -121,18 +121,18 @@ private Q_SLOTS:
         const QLabel* const before = menu.named<QLabel>(above);
         QTEST(place.y() - (before == nullptr ? 0 : menu.place(*before).bottom() + 1), "gap");
         const QImage picture = menu.picture(4);
-        const int ground = place.x() == 16 ? kGround : kCard;
+        const int background = place.x() == 16 ? kBackground : kCard;
         QFETCH(int, brightness);
         const int brightest = brightestOf(picture, scaled(place, 4));
         QVERIFY2(isAbout(brightest, brightness), qPrintable(QString::number(brightest)));
-        // It begins at the left, but for what a letter keeps free before it.
-        const QRect ink = inkOf(picture, scaled(place, 4), ground);
+        // It begins at the left, apart from the first letter's bearing.
+        const QRect ink = inkOf(picture, scaled(place, 4), background);
         const double free = ink.left() / 4.0 - place.x();
         QVERIFY2(free >= 0 && free < (place.height() > 40 ? 4 : 2),
                  qPrintable(QString::number(free)));
     }
 
-    void theGroundIsNearlyBlack() {
+    void theBackgroundIsNearlyBlack() {
         ShownMenu menu;
         menu.show();
         QCOMPARE(menu.view().palette().color(QPalette::Window).rgb(), qRgb(18, 18, 18));
@@ -168,26 +168,26 @@ private Q_SLOTS:
         QCOMPARE(card.x(), 16);
         QCOMPARE(card.width(), 288);
         const QImage picture = menu.picture(4);
-        const double corner = cornerOf(picture, card, 4, kGround);
+        const double corner = cornerOf(picture, card, 4, kBackground);
         QVERIFY2(corner > 3.5 && corner < 4.8, qPrintable(QString::number(corner)));
         const int middle = card.center().y() * 4;
         const auto at = [&](int pixel) { return picture.pixelColor(64 + pixel, middle).red(); };
-        QVERIFY(isAbout(at(-1), kGround));
+        QVERIFY(isAbout(at(-1), kBackground));
         QVERIFY2(isAbout(at(0), kOutline) && isAbout(at(3), kOutline),
                  qPrintable(QString::number(at(0))));
         QVERIFY(isAbout(at(5), kCard));
-        // Below the last label there are ten points of card.
+        // The card ends ten points below the last label.
         const QRect label = menu.place(*menu.named<QLabel>(QStringLiteral("Right panel")));
         QCOMPARE(card.bottom() - label.bottom(), 10);
     }
 
-    void aRowsMarkStandsOnItsSquare_data() {
+    void aRowsMarkIsOnItsSquare_data() {
         QTest::addColumn<bool>("isFilled");
         QTest::addColumn<QColor>("square");
         QTest::newRow("a brand") << true << QColor(61, 107, 255);
         QTest::newRow("no brand") << false << QColor(kOutline, kOutline, kOutline);
     }
-    void aRowsMarkStandsOnItsSquare() {
+    void aRowsMarkIsOnItsSquare() {
         QFETCH(bool, isFilled);
         QFETCH(QColor, square);
         ShownMenu menu;
@@ -211,7 +211,6 @@ private Q_SLOTS:
                  qPrintable(color.name()));
         const double corner = cornerOf(picture, place, 4, kCard);
         QVERIFY2(corner > 1.2 && corner < 2.3, qPrintable(QString::number(corner)));
-        // The name and its label together stand as high as the mark.
         const QString name =
             isFilled ? QStringLiteral("Left panel") : QStringLiteral("No brand this week");
         QCOMPARE(menu.place(*menu.named<QLabel>(name)).x(), 56);
@@ -237,7 +236,7 @@ private Q_SLOTS:
         QVERIFY2(isAbout(brightest, 122), qPrintable(QString::number(brightest)));
         const double free = inkOf(picture, inside, kOutline).left() / 8.0 - place.x();
         QVERIFY2(free >= 10 && free < 12, qPrintable(QString::number(free)));
-        const double corner = cornerOf(picture, place, 8, kGround);
+        const double corner = cornerOf(picture, place, 8, kBackground);
         QVERIFY2(corner > 2.4 && corner < 3.5, qPrintable(QString::number(corner)));
         const int middle = place.center().y() * 8;
         QVERIFY(isAbout(picture.pixelColor(16 * 8 + 3, middle).red(), kOutline));
@@ -293,9 +292,9 @@ private Q_SLOTS:
             }
             const QRect place = menu.place(*label);
             const QRect box = scaled(place, scale) & picture.rect();
-            const int ground = picture.pixelColor(box.topLeft() - QPoint(1, 1)).red();
-            const QRect ink = inkOf(picture, box, ground);
-            // Its ink is as high and wide as that of the same text where there is room.
+            const int background = picture.pixelColor(box.topLeft() - QPoint(1, 1)).red();
+            const QRect ink = inkOf(picture, box, background);
+            // Its pixels take as much room as those of the same text in a large picture.
             if (place.height() >= 2 * QFontMetricsF(label->font()).height()) {
                 continue; // wrapped
             }
@@ -309,13 +308,13 @@ private Q_SLOTS:
             painter.end();
             const QRect wanted = inkOf(roomy, roomy.rect(), 0);
             QVERIFY2(ink.height() >= wanted.height() - 1, qPrintable(label->accessibleName()));
-            if (label->font().pixelSize() != 44) { // the amount's letters stand closer
+            if (label->font().pixelSize() != 44) { // the amount's letters are closer together
                 QVERIFY2(ink.width() >= wanted.width() - 1, qPrintable(label->accessibleName()));
             }
         }
     }
 
-    void textsOfMoreLinesHaveTheirHeight() {
+    void textsOfSeveralLinesHaveTheirHeight() {
         ShownMenu menu;
         menu.openWithEverything();
         menu.week().estimatedCents = 123'456'789'012'345;

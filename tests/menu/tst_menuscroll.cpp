@@ -24,13 +24,13 @@ struct LowWindow final {
         scroll->show();
     }
 
-    [[nodiscard]] bool isInSight(const QWidget& widget) const {
+    [[nodiscard]] bool isVisible(const QWidget& widget) const {
         const QRect place(widget.mapTo(scroll->viewport(), QPoint()), widget.size());
         return place.top() >= 0 && place.bottom() < scroll->viewport()->height();
     }
 
     ShownMenu menu;
-    std::unique_ptr<MenuScroll> scroll; ///< Goes first, with the menu.
+    std::unique_ptr<MenuScroll> scroll; ///< Owns the menu; destroyed first.
 };
 
 void turnWheel(QWidget& widget, QPoint angle) {
@@ -40,7 +40,7 @@ void turnWheel(QWidget& widget, QPoint angle) {
     QApplication::sendEvent(&widget, &event);
 }
 
-/// A bar 90 points high that shows a part of what it scrolls over.
+/// A bar 90 points high for a content twice as high.
 struct BarAlone final {
     BarAlone() {
         bar.setRange(0, 90);
@@ -49,7 +49,7 @@ struct BarAlone final {
         bar.show();
     }
 
-    /// Its picture on black.
+    /// The colour at this height, painted on black.
     [[nodiscard]] QColor at(int y) {
         QImage picture(bar.size(), QImage::Format_RGB32);
         picture.fill(Qt::black);
@@ -75,7 +75,7 @@ class TestMenuScroll final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void everythingCanBeReachedByTabAndIsInSight() {
+    void everyControlReachedByTabIsVisible() {
         LowWindow low;
         QVERIFY(QTest::qWaitForWindowActive(low.scroll.get()));
         QStringList visited;
@@ -85,7 +85,7 @@ private Q_SLOTS:
             QWidget* const focused = QApplication::focusWidget();
             QVERIFY(focused != nullptr);
             visited << focused->accessibleName();
-            QVERIFY2(low.isInSight(*focused), qPrintable(focused->accessibleName()));
+            QVERIFY2(low.isVisible(*focused), qPrintable(focused->accessibleName()));
         }
         visited.sort();
         QCOMPARE(visited,
@@ -95,20 +95,20 @@ private Q_SLOTS:
                               QStringLiteral("Save token")}));
     }
 
-    void whatOthersGiveTheKeyboardIsInSight() {
+    void aControlFocusedByOtherMeansIsVisible() {
         LowWindow low;
         QVERIFY(QTest::qWaitForWindowActive(low.scroll.get()));
         auto* const quit = low.menu.named<QAbstractButton>(QStringLiteral("Quit"));
-        QVERIFY(!low.isInSight(*quit));
+        QVERIFY(!low.isVisible(*quit));
         quit->setFocus(Qt::OtherFocusReason);
-        QVERIFY(low.isInSight(*quit));
+        QVERIFY(low.isVisible(*quit));
         auto* const agreement = low.menu.named<QWidget>(QStringLiteral("Host agreement"));
-        QVERIFY(!low.isInSight(*agreement));
+        QVERIFY(!low.isVisible(*agreement));
         agreement->setFocus(Qt::OtherFocusReason);
-        QVERIFY(low.isInSight(*agreement));
+        QVERIFY(low.isVisible(*agreement));
     }
 
-    void aWheelScrollsUprightAndNeverSideways() {
+    void aWheelScrollsVerticallyAndNeverHorizontally() {
         LowWindow low;
         turnWheel(*low.scroll->viewport(), {-120, 0});
         turnWheel(*low.scroll->viewport(), {-120, -120});
@@ -116,7 +116,7 @@ private Q_SLOTS:
         turnWheel(*low.scroll->viewport(), {0, -120});
         QVERIFY(low.menu.view().y() < 0);
         QCOMPARE(low.menu.view().x(), 0);
-        // Nor does what is wider than the window, once it has the keyboard.
+        // Nor does the focus on a control scroll it horizontally.
         QVERIFY(QTest::qWaitForWindowActive(low.scroll.get()));
         low.menu.named<QWidget>(QStringLiteral("Save token"))->setFocus();
         QCOMPARE(low.menu.view().x(), 0);
@@ -125,7 +125,7 @@ private Q_SLOTS:
     void pageDownScrollsFromTheStart() {
         LowWindow low;
         QVERIFY(QTest::qWaitForWindowActive(low.scroll.get()));
-        low.scroll->setFocus(); // as its window does
+        low.scroll->setFocus(); // like the menu's window
         QCOMPARE(QApplication::focusWidget(), low.scroll.get());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown);
         QVERIFY(low.scroll->verticalScrollBar()->value() > 100);
@@ -139,7 +139,7 @@ private Q_SLOTS:
         QCOMPARE(low.scroll->verticalScrollBar()->value(), 0);
     }
 
-    void itsHintIsTheMenusSizeAndFollowsIt() {
+    void itsSizeHintFollowsTheMenusSize() {
         ShownMenu menu;
         menu.poll();
         QWidget window;
@@ -159,14 +159,14 @@ private Q_SLOTS:
         QTRY_COMPARE(holder->size(), menu.view().size());
     }
 
-    void itsColoursAreTheMenus() {
+    void itsBackgroundIsTheMenus() {
         LowWindow low;
         QCOMPARE(low.scroll->palette().color(QPalette::Window).rgb(), qRgb(18, 18, 18));
         const QImage picture = low.scroll->grab().toImage();
         QCOMPARE(picture.pixelColor(2, 2).rgb(), qRgb(18, 18, 18));
     }
 
-    void theBarGoesFromEndToEnd() {
+    void theHandleMovesFromEndToEnd() {
         BarAlone alone;
         QVERIFY(alone.at(1).red() > 80);
         QVERIFY(alone.at(43).red() > 80);
@@ -178,7 +178,7 @@ private Q_SLOTS:
         QVERIFY(alone.at(88).red() > 80);
     }
 
-    void theHandleOfALongTextCanStillBeHit() {
+    void theHandleOfAVeryLongTextIs24PointsLong() {
         BarAlone alone;
         alone.bar.setRange(0, 10'000'000);
         QVERIFY(alone.at(1).red() > 80);
@@ -190,7 +190,7 @@ private Q_SLOTS:
 
     void theHandleCanBeDragged() {
         BarAlone alone;
-        alone.drag(10, 32); // 22 of the 45 points there are
+        alone.drag(10, 32); // 22 of the 45 points that it can move
         QVERIFY2(qAbs(alone.bar.value() - 44) <= 2, qPrintable(QString::number(alone.bar.value())));
         alone.drag(40, 89);
         QCOMPARE(alone.bar.value(), 90);
@@ -198,7 +198,7 @@ private Q_SLOTS:
 
     void aClickBesideTheHandlePages() {
         BarAlone alone;
-        alone.bar.setRange(0, 360); // the handle is the shortest there is
+        alone.bar.setRange(0, 360); // the handle has its minimum length
         QTest::mouseClick(&alone.bar, Qt::LeftButton, {}, QPoint(4, 88));
         QCOMPARE(alone.bar.value(), 90);
         QTest::mouseClick(&alone.bar, Qt::LeftButton, {}, QPoint(4, 88));
@@ -207,7 +207,7 @@ private Q_SLOTS:
         QCOMPARE(alone.bar.value(), 90);
     }
 
-    void theBarShowsThatItsTextHasTheKeyboard() {
+    void theBarShowsTheKeyboardFocus() {
         BarAlone alone;
         QCOMPARE(alone.bar.width(), 8);
         QVERIFY(qAbs(alone.at(20).red() - 107) <= 2); // white at 0.42

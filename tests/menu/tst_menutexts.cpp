@@ -12,7 +12,7 @@ class TestMenuTexts final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void amountsAreShort_data() {
+    void wholeEurosHaveNoDecimals_data() {
         QTest::addColumn<qint64>("cents");
         QTest::addColumn<QString>("text");
         const auto row = [](qint64 cents, const char* text) {
@@ -36,14 +36,14 @@ private Q_SLOTS:
         row(std::numeric_limits<qint64>::min(), "€-92233720368547760.00");
         row(std::numeric_limits<qint64>::max() - 7, "€92233720368547758");
     }
-    void amountsAreShort() {
+    void wholeEurosHaveNoDecimals() {
         QFETCH(qint64, cents);
         QFETCH(QString, text);
         QCOMPARE(eurosShort(cents), text);
         QCOMPARE(earningsText(cents), QStringLiteral("You'll earn %1 this week").arg(text));
     }
 
-    void localesChangeNothing() {
+    void theUsersLocaleChangesNothing() {
         const QLocale before;
         for (const QLocale& locale : {QLocale(QLocale::German), QLocale(QLocale::Turkish),
                                       QLocale(QLocale::Arabic, QLocale::Egypt)}) {
@@ -59,14 +59,14 @@ private Q_SLOTS:
         QLocale::setDefault(before);
     }
 
-    void windowsAndDaysAreCounted() {
+    void recordedTextContainsItsNumbers() {
         QCOMPARE(recordedText(2, 4, 1),
                  QStringLiteral("Recorded 2/4 live windows today · 1 live days this week"));
         QCOMPARE(recordedText(-1, 0, -7),
                  QStringLiteral("Recorded -1/0 live windows today · -7 live days this week"));
     }
 
-    void oneHostIsNoHosts_data() {
+    void oneHostIsSingular_data() {
         QTest::addColumn<qint64>("hosts");
         QTest::addColumn<QString>("text");
         QTest::newRow("one") << qint64{1} << QStringLiteral("Split with 1 live host");
@@ -75,20 +75,20 @@ private Q_SLOTS:
         QTest::newRow("very many") << std::numeric_limits<qint64>::max()
                                    << QStringLiteral("Split with 9223372036854775807 live hosts");
     }
-    void oneHostIsNoHosts() {
+    void oneHostIsSingular() {
         QFETCH(qint64, hosts);
         QFETCH(QString, text);
         QCOMPARE(splitText(hosts), text);
     }
 
-    void whatIsBankedAlwaysHasTwoDecimals_data() {
+    void theBankedAmountAlwaysHasTwoDecimals_data() {
         QTest::addColumn<qint64>("cents");
         QTest::addColumn<QString>("amount");
         QTest::newRow("whole") << qint64{1500} << QStringLiteral("€15.00");
         QTest::newRow("broken") << qint64{1234} << QStringLiteral("€12.34");
         QTest::newRow("a cent") << qint64{1} << QStringLiteral("€0.01");
     }
-    void whatIsBankedAlwaysHasTwoDecimals() {
+    void theBankedAmountAlwaysHasTwoDecimals() {
         QFETCH(qint64, cents);
         QFETCH(QString, amount);
         QCOMPARE(bankedText(cents),

@@ -35,7 +35,7 @@ class TestTextLines final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void breaksAndControlsAreMadePlain_data() {
+    void breaksBecomeLineFeedsAndControlsBlanks_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("plain");
         const auto row = [](const char* name, const QString& text, const QString& plain) {
@@ -52,7 +52,7 @@ private Q_SLOTS:
             QStringLiteral("a b"));
         row("C1", QStringLiteral("a\u0085b"), QStringLiteral("a b"));
     }
-    void breaksAndControlsAreMadePlain() {
+    void breaksBecomeLineFeedsAndControlsBlanks() {
         QFETCH(QString, text);
         QFETCH(QString, plain);
         QCOMPARE(wrappableText(text), plain);
@@ -78,21 +78,21 @@ private Q_SLOTS:
         }
     }
 
-    void paragraphsBeginALineEach() {
+    void eachParagraphStartsALine() {
         QCOMPARE(linesOf(QStringLiteral("one\n\ntwo\n"), 100),
                  (QStringList{QStringLiteral("one"), QString(), QStringLiteral("two"), QString()}));
         QCOMPARE(linesOf(QString(), 100), QStringList{QString()});
     }
 
-    void aParagraphIsReadFromItsOwnSide() {
+    void eachParagraphHasItsOwnDirection() {
         const auto lines = wrapped(QStringLiteral("left\nשלום עולם"), 200);
         QCOMPARE(lines.size(), std::size_t{2});
         QVERIFY(!lines.at(0).isRightToLeft);
         QVERIFY(lines.at(1).isRightToLeft);
     }
 
-    void aParagraphAsLongAsAPieceIsNotFollowedByAnEmptyLine() {
-        // Around what is laid out at a time; blanks never make a second line.
+    void aParagraphAsLongAsAPieceHasNoEmptyLineAfterIt() {
+        // Around the size of a piece. Blanks never fill a second line.
         for (const int length : {2047, 2048, 2049, 4096}) {
             const QString text = QString(length, u' ') + QStringLiteral("\nend");
             const QStringList lines = linesOf(text, 288);
@@ -102,8 +102,8 @@ private Q_SLOTS:
         }
     }
 
-    void aLongParagraphBreaksAsIfLaidOutAtOnce() {
-        // Longer than what is laid out at a time, so that pieces are joined in the middle of it.
+    void aLongParagraphBreaksAsIfWrappedInOnePiece() {
+        // Longer than a piece, so that it is wrapped in several.
         QString text;
         for (int i = 0; text.size() < 20'000; ++i) {
             text += QStringLiteral("word%1 ").arg(i * i);
@@ -113,13 +113,13 @@ private Q_SLOTS:
         const QFontMetricsF metrics(font());
         for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
             QVERIFY(metrics.horizontalAdvance(lines.at(i).trimmed()) <= 288);
-            // The next line's first word would not have fitted any more.
+            // The next line's first word would not have fitted.
             const QString more = lines.at(i) + lines.at(i + 1).section(u' ', 0, 0);
             QVERIFY2(metrics.horizontalAdvance(more) > 286, qPrintable(more));
         }
     }
 
-    void itEndsEarlyWhenThatIsEnoughAndGoesOn_data() {
+    void itStopsAfterTheWantedLinesAndContinues_data() {
         QTest::addColumn<QString>("text");
         QTest::newRow("one paragraph") << QStringLiteral("some words ").repeated(3000);
         QTest::newRow("many paragraphs") << QStringLiteral("some words\n").repeated(3000);
@@ -127,12 +127,12 @@ private Q_SLOTS:
                                      QStringLiteral("words ").repeated(900);
         QTest::newRow("one word") << QString(30'000, u'W');
     }
-    void itEndsEarlyWhenThatIsEnoughAndGoesOn() {
+    void itStopsAfterTheWantedLinesAndContinues() {
         QFETCH(QString, text);
         WrappedText growing;
         wrapText(growing, text, font(), 288, 7);
         QVERIFY(growing.lines.size() >= 7);
-        // One piece of two thousand characters, not the whole.
+        // One piece of two thousand characters, not the whole text.
         QVERIFY(growing.lines.size() < 120);
         QVERIFY(!growing.isWhole(text));
         while (!growing.isWhole(text)) {
@@ -143,11 +143,11 @@ private Q_SLOTS:
         QCOMPARE(growing.lines, wrapped(text, 288));
     }
 
-    void ofCharactersThatTakeNoRoomAFewLinesAreMadeAtATime() {
+    void linesOfVeryManyCharactersAreMadeAFewAtATime() {
         const QString text(1'000'000, u' ');
         WrappedText growing;
         wrapText(growing, text, font(), 288, 300);
-        // As many as fill the menu, of a part of the text.
+        // The minimum of lines, from a part of the text.
         QVERIFY(growing.lines.size() >= 20 && growing.lines.size() < 40);
         QVERIFY(growing.next < 65'536);
         int calls = 1;
@@ -159,7 +159,7 @@ private Q_SLOTS:
         QVERIFY(calls > 10);
     }
 
-    void noTextAtAllHangsIt() {
+    void oddTextsEndAndStayInRange() {
         const QString zalgo = QStringLiteral("Z") + QString(5000, QChar(0x0321));
         for (const QString& text :
              {zalgo, QString(5000, QChar(0x200B)), QString(5000, QChar(0x202E)),

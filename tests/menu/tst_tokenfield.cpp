@@ -15,7 +15,7 @@ namespace {
 
 const QString kQuit = QStringLiteral("Quit");
 
-/// A menu whose window has the keyboard.
+/// A menu whose window is active.
 struct ActiveMenu final {
     explicit ActiveMenu(bool hasToken = true) {
         menu.hasToken = hasToken;
@@ -52,11 +52,12 @@ class TestTokenField final : public QObject {
 private Q_SLOTS:
     void initTestCase() { qunsetenv("QT_FATAL_WARNINGS"); }
     void init() {
-        // Offscreen, a popup makes Qt remark on what cannot be done there. Nothing else may be.
+        // Offscreen, Qt warns that the platform cannot grab for a popup. No other warning is
+        // allowed.
         QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not )")));
     }
 
-    void itShowsDotsUnlessItHasTheKeyboard() {
+    void itShowsDotsUnlessItHasTheFocus() {
         ActiveMenu active;
         QVERIFY(active.isActive);
         active.leaveField();
@@ -73,7 +74,7 @@ private Q_SLOTS:
         const Qt::InputMethodHints wanted =
             Qt::ImhSensitiveData | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase;
         const auto hints = [&active] {
-            // As an input method asks.
+            // As an input method reads them.
             return Qt::InputMethodHints(active.field->inputMethodQuery(Qt::ImHints).toInt());
         };
         QCOMPARE(hints() & wanted, wanted);
@@ -95,8 +96,8 @@ private Q_SLOTS:
         QCOMPARE(active.menu.store()->token(), token);
     }
 
-    // The store cuts blanks off both ends; all that is between them must reach it.
-    void whatIsInsideATokenIsLeftAsItIs_data() {
+    // The store trims blanks at both ends; everything between must stay the same.
+    void theInsideOfATokenIsUnchanged_data() {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("kept");
         const auto row = [](const char* name, const char* typed, const char* kept) {
@@ -112,7 +113,7 @@ private Q_SLOTS:
         row("nothing", "", "");
         row("nothing but blanks", "   ", "");
     }
-    void whatIsInsideATokenIsLeftAsItIs() {
+    void theInsideOfATokenIsUnchanged() {
         QFETCH(QString, typed);
         QFETCH(QString, kept);
         ActiveMenu active(false);
@@ -127,7 +128,7 @@ private Q_SLOTS:
         }
     }
 
-    void nothingOfADraftIsLeftOnceTheMenuIsHidden() {
+    void aDraftIsForgottenOnceTheMenuIsHidden() {
         ActiveMenu active(false);
         QVERIFY(active.isActive);
         active.field->setFocus();
@@ -145,7 +146,7 @@ private Q_SLOTS:
         QCOMPARE(active.field->text(), QString());
     }
 
-    void undoDoesNotBringBackADraftOverTheKeptToken() {
+    void undoDoesNotRestoreADraft() {
         ActiveMenu active;
         active.field->insert(QStringLiteral("secret"));
         active.menu.view().hide();
@@ -156,7 +157,7 @@ private Q_SLOTS:
         QCOMPARE(active.field->text(), QStringLiteral("kept-token"));
     }
 
-    void itsOwnMenuIsDarkAndLeavesTheTextReadable() {
+    void itsContextMenuIsDarkAndTheTextStaysReadable() {
         ActiveMenu active;
         QVERIFY(active.isActive);
         active.field->setFocus();
@@ -167,7 +168,7 @@ private Q_SLOTS:
         QCOMPARE(menu->palette().color(QPalette::WindowText).rgb(), qRgb(255, 255, 255));
         QCOMPARE(menu->palette().color(QPalette::Highlight).rgb(), qRgb(61, 107, 255));
         QCOMPARE(active.field->displayText(), QStringLiteral("kept-token"));
-        // The keyboard goes to it and back.
+        // The focus goes to the menu and back.
         QFocusEvent away(QEvent::FocusOut, Qt::PopupFocusReason);
         QApplication::sendEvent(active.field, &away);
         QCOMPARE(active.field->displayText(), QStringLiteral("kept-token"));
@@ -178,7 +179,7 @@ private Q_SLOTS:
         QVERIFY(active.showsDots());
     }
 
-    void anotherWindowWithTheKeyboardHidesTheToken() {
+    void theTokenIsHiddenWhileAnotherWindowIsActive() {
         ActiveMenu active;
         active.field->setFocus();
         QFocusEvent away(QEvent::FocusOut, Qt::ActiveWindowFocusReason);

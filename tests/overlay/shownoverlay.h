@@ -31,7 +31,7 @@ struct ShownOverlay {
     /// Brings the view in line with the store.
     void render(double notchWidth = 184) {
         runtime.apply(*store, notchWidth, 32);
-        QCoreApplication::sendPostedEvents(&view);
+        QCoreApplication::sendPostedEvents();
     }
     /// The store's assignment, to be changed directly.
     [[nodiscard]] Assignment& week() { return const_cast<Assignment&>(store->assignment()); }
