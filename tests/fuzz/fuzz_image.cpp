@@ -9,8 +9,8 @@
 namespace brimlet {
 namespace {
 
-/// Gives every chunk of a PNG the checksum of what is in it now: a decoder looks no further where
-/// that is wrong, and chance does not find a right one.
+/// Corrects the checksum of every chunk of a PNG. A decoder stops at a wrong one, and random
+/// changes hardly ever produce a right one.
 void mendChecksums(std::uint8_t* data, std::size_t size) {
     constexpr std::size_t kSignature = 8;
     constexpr std::size_t kFrame = 12;
@@ -36,7 +36,7 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
                                                std::size_t maxSize, unsigned seed) {
-    constexpr unsigned kLeftWrong = 8; // one in so many
+    constexpr unsigned kLeftWrong = 8; // one input in so many keeps its wrong checksums
     const std::size_t mutated = LLVMFuzzerMutate(data, size, maxSize);
     if (mutated > 0 && data[0] == 0x89 && seed % kLeftWrong != 0) {
         brimlet::mendChecksums(data, mutated);
@@ -45,5 +45,5 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    return brimlet::judge(data, size, brimlet::checkImage);
+    return brimlet::runCheck(data, size, brimlet::checkImage);
 }

@@ -2,5 +2,5 @@
 #include "tests/fuzz/replycheck.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    return brimlet::judge(data, size, brimlet::checkReply);
+    return brimlet::runCheck(data, size, brimlet::checkReply);
 }

@@ -2,5 +2,5 @@
 #include "tests/fuzz/urlcheck.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    return brimlet::judge(data, size, brimlet::checkUrl);
+    return brimlet::runCheck(data, size, brimlet::checkUrl);
 }

@@ -36,8 +36,8 @@ void exchange(HostFixture& host, HostStore& store, const QString& path, const QB
                                                         : store.ping(path, "GET"));
 }
 
-/// What a store knows before the reply in question: no field has its default.
-void teach(HostFixture& host, HostStore& store) {
+/// Fills the store before the reply under test, so that no field has its default.
+void fill(HostFixture& host, HostStore& store) {
     const QByteArray creatives = R"("weekStatus":"live","forceHide":true,"creatives":[)"
                                  R"({"slotId":"left","brandName":"L"},{"slotId":"right"}])";
     exchange(host, store, QStringLiteral("/api/display"), '{' + creatives + '}');
@@ -48,8 +48,8 @@ void teach(HostFixture& host, HostStore& store) {
                  creatives + '}');
 }
 
-QString dueStatusLine(const Endpoint& endpoint, const std::optional<Json>& json,
-                      const HostStore& store, const QString& before) {
+QString expectedStatusLine(const Endpoint& endpoint, const std::optional<Json>& json,
+                           const HostStore& store, const QString& before) {
     const bool isObject = json && json->is_object();
     if (isDisplay(endpoint)) {
         return isObject ? statusline::afterDisplayReply(true, store.adsVisible(), endpoint.hasToken)
@@ -80,11 +80,11 @@ bool isWellFormed(const Assignment& a) {
            isWellFormed(a.right);
 }
 
-/// Writing the value out and reading that gives the value again. Writing climbs down the nesting by
-/// calls, as nothing in the product does.
+/// True when the value, written and read again, is the same. Writing recurses, as nothing in the
+/// product does, so a deeply nested value is not tried.
 bool survivesWriting(const QByteArray& body, const Json& json) {
-    constexpr int kCallsThatFit = 500;
-    if (body.count('[') + body.count('{') > kCallsThatFit) {
+    constexpr int kDeepest = 500;
+    if (body.count('[') + body.count('{') > kDeepest) {
         return true;
     }
     const std::string text = json.dump();
@@ -96,7 +96,7 @@ bool survivesWriting(const QByteArray& body, const Json& json) {
 
 QByteArray checkReply(const QByteArray& input) {
     const Endpoint endpoint = chosenEndpoint(input.isEmpty() ? 'd' : input.front());
-    // No copy: a look past the end is then seen by a sanitizer.
+    // Not a copy, so that a sanitizer detects reads past the end.
     const qsizetype start = input.isEmpty() ? 0 : 1;
     const auto body = QByteArray::fromRawData(input.constData() + start, input.size() - start);
     HostFixture host;
@@ -104,7 +104,7 @@ QByteArray checkReply(const QByteArray& input) {
         host.keepToken("token");
     }
     const auto store = host.makeStore();
-    teach(host, *store);
+    fill(host, *store);
     const Assignment before = store->assignment();
     const QString lineBefore = store->statusLine();
     exchange(host, *store, endpoint.path, body);
@@ -114,7 +114,7 @@ QByteArray checkReply(const QByteArray& input) {
     if ((!json || !json->is_object()) && a != before) {
         return "a refused body changed the assignment";
     }
-    if (store->statusLine() != dueStatusLine(endpoint, json, *store, lineBefore)) {
+    if (store->statusLine() != expectedStatusLine(endpoint, json, *store, lineBefore)) {
         return "the status line is another";
     }
     if (!isWellFormed(a)) {

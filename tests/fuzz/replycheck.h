@@ -4,12 +4,12 @@
 
 namespace brimlet {
 
-/// Lets a whole store take this as a reply's body. The first byte chooses who answers: 'd' the
-/// public display, 'D' the same with a token kept, 'm' the host's figures, 'h' the heartbeat.
+/// Gives a whole store these bytes as a reply. The first byte chooses the endpoint: 'd' the public
+/// display, 'D' the same with a token kept, 'm' the host's figures, 'h' the heartbeat. The rest is
+/// the body.
 ///
-/// Returns what is wrong with what became of it, empty when nothing is: a body that is refused must
-/// leave the assignment alone, one that is accepted must be read as Qt's own reader reads it, and
-/// the status line must be the one that belongs to it.
+/// Returns what is wrong, empty when nothing is: a refused body must not change the assignment,
+/// Qt's JSON reader must read an accepted one the same, and the status line must match the reply.
 [[nodiscard]] QByteArray checkReply(const QByteArray& input);
 
 } // namespace brimlet

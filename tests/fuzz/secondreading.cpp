@@ -10,16 +10,16 @@
 namespace brimlet {
 namespace {
 
-/// Qt reads every number with a point or a power as a double. Up to so many digits, and below the
-/// limit, that tells whole numbers from others.
-constexpr int kTellingDigits = 15;
+/// Qt reads every number with a point or an exponent as a double. With no more digits than this and
+/// below the limit, a double is exact enough to tell whole numbers from others.
+constexpr int kExactDigits = 15;
 constexpr double kExactLimit = 9007199254740992.0;
 
 bool hasLongNumber(const QByteArray& body) {
     int digits = 0;
     for (const char c : body) {
         if (c >= '0' && c <= '9') {
-            if (++digits > kTellingDigits) {
+            if (++digits > kExactDigits) {
                 return true;
             }
         } else if (c != '.') {
@@ -29,16 +29,16 @@ bool hasLongNumber(const QByteArray& body) {
     return false;
 }
 
-/// The reply's top level as Qt has it.
+/// The reply's top level as Qt reads it.
 class SecondReading final {
 public:
     explicit SecondReading(const QByteArray& body)
         : m_object(QJsonDocument::fromJson(body).object())
         , m_canCompare(!m_object.isEmpty() && !body.contains("\xEF\xBB\xBF"))
-        , m_areNumbersTold(!hasLongNumber(body)) {}
+        , m_areNumbersExact(!hasLongNumber(body)) {}
 
-    /// Qt drops a byte-order mark from the start of any text and key, and reads no deep nesting.
-    /// An empty object here is most often a body it refused.
+    /// Qt drops a byte-order mark from the start of any text and key, and refuses deep nesting. An
+    /// empty object usually means that it refused the body.
     [[nodiscard]] bool canCompare() const { return m_canCompare; }
 
     [[nodiscard]] bool agrees(const char* key, std::int64_t ours, std::int64_t otherwise) const {
@@ -47,8 +47,8 @@ public:
             return ours == otherwise;
         }
         const double number = value.toDouble();
-        const bool isTold = m_areNumbersTold && number != 0 && std::abs(number) < kExactLimit;
-        if (!isTold) {
+        const bool isExact = m_areNumbersExact && number != 0 && std::abs(number) < kExactLimit;
+        if (!isExact) {
             return ours == otherwise || static_cast<double>(ours) == number;
         }
         const bool isWhole = std::trunc(number) == number;
@@ -98,7 +98,7 @@ private:
 
     QJsonObject m_object;
     bool m_canCompare;
-    bool m_areNumbersTold;
+    bool m_areNumbersExact;
 };
 
 QByteArray differenceInPlacement(const SecondReading& second, const Assignment& a) {

@@ -6,8 +6,8 @@
 
 namespace brimlet {
 
-// Reads a reply's body with Qt's JSON reader and compares. Returns what is read differently, empty
-// when nothing is, or when Qt refuses the body or is known to read it otherwise.
+// Compare an assignment with what Qt's JSON reader finds in the body. Return the difference, empty
+// when there is none, or when Qt refuses the body or is known to read it differently.
 
 [[nodiscard]] QByteArray secondReadingOfDisplay(const QByteArray& body,
                                                 const Assignment& assignment);

@@ -40,12 +40,12 @@ void addOwnFiles(const QString& folder) {
 
 } // namespace
 
-/// Everything that fuzzing kept, and what others collected where that is at hand.
+/// The inputs that fuzzing kept, and collections of sample files where they are installed.
 class TestCorpus final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void repliesAreReadAsTheyStand_data() {
+    void repliesAreReadAsQtReadsThem_data() {
         addOwnFiles(QStringLiteral("reply"));
         for (const QFileInfo& file : filesIn(sampleFiles + QStringLiteral("json"))) {
             for (const char endpoint : {'d', 'D', 'm', 'h'}) {
@@ -54,7 +54,7 @@ private Q_SLOTS:
             }
         }
     }
-    void repliesAreReadAsTheyStand() {
+    void repliesAreReadAsQtReadsThem() {
         QFETCH(QByteArray, bytes);
         QCOMPARE(checkReply(bytes), QByteArray());
     }
@@ -78,7 +78,7 @@ private Q_SLOTS:
         QCOMPARE(checkUrl(bytes), QByteArray());
     }
 
-    void picturesAreKeptOrRefused_data() {
+    void picturesAreDecodedOrRefused_data() {
         addOwnFiles(QStringLiteral("image"));
         for (const char* const folder : {"png/pngsuite", "png/libpng", "jpeg", "gif"}) {
             for (const QFileInfo& file : filesIn(sampleFiles + QLatin1StringView(folder))) {
@@ -86,7 +86,7 @@ private Q_SLOTS:
             }
         }
     }
-    void picturesAreKeptOrRefused() {
+    void picturesAreDecodedOrRefused() {
         QFETCH(QByteArray, bytes);
         QCOMPARE(checkImage(bytes), QByteArray());
     }

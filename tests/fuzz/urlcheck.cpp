@@ -42,7 +42,7 @@ bool readsTheSameAgain(const Url& url) {
            again->host() == url.host() && again->port() == url.port();
 }
 
-/// Asks libcurl about the bare text, with no option that curlAddress sets.
+/// Whether libcurl reads the text the same, without the options that curlAddress sets.
 bool isSameToCurl(const Url& url) {
     const CurlUrl address(curl_url());
     const QByteArray text = url.absoluteString().toLatin1();
@@ -56,7 +56,7 @@ bool isSameToCurl(const Url& url) {
            part(address, CURLUPART_PORT).toUInt() == ourPort;
 }
 
-/// What libcurl would ask for is what a plain libcurl reads, and holds no user info.
+/// Whether libcurl would request the same address, without user info.
 bool isFetchedAsRead(const Url& url) {
     const CurlUrl address = curlAddress(url);
     if (!address) {
@@ -74,17 +74,17 @@ bool isLocalHost(const QByteArray& host) {
     return host == "127.0.0.1" || host == "localhost" || host == "::1";
 }
 
-/// Hosts that Qt writes in another way although it means the same: numbers in place of the four of
-/// an IPv4 address, IPv6 addresses, encoded letters.
-bool isWrittenAnew(const QByteArray& host) {
+/// Hosts that Qt writes differently although they mean the same: IPv4 addresses in other notations,
+/// IPv6 addresses, encoded letters.
+bool isNormalisedByQt(const QByteArray& host) {
     return host.contains(':') || host.contains('%') ||
            std::all_of(host.begin(), host.end(), [](char c) {
                return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || c == '.' || c == 'x';
            });
 }
 
-/// What the opener is given cannot be taken for an option, and leads where it was judged to lead:
-/// without encryption nowhere but to this machine.
+/// Whether the opener cannot take the text for an option and goes to the host that the link rule
+/// allowed: without encryption to this machine only.
 bool isOpenedAsRead(const Url& url) {
     const QString& text = url.absoluteString();
     const QUrl opened(text, QUrl::StrictMode);
@@ -93,7 +93,7 @@ bool isOpenedAsRead(const Url& url) {
         const bool isFetchable = curlAddress(url) != nullptr;
         return !isFetchable || !opened.isValid() ||
                (opened.scheme() == QLatin1StringView("https") &&
-                (plainHost(host) == plainHost(url) || isWrittenAnew(plainHost(url))));
+                (plainHost(host) == plainHost(url) || isNormalisedByQt(plainHost(url))));
     }
     return text.startsWith(QLatin1StringView("http://")) && isLoopback(url) &&
            (!opened.isValid() ||
