@@ -9,6 +9,7 @@
 #include "platform/linux/x11overlaywindow.h"
 #include "platform/linux/x11watch.h"
 #include "platform/onceperturn.h"
+#include "platform/qt/desktopscreens.h"
 
 #include <QApplication>
 #include <QSessionManager>
