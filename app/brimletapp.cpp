@@ -29,7 +29,7 @@ int BrimletApp::run() {
     return QCoreApplication::exec();
 }
 
-void BrimletApp::obey(InstanceRequest request) {
+void BrimletApp::handle(InstanceRequest request) {
     switch (request) {
     case InstanceRequest::Open:
         m_menuBarExtra.open();

@@ -17,11 +17,12 @@ public:
     /// The ports outlive the process's main loop.
     BrimletApp(const HostPorts& host, const OverlayPorts& overlay, const MenuPorts& menu);
 
-    /// Launches, and runs the main loop until the program quits; returns the exit code.
+    /// Starts the store and the overlay, and runs the main loop until the program quits; returns
+    /// the exit code.
     [[nodiscard]] int run();
 
     /// Does what another process asked of this one.
-    void obey(InstanceRequest request);
+    void handle(InstanceRequest request);
 
     [[nodiscard]] const std::shared_ptr<HostStore>& store() const { return m_store; }
     [[nodiscard]] MenuBarExtra& menuBarExtra() { return m_menuBarExtra; }

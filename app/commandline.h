@@ -9,28 +9,28 @@
 
 namespace brimlet {
 
-/// The programs; each has other options.
+/// Which program it is; each has its own options.
 enum class Program {
     Linux,
     Mac, ///< Has a self-test, too.
     Simulator,
 };
 
-/// The options of a program that goes on.
+/// The parsed options of a program that continues to run.
 struct CommandLine final {
     QString machineFile;
     bool isConsoleWanted = false;
     bool isSelfTestWanted = false;
-    /// To send to the program that runs already; this process then ends.
+    /// A request to send to the program that is already running; this process then ends.
     std::optional<InstanceRequest> request;
 };
 
-/// The program's arguments, decoded.
+/// `argv`, including the program's name, decoded from the locale's encoding.
 [[nodiscard]] QStringList argumentsOf(int argc, char* argv[]);
 
 /// Reads the command line. `--help` and `--version` print to stdout and give exit code 0; anything
 /// unknown prints one line and the usage to stderr and gives 2. Without an exit code the program
-/// goes on.
+/// continues, with its options in `commandLine`.
 [[nodiscard]] std::optional<int> readCommandLine(const QStringList& arguments, Program program,
                                                  CommandLine& commandLine);
 

@@ -32,7 +32,7 @@ void setForQt(const char* name, const QByteArray& value) {
     qputenv(name, value);
 }
 
-/// A browser started by a click gets the user's own environment.
+/// So that a browser started by a click gets the user's own environment.
 void restoreEnvironment() {
     for (const auto& [name, value] : std::exchange(environmentBefore, {})) {
         if (value.isNull()) {
@@ -45,7 +45,7 @@ void restoreEnvironment() {
 
 } // namespace
 
-NativeOverlayWindow x11OverlayWindows(std::function<QRectF()> primaryGeometry) {
+NativeOverlayWindowFactory x11OverlayWindowFactory(std::function<QRectF()> primaryGeometry) {
     return [primaryGeometry = std::move(primaryGeometry)](std::unique_ptr<QWidget> content) {
         return std::make_unique<X11OverlayWindow>(std::move(content), primaryGeometry);
     };
@@ -70,8 +70,8 @@ bool prepareLinuxApplication() {
     }
     disableUnresponsiveBuses();
     QApplication::setStyle(QStringLiteral("Fusion"));
-    // With shared memory each paint waits until the X server has read the one before it. A scroll
-    // step is a few kilobytes, which are faster sent than waited for.
+    // No shared memory: with it each paint waits until the X server has read the previous one.
+    // Sending the few kilobytes of a scroll step is faster.
     setForQt("QT_XCB_NO_MITSHM", "1");
     return true;
 }
@@ -79,18 +79,19 @@ bool prepareLinuxApplication() {
 void configureLinuxApplication() {
     restoreEnvironment();
     configureApplication();
-    // The desktop's autostart entry starts the next session's program, not the session manager.
+    // The autostart entry starts the program in the next session; the session manager must not
+    // start it as well.
     QObject::connect(qApp, &QGuiApplication::saveStateRequest, qApp, [](QSessionManager& manager) {
         manager.setRestartHint(QSessionManager::RestartNever);
     });
-    // By then the capsules are shown, and fonts and pictures loaded.
-    constexpr std::chrono::seconds kStartIsOver{2};
-    QTimer::singleShot(kStartIsOver, Qt::VeryCoarseTimer, qApp, trimStartupMemory);
+    // After this time the capsules are shown, and fonts and pictures are loaded.
+    constexpr std::chrono::seconds kStartupTime{2};
+    QTimer::singleShot(kStartupTime, Qt::VeryCoarseTimer, qApp, trimStartupMemory);
 }
 
 void askRunningProgram(const SingleInstance& instance, InstanceRequest request) {
     disableUnresponsiveBuses();
-    // Without destructors: Qt's bus thread may use objects that are destroyed already.
+    // No destructors are run, because Qt's D-Bus thread might still use the destroyed objects.
     std::quick_exit(exitCodeOf(instance.ask(request)));
 }
 

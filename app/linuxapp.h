@@ -22,7 +22,7 @@ namespace brimlet {
 
 class SingleInstance;
 
-/// An adapter for each port on a Linux desktop. Needs the application object.
+/// An adapter for each port on a Linux desktop. Create it after the application object.
 struct LinuxAdapters final {
     QtScreens screens;
     LinuxWorkspace workspace;
@@ -35,28 +35,30 @@ struct LinuxAdapters final {
     TrayStatusItem statusItem;
 };
 
-/// Makes the overlay's window on the X server. `primaryGeometry` returns the primary screen's
-/// current geometry in Qt's coordinates.
-[[nodiscard]] NativeOverlayWindow x11OverlayWindows(std::function<QRectF()> primaryGeometry);
+/// A factory for the overlay's window on the X server. `primaryGeometry` returns the primary
+/// screen's current geometry in Qt's coordinates.
+[[nodiscard]] NativeOverlayWindowFactory
+x11OverlayWindowFactory(std::function<QRectF()> primaryGeometry);
 
-/// Makes the menu-bar panel's window on the X server.
 [[nodiscard]] std::unique_ptr<MenuWindow> makeX11MenuWindow(std::unique_ptr<QWidget> content);
 
-/// What both programs do before the application object is created: choose Qt's X11 platform, since
-/// only X11 lets a program place its windows, and the plainest widget style, whatever the
-/// desktop's. Without a display it prints a line to stderr and returns false.
+/// Call before the application object is created. Selects Qt's X11 platform, since only X11 lets a
+/// program place its windows (unless QT_QPA_PLATFORM names another than X11 or Wayland), and the
+/// Fusion style. Disables buses that do not answer, which may block for 1.4 s. Without an X server
+/// it prints a line to stderr and returns false.
 [[nodiscard]] bool prepareLinuxApplication();
 
-/// What both programs do right after it was created.
+/// Call right after the application object is created. Restores the environment, calls
+/// `configureApplication()`, and schedules the release of start-up memory.
 void configureLinuxApplication();
 
-/// The whole of a process that only sends a request to the running program. Ends the process: with
-/// 0 if that was done, else with 1 and a line on stderr.
+/// Sends a request to the running program and ends this process: with 0 if the request was carried
+/// out, else with 1 and a line on stderr.
 [[noreturn]] void askRunningProgram(const SingleInstance& instance, InstanceRequest request);
 
-/// After each change of the store, has the workspace check the built-in panel's power and the X
-/// watch handle its events. Every reply and every failed request changes the store, so this needs
-/// no timer. The workspace outlives the main loop.
+/// After each change of the store, makes `workspace` check whether the built-in display is on, and
+/// `X11Watch` read its queued events. Every reply and every failed request changes the store, so
+/// this needs no timer. The workspace outlives the main loop.
 void followDesktop(const HostStore& store, LinuxWorkspace& workspace);
 
 } // namespace brimlet

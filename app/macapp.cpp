@@ -55,7 +55,7 @@ std::unique_ptr<MenuWindow> makeMacMenuWindow(std::unique_ptr<QWidget> content) 
 }
 
 void openWhenReopened(BrimletApp& app) {
-    onReopened([&app] { app.obey(InstanceRequest::Open); });
+    onReopened([&app] { app.handle(InstanceRequest::Open); });
 }
 
 } // namespace brimlet

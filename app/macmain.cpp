@@ -46,7 +46,7 @@ int main(int argc, char* argv[]) {
 
     BrimletApp app = makeApp({screens, workspace, secrets, http, bundle, clock, cachesFolder,
                               reduceMotion, statusItem, makeMacOverlayWindow, makeMacMenuWindow});
-    obeyRequests(instance, app);
+    handleRequests(instance, app);
     openWhenReopened(app);
     return app.run();
 }

@@ -31,8 +31,8 @@ int main(int argc, char* argv[]) {
     BrimletApp app =
         makeApp({desktop.screens, desktop.workspace, desktop.secrets, *desktop.http, desktop.bundle,
                  desktop.clock, desktop.cachesFolder, desktop.reduceMotion, desktop.statusItem,
-                 x11OverlayWindows(primaryGeometry), makeX11MenuWindow});
-    obeyRequests(instance, app);
+                 x11OverlayWindowFactory(primaryGeometry), makeX11MenuWindow});
+    handleRequests(instance, app);
     followDesktop(*app.store(), desktop.workspace);
     return app.run();
 }

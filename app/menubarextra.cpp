@@ -7,12 +7,13 @@
 namespace brimlet {
 namespace {
 
-/// A click on the status item may first take the keyboard from the open panel, which closes it, and
-/// only then be reported as a press. Within this time such a press does not open the panel again.
+/// A click on the status item may first take the focus from the open panel, which closes it, and
+/// only then be reported as a press. A press this soon after a close therefore does not reopen the
+/// panel.
 constexpr std::chrono::milliseconds kSameClick{200};
 
-/// The panel opens by itself if the desktop shows no status item within this time. It is then the
-/// only way to reach the program.
+/// The panel opens by itself if the desktop shows no status item within this time. Without a status
+/// item the panel is the only way to reach the program.
 constexpr std::chrono::seconds kWaitForBar{3};
 
 } // namespace
@@ -23,7 +24,7 @@ MenuBarExtra::MenuBarExtra(std::shared_ptr<HostStore> store, MenuPorts ports)
     m_ports.statusItem.observePresses([this](const std::optional<Rect>& place) { pressed(place); });
     connect(m_store.get(), &HostStore::objectWillChange, &m_toolTipUpdate, &OncePerTurn::schedule);
     m_toolTipUpdate.schedule();
-    startTask(openUnlessShown(m_end.get_token()));
+    startTask(openWithoutStatusItem(m_end.get_token()));
 }
 
 MenuBarExtra::~MenuBarExtra() {
@@ -57,7 +58,7 @@ void MenuBarExtra::updateToolTip() {
     }
 }
 
-QCoro::Task<> MenuBarExtra::openUnlessShown(std::stop_token end) {
+QCoro::Task<> MenuBarExtra::openWithoutStatusItem(std::stop_token end) {
     co_await m_ports.clock.sleep(kWaitForBar, end);
     // After a stop request `this` may be destroyed.
     if (!end.stop_requested() && !m_ports.statusItem.isShown() && !m_window) {

@@ -26,8 +26,8 @@ struct MenuPorts final {
     MenuWindowFactory makeWindow;
 };
 
-/// The status item, and the panel that a press on it opens and closes. The panel is created when it
-/// is first opened. Main thread only.
+/// The tray icon (status item), and the panel that a click on it opens and closes. The panel is
+/// created when it is first opened. Main thread only.
 class MenuBarExtra final : public QObject {
     Q_OBJECT
 
@@ -45,7 +45,7 @@ private:
     void pressed(const std::optional<Rect>& place);
     void openAt(const std::optional<Rect>& place);
     void updateToolTip();
-    [[nodiscard]] QCoro::Task<> openUnlessShown(std::stop_token end);
+    [[nodiscard]] QCoro::Task<> openWithoutStatusItem(std::stop_token end);
 
     std::shared_ptr<HostStore> m_store;
     MenuPorts m_ports;

@@ -36,7 +36,8 @@ int main(int argc, char* argv[]) {
         std::fputs(qUtf8Printable(QStringLiteral("brimlet-simulator: %1\n").arg(complaint)),
                    stderr);
     };
-    // Before the application object, which ends a program without a display with Qt's own message.
+    // Checked before the application object is created, since without a display that ends the
+    // program with Qt's own message.
     if (const QString complaint = MachineFile::errorIn(commandLine.machineFile);
         !complaint.isEmpty()) {
         say(complaint);
@@ -78,12 +79,12 @@ int main(int argc, char* argv[]) {
     QObject::connect(&file, &MachineFile::changed, &notch, redrawNotch);
     redrawNotch();
 
-    BrimletApp app =
-        makeApp({screens, workspace, secrets, http, bundle, clock, cachesFolder, reduceMotion,
-                 real.statusItem,
-                 x11OverlayWindows([&file] { return simulatedPrimaryGeometry(file.machine()); }),
-                 makeX11MenuWindow});
-    obeyRequests(instance, app);
+    BrimletApp app = makeApp({screens, workspace, secrets, http, bundle, clock, cachesFolder,
+                              reduceMotion, real.statusItem, x11OverlayWindowFactory([&file] {
+                                  return simulatedPrimaryGeometry(file.machine());
+                              }),
+                              makeX11MenuWindow});
+    handleRequests(instance, app);
 
     QObject::connect(app.store().get(), &HostStore::overlayNeedsRender, &notch,
                      &NotchWindow::bringForward);

@@ -15,7 +15,7 @@ class BrimletApp;
 /// each answered by one line of JSON on standard output. The program goes on after the end of
 /// input.
 ///
-/// - `state`: the state of store, panel and pills; of the token only whether there is one.
+/// - `state`: the state of store, overlay panel and pills; says only whether there is a token.
 /// - `save-token TOKEN`: as typed into the menu and saved.
 /// - `agree`, `pause`, `quit`: as by pressing the button.
 /// - `open`: opens the menu-bar panel, as a second start does.

@@ -13,7 +13,7 @@
 namespace brimlet {
 namespace {
 
-OverlayWindowFactory overlayWindowFactory(const NativeOverlayWindow& makeWindow,
+OverlayWindowFactory overlayWindowFactory(const NativeOverlayWindowFactory& makeWindow,
                                           const CreativeEnvironment& environment) {
     return [makeWindow, environment](OverlayRuntime& runtime) {
         auto content = std::make_unique<OverlayView>(runtime, environment);
@@ -27,7 +27,7 @@ OverlayWindowFactory overlayWindowFactory(const NativeOverlayWindow& makeWindow,
     };
 }
 
-MenuWindowFactory menuWindowFactory(const NativeMenuWindow& makeWindow,
+MenuWindowFactory menuWindowFactory(const NativeMenuWindowFactory& makeWindow,
                                     const CreativeEnvironment& environment) {
     return [makeWindow, environment](const std::shared_ptr<HostStore>& store) {
         auto menu = std::make_unique<HostMenuView>(store, environment);
@@ -58,9 +58,9 @@ BrimletApp makeApp(const SystemPorts& system) {
         {system.statusItem, system.clock, menuWindowFactory(system.makeMenuWindow, environment)}};
 }
 
-void obeyRequests(const InstanceLock& instance, BrimletApp& app) {
+void handleRequests(const InstanceLock& instance, BrimletApp& app) {
     QObject::connect(&instance, &InstanceLock::requested, qApp,
-                     [&app](InstanceRequest request) { app.obey(request); });
+                     [&app](InstanceRequest request) { app.handle(request); });
 }
 
 } // namespace brimlet

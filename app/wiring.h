@@ -13,10 +13,10 @@ namespace brimlet {
 
 class InstanceLock;
 
-/// Makes the native window around its content, which it takes ownership of.
-using NativeOverlayWindow =
+/// Create the native window around `content` and give it the ownership of that.
+using NativeOverlayWindowFactory =
     std::function<std::unique_ptr<OverlayWindow>(std::unique_ptr<QWidget> content)>;
-using NativeMenuWindow =
+using NativeMenuWindowFactory =
     std::function<std::unique_ptr<MenuWindow>(std::unique_ptr<QWidget> content)>;
 
 /// Every port of the program. The references outlive the main loop.
@@ -30,17 +30,18 @@ struct SystemPorts final {
     const CachesFolder& cachesFolder;
     ReduceMotion& reduceMotion;
     StatusItem& statusItem;
-    NativeOverlayWindow makeOverlayWindow;
-    NativeMenuWindow makeMenuWindow;
+    NativeOverlayWindowFactory makeOverlayWindow;
+    NativeMenuWindowFactory makeMenuWindow;
 };
 
-/// What every program does right after it created the application object.
+/// Call right after the application object is created. Sets its name and version, and makes
+/// termination signals quit the main loop.
 void configureApplication();
 
-/// The application on those ports, with the program's views in its windows. Called once.
+/// Creates the application on these ports, with the program's views in its windows. Call once.
 [[nodiscard]] BrimletApp makeApp(const SystemPorts& system);
 
 /// Connects the requests of other processes to the application. Both outlive the main loop.
-void obeyRequests(const InstanceLock& instance, BrimletApp& app);
+void handleRequests(const InstanceLock& instance, BrimletApp& app);
 
 } // namespace brimlet

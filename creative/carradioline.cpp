@@ -13,6 +13,11 @@
 namespace brimlet {
 namespace {
 
+/// Seconds that the tagline, after its scroll, stands at its start again.
+constexpr double kRestAtStart = 0.35;
+/// Seconds that a tagline stays which needs no scroll.
+constexpr double kFittingTagline = 2.8;
+
 /// The first row that is not all of one colour, and the one after the last.
 std::pair<int, int> inkedRows(const QImage& picture) {
     const auto hasInk = [&picture](int y) {
@@ -156,9 +161,9 @@ QCoro::Task<> CarRadioLine::cycle(std::stop_token stop) {
                 co_return;
             }
             show(true);
-            co_await sleep(0.35, stop);
+            co_await sleep(kRestAtStart, stop);
         } else {
-            co_await sleep(2.8, stop);
+            co_await sleep(kFittingTagline, stop);
         }
         if (stop.stop_requested()) {
             co_return;
@@ -166,7 +171,7 @@ QCoro::Task<> CarRadioLine::cycle(std::stop_token stop) {
     }
 }
 
-bool CarRadioLine::isPictureOf(const QRect& box) const {
+bool CarRadioLine::pictureCovers(const QRect& box) const {
     const int from = m_scroll.pixels();
     return m_text && m_picture.height() == box.height() && m_pictureFrom <= from &&
            from + box.width() <= m_pictureFrom + m_picture.width();
@@ -178,7 +183,7 @@ void CarRadioLine::paint(QPainter& painter, const QRect& box) {
     }
     // Pixels; wide enough for almost every text as a whole, so that a scroll only copies.
     constexpr int kPictureWidth = 2048;
-    if (!isPictureOf(box)) {
+    if (!pictureCovers(box)) {
         if (!m_text) {
             m_text = std::make_unique<TextLine>(line(), m_style.font);
             m_rowsOfText = {};
@@ -191,7 +196,7 @@ void CarRadioLine::paint(QPainter& painter, const QRect& box) {
             {std::max(box.width(), m_showingTagline ? std::min(rest, kPictureWidth) : 0),
              box.height()});
         const auto [first, end] = inkedRows(m_picture);
-        // Together with the rows of the previous piece, parts of which are still on screen.
+        // Include the rows of the previous piece, since parts of it are still on screen.
         const bool isFirstPiece = m_rowsOfText.first == m_rowsOfText.second;
         const int top = qFloor(first / m_devicePixelRatio);
         m_rowsOfText = {isFirstPiece ? top : std::min(m_rowsOfText.first, top),

@@ -29,9 +29,9 @@ struct CarRadioStyle final {
     double holdEnd = 0;         ///< How long the tagline stands still after it has scrolled.
 };
 
-/// One line of text like a car radio's: the brand, alternating with the tagline, which scrolls if
-/// it is wider than the line. A cancellable task drives it while it is on screen, and wakes only
-/// when something changes. Main thread only.
+/// The scrolling line (marquee) of a pill: shows the brand, then the tagline, which scrolls if it
+/// is wider than the line, and repeats. A cancellable task drives it while it is on screen, and
+/// wakes only when something changes. Main thread only.
 class CarRadioLine final : public QObject {
     Q_OBJECT
 
@@ -59,14 +59,14 @@ public:
     /// The visible text.
     [[nodiscard]] QString line() const { return lineText(m_brand, m_tagline, m_showingTagline); }
 
-    /// Fills the box, in the painter's coordinates, which are whole pixels of the screen, and
-    /// replaces what was there.
+    /// Paints into the box, replacing what was there. The painter must use screen pixels as
+    /// coordinates (see `PixelSpace`).
     void paint(QPainter& painter, const QRect& box);
     /// Advances a scroll to its position at this time without emitting `moved`; returns whether it
     /// moved.
     bool catchUp() { return m_scroll.catchUp(); }
     /// The rows of the box that a scroll changes, in points from its top: the first one, and the
-    /// one after the last. Known once the text was painted.
+    /// one after the last. Both 0 until the text is painted.
     [[nodiscard]] std::pair<int, int> rowsOfText() const { return m_rowsOfText; }
 
 Q_SIGNALS:
@@ -82,7 +82,7 @@ private:
     void show(bool tagline);
     [[nodiscard]] QCoro::Task<> cycle(std::stop_token stop);
     [[nodiscard]] QCoro::Task<> sleep(double seconds, std::stop_token stop);
-    [[nodiscard]] bool isPictureOf(const QRect& box) const;
+    [[nodiscard]] bool pictureCovers(const QRect& box) const;
 
     const CarRadioStyle m_style;
     Clock& m_clock;
@@ -100,8 +100,8 @@ private:
     PixelScroll m_scroll;
 
     std::unique_ptr<TextLine> m_text; ///< Layout of the visible text; made when it is painted.
-    QImage m_picture;                 ///< A part of the text that includes the visible one.
-    int m_pictureFrom = 0;            ///< Pixels of the text left of the picture.
+    QImage m_picture;                 ///< The rendered part of the text; includes the visible part.
+    int m_pictureFrom = 0;            ///< Where `m_picture` begins in the text, in pixels.
     std::pair<int, int> m_rowsOfText;
 };
 

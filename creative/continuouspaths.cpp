@@ -5,10 +5,10 @@
 namespace brimlet {
 namespace {
 
-// Half a corner is one cubic curve from the middle of the corner's circular arc, whose direction
-// and curvature it has there, to the edge, where its curvature is zero since both control points
-// are on the edge. The constants are distances from the corner along the edge, in radii: of the
-// middle of the arc, of the two control points, and of the point where the curve meets the edge.
+// Each half of a corner is one cubic Bézier curve. It starts in the middle of the corner's circular
+// arc, with the arc's direction and curvature, and ends on the edge. Both control points are on the
+// edge, so its curvature there is zero. The constants are distances from the corner along the edge,
+// in units of the radius: the middle of the arc, the two control points, the end.
 constexpr double kCircle = 0.292893;
 constexpr double kFirst = 0.585786;
 constexpr double kSecond = 0.949747;
@@ -43,7 +43,8 @@ QPainterPath capsulePath(const QRectF& box) {
 QPainterPath roundedPath(const QRectF& box, double radius) {
     const double r = std::min(radius, std::min(box.width(), box.height()) / 2 / kEdge);
     QPainterPath path;
-    // A corner at `at`, reached along `in` and left along `out`, both unit steps away from it.
+    // A corner at `at`. The path arrives on one edge and leaves on the other; the unit vectors `in`
+    // and `out` point from the corner along them.
     const auto corner = [&](QPointF at, QPointF in, QPointF out) {
         const auto along = [&](QPointF step, double distance) { return at + step * distance * r; };
         const QPointF middle = at + (in + out) * kCircle * r;

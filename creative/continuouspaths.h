@@ -10,8 +10,9 @@ namespace brimlet {
 /// The outline of a capsule as wide and high as the box.
 [[nodiscard]] QPainterPath capsulePath(const QRectF& box);
 
-/// The outline of a box whose corners touch the circles of this radius. With a radius that does not
-/// fit, the corners meet in the middle of the shorter sides.
+/// The outline of a box with rounded corners; each passes through the middle of the circular arc of
+/// this radius. A radius that does not fit is reduced until the corners meet in the middle of the
+/// shorter sides.
 [[nodiscard]] QPainterPath roundedPath(const QRectF& box, double radius);
 
 } // namespace brimlet

@@ -21,7 +21,7 @@
 namespace brimlet {
 namespace {
 
-/// A keyed hash of the text, truncated to a signed number.
+/// A keyed hash of the text, truncated to 64 bits.
 std::int64_t seededHash(const QString& text, std::uint64_t seed) {
     const QByteArray key(reinterpret_cast<const char*>(&seed), sizeof seed);
     const QByteArray digest =
@@ -104,7 +104,7 @@ QCoro::Task<std::optional<QImage>> CreativeImageCache::image(std::optional<Url> 
 QCoro::Task<std::optional<QImage>> CreativeImageCache::find(std::shared_ptr<State> state, Url url) {
     const QByteArray key = keyOf(url);
     if (const auto known = state->memory.find(key); known != state->memory.end()) {
-        // A named copy, since a coroutine moves from what it returns.
+        // Copied first, because `co_return` may move from its operand.
         std::optional<QImage> kept = known->second;
         co_return kept;
     }

@@ -17,9 +17,9 @@ struct ImagePorts final {
     const CachesFolder& cachesFolder;
 };
 
-/// The pictures of creatives: from memory, else from this run's files, else from the network.
-/// Every failure gives no image, except that a system without a caches folder ends the program.
-/// Main thread only.
+/// The pictures of creatives: from memory, else from this run's files, else from the network. A
+/// failure yields no image. Only a missing caches folder aborts the program (`qFatal`). Main thread
+/// only.
 class CreativeImageCache final {
 public:
     /// File names depend on `seed`, which is random for each run of the program, so files of

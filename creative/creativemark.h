@@ -26,7 +26,7 @@ public:
 
     /// `url` is the picture's address. While a new address loads, the old picture stays.
     void setCreative(const std::optional<Url>& url, const QString& brand);
-    /// Back to the state of a new mark, without creative and picture.
+    /// Removes the creative and the picture; ignores the result of a load in progress.
     void clear();
 
     /// The view has come on screen. Loads the picture, and again for each new address.
@@ -37,8 +37,8 @@ public:
     /// The picture in the size that the cache keeps; absent while the character is shown.
     [[nodiscard]] const std::optional<QImage>& image() const { return m_image; }
 
-    /// Draws into the square box, in the painter's coordinates, which are whole pixels of the
-    /// screen. `devicePixelRatio` is pixels per point.
+    /// Draws into the square box. The painter must use screen pixels as coordinates (see
+    /// `PixelSpace`). `devicePixelRatio` is pixels per point.
     void paint(QPainter& painter, const QRect& box, double devicePixelRatio);
 
 Q_SIGNALS:

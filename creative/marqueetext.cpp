@@ -14,7 +14,7 @@ namespace {
 
 QString wholePoints(double width) {
     const double whole = std::trunc(width);
-    // Both bounds are powers of two, so exact; the upper one does not fit into 64 bits.
+    // Both bounds are exact doubles; 2^63 itself does not fit into a qint64.
     constexpr double kBound = 0x1p63;
     if (!std::isfinite(whole) || whole < -kBound || whole >= kBound) {
         qFatal("A width of the marquee line is out of range.");
@@ -54,7 +54,7 @@ std::chrono::nanoseconds sleepLength(double seconds) {
     if (!std::isfinite(nanoseconds) || nanoseconds >= 0x1p64) {
         qFatal("A time of the marquee line is out of range.");
     }
-    // The clock counts half as far, 292 years, which is practically for ever.
+    // std::chrono::nanoseconds is signed and ends at 292 years; longer times are clamped to that.
     using Count = std::chrono::nanoseconds::rep;
     return std::chrono::nanoseconds(nanoseconds >= 0x1p63 ? std::numeric_limits<Count>::max()
                                                           : static_cast<Count>(nanoseconds));

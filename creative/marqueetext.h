@@ -6,7 +6,7 @@
 
 namespace brimlet {
 
-// The rules behind the marquee line. Widths in points, times in seconds.
+// The rules of `CarRadioLine`. Widths in points, times in seconds.
 
 /// A width measured inside the line. The last reported value counts.
 struct ReportedWidth {
@@ -26,7 +26,7 @@ struct TextWidthKey final : ReportedWidth {};
 
 /// Joins everything that the line's loop depends on; the loop restarts when the result changes.
 /// Widths count in whole points, truncated. A width that is not finite, or does not fit into 64
-/// bits, ends the program.
+/// bits, aborts the program (`qFatal`).
 [[nodiscard]] QString marqueeTaskID(const QString& brand, const QString& tagline,
                                     double containerWidth, double taglineWidth, bool reduceMotion);
 
@@ -34,12 +34,12 @@ struct TextWidthKey final : ReportedWidth {};
 [[nodiscard]] double overflowWidth(double taglineWidth, double containerWidth);
 
 /// Converts seconds for the clock; a negative time counts as 0. One that is not finite, or is 2^64
-/// nanoseconds or more, ends the program.
+/// nanoseconds or more, aborts the program (`qFatal`).
 [[nodiscard]] std::chrono::nanoseconds sleepLength(double seconds);
 
 /// An untrusted text prepared for one line: control characters and breaks become blanks, runs of
-/// marks are bounded, and only the first `longest` UTF-16 units are kept, cut between grapheme
-/// clusters.
+/// combining marks are limited, and only the first `longest` UTF-16 units are kept, cut between
+/// grapheme clusters.
 [[nodiscard]] QString singleLine(const QString& text, qsizetype longest = 1024);
 
 } // namespace brimlet

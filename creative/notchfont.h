@@ -4,8 +4,8 @@
 
 namespace brimlet {
 
-/// The desktop's font in this size. `size` is in points of the program's geometry, which are Qt's
-/// logical pixels, not in typographic points.
+/// The desktop's font. `size` is in Qt's logical pixels (this program's points), not typographic
+/// points.
 [[nodiscard]] QFont systemFont(int size, QFont::Weight weight);
 
 /// The overlay's three fonts, from the system font; each is made on first use.

@@ -9,7 +9,7 @@ namespace brimlet {
 /// sharp and pictures are copied unscaled, whatever the scale. The painter outlives it.
 class PixelSpace final {
 public:
-    /// The painter has no world transform.
+    /// The painter must have no world transform.
     explicit PixelSpace(QPainter& painter)
         : m_painter(painter)
         , m_toScreen(painter.deviceTransform()) {
@@ -20,7 +20,7 @@ public:
     PixelSpace& operator=(const PixelSpace&) = delete;
 
     /// A box in points, with each edge rounded to the nearest pixel.
-    [[nodiscard]] QRect of(const QRect& box) const {
+    [[nodiscard]] QRect toPixels(const QRect& box) const {
         const QRectF exact = m_toScreen.mapRect(QRectF(box));
         const QPoint topLeft(qRound(exact.left()), qRound(exact.top()));
         const QPoint end(qRound(exact.right()), qRound(exact.bottom()));

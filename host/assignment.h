@@ -23,17 +23,17 @@ struct SlotCreative final {
 
 /// The week's state as the placement service reports it. Amounts are euro cents.
 struct Assignment final {
-    /// Ads show only while this is exactly "live".
+    /// Ads may show only while this is exactly "live".
     QString weekStatus = QStringLiteral("unfilled");
     std::int64_t estimatedCents = 0;
-    std::int64_t pendingStipendCents = 0;
-    std::int64_t liveHostCount = 0;
+    std::int64_t pendingStipendCents = 0; ///< Earned, not yet paid out.
+    std::int64_t liveHostCount = 0;       ///< Hosts that are live now.
     std::int64_t liveDaysThisWeek = 0;
-    std::int64_t liveBucketsToday = 0;
-    std::int64_t liveBucketsNeeded = 4;
-    bool forceHide = false;
-    bool agreed = false;
-    bool fromApplications = false;
+    std::int64_t liveBucketsToday = 0;  ///< Periods of live time that this host earned today.
+    std::int64_t liveBucketsNeeded = 4; ///< How many of them make today a live day.
+    bool forceHide = false;             ///< The service wants ads hidden.
+    bool agreed = false;                ///< The host has signed the agreement.
+    bool fromApplications = false;      ///< Installed for the whole system, so live time counts.
     QString agreementText;
     std::optional<SlotCreative> left;
     std::optional<SlotCreative> right;
@@ -44,7 +44,8 @@ struct Assignment final {
 /// The state before the first reply.
 [[nodiscard]] Assignment initialAssignment(bool fromApplications);
 
-/// Whether the path begins with "/Applications/", in this letter case.
+/// Whether the path begins with "/Applications/" (case-sensitive). `LinuxBundle` reports such a
+/// path for a system-wide installation.
 [[nodiscard]] bool isInApplications(const QString& bundlePath);
 
 } // namespace brimlet

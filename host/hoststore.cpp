@@ -19,7 +19,7 @@ std::shared_ptr<HostStore> HostStore::create(const HostPorts& ports) {
 }
 
 const std::shared_ptr<HostStore>& HostStore::shared() {
-    // Left to the end of the process on purpose: its timers and observers are never torn down.
+    // Never destroyed, on purpose: its timers and observers need no teardown.
     static const auto* const store =
         new std::shared_ptr<HostStore>(create(SharedPorts<HostPorts>::get()));
     return *store;

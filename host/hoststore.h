@@ -17,8 +17,8 @@
 
 namespace brimlet {
 
-/// What the store needs of the system. Not owned. The ports must live until the main loop ends. The
-/// HTTP client must be destroyed first: its destructor ends every request, and the store then still
+/// What the store needs from the system. Not owned; all must outlive the main loop. Destroy the
+/// HTTP client before the others: its destructor ends pending requests, and the store then still
 /// uses the other ports.
 struct HostPorts final {
     Screens& screens;
@@ -29,19 +29,19 @@ struct HostPorts final {
     Clock& clock;
 };
 
-/// The one observable state object of the host: token, pause, the week's assignment, status line,
-/// notch and screen state. It sends the periodic requests and decides whether ads may show.
-/// Main thread only. Its timers hold it, so a store whose timers run is never destroyed.
+/// The host's whole state, observable: token, pause, the week's assignment, status line, notch and
+/// screen state. It sends the periodic requests and decides whether ads may show. Main thread only.
+/// Running timers own a reference to it, so after `startTimers()` it is never destroyed.
 ///
-/// On every request: without a notch nothing is sent and the status line says so. The tasks end
-/// with the request and never throw; a failed request leaves the assignment as it was and shows
+/// All requests: without a notch nothing is sent and the status line says so. A task completes when
+/// its request has ended and never throws; a failure leaves the assignment unchanged and appears
 /// only in the status line. Requests may overlap; the reply that arrives last counts.
 class HostStore final : public QObject, public std::enable_shared_from_this<HostStore> {
     Q_OBJECT
 
 public:
-    /// Reads the token from the secret store, which may take two seconds, and the screens. Sends
-    /// nothing.
+    /// Reads the screens, and the token from the secret store, which may block for two seconds.
+    /// Sends no request.
     [[nodiscard]] static std::shared_ptr<HostStore> create(const HostPorts& ports);
 
     /// The process's store, created on first use with `SharedPorts` and kept until the process
@@ -50,16 +50,17 @@ public:
 
     ~HostStore() override = default;
 
-    /// From now on updates `screenAsleep` when the screens sleep or wake, and sends a heartbeat
-    /// each time. Call once.
+    /// From now on, each time the screens sleep or wake, updates `screenAsleep`, emits
+    /// `overlayNeedsRender()` and sends a heartbeat. Call once.
     void watchScreens();
     /// Sends a display request and then a heartbeat, and starts the timers: a heartbeat every 900
     /// seconds, `refreshEstimate()` every 3. A second call restarts both timers.
     void startTimers();
 
-    /// Trims the token and keeps it, even without a notch, in memory and in the secret store, where
-    /// an empty one or one that is no valid UTF-16 is removed. A failure of the secret store is
-    /// ignored. Then sends a display request and a heartbeat with the new token.
+    /// Trims the token, keeps it in memory, and replaces the one in the secret store, even without
+    /// a notch. A token that is empty or not valid UTF-16 only removes the stored one. A failure of
+    /// the secret store is ignored. Then sends a display request and a heartbeat with the new
+    /// token.
     void saveToken(const QString& raw);
     /// Signs the host agreement: `ping()` with POST /api/host/agree.
     [[nodiscard]] QCoro::Task<> agree();
@@ -67,12 +68,13 @@ public:
     /// pause is not stored and cannot be ended early; another call extends it.
     void pause24h();
 
-    /// Sends a request with the token and applies the reply; without a token nothing happens.
-    /// `path` begins with a slash and is appended to the service root unchanged. A POST has a JSON
-    /// body, `heartbeatBody()` when the path ends with "/heartbeat" and "{}" otherwise; a GET may
-    /// be answered with an unchanged kept reply. Only a 200 with a JSON object is applied. Without
-    /// a reply, or with a 200 that is not JSON, the status line changes for a heartbeat only; after
-    /// every other reply it says that the token was rejected.
+    /// Sends a request with the token and applies the reply; without a token, or if the address is
+    /// malformed, nothing happens. `path` begins with a slash and is appended to the service root
+    /// unchanged. A POST has a JSON body, `heartbeatBody()` when the path ends with "/heartbeat"
+    /// and "{}" otherwise; a GET may be sent conditionally (`HttpRequest::mayRevalidate`). Only a
+    /// 200 with a JSON object is applied. Without a reply, or after a 200 that is not JSON, only a
+    /// heartbeat changes the status line. After any other reply it says that the token was
+    /// rejected.
     [[nodiscard]] QCoro::Task<> ping(QString path, QByteArray method);
     /// GET /api/display, the public placement, without the token. Only a 200 with a JSON object is
     /// applied; otherwise the status line says that loading failed.
@@ -83,8 +85,8 @@ public:
     /// Reads one creative object of a reply. Fields that are missing or have the wrong type are
     /// empty or absent.
     [[nodiscard]] static SlotCreative parseCreative(const Json& object);
-    /// The service root: the info dictionary's BrimletAPIURL if that is a string, even an invalid
-    /// address, else http://127.0.0.1:8791.
+    /// The service's root URL: the value of BrimletAPIURL in `Bundle`'s info dictionary if it is a
+    /// string (not checked), else http://127.0.0.1:8791.
     [[nodiscard]] static QString apiRoot(const Bundle& bundle);
 
     [[nodiscard]] const QString& token() const { return m_token; }
@@ -96,11 +98,11 @@ public:
     [[nodiscard]] bool hasNotch() const { return m_hasNotch; }
     [[nodiscard]] bool screenAsleep() const { return m_screenAsleep; }
 
-    /// True before the end of a pause. Reads the clock, so it changes without `objectWillChange()`
-    /// when the pause ends or the clock is set.
+    /// True during a pause. Reads the clock, so it changes without `objectWillChange()` when the
+    /// pause ends or the clock is set.
     [[nodiscard]] bool isPaused() const;
-    /// `areAdsVisible()` for the current state, and as changeable as `isPaused()`. False until the
-    /// first reply.
+    /// `areAdsVisible()` for the current state. Like `isPaused()`, it may change without a signal.
+    /// False until the first reply.
     [[nodiscard]] bool adsVisible() const;
 
     /// Whether the timers and observers were started. Set by the caller that starts them.
@@ -109,8 +111,8 @@ public:
 Q_SIGNALS:
     /// A field is about to be set, perhaps to an equal value; it still has its old one.
     void objectWillChange();
-    /// The overlay should be rendered from the store's current state. Connect directly, so that it
-    /// is rendered before this returns.
+    /// The overlay should be rendered from the store's current state. Use Qt::DirectConnection, so
+    /// that rendering is done when the emit returns.
     void overlayNeedsRender();
 
 private:

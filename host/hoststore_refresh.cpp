@@ -104,7 +104,6 @@ QCoro::Task<> HostStore::ping(QString path, QByteArray method) {
         break;
     case Outcome::NotAnObject:
     case Outcome::OtherStatus:
-        // One text for all these causes.
         publish(m_statusLine, statusline::tokenRejected());
         break;
     case Outcome::Object:
@@ -129,7 +128,7 @@ HttpRequest HostStore::authorisedRequest(const Url& url, const QString& path,
 
 void HostStore::transferFailed(const QString& path) {
     const bool isHeartbeat = path.endsWith(QLatin1StringView("/heartbeat"));
-    // For other endpoints the text stays the same, but the field is still announced.
+    // Other endpoints keep the text, but `objectWillChange()` is still emitted.
     const QString text = isHeartbeat ? statusline::heartbeatFailed() : m_statusLine;
     publish(m_statusLine, text);
 }

@@ -11,18 +11,18 @@ namespace {
 /// Larger than the number of digits in any reply, so clamping to it does not change the result.
 constexpr int kMaxExponent = 100'000'000;
 /// Replaces every number that is not whole; no field accepts a fraction.
-constexpr double kSomeFraction = 0.5;
+constexpr double kPlaceholderFraction = 0.5;
 
 /// The value of a number's text if it is exactly a whole number within 64 signed bits. A double has
 /// only 53 bits and would round it.
 std::optional<std::int64_t> exactWholeNumber(std::string_view text) {
     const bool isNegative = text.starts_with('-');
     text.remove_prefix(isNegative ? 1 : 0);
-    const auto mark = std::min(text.find_first_of("eE"), text.size());
+    const auto exponentMark = std::min(text.find_first_of("eE"), text.size());
     std::string digits;
     int scale = 0; // the value is `digits` times ten to this power
     bool isInFraction = false;
-    for (const char c : text.substr(0, mark)) {
+    for (const char c : text.substr(0, exponentMark)) {
         if (c < '0' || c > '9') {
             isInFraction = true; // the decimal point, perhaps in the locale's form
         } else if (!digits.empty() || c != '0') {
@@ -37,8 +37,8 @@ std::optional<std::int64_t> exactWholeNumber(std::string_view text) {
     if (digits.empty()) {
         return 0;
     }
-    if (mark < text.size()) {
-        std::string_view power = text.substr(mark + 1);
+    if (exponentMark < text.size()) {
+        std::string_view power = text.substr(exponentMark + 1);
         power.remove_prefix(power.starts_with('+') ? 1 : 0);
         int exponent = 0;
         if (std::from_chars(power.data(), power.data() + power.size(), exponent).ec !=
@@ -59,8 +59,8 @@ std::optional<std::int64_t> exactWholeNumber(std::string_view text) {
 }
 
 /// The library's DOM parser, except that it keeps whole numbers exactly however they are written,
-/// and records whether it stopped because a number was too large. The base is an internal class of
-/// nlohmann/json 3.11 and saves forty lines here.
+/// and records whether it stopped because a number was too large. The base class is internal to
+/// nlohmann/json 3.11, but reimplementing it would take forty lines.
 class Reader final : public nlohmann::detail::json_sax_dom_parser<Json> {
 public:
     explicit Reader(Json& result)
@@ -69,7 +69,7 @@ public:
     bool number_float(double /*value*/, const std::string& text) {
         const auto whole = exactWholeNumber(text);
         return whole ? number_integer(*whole)
-                     : json_sax_dom_parser::number_float(kSomeFraction, text);
+                     : json_sax_dom_parser::number_float(kPlaceholderFraction, text);
     }
 
     template <typename Error>

@@ -9,8 +9,8 @@
 
 namespace brimlet {
 
-/// The first screen, in the system's order, for which `isBuiltIn` is true. Called with 0 for a
-/// screen without a number.
+/// The first screen, in the system's order, for which `isBuiltIn` returns true. `isBuiltIn` gets 0
+/// for a screen without a number.
 [[nodiscard]] std::optional<Screen>
 builtInScreen(const std::vector<Screen>& screens,
               const std::function<bool(std::uint32_t displayNumber)>& isBuiltIn);
@@ -18,7 +18,7 @@ builtInScreen(const std::vector<Screen>& screens,
 /// The same for the current screens.
 [[nodiscard]] std::optional<Screen> builtInScreen(const Screens& screens);
 
-/// Whether the screen has a usable strip on each side of a gap of more than 20 points.
+/// Whether there is a screen with a usable strip on each side of a gap of more than 20 points.
 [[nodiscard]] bool hasNotch(const std::optional<Screen>& builtIn);
 
 } // namespace brimlet

@@ -3,7 +3,7 @@
 namespace brimlet {
 
 std::shared_ptr<const ReplyReader::Reading> ReplyReader::read(const QByteArray& body) {
-    // Bytes. A longer body would take its memory for as long as the program runs.
+    // Bytes. A longer body is not cached, to save memory.
     constexpr qsizetype kLongestKept = qsizetype{64} * 1024;
     if (m_reading && m_body == body) {
         m_body = body; // shares the bytes with the HTTP client's kept reply, if it has one

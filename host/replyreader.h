@@ -6,7 +6,7 @@
 
 namespace brimlet {
 
-/// What a reply's body is.
+/// The kind of a reply's body.
 enum class ReplyKind {
     NoJson,
     NotAnObject, ///< JSON whose top level is something else.
@@ -21,7 +21,8 @@ public:
         ReplyFields fields; ///< All absent unless the kind is Object.
     };
 
-    /// Never null, and valid as long as it is held. Caches a body of up to 64 KiB.
+    /// Parses the body, or returns the cached result if the bytes are the same as last time. Never
+    /// null. Bodies over 64 KiB are not cached.
     [[nodiscard]] std::shared_ptr<const Reading> read(const QByteArray& body);
 
 private:

@@ -11,27 +11,28 @@
 
 namespace brimlet {
 
-// Lenient reading of a reply's fields: a key that is missing, or whose value has the wrong type,
-// is absent, and the caller uses its default. Nothing here fails or throws.
+// Lenient parsing: these functions return nothing for a key that is missing or whose value has the
+// wrong type, and the caller uses its default. They never throw.
 
-/// Only a JSON string.
+/// The value if it is a JSON string.
 [[nodiscard]] std::optional<QString> readString(const Json& object, const char* key);
 
-/// Only a JSON number that is a whole number within 64 signed bits, however it is written
-/// (1234, 1234.0, 1e3).
+/// The value if it is a whole JSON number that fits std::int64_t, however it is written (1234,
+/// 1234.0, 1e3).
 [[nodiscard]] std::optional<std::int64_t> readInteger(const Json& object, const char* key);
 
-/// Only true and false, and the numbers 0 and 1.
+/// The value if it is true, false, 0 or 1.
 [[nodiscard]] std::optional<bool> readBoolean(const Json& object, const char* key);
 
-/// Only a JSON string that is a well-formed address.
+/// The value if it is a JSON string with a well-formed address.
 [[nodiscard]] std::optional<Url> readUrl(const Json& object, const char* key);
 
-/// A text that is missing is empty, an address that is missing or malformed is absent. The tagline
-/// is the key "copy", or else "tagline".
+/// Missing texts become empty, missing or malformed addresses absent. The tagline is the value of
+/// "copy", or else of "tagline".
 [[nodiscard]] SlotCreative readCreative(const Json& object);
 
-/// All creatives of the key "creatives", in order; empty unless it is an array of objects alone.
+/// The creatives under the key "creatives", in order; empty if that is not an array or any element
+/// is not an object.
 [[nodiscard]] std::vector<SlotCreative> readCreatives(const Json& reply);
 
 /// The first creative whose slot is exactly `slotId`.

@@ -44,7 +44,8 @@ void MarkView::paintEvent(QPaintEvent* /*event*/) {
     }
     constexpr int kMargin = (kSquare - kMark) / 2;
     const PixelSpace pixels(painter);
-    m_mark.paint(painter, pixels.of({kMargin, kMargin, kMark, kMark}), pixels.devicePixelRatio());
+    m_mark.paint(painter, pixels.toPixels({kMargin, kMargin, kMark, kMark}),
+                 pixels.devicePixelRatio());
 }
 
 void MarkView::showEvent(QShowEvent* /*event*/) {

@@ -102,8 +102,8 @@ void NotchPill::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     if (!lineBox().contains(event->rect())) {
         const PixelSpace pixels(painter);
-        paintBackground(painter, pixels.of(rect()), pixels.devicePixelRatio());
-        m_mark.paint(painter, pixels.of(markBox()), pixels.devicePixelRatio());
+        paintBackground(painter, pixels.toPixels(rect()), pixels.devicePixelRatio());
+        m_mark.paint(painter, pixels.toPixels(markBox()), pixels.devicePixelRatio());
     }
     paintLine(painter, {});
 }
@@ -111,7 +111,7 @@ void NotchPill::paintEvent(QPaintEvent* event) {
 void NotchPill::paintLine(QPainter& painter, QPoint origin) {
     const PixelSpace pixels(painter);
     m_line.setDevicePixelRatio(pixels.devicePixelRatio());
-    m_line.paint(painter, pixels.of(lineBox().translated(origin)));
+    m_line.paint(painter, pixels.toPixels(lineBox().translated(origin)));
 }
 
 void NotchPill::paintBackground(QPainter& painter, const QRect& box, double devicePixelRatio) {

@@ -13,8 +13,9 @@ public:
     /// The path the program runs from, e.g. "/Applications/Brimlet.app". Read again on each call.
     [[nodiscard]] virtual QString path() const = 0;
 
-    /// The value of a key of the info dictionary, in the type it has there; invalid when the key is
-    /// missing. Read again on each call.
+    /// The value of a key in the info dictionary (Info.plist on macOS, share/brimlet/info.json on
+    /// Linux), with its own type; an invalid QVariant if the key is missing. Read again on each
+    /// call.
     [[nodiscard]] virtual QVariant infoDictionaryValue(const QString& key) const = 0;
 
     /// The application identifier in reverse-DNS form.

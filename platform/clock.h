@@ -9,7 +9,7 @@
 
 namespace brimlet {
 
-/// A running repeating timer. Destroying it stops it, also from inside its tick.
+/// A running repeating timer. Destroying it stops it; this is allowed inside `tick`.
 class RepeatingTimer {
 public:
     virtual ~RepeatingTimer() = default;
@@ -25,8 +25,8 @@ public:
     /// Wall-clock time. It jumps when the user or the network sets the clock.
     [[nodiscard]] virtual TimePoint now() const = 0;
 
-    /// Time since some moment before the program began. Monotonic; does not advance while the
-    /// machine sleeps.
+    /// Time since an unspecified moment before the program started. Monotonic; does not advance
+    /// while the machine sleeps.
     [[nodiscard]] virtual std::chrono::nanoseconds uptime() const = 0;
 
     /// Calls `tick` every `interval`, the first time after one interval. Monotonic: setting the

@@ -9,8 +9,8 @@
 namespace brimlet {
 
 /// A value that becomes available later: one side resolves it once, the other awaits it once.
-/// Copies share the value. Resolving resumes the waiting coroutine before it returns. It must be
-/// resolved in the end, or the waiting coroutine leaks. One thread only.
+/// Copies share the value. `resolve()` runs the waiting coroutine before it returns. The value must
+/// eventually be resolved, or the waiting coroutine leaks. One thread only.
 template <typename T>
 class Deferred final {
 public:

@@ -15,7 +15,7 @@ namespace brimlet {
 
 /// Sent byte for byte, without conversion.
 struct HttpHeader final {
-    QByteArray name;  ///< ASCII. In any letter case.
+    QByteArray name;  ///< ASCII, in any letter case.
     QByteArray value; ///< ASCII or UTF-8, without control characters. May be empty.
 
     bool operator==(const HttpHeader&) const = default;
@@ -27,25 +27,25 @@ using RedirectRule = std::function<bool(const Url& from, const Url& to)>;
 /// True when scheme, host and port are the same, ignoring letter case and an explicit default port.
 [[nodiscard]] bool isSameOrigin(const Url& from, const Url& to);
 
-/// One request. Besides what is given here only a Host, the User-Agent "Brimlet/0.1.0", for a body
-/// its Content-Length, and for `mayRevalidate` a conditional header are sent.
+/// One request. The client adds only these headers: Host, User-Agent "Brimlet/0.1.0",
+/// Content-Length for a body, and a conditional header for `mayRevalidate`.
 struct HttpRequest final {
     Url url;
     QByteArray method = "GET";
     /// A header with a control character makes the request fail as BadRequest.
     std::vector<HttpHeader> headers{};
     std::optional<QByteArray> body{};
-    /// At most three redirects are followed, each only if this returns true. One that is not
-    /// followed becomes the outcome.
+    /// At most three redirects are followed, each only if this returns true. A redirect that is not
+    /// followed is itself the result.
     RedirectRule mayFollow = isSameOrigin;
-    /// The reply has its body for statuses from 200 up to this one; for others it is empty.
+    /// Replies with a status from 200 to this one have their body; in all others it is empty.
     int lastStatusWithBody = 200;
     /// Bytes. A longer body makes the request fail as TooLarge.
     qsizetype bodyLimit = qsizetype{1024} * 1024;
     /// From the start to the last byte, including redirects.
     std::chrono::milliseconds timeout = std::chrono::seconds(60);
     /// For a GET that is repeated: the client may keep the reply and send the next request with a
-    /// condition. When the service confirms the kept reply with a 304, the outcome is the kept
+    /// condition. When the service confirms the kept reply with a 304, the result is the kept
     /// reply, a 200 with its body.
     bool mayRevalidate = false;
 };
@@ -76,7 +76,8 @@ class HttpClient {
 public:
     virtual ~HttpClient() = default;
 
-    /// Starts before it returns. Always ends, at the latest with the request's timeout.
+    /// Starts the request before it returns. The task always completes, at the latest at the
+    /// timeout, and reports every failure as an `HttpError`.
     [[nodiscard]] virtual QCoro::Task<HttpResult> send(HttpRequest request) = 0;
 };
 

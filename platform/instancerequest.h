@@ -2,7 +2,7 @@
 
 namespace brimlet {
 
-/// What the desktop and other starts of the program can ask of the running one.
+/// What the desktop and other processes of the program can ask the running one to do.
 enum class InstanceRequest {
     Open,  ///< Open the panel.
     Pause, ///< Pause ads for 24 hours.
@@ -12,7 +12,7 @@ enum class InstanceRequest {
 /// How the running program answered a request.
 enum class InstanceAnswer {
     Done,
-    NotRunning, ///< No program runs.
+    NotRunning, ///< No other process runs.
     NoAnswer,   ///< One runs, but it did not answer or cannot be reached.
 };
 

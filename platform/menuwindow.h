@@ -8,15 +8,15 @@
 
 namespace brimlet {
 
-/// The native window around the menu-bar panel: free-standing, without a frame, above other
-/// windows, as large as its content but not larger than the screen. It is dismissed when it loses
-/// the keyboard focus or the user presses Escape. It is created hidden. Main thread only.
+/// The native window around the menu-bar panel: frameless, above other windows, as large as its
+/// content but not larger than the screen. It is dismissed when it loses the keyboard focus or the
+/// user presses Escape. It is created hidden. Main thread only.
 class MenuWindow {
 public:
     virtual ~MenuWindow() = default;
 
-    /// Shows it next to the status item, `item` in global points, or in a corner of the screen when
-    /// that is absent, and gives it the keyboard focus. A window that is shown already is raised.
+    /// Shows it next to `item`, the status item's place in global points, or in a corner of the
+    /// screen if that is absent. Gives it the keyboard focus. Raises it if it is already shown.
     virtual void present(const std::optional<Rect>& item) = 0;
 
     /// Hides it and, if it was shown, calls the observers before it returns.

@@ -12,21 +12,21 @@ namespace brimlet {
 /// One that is added during a notification is first called at the next one.
 class Observers final {
 public:
-    ObserverToken add(std::function<void()> block) {
-        m_blocks.push_back(std::move(block));
-        return ObserverToken{m_blocks.size()};
+    ObserverToken add(std::function<void()> callback) {
+        m_callbacks.push_back(std::move(callback));
+        return ObserverToken{m_callbacks.size()};
     }
 
     void notify() const {
-        // A copy, because a block may add another one, which can reallocate the vector.
-        const auto blocks = m_blocks;
-        for (const auto& block : blocks) {
-            block();
+        // A copy, because a callback may add another one, which can reallocate the vector.
+        const auto callbacks = m_callbacks;
+        for (const auto& callback : callbacks) {
+            callback();
         }
     }
 
 private:
-    std::vector<std::function<void()>> m_blocks;
+    std::vector<std::function<void()>> m_callbacks;
 };
 
 } // namespace brimlet

@@ -4,8 +4,8 @@
 
 namespace brimlet {
 
-/// Identifies a registration. Not an owner: a registered block is called as long as the port
-/// exists, whether or not the token is kept.
+/// Identifies a registration. There is no way to unregister: the callback is called as long as the
+/// port exists, so it must not refer to anything shorter-lived.
 enum class ObserverToken : std::uint64_t {};
 
 } // namespace brimlet

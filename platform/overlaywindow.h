@@ -7,7 +7,7 @@ class QRegion;
 namespace brimlet {
 
 /// The native window behind the overlay panel: borderless, transparent, above other windows, on
-/// every desktop, never focused. It is created ordered out. Main thread only.
+/// every desktop, never focused. It is created hidden. Main thread only.
 class OverlayWindow {
 public:
     virtual ~OverlayWindow() = default;
@@ -15,7 +15,7 @@ public:
     /// Shows the window above others without activating the program.
     virtual void orderFrontRegardless() = 0;
 
-    /// Takes the window off the screen.
+    /// Hides the window.
     virtual void orderOut() = 0;
 
     /// Sizes and places the window, in global points.

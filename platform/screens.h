@@ -10,8 +10,8 @@
 
 namespace brimlet {
 
-/// The system's description of one screen, outdated after the next change of screens. Rectangles
-/// are in global points.
+/// A snapshot of one screen; it is not updated when the screens change. Rectangles are in global
+/// points.
 struct Screen final {
     /// The system's number of the display; absent where the system gives none or an invalid one.
     std::optional<std::uint32_t> number;

@@ -23,8 +23,8 @@ public:
     virtual ~SecretStore() = default;
 
     /// Blocks for two seconds at most; sees the effect of every earlier `remove` and `add`. The
-    /// system may ask the user for permission. Its dialog stays open after the two seconds, and
-    /// later calls wait until it is closed.
+    /// system may ask the user for permission. Its dialog may stay open longer. Later calls are
+    /// queued behind it, and a `read` then times out.
     [[nodiscard]] virtual SecretResult read(const QString& service, const QString& account) = 0;
 
     /// Removes every item of that name. Returns at once; a failure is ignored.

@@ -6,12 +6,11 @@
 
 namespace brimlet {
 
-/// The ports that an object shared by the whole process is created with, on its first use. Main
-/// thread only.
+/// Stores the ports with which a process-wide object is created on its first use. Main thread only.
 template <typename Ports>
 class SharedPorts final {
 public:
-    /// Called before that first use. References in the ports outlive the main loop.
+    /// Call before that first use. What `ports` refers to must outlive the main loop.
     static void set(const Ports& ports) { s_ports.emplace(ports); }
 
     [[nodiscard]] static const Ports& get() {

@@ -4,8 +4,8 @@
 
 namespace brimlet {
 
-/// Lets a task run without waiting for it. A task has run up to its first wait when it is passed
-/// here, and must hold what it uses afterwards. Main thread only.
+/// Detaches a task: it runs on, and nobody waits for it. Tasks start eagerly, so it has already run
+/// to its first suspension; what it uses after that it must own. Main thread only.
 inline void startTask(QCoro::Task<>&& task) {
     [[maybe_unused]] const auto running = std::move(task);
 }

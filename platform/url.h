@@ -11,8 +11,8 @@ namespace brimlet {
 /// address a rule allowed is exactly the one that is fetched or opened.
 ///
 /// Parsed according to RFC 3986, after percent-encoding the characters that are not allowed where
-/// they stand. Scheme and host keep their letter case, except that a host with non-ASCII letters
-/// takes its "xn--" form in lower case.
+/// they occur. Scheme and host keep their letter case, except that a host with non-ASCII letters is
+/// converted to its lower-case "xn--" (IDNA) form.
 class Url final {
 public:
     /// Absent for an empty or malformed text. A relative reference ("/path") is well formed.

@@ -5,11 +5,11 @@
 
 namespace brimlet {
 
-/// Called in the course of some work; true once the work has to be given up.
+/// Polled during long work; returns true once the work must be given up.
 using CpuDeadline = std::function<bool()>;
 
-/// Passed once the calling thread has used this much CPU time, counted from this call. Time spent
-/// waiting does not count. Called on that thread only.
+/// A deadline that passes when the calling thread has used this much CPU time from now on; waiting
+/// does not count. Call it on that thread only.
 [[nodiscard]] CpuDeadline cpuDeadline(std::chrono::milliseconds limit);
 
 } // namespace brimlet

@@ -9,7 +9,8 @@
 
 namespace brimlet {
 
-/// The decoder of each format: the first frame on its canvas, at its kept size, premultiplied.
+/// One decoder per format. Returns the first frame on its canvas, scaled to `keptSize()`,
+/// premultiplied; absent if decoding fails or `deadline` passes.
 [[nodiscard]] std::optional<QImage> decodePng(const SanitisedImage& image,
                                               const CpuDeadline& deadline);
 [[nodiscard]] std::optional<QImage> decodeJpeg(const SanitisedImage& image,

@@ -26,17 +26,18 @@ struct SanitisedImage final {
 [[nodiscard]] std::optional<SanitisedImage> sanitiseGif(QByteArrayView bytes);
 [[nodiscard]] std::optional<SanitisedImage> sanitiseWebP(QByteArrayView bytes);
 
-/// The same for bytes of any format, including the limit on their number.
+/// The same for bytes of any format; also enforces `kImageBodyLimit`.
 [[nodiscard]] std::optional<SanitisedImage> sanitiseImage(QByteArrayView bytes);
 
-/// True when both sides are within `kImageSideLimit` and the pixels and `bytesBesides` together
+/// True when both sides are within `kImageSideLimit` and the pixels and `otherBytes` together
 /// within `kImageMemoryLimit`.
 [[nodiscard]] bool isAffordable(qint64 width, qint64 height, int bytesPerPixel,
-                                qint64 bytesBesides = 0);
+                                qint64 otherBytes = 0);
 
-/// A picture whose first frame covers it.
+/// A sanitised image of this size whose frame is the whole canvas, with an empty body.
 [[nodiscard]] SanitisedImage wholeCanvas(ImageFormat format, int width, int height);
 
+// The number at this offset. All its bytes must be within `bytes`.
 [[nodiscard]] inline quint8 byteAt(QByteArrayView bytes, qsizetype at) {
     return static_cast<quint8>(bytes[at]);
 }

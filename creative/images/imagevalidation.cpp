@@ -4,9 +4,9 @@
 
 namespace brimlet {
 
-bool isAffordable(qint64 width, qint64 height, int bytesPerPixel, qint64 bytesBesides) {
+bool isAffordable(qint64 width, qint64 height, int bytesPerPixel, qint64 otherBytes) {
     return width >= 1 && width <= kImageSideLimit && height >= 1 && height <= kImageSideLimit &&
-           width * height * bytesPerPixel + bytesBesides <= kImageMemoryLimit;
+           width * height * bytesPerPixel + otherBytes <= kImageMemoryLimit;
 }
 
 SanitisedImage wholeCanvas(ImageFormat format, int width, int height) {

@@ -18,7 +18,8 @@ inline constexpr qint64 kImageMemoryLimit = qint64{64} * 1024 * 1024;
 /// A picture's format and size, from its header.
 struct ImageFacts final {
     ImageFormat format = ImageFormat::Png;
-    /// Pixels, as stored: of an animation the whole canvas, of a turned photograph before turning.
+    /// Pixels, as stored: for an animation the whole canvas; for a photograph before its EXIF
+    /// rotation.
     int width = 0;
     int height = 0;
 

@@ -11,7 +11,8 @@ namespace brimlet {
 /// Longest side of a kept picture, in pixels: the most that is ever drawn.
 inline constexpr int kKeptSideLimit = 128;
 
-/// The size a picture of this size is kept at: its proportions, never larger, never empty.
+/// The size to which a picture is scaled down: same proportions, at most `kKeptSideLimit` a side,
+/// never enlarged, at least 1 by 1.
 [[nodiscard]] QSize keptSize(QSize source);
 
 /// Averages a picture's pixels down to its kept size as they come, in any order, so that the whole
@@ -20,8 +21,8 @@ class PictureShrinker final {
 public:
     /// Both sides at least 1.
     explicit PictureShrinker(QSize source);
-    /// For a source that was reduced before, whose proportions are no longer quite those it is to
-    /// be kept in. The kept size is at least 1 and at most the source's on both sides.
+    /// For a source that the decoder has already reduced, so that its proportions differ slightly
+    /// from those of `kept`. The kept size is at least 1 and at most the source's on both sides.
     PictureShrinker(QSize source, QSize kept);
 
     /// Adds premultiplied pixels of row `y`, from column `first` on in steps of `step`.
@@ -40,7 +41,8 @@ private:
         quint64 alphaGreen = 0;
         quint64 redBlue = 0;
     };
-    /// How a source pixel's extent is shared between a kept pixel and the one after it.
+    /// How much of a source pixel's length falls into kept pixel `target` and into the one after
+    /// it, in units of 1/kept of a source pixel.
     struct Share final {
         int target = 0;
         quint32 here = 0;

@@ -7,9 +7,8 @@
 
 namespace brimlet {
 
-/// Returns bytes in small slices, and none any more once a deadline has passed: the only way to
-/// stop a decoder that cannot be interrupted. Opened by its constructor. Bytes and deadline outlive
-/// it.
+/// Returns bytes in small slices, and no more once a deadline has passed: the only way to stop a
+/// decoder that cannot be interrupted. Opened by its constructor. Bytes and deadline outlive it.
 class ThrottledDevice final : public QIODevice {
 public:
     ThrottledDevice(QByteArrayView bytes, const CpuDeadline& deadline);

@@ -5,12 +5,12 @@
 
 namespace brimlet {
 
-/// True for a folder of certificate authorities in files named by hash, which is how OpenSSL looks
-/// them up.
+/// True for a folder of CA certificates in files named by their hash, as OpenSSL looks them up
+/// (`openssl rehash`).
 [[nodiscard]] bool isNamedByHash(const QString& folder);
 
-/// The path of such a folder that libcurl uses by default, in the file system's encoding; empty
-/// where it uses a single file of all authorities. Determined once.
+/// libcurl's default CA folder if it is such a folder, in the file system's encoding; otherwise
+/// empty. Determined once.
 [[nodiscard]] const QByteArray& authoritiesFolder();
 
 } // namespace brimlet

@@ -9,7 +9,7 @@
 
 namespace brimlet {
 
-/// The address in libcurl's form, without user name and password. Null unless it is http or https,
+/// The address as libcurl's CURLU, without user name and password. Null unless it is http or https,
 /// has a host, and libcurl's parser finds the same scheme, host and port in it as Url: otherwise
 /// the rules could allow one server and libcurl connect to another.
 [[nodiscard]] CurlUrl curlAddress(const Url& url);

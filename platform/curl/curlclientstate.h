@@ -8,7 +8,7 @@
 
 namespace brimlet {
 
-/// What belongs to one client of an engine. The client and its requests hold it.
+/// The state of one client of an engine, shared by the client and its requests.
 struct CurlClientState final {
     struct Outcome final {
         Deferred<HttpResult> deferred;
@@ -18,9 +18,9 @@ struct CurlClientState final {
     explicit CurlClientState(long ownScope)
         : scope(ownScope) {}
 
-    /// The CURLOPT_ADDRESS_SCOPE of its transfers, a different one for each client: libcurl reuses
-    /// a connection only within the same scope. Otherwise the scope names the interface for a
-    /// link-local IPv6 address. The first client has 0, libcurl's default, and can reach those.
+    /// The CURLOPT_ADDRESS_SCOPE of its transfers. libcurl reuses a connection only within one
+    /// scope, so each client gets its own. The option is meant for the interface of link-local IPv6
+    /// addresses; only the first client, with libcurl's default 0, can reach those.
     const long scope;
     ValidatorCache replies;
     CurlTraffic traffic;

@@ -43,7 +43,8 @@ CurlEngine::CurlEngine(QByteArray moreAuthorities)
     : m_multi(curl_multi_init()) {
     m_context.moreAuthorities = std::move(moreAuthorities);
     m_timer.setSingleShot(true);
-    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer,
+                     [this] { socketAction(CURL_SOCKET_TIMEOUT, 0); });
 
     CURLM* const multi = m_multi.get();
     curl_multi_setopt(multi, CURLMOPT_SOCKETFUNCTION, &CurlEngine::onSocketWanted);
@@ -54,8 +55,8 @@ CurlEngine::CurlEngine(QByteArray moreAuthorities)
 }
 
 std::shared_ptr<CurlClientState> CurlEngine::join() {
-    const long scope = m_clients++;
-    curl_multi_setopt(m_multi.get(), CURLMOPT_MAXCONNECTS, kIdleConnections * m_clients);
+    const long scope = m_clientsEver++;
+    curl_multi_setopt(m_multi.get(), CURLMOPT_MAXCONNECTS, kIdleConnections * m_clientsEver);
     return std::make_shared<CurlClientState>(scope);
 }
 
@@ -92,20 +93,20 @@ void CurlEngine::startTransfer(std::unique_ptr<CurlRequestChain> chain, CurlUrl 
 void CurlEngine::leave(CurlClientState& client) {
     client.isGone = true;
     for (auto next = m_transfers.begin(); next != m_transfers.end();) {
-        const auto place = next++;
-        const CurlTransfer& transfer = **place;
+        const auto position = next++;
+        const CurlTransfer& transfer = **position;
         if (&transfer.client() != &client) {
             continue;
         }
         if (transfer.chain) {
             client.outcomes.push_back({transfer.chain->outcome, HttpError::Cancelled});
         }
-        drop(place);
+        remove(position);
     }
     deliver(client);
 }
 
-void CurlEngine::act(curl_socket_t socket, int events) {
+void CurlEngine::socketAction(curl_socket_t socket, int events) {
     const auto self = shared_from_this(); // a redirect rule may destroy the last client
     int running = 0;
     curl_multi_socket_action(m_multi.get(), socket, events, &running);
@@ -121,7 +122,7 @@ void CurlEngine::endTransfers() {
         }
         CurlTransfer* transfer = nullptr;
         curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
-        transfer->end(message->data.result);
+        transfer->setCurlResult(message->data.result);
     }
 }
 
@@ -133,13 +134,13 @@ void CurlEngine::collectResults() {
     };
     std::vector<Collected> all;
     for (auto next = m_transfers.begin(); next != m_transfers.end();) {
-        const auto place = next++;
-        CurlTransfer& transfer = **place;
+        const auto position = next++;
+        CurlTransfer& transfer = **position;
         if (transfer.chain && transfer.hasResult()) {
             all.push_back({std::move(transfer.chain), transfer.takeResult(), transfer.head()});
         }
         if (!transfer.chain && transfer.isDrained()) {
-            drop(place);
+            remove(position);
         }
     }
     // Only now, because a redirect rule may destroy a client and its transfers.
@@ -148,9 +149,9 @@ void CurlEngine::collectResults() {
     }
 }
 
-void CurlEngine::drop(Transfers::iterator place) {
-    curl_multi_remove_handle(m_multi.get(), (*place)->handle());
-    m_transfers.erase(place);
+void CurlEngine::remove(Transfers::iterator position) {
+    curl_multi_remove_handle(m_multi.get(), (*position)->handle());
+    m_transfers.erase(position);
 }
 
 void CurlEngine::redirectOrFinish(std::unique_ptr<CurlRequestChain> chain, HttpResult result,
@@ -175,9 +176,9 @@ CurlEngine::Socket& CurlEngine::socketFor(curl_socket_t socket) {
         known->reading.setSocket(socket);
         known->writing.setSocket(socket);
         QObject::connect(&known->reading, &QSocketNotifier::activated, &known->reading,
-                         [this, socket] { act(socket, CURL_CSELECT_IN); });
+                         [this, socket] { socketAction(socket, CURL_CSELECT_IN); });
         QObject::connect(&known->writing, &QSocketNotifier::activated, &known->writing,
-                         [this, socket] { act(socket, CURL_CSELECT_OUT); });
+                         [this, socket] { socketAction(socket, CURL_CSELECT_OUT); });
     }
     return *known;
 }

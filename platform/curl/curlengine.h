@@ -24,10 +24,10 @@ public:
     CurlEngine(const CurlEngine&) = delete;
     CurlEngine& operator=(const CurlEngine&) = delete;
 
-    /// The state of a new client. The client leaves, once, before the engine is destroyed. One that
-    /// left still counts for the number of idle connections kept.
+    /// Adds a client and returns its state. The client must call `leave()` once, before the engine
+    /// is destroyed. The limit on idle connections is not lowered when a client leaves.
     [[nodiscard]] std::shared_ptr<CurlClientState> join();
-    /// For a request that cannot be sent the outcome is there on return.
+    /// If the request cannot be sent, the returned value is already resolved.
     [[nodiscard]] Deferred<HttpResult> start(HttpRequest request,
                                              std::shared_ptr<CurlClientState> client);
     /// Ends the client's requests as Cancelled before it returns, and later ones when they start.
@@ -42,10 +42,10 @@ private:
     using Transfers = std::list<std::unique_ptr<CurlTransfer>>;
 
     void startTransfer(std::unique_ptr<CurlRequestChain> chain, CurlUrl address);
-    void act(curl_socket_t socket, int events);
+    void socketAction(curl_socket_t socket, int events);
     void endTransfers();
     void collectResults();
-    void drop(Transfers::iterator place);
+    void remove(Transfers::iterator position);
     void redirectOrFinish(std::unique_ptr<CurlRequestChain> chain, HttpResult result,
                           const CurlHead& head);
     Socket& socketFor(curl_socket_t socket);
@@ -55,7 +55,7 @@ private:
 
     CurlLibrary m_library;
     CurlTransferContext m_context;
-    long m_clients = 0; ///< That ever joined.
+    long m_clientsEver = 0; ///< All that ever joined, including those that left.
     /// By descriptor. Unused ones stay, disabled: the system reuses descriptors, so there are few.
     std::map<curl_socket_t, std::unique_ptr<Socket>> m_sockets;
     QTimer m_timer;

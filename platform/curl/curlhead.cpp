@@ -49,8 +49,8 @@ std::optional<HttpError> CurlHead::add(QByteArrayView line) {
     if (isNamed(name, "Transfer-Encoding")) {
         // Only chunks. libcurl would also decompress gzip, layer within layer, without a time
         // limit.
-        const bool isChunked = !m_isCoded && isNamed(value, "chunked");
-        m_isCoded = true;
+        const bool isChunked = !m_hasTransferEncoding && isNamed(value, "chunked");
+        m_hasTransferEncoding = true;
         return isChunked ? std::nullopt : std::optional(HttpError::Broken);
     }
     if (isNamed(name, "Location") && m_location.isEmpty()) {
@@ -62,13 +62,13 @@ std::optional<HttpError> CurlHead::add(QByteArrayView line) {
 
 void CurlHead::startOver() {
     m_contentLength.reset();
-    m_isCoded = false;
+    m_hasTransferEncoding = false;
     m_location.clear();
     m_validators = Validators();
 }
 
 std::optional<qint64> CurlHead::bodyLength() const {
-    return m_isCoded ? std::nullopt : m_contentLength;
+    return m_hasTransferEncoding ? std::nullopt : m_contentLength;
 }
 
 } // namespace brimlet

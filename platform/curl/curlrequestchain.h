@@ -24,8 +24,8 @@ struct CurlRequestChain final {
         , origin(request.url)
         , deadline(std::min<std::chrono::milliseconds>(request.timeout, std::chrono::hours(24))) {}
 
-    /// Makes `request` the one that the redirect calls for and returns its address. Null, with
-    /// nothing changed, when the reply is no redirect or must not be followed.
+    /// Changes `request` to follow the redirect and returns its address. Null, and nothing changed,
+    /// if the reply is not a redirect or may not be followed.
     [[nodiscard]] CurlUrl redirect(int status, const QByteArray& location);
     /// `request` with the conditional header of `lookup`, if there is one.
     [[nodiscard]] HttpRequest conditionalRequest() const;
@@ -35,7 +35,7 @@ struct CurlRequestChain final {
     /// Of the first address. Empty after a redirect, so the next request has no condition and its
     /// reply is not kept.
     ValidatorCache::Lookup lookup;
-    Url origin;
+    Url origin; ///< The first address.
     QDeadlineTimer deadline;
     int redirectsLeft = 3;
     Deferred<HttpResult> outcome;

@@ -13,9 +13,9 @@
 namespace brimlet {
 namespace {
 
-using AskName = int (*)(int socket, sockaddr* name, socklen_t* size);
+using NameFunction = int (*)(int socket, sockaddr* name, socklen_t* size);
 
-SocketEnd endOf(curl_socket_t socket, AskName ask) {
+SocketEnd endOf(curl_socket_t socket, NameFunction ask) {
     sockaddr_storage name{};
     socklen_t size = sizeof name;
     if (ask(socket, reinterpret_cast<sockaddr*>(&name), &size) != 0) {
@@ -71,7 +71,7 @@ bool CurlSockets::add(curl_socket_t socket) {
 void CurlSockets::shutDownIfDataIsPending(const SocketEnd& local, const SocketEnd& remote,
                                           bool isDataBuffered) {
     if (local.address.isEmpty() || remote.address.isEmpty()) {
-        return; // no TCP connection
+        return; // not a TCP connection
     }
     learnLocalEnds();
     const auto [first, last] = m_byLocalEnd.equal_range(local);

@@ -26,7 +26,7 @@ struct SocketEnd final {
 /// and shuts it down.
 class CurlSockets final {
 public:
-    /// Takes a new socket, before it connects. False when it cannot be closed on exec.
+    /// Takes a new socket, before it connects. False if its close-on-exec flag cannot be set.
     [[nodiscard]] bool add(curl_socket_t socket);
     /// Call before the connection between these ends is reused. `isDataBuffered` says whether data
     /// that was read from the socket still waits in the TLS library. After a shutdown sending

@@ -17,9 +17,9 @@ constexpr qsizetype kUnfinishedLimit = qsizetype{16} * 1024 * 1024;
 /// a poll.
 constexpr qsizetype kSmallBody = qsizetype{256} * 1024;
 
-/// How many bytes on the wire one byte of a chunked body may take: a chunk of one byte takes six.
-/// Beyond that the chunks are padded to make the transfer endless.
-constexpr qint64 kFraming = 8;
+/// Limit on bytes on the wire per byte of a chunked body. Chunks of one byte need six; more means
+/// that chunk extensions pad the transfer endlessly.
+constexpr qint64 kMaxWireBytesPerByte = 8;
 
 HttpError errorOf(CURLcode code) {
     switch (code) {
@@ -74,15 +74,14 @@ void CurlTransfer::setCallbacks() {
     set(CURLOPT_SOCKOPTDATA, static_cast<void*>(this));
     set(CURLOPT_PREREQFUNCTION, &CurlTransfer::onConnected);
     set(CURLOPT_PREREQDATA, static_cast<void*>(this));
-    // Prints nothing: only this callback sees the bytes of a body before libcurl removes the
-    // chunks.
+    // Prints nothing. Only the debug callback sees the body before libcurl decodes the chunks.
     set(CURLOPT_DEBUGFUNCTION, &CurlTransfer::onDebug);
     set(CURLOPT_DEBUGDATA, static_cast<void*>(this));
     set(CURLOPT_VERBOSE, 1L);
 }
 
 bool CurlTransfer::hasResult() const {
-    return m_failure || m_end || (m_status != 0 && !m_wantsBody);
+    return m_failure || m_curlResult || (m_status != 0 && !m_wantsBody);
 }
 
 HttpResult CurlTransfer::takeResult() {
@@ -95,7 +94,7 @@ HttpResult CurlTransfer::takeResult() {
         }
         return HttpReply{m_status, {}};
     }
-    if (const CURLcode code = m_end.value_or(CURLE_OK); code != CURLE_OK) {
+    if (const CURLcode code = m_curlResult.value_or(CURLE_OK); code != CURLE_OK) {
         return errorOf(code);
     }
     if (m_status == 0) {
@@ -159,16 +158,17 @@ bool CurlTransfer::addBody(QByteArrayView bytes) {
     return true;
 }
 
-void CurlTransfer::countRaw(qsizetype bytes) {
-    m_rawBytes += bytes;
+void CurlTransfer::countBodyOnWire(qsizetype bytes) {
+    m_bodyBytesOnWire += bytes;
     if (!m_wantsBody) {
-        m_isDrained = m_isDrained || m_rawBytes > kDrainLimit;
+        m_isDrained = m_isDrained || m_bodyBytesOnWire > kDrainLimit;
         return;
     }
     const auto length = m_head.bodyLength();
-    if (length && m_rawBytes > *length) {
-        fail(HttpError::Broken); // more than was promised
-    } else if (m_head.isCoded() && m_rawBytes > kFraming * (m_bodyLimit + kDrainLimit)) {
+    if (length && m_bodyBytesOnWire > *length) {
+        fail(HttpError::Broken); // more than Content-Length
+    } else if (m_head.hasTransferEncoding() &&
+               m_bodyBytesOnWire > kMaxWireBytesPerByte * (m_bodyLimit + kDrainLimit)) {
         fail(HttpError::TooLarge);
     }
 }
@@ -196,7 +196,7 @@ int CurlTransfer::onDebug(CURL* /*easy*/, curl_infotype kind, char* data, std::s
     auto* const transfer = static_cast<CurlTransfer*>(self);
     transfer->countTraffic(kind, static_cast<qint64>(size));
     if (kind == CURLINFO_DATA_IN) {
-        transfer->countRaw(static_cast<qsizetype>(size));
+        transfer->countBodyOnWire(static_cast<qsizetype>(size));
     } else if (kind == CURLINFO_HEADER_OUT) {
         // The request line holds a whole address instead of a path only for a proxy.
         const QByteArrayView head = viewOf(data, size);

@@ -32,18 +32,18 @@ public:
     [[nodiscard]] CURL* handle() const { return m_easy.get(); }
     [[nodiscard]] const CurlClientState& client() const { return *m_client; }
 
-    /// Takes libcurl's own result.
-    void end(CURLcode code) { m_end = code; }
-    /// True once the result is known. That may be before the end: when the body is not wanted, a
-    /// short one is still read so that the connection can be used again.
+    /// Records the result of libcurl's CURLMSG_DONE.
+    void setCurlResult(CURLcode code) { m_curlResult = code; }
+    /// True once the result is known. That may be before libcurl is done: an unwanted body, if
+    /// short, is still read so that the connection can be reused.
     [[nodiscard]] bool hasResult() const;
     /// Call once, when there is a result.
     [[nodiscard]] HttpResult takeResult();
     /// True when nothing more needs to be read.
-    [[nodiscard]] bool isDrained() const { return m_isDrained || m_failure || m_end; }
+    [[nodiscard]] bool isDrained() const { return m_isDrained || m_failure || m_curlResult; }
     [[nodiscard]] const CurlHead& head() const { return m_head; }
 
-    /// Null once the result was taken.
+    /// Moved out by the engine when it takes the result, and null from then on.
     std::unique_ptr<CurlRequestChain> chain;
 
 private:
@@ -51,7 +51,7 @@ private:
     void set(CURLoption option, T value) {
         m_isReady = m_isReady && curl_easy_setopt(m_easy.get(), option, value) == CURLE_OK;
     }
-    void setRules();
+    void setCommonOptions();
     void setRequest(const HttpRequest& request);
     void setCallbacks();
     void addLine(const QByteArray& line);
@@ -59,7 +59,7 @@ private:
     [[nodiscard]] bool addHeadLine(QByteArrayView line);
     [[nodiscard]] bool endHead();
     [[nodiscard]] bool addBody(QByteArrayView bytes);
-    void countRaw(qsizetype bytes);
+    void countBodyOnWire(qsizetype bytes);
     void countTraffic(curl_infotype kind, qint64 bytes);
     bool fail(HttpError error);
 
@@ -80,14 +80,14 @@ private:
 
     CurlHead m_head;
     QByteArray m_body;
-    qint64 m_rawBytes = 0; ///< Of the body on the wire, including chunk framing.
-    int m_status = 0;      ///< Of the final reply, 0 until its head is complete.
+    qint64 m_bodyBytesOnWire = 0; ///< Of the body on the wire, including chunk framing.
+    int m_status = 0;             ///< Of the final reply, 0 until its head is complete.
     bool m_isReady = true;
     bool m_isProxied = false;
     bool m_wantsBody = false;
     bool m_isDrained = false;
     std::optional<HttpError> m_failure;
-    std::optional<CURLcode> m_end;
+    std::optional<CURLcode> m_curlResult;
 
     CurlEasy m_easy; // destroyed first, because it points into the members above
 };

@@ -19,8 +19,9 @@ bool hasHeader(const HttpRequest& request, const char* name) {
 
 } // namespace
 
-// Each transfer has a new handle. libcurl 7.88 keeps a pointer to a header of a handle's last
-// request, even across a reset, and follows it when a header line begins with a blank.
+// Each transfer has a new handle: a reused one keeps, in libcurl 7.88 and even across a reset, a
+// dangling pointer to a header of its last request, and dereferences it when a header line begins
+// with a space.
 CurlTransfer::CurlTransfer(std::unique_ptr<CurlRequestChain> ownChain, CurlUrl address,
                            CurlTransferContext& context)
     : chain(std::move(ownChain))
@@ -31,17 +32,18 @@ CurlTransfer::CurlTransfer(std::unique_ptr<CurlRequestChain> ownChain, CurlUrl a
     , m_bodyLimit(chain->request.bodyLimit)
     , m_easy(curl_easy_init()) {
     m_isReady = m_easy != nullptr;
-    setRules();
+    setCommonOptions();
     setRequest(chain->conditionalRequest());
     setCallbacks();
 }
 
-void CurlTransfer::setRules() {
+void CurlTransfer::setCommonOptions() {
     set(CURLOPT_PROTOCOLS_STR, "http,https");
     set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
     set(CURLOPT_HTTP09_ALLOWED, 0L);
     set(CURLOPT_FOLLOWLOCATION, 0L);
-    const qint64 left = std::max<qint64>(chain->deadline.remainingTime(), 1); // 0 would mean never
+    const qint64 left =
+        std::max<qint64>(chain->deadline.remainingTime(), 1); // 0 would mean no timeout
     set(CURLOPT_TIMEOUT_MS, static_cast<long>(left));
     set(CURLOPT_NOSIGNAL, 1L);
     if (m_client->scope != 0) {
@@ -54,8 +56,8 @@ void CurlTransfer::setRules() {
     set(CURLOPT_SSL_VERIFYPEER, 1L);
     set(CURLOPT_SSL_VERIFYHOST, 2L);
     set(CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2});
-    // Of a folder, OpenSSL reads only the authority it needs. A file of all authorities costs nine
-    // mebibytes and twenty milliseconds for each connection.
+    // From a folder OpenSSL reads only the certificate it needs; a file of all costs 9 MiB and 20
+    // ms per connection.
     if (const QByteArray& folder = authoritiesFolder(); !folder.isEmpty()) {
         set(CURLOPT_CAPATH, folder.constData());
         set(CURLOPT_CAINFO, static_cast<const char*>(nullptr));
@@ -66,7 +68,7 @@ void CurlTransfer::setRules() {
     }
     set(CURLOPT_HTTPAUTH, long{CURLAUTH_NONE});
     set(CURLOPT_NETRC, long{CURL_NETRC_IGNORED});
-    set(CURLOPT_HEADEROPT, long{CURLHEADER_SEPARATE}); // none of ours in a proxy's CONNECT
+    set(CURLOPT_HEADEROPT, long{CURLHEADER_SEPARATE}); // keep our headers out of a proxy's CONNECT
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
 }
 

@@ -55,7 +55,7 @@ void Validators::add(QByteArrayView name, const QByteArray& value) {
     }
 }
 
-void Validators::put(Once& into, const QByteArray& value, bool isValid) {
+void Validators::put(SingleValue& into, const QByteArray& value, bool isValid) {
     into.value = isValid && !into.isSeen ? value : QByteArray();
     into.isSeen = true;
 }

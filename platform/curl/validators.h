@@ -12,27 +12,27 @@ public:
     /// Takes one header; others than these four are ignored.
     void add(QByteArrayView name, const QByteArray& value);
 
-    /// As sent, with the quotes and a weakness mark. Empty when there is none, or when it is
+    /// As sent, including the quotes and any "W/". Empty when there is none, or when it is
     /// malformed, longer than 256 bytes or given twice.
     [[nodiscard]] const QByteArray& etag() const { return m_etag.value; }
     /// As sent; empty under the same conditions.
     [[nodiscard]] const QByteArray& lastModified() const { return m_lastModified.value; }
     /// True when there is a validator and neither "no-store" nor "Vary: *" forbids keeping.
     [[nodiscard]] bool mayKeep() const;
-    /// False when these, of a 304, name another validator than `kept`, which the request was made
-    /// with. Weak and strong tags compare equal, as If-None-Match compares them.
+    /// Call on the validators of a 304, with those the request was made with: false if they name a
+    /// different one. Ignores "W/", like If-None-Match.
     [[nodiscard]] bool agreesWith(const Validators& kept) const;
 
 private:
     /// A value that counts only if it is given once.
-    struct Once final {
+    struct SingleValue final {
         bool isSeen = false;
         QByteArray value;
     };
-    static void put(Once& into, const QByteArray& value, bool isSound);
+    static void put(SingleValue& into, const QByteArray& value, bool isValid);
 
-    Once m_etag;
-    Once m_lastModified;
+    SingleValue m_etag;
+    SingleValue m_lastModified;
     bool m_isForbidden = false;
 };
 
