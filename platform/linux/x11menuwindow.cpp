@@ -57,7 +57,16 @@ ObserverToken X11MenuWindow::observeDismissals(std::function<void()> dismissed) 
 void X11MenuWindow::fit() {
     if (const auto frame = menuFrame(m_content->sizeHint(), m_item, menuScreens())) {
         m_content->resize(frame->size());
+        m_frame = *frame;
+        m_isFrameRestored = false;
         setGeometry(*frame);
+    }
+}
+
+void X11MenuWindow::restoreFrame() {
+    if (isVisible() && geometry() != m_frame && !m_isFrameRestored) {
+        m_isFrameRestored = true;
+        setGeometry(m_frame);
     }
 }
 
@@ -68,6 +77,8 @@ bool X11MenuWindow::event(QEvent* event) {
         m_dismissal.stop();
     } else if (event->type() == QEvent::LayoutRequest) {
         fit();
+    } else if (event->type() == QEvent::Resize || event->type() == QEvent::Move) {
+        m_restoreFrame.schedule();
     }
     return QWidget::event(event);
 }

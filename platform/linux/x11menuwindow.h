@@ -2,6 +2,7 @@
 
 #include "platform/menuwindow.h"
 #include "platform/observers.h"
+#include "platform/onceperturn.h"
 
 #include <QRectF>
 #include <QTimer>
@@ -42,10 +43,18 @@ private:
     void destroyNativeWindow();
     /// Resizes to the content's size hint and moves to the place beside the status item.
     void fit();
+    /// Requests the last frame again if the window has another one. The window manager's report of
+    /// an earlier frame may arrive after a newer one was requested, and Qt then takes it for the
+    /// present frame and drops a later request for the same. At most once for each frame, so that a
+    /// window manager that insists on another one gets it.
+    void restoreFrame();
 
     QWidget* m_content;
     std::function<QRectF()> m_primaryGeometry;
     std::optional<QRect> m_item; ///< In Qt's space.
+    QRect m_frame;               ///< As last requested, in Qt's space.
+    bool m_isFrameRestored = false;
+    OncePerTurn m_restoreFrame{[this] { restoreFrame(); }};
     bool m_isRound = true;
     QTimer m_dismissal; ///< Runs while another window has the keyboard; dismisses the panel.
     Observers m_dismissals;

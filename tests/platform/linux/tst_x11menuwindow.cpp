@@ -12,7 +12,9 @@
 #include <QMouseEvent>
 #include <QRegularExpression>
 #include <QScreen>
+#include <QSignalSpy>
 #include <QTest>
+#include <QWindow>
 
 using namespace brimlet;
 
@@ -218,6 +220,29 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(place(), small, kPatience);
         QVERIFY(hasKeyboard());
         QCOMPARE(m_dismissals, 0);
+    }
+
+    void anotherFrameIsCorrectedOnce() {
+        const QRect wanted(542, 30, 340, 200);
+        m_content->setHint(wanted.size());
+        present(itemAt(QRect(700, 0, 24, 24)));
+        QTRY_COMPARE_WITH_TIMEOUT(place(), wanted, kPatience);
+        const auto resizeTo = [this](const QString& height) {
+            return QProcess::execute(QStringLiteral("xdotool"),
+                                     {QStringLiteral("windowsize"), QString::number(id()),
+                                      QStringLiteral("340"), height});
+        };
+        QSignalSpy resized(m_window->windowHandle(), &QWindow::heightChanged);
+        QCOMPARE(resizeTo(QStringLiteral("600")), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(resized.size() >= 2, kPatience); // there and back
+        QTRY_COMPARE_WITH_TIMEOUT(place(), wanted, kPatience);
+        QCOMPARE(m_window->geometry(), wanted);
+        // A second change stays until the content changes.
+        QCOMPARE(resizeTo(QStringLiteral("500")), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(m_window->height(), 500, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(place().height(), 500, kPatience);
+        m_content->setHint(QSize(340, 300));
+        QTRY_COMPARE_WITH_TIMEOUT(place().size(), QSize(340, 300), kPatience);
     }
 
     void itStaysInsideTheAvailableArea() {
