@@ -6,8 +6,9 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_AUTOMOC ON)
 
-# Paths are cached relative to the checkout, so that every checkout shares the cache. The sloppiness is
-# what ccache asks for with precompiled headers.
+# Paths are cached relative to the checkout. What uses precompiled headers is shared by clones at the same
+# place only, since the compiler writes the place into them. The sloppiness is what ccache asks for with
+# precompiled headers.
 find_program(CCACHE_PROGRAM ccache)
 foreach(language IN ITEMS CXX OBJCXX)
   if(CCACHE_PROGRAM AND NOT CMAKE_${language}_COMPILER_LAUNCHER)
