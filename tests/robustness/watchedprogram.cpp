@@ -158,7 +158,10 @@ WatchedProgram::Use WatchedProgram::use() const {
     const QDir folder(QStringLiteral("/proc/%1/fd").arg(m_program.pid()));
     for (const QFileInfo& descriptor :
          folder.entryInfoList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)) {
-        use.descriptors << descriptor.symLinkTarget().section(u'/', -1);
+        // Empty when it was closed since the folder was listed.
+        if (const QString target = descriptor.symLinkTarget(); !target.isEmpty()) {
+            use.descriptors << target.section(u'/', -1);
+        }
     }
     return use;
 }
