@@ -16,7 +16,7 @@ namespace brimlet {
 /// Sent byte for byte, without conversion.
 struct HttpHeader final {
     QByteArray name;  ///< ASCII, in any letter case.
-    QByteArray value; ///< ASCII or UTF-8, without control characters. May be empty.
+    QByteArray value; ///< ASCII or UTF-8, without control characters but tabs. May be empty.
 
     bool operator==(const HttpHeader&) const = default;
 };
@@ -32,7 +32,8 @@ using RedirectRule = std::function<bool(const Url& from, const Url& to)>;
 struct HttpRequest final {
     Url url;
     QByteArray method = "GET";
-    /// A header with a control character makes the request fail as BadRequest.
+    /// A header with a control character, except a tab in its value, makes the request fail as
+    /// BadRequest.
     std::vector<HttpHeader> headers{};
     std::optional<QByteArray> body{};
     /// At most three redirects are followed, each only if this returns true. A redirect that is not

@@ -11,6 +11,11 @@ bool isControl(char c) {
     return (c >= 0 && c < 0x20) || c == 0x7F;
 }
 
+/// A tab is the one control character that a header's value may contain.
+bool isForbiddenInValue(char c) {
+    return isControl(c) && c != '\t';
+}
+
 bool isName(const QByteArray& name) {
     return !name.isEmpty() && std::none_of(name.cbegin(), name.cend(), [](char c) {
         return isControl(c) || c == ' ' || c == ':' || c == ';';
@@ -29,7 +34,7 @@ bool isSendable(const HttpRequest& request) {
     return isName(request.method) &&
            std::all_of(request.headers.cbegin(), request.headers.cend(), [](const auto& header) {
                return isName(header.name) &&
-                      std::none_of(header.value.cbegin(), header.value.cend(), isControl);
+                      std::none_of(header.value.cbegin(), header.value.cend(), isForbiddenInValue);
            });
 }
 

@@ -123,6 +123,7 @@ private Q_SLOTS:
         QTest::newRow("18: a bell") << canary + "\ax" << false;
         QTest::newRow("18: ten kilobytes") << canary + QByteArray(10 * 1024, 'x') << true;
         QTest::newRow("18: letters beyond ASCII") << canary + "\xC3\xA4\xE2\x82\xAC" << true;
+        QTest::newRow("18: a tab") << canary + "\tx" << true;
         QTest::newRow("18: blanks and colons") << canary + " a: b; c" << true;
     }
     void anOddTokenSurvives() {

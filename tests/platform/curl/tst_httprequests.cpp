@@ -87,7 +87,7 @@ private Q_SLOTS:
         QTest::newRow("line feed alone") << QByteArray("A") << QByteArray("b\n");
         QTest::newRow("NUL") << QByteArray("A") << QByteArray("b\0c", 3);
         QTest::newRow("carriage return alone") << QByteArray("A") << QByteArray("b\rC: d");
-        QTest::newRow("tab") << QByteArray("A") << QByteArray("b\tc");
+        QTest::newRow("tab in the name") << QByteArray("A\tB") << QByteArray("c");
         QTest::newRow("DEL") << QByteArray("A") << QByteArray("b\x7F");
         QTest::newRow("line break in the name") << QByteArray("A\r\nB") << QByteArray("c");
         QTest::newRow("colon in the name") << QByteArray("A: b, C") << QByteArray("d");
@@ -113,6 +113,7 @@ private Q_SLOTS:
         QTest::newRow("100 KB") << QByteArray(100'000, 't');
         QTest::newRow("not ASCII") << QByteArray("t\u00F6k\u00EBn \U0001F511");
         QTest::newRow("not UTF-8") << QByteArray("\xFF\xFE\x80");
+        QTest::newRow("a tab inside") << QByteArray("to\tken");
         QTest::newRow("separators") << QByteArray("a: b, c; d=\"e\"");
         QTest::newRow("percent") << QByteArray("%s%n%0d%0aX: y");
     }
