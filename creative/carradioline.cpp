@@ -1,6 +1,7 @@
 #include "creative/carradioline.h"
 
 #include "creative/textline.h"
+#include "host/trimmed.h"
 #include "platform/reducemotion.h"
 #include "platform/starttask.h"
 
@@ -60,7 +61,7 @@ void CarRadioLine::setTexts(const QString& brand, const QString& tagline) {
     }
     const QString lineBefore = line();
     if (m_tagline != tagline) {
-        TextWidthKey::reduce(m_taglineWidth, TextLine(tagline.trimmed(), m_style.font).width());
+        TextWidthKey::reduce(m_taglineWidth, TextLine(trimmed(tagline), m_style.font).width());
     }
     m_brand = brand;
     m_tagline = tagline;
@@ -138,7 +139,7 @@ QCoro::Task<> CarRadioLine::cycle(std::stop_token stop) {
     if (m_reduceMotion.isOn()) {
         co_return;
     }
-    const QString tagline = m_tagline.trimmed();
+    const QString tagline = trimmed(m_tagline);
     if (tagline.isEmpty() || tagline == restingText(m_brand, m_tagline)) {
         co_return;
     }

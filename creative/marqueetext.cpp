@@ -1,6 +1,7 @@
 #include "creative/marqueetext.h"
 
 #include "creative/boundedmarks.h"
+#include "host/trimmed.h"
 
 #include <QStringList>
 #include <QTextBoundaryFinder>
@@ -30,12 +31,12 @@ bool isBreakOrControl(QChar c) {
 } // namespace
 
 QString restingText(const QString& brand, const QString& tagline) {
-    QString trimmed = brand.trimmed();
-    return trimmed.isEmpty() ? tagline : trimmed;
+    QString rest = trimmed(brand);
+    return rest.isEmpty() ? tagline : rest;
 }
 
 QString lineText(const QString& brand, const QString& tagline, bool showingTagline) {
-    return showingTagline ? tagline.trimmed() : restingText(brand, tagline);
+    return showingTagline ? trimmed(tagline) : restingText(brand, tagline);
 }
 
 QString marqueeTaskID(const QString& brand, const QString& tagline, double containerWidth,

@@ -3,6 +3,7 @@
 #include "host/hoststore.h"
 
 #include "host/statusline.h"
+#include "host/trimmed.h"
 #include "host/utf8.h"
 #include "platform/starttask.h"
 
@@ -36,7 +37,7 @@ void HostStore::writeToken(const QString& token) {
 }
 
 void HostStore::saveToken(const QString& raw) {
-    publish(m_token, raw.trimmed());
+    publish(m_token, trimmed(raw));
     writeToken(m_token);
     startTask(refreshDisplayThenHeartbeat());
 }

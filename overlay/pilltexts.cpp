@@ -1,6 +1,7 @@
 #include "overlay/pilltexts.h"
 
 #include "creative/marqueetext.h"
+#include "host/trimmed.h"
 
 #include <QStringList>
 
@@ -14,11 +15,11 @@ QString toolTipOf(const SlotCreative& creative) {
 }
 
 QString spokenTextOf(const SlotCreative& creative) {
-    QStringList parts{singleLine(creative.brandName.trimmed()),
-                      singleLine(creative.tagline.trimmed())};
+    QStringList parts{singleLine(trimmed(creative.brandName)),
+                      singleLine(trimmed(creative.tagline))};
     parts.removeAll(QString());
     parts.removeDuplicates();
-    return parts.isEmpty() ? toolTipOf(creative).trimmed() : parts.join(QStringLiteral(", "));
+    return parts.isEmpty() ? trimmed(toolTipOf(creative)) : parts.join(QStringLiteral(", "));
 }
 
 QString shortToolTip(const QString& text) {

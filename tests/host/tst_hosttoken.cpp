@@ -72,6 +72,10 @@ private Q_SLOTS:
             << QStringLiteral("\u00a0\u2028abc\u2029\u0085") << QStringLiteral("abc");
         QTest::newRow("a byte-order mark stays")
             << QStringLiteral("\ufeffabc") << QStringLiteral("\ufeffabc");
+        QTest::newRow("zero-width spaces")
+            << QStringLiteral("\u200b \u200babc\u200b\n\u200b") << QStringLiteral("abc");
+        QTest::newRow("an inner zero-width space stays")
+            << QStringLiteral("a\u200bc") << QStringLiteral("a\u200bc");
         QTest::newRow("not ASCII") << QStringLiteral(" tökén ") << QStringLiteral("tökén");
     }
     void aTokenIsTrimmed() {
@@ -90,6 +94,7 @@ private Q_SLOTS:
         QTest::newRow("empty") << QString();
         QTest::newRow("blanks") << QStringLiteral("   ");
         QTest::newRow("line breaks") << QStringLiteral("\n\r\n\t");
+        QTest::newRow("zero-width spaces") << QStringLiteral("\u200b\u200b");
     }
     void aBlankTextRemovesTheItem() {
         QFETCH(QString, raw);
