@@ -41,7 +41,8 @@ class HostStore final : public QObject, public std::enable_shared_from_this<Host
 
 public:
     /// Reads the screens, and the token from the secret store, which may block for two seconds.
-    /// Sends no request.
+    /// Sends no request. A token that the secret store delivers later is used unless one was saved
+    /// meanwhile; once the timers run it is then tried as a saved one is.
     [[nodiscard]] static std::shared_ptr<HostStore> create(const HostPorts& ports);
 
     /// The process's store, created on first use with `SharedPorts` and kept until the process
@@ -90,6 +91,9 @@ public:
     [[nodiscard]] static QString apiRoot(const Bundle& bundle);
 
     [[nodiscard]] const QString& token() const { return m_token; }
+    /// False while the secret store is locked or has not answered: it may then hold a token
+    /// although `token()` is empty.
+    [[nodiscard]] bool isTokenKnown() const { return m_isTokenKnown; }
     /// The end of the last pause, which may be past.
     [[nodiscard]] std::optional<Clock::TimePoint> pausedUntil() const { return m_pausedUntil; }
     [[nodiscard]] const Assignment& assignment() const { return m_assignment; }
@@ -134,10 +138,12 @@ private:
     void applyDisplay(const ReplyFields& reply);
     [[nodiscard]] bool inApplications() const;
 
-    [[nodiscard]] std::optional<QString> readToken() const;
+    [[nodiscard]] std::optional<QString> readToken();
+    void tokenArrived(const SecretResult& result);
     void writeToken(const QString& token);
 
     HostPorts m_ports;
+    bool m_isTokenKnown = false;
     QString m_token;
     std::optional<Clock::TimePoint> m_pausedUntil;
     Assignment m_assignment;

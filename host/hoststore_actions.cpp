@@ -7,6 +7,8 @@
 #include "host/utf8.h"
 #include "platform/starttask.h"
 
+#include <QPointer>
+
 namespace brimlet {
 namespace {
 
@@ -16,10 +18,7 @@ QString tokenAccount() {
     return QStringLiteral("host-token");
 }
 
-} // namespace
-
-std::optional<QString> HostStore::readToken() const {
-    const SecretResult result = m_ports.secrets.read(m_ports.bundle.identifier(), tokenAccount());
+std::optional<QString> textOf(const SecretResult& result) {
     const auto* const bytes = std::get_if<QByteArray>(&result);
     if (bytes == nullptr) {
         return std::nullopt;
@@ -27,16 +26,40 @@ std::optional<QString> HostStore::readToken() const {
     return textFromUtf8({bytes->constData(), static_cast<std::size_t>(bytes->size())});
 }
 
-void HostStore::writeToken(const QString& token) {
-    const QString service = m_ports.bundle.identifier();
-    m_ports.secrets.remove(service, tokenAccount());
-    if (token.isEmpty() || !token.isValidUtf16()) {
-        return;
+} // namespace
+
+std::optional<QString> HostStore::readToken() {
+    const SecretResult result =
+        m_ports.secrets.read(m_ports.bundle.identifier(), tokenAccount(),
+                             [self = QPointer<HostStore>(this)](const SecretResult& late) {
+                                 if (self) {
+                                     self->tokenArrived(late);
+                                 }
+                             });
+    m_isTokenKnown = isAnswer(result);
+    return textOf(result);
+}
+
+void HostStore::tokenArrived(const SecretResult& result) {
+    if (m_isTokenKnown) {
+        return; // one was saved meanwhile
     }
-    m_ports.secrets.add(service, tokenAccount(), token.toUtf8());
+    publish(m_isTokenKnown, true);
+    publish(m_token, textOf(result).value_or(QString()));
+    // Before the start, the first requests will carry it.
+    if (!m_token.isEmpty() && m_heartbeatTimer) {
+        startTask(refreshDisplayThenHeartbeat());
+    }
+}
+
+void HostStore::writeToken(const QString& token) {
+    const bool isKept = !token.isEmpty() && token.isValidUtf16();
+    m_ports.secrets.replace(m_ports.bundle.identifier(), tokenAccount(),
+                            isKept ? std::optional(token.toUtf8()) : std::nullopt);
 }
 
 void HostStore::saveToken(const QString& raw) {
+    publish(m_isTokenKnown, true);
     publish(m_token, trimmed(raw));
     writeToken(m_token);
     startTask(refreshDisplayThenHeartbeat());

@@ -105,14 +105,25 @@ void HostMenuView::buildLayout() {
 
 void HostMenuView::buildActions() {
     connect(m_agree, &QAbstractButton::clicked, this, [this] { startTask(m_store->agree()); });
-    connect(m_saveToken, &QAbstractButton::clicked, this,
-            [this] { m_store->saveToken(m_draftToken->text()); });
+    connect(m_saveToken, &QAbstractButton::clicked, this, &HostMenuView::saveToken);
     connect(m_pause, &QAbstractButton::clicked, this, [this] { m_store->pause24h(); });
     connect(m_quit, &QAbstractButton::clicked, this, &HostMenuView::quitRequested);
 }
 
-void HostMenuView::showEvent(QShowEvent* /*event*/) {
+void HostMenuView::showToken() {
+    m_hasShownToken = m_store->isTokenKnown();
     m_draftToken->setText(m_store->token());
+}
+
+void HostMenuView::saveToken() {
+    // An empty field that was never filled must not delete a token that it could not show.
+    if (m_hasShownToken || m_draftToken->isModified()) {
+        m_store->saveToken(m_draftToken->text());
+    }
+}
+
+void HostMenuView::showEvent(QShowEvent* /*event*/) {
+    showToken();
     rebuild();
 }
 
@@ -128,6 +139,9 @@ void HostMenuView::storeWillChange() {
 }
 
 void HostMenuView::rebuild() {
+    if (!m_hasShownToken && m_store->isTokenKnown() && !m_draftToken->isModified()) {
+        showToken();
+    }
     const Assignment& week = m_store->assignment();
     const MenuRows rows = menuRows(week, m_store->hasNotch());
     const bool live = m_store->adsVisible();

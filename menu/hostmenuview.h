@@ -41,11 +41,14 @@ protected:
 private:
     void buildLayout();
     void buildActions();
+    void showToken();
+    void saveToken();
     void storeWillChange();
     void rebuild();
     void fitHeight();
 
     std::shared_ptr<HostStore> m_store;
+    bool m_hasShownToken = false; ///< The field has shown the stored token, or that there is none.
     OncePerTurn m_rebuild{[this] { rebuild(); }};
 
     // All children of this widget.

@@ -49,7 +49,7 @@ private:
 /// A store with a token on the 14-inch machine.
 struct SampleStore final {
     SampleStore() {
-        secrets.add(bundle.identifier(), QStringLiteral("host-token"), "token");
+        secrets.replace(bundle.identifier(), QStringLiteral("host-token"), "token");
         Screen screen;
         screen.number = 1;
         screen.frame = {0, 0, 1512, 982};

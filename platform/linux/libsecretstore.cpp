@@ -19,53 +19,76 @@ constexpr std::chrono::milliseconds kReadTimeout(1500);
     return {service.toUtf8(), account.toUtf8()};
 }
 
-/// A worker job that makes a blocking Secret Service call, cancelled when the job is stopped.
-[[nodiscard]] SerialWorker::Job jobOf(std::function<void(GCancellable*)> call) {
-    return [call = std::move(call)](const std::stop_token& stop) {
-        const GOwnContext context;
-        const GObjectPtr<GCancellable> cancellable(g_cancellable_new());
-        const std::stop_callback onStop(
-            stop, [&cancellable] { g_cancellable_cancel(cancellable.get()); });
-        call(cancellable.get());
-    };
+/// Makes blocking Secret Service calls, which are cancelled when the job is stopped.
+void call(const std::stop_token& stop, const std::function<void(GCancellable*)>& calls) {
+    const GOwnContext context;
+    const GObjectPtr<GCancellable> cancellable(g_cancellable_new());
+    const std::stop_callback onStop(stop,
+                                    [&cancellable] { g_cancellable_cancel(cancellable.get()); });
+    calls(cancellable.get());
+}
+
+[[nodiscard]] SecretResult resultOf(const std::variant<SecretValuePtr, SecretError>& found) {
+    if (const auto* const error = std::get_if<SecretError>(&found)) {
+        return *error;
+    }
+    gsize size = 0;
+    const gchar* const bytes = secret_value_get(std::get<SecretValuePtr>(found).get(), &size);
+    return QByteArray(bytes, static_cast<qsizetype>(size));
 }
 
 } // namespace
 
-SecretResult LibsecretStore::read(const QString& service, const QString& account) {
-    using Answer = std::variant<SecretValuePtr, SecretError>;
+SecretResult LibsecretStore::read(const QString& service, const QString& account, LateAnswer late) {
     const auto deadline = std::chrono::steady_clock::now() + kReadTimeout;
-    const auto answer = std::make_shared<Answer>(SecretError::Unavailable);
-    const bool isInTime =
-        m_worker.run(jobOf([answer, name = itemName(service, account)](GCancellable* cancellable) {
-                         *answer = secretservice::find(name, cancellable);
-                     }),
-                     deadline);
-    if (!isInTime) {
-        return SecretError::TimedOut;
+    m_read = std::make_unique<SecretRead>(
+        m_worker,
+        [name = itemName(service, account)](const std::stop_token& stop) {
+            SecretResult result = SecretError::Unavailable;
+            call(stop, [&](GCancellable* cancellable) {
+                result = resultOf(secretservice::find(name, cancellable));
+            });
+            return result;
+        },
+        [this, late](const SecretResult& result) {
+            m_watch.reset();
+            late(result);
+        });
+    const SecretResult result = m_read->readUntil(deadline);
+    if (isAnswer(result)) {
+        m_read.reset();
+        return result;
     }
-    if (const auto* const error = std::get_if<SecretError>(answer.get())) {
-        return *error;
-    }
-    gsize size = 0;
-    const gchar* const bytes = secret_value_get(std::get<SecretValuePtr>(*answer).get(), &size);
-    return QByteArray(bytes, static_cast<qsizetype>(size));
+    m_watch = std::make_unique<SecretServiceWatch>(service, account);
+    QObject::connect(m_watch.get(), &SecretServiceWatch::changed, m_read.get(),
+                     &SecretRead::readAgain);
+    QObject::connect(m_read.get(), &SecretRead::locked, m_watch.get(),
+                     &SecretServiceWatch::askToUnlock);
+    m_read->readAgain(); // for what has changed since the read
+    return result;
 }
 
-void LibsecretStore::remove(const QString& service, const QString& account) {
-    m_worker.post(jobOf([name = itemName(service, account)](GCancellable* cancellable) {
-        secretservice::clear(name, cancellable);
-    }));
-}
-
-void LibsecretStore::add(const QString& service, const QString& account, const QByteArray& value) {
-    // Not "text/plain": some services convert text to their own encoding.
-    const std::shared_ptr<SecretValue> secret(
-        secret_value_new(value.constData(), value.size(), "application/octet-stream"),
-        SecretValueUnref());
-    m_worker.post(jobOf([name = itemName(service, account), secret](GCancellable* cancellable) {
-        secretservice::store(name, secret.get(), cancellable);
-    }));
+void LibsecretStore::replace(const QString& service, const QString& account,
+                             const std::optional<QByteArray>& value) {
+    if (m_read) {
+        m_read->ignoreAnswer(); // but its prompt stays: the user may be typing
+    }
+    std::shared_ptr<SecretValue> secret;
+    if (value) {
+        // Not "text/plain": some services convert text to their own encoding.
+        secret.reset(
+            secret_value_new(value->constData(), value->size(), "application/octet-stream"),
+            SecretValueUnref());
+    }
+    // One job, so that the program's end comes before or after both calls.
+    m_worker.post([name = itemName(service, account), secret](const std::stop_token& stop) {
+        call(stop, [&](GCancellable* cancellable) {
+            secretservice::clear(name, cancellable);
+            if (secret) {
+                secretservice::store(name, secret.get(), cancellable);
+            }
+        });
+    });
 }
 
 } // namespace brimlet

@@ -1,5 +1,7 @@
 #include "platform/linux/secretservice.h"
 
+#include <utility>
+
 namespace brimlet::secretservice {
 namespace {
 
@@ -21,17 +23,35 @@ const SecretSchema schema = {
     nullptr,
 };
 
-/// Empty when there is no bus.
-[[nodiscard]] GObjectPtr<SecretService> connect(GCancellable* cancellable) {
+[[nodiscard]] SecretError errorOf(const GErrorPtr& failure) {
+    const bool isTimeout =
+        failure && g_error_matches(failure.get(), G_IO_ERROR, G_IO_ERROR_TIMED_OUT) != FALSE;
+    return isTimeout ? SecretError::TimedOut : SecretError::Unavailable;
+}
+
+/// Empty when there is no bus or no service; `error` may be null.
+[[nodiscard]] GObjectPtr<SecretService> connect(GCancellable* cancellable, GErrorPtr* error) {
     const GObjectPtr<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable, nullptr));
     if (!bus) {
         return nullptr;
     }
     // By default GLib ends the process when the bus closes.
     g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
+    GError* failure = nullptr;
     // Not the shared instance, which belongs to the thread that first requested it.
-    return GObjectPtr<SecretService>(secret_service_open_sync(
-        SECRET_TYPE_SERVICE, nullptr, SECRET_SERVICE_NONE, cancellable, nullptr));
+    GObjectPtr<SecretService> service(secret_service_open_sync(
+        SECRET_TYPE_SERVICE, nullptr, SECRET_SERVICE_NONE, cancellable, &failure));
+    GErrorPtr owner(failure);
+    if (error != nullptr) {
+        *error = std::move(owner);
+    }
+    return service;
+}
+
+[[nodiscard]] bool isDefaultCollectionLocked(SecretService* service, GCancellable* cancellable) {
+    const GObjectPtr<SecretCollection> collection(secret_collection_for_alias_sync(
+        service, SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE, cancellable, nullptr));
+    return collection && secret_collection_get_locked(collection.get()) != FALSE;
 }
 
 [[nodiscard]] GHashTablePtr attributes(const SecretItemName& name) {
@@ -41,7 +61,7 @@ const SecretSchema schema = {
 
 struct Found final {
     GObjectListPtr items;
-    bool isFailed = false;
+    GErrorPtr failure;
 };
 
 [[nodiscard]] Found search(SecretService* service, const SecretItemName& name, int flags,
@@ -50,24 +70,28 @@ struct Found final {
     GList* const items =
         secret_service_search_sync(service, &schema, attributes(name).get(),
                                    static_cast<SecretSearchFlags>(flags), cancellable, &error);
-    const GErrorPtr failure(error);
-    return {GObjectListPtr(items), failure != nullptr};
+    return {GObjectListPtr(items), GErrorPtr(error)};
 }
 
 } // namespace
 
 std::variant<SecretValuePtr, SecretError> find(const SecretItemName& name,
                                                GCancellable* cancellable) {
-    const auto service = connect(cancellable);
+    GErrorPtr failure;
+    const auto service = connect(cancellable, &failure);
     if (!service) {
-        return SecretError::Unavailable;
+        return errorOf(failure);
     }
     const Found found =
         search(service.get(), name, SECRET_SEARCH_ALL | SECRET_SEARCH_LOAD_SECRETS, cancellable);
-    if (found.isFailed) {
-        return SecretError::Unavailable;
+    if (found.failure) {
+        return errorOf(found.failure);
     }
-    auto whyNone = SecretError::NotFound;
+    if (found.items == nullptr) {
+        return isDefaultCollectionLocked(service.get(), cancellable) ? SecretError::Locked
+                                                                     : SecretError::NotFound;
+    }
+    auto whyNone = SecretError::Unavailable;
     for (GList* entry = found.items.get(); entry != nullptr; entry = entry->next) {
         auto* const item = static_cast<SecretItem*>(entry->data);
         if (SecretValuePtr value{secret_item_get_secret(item)}) {
@@ -80,7 +104,7 @@ std::variant<SecretValuePtr, SecretError> find(const SecretItemName& name,
 }
 
 void clear(const SecretItemName& name, GCancellable* cancellable) {
-    const auto service = connect(cancellable);
+    const auto service = connect(cancellable, nullptr);
     if (!service) {
         return;
     }
@@ -96,7 +120,7 @@ void clear(const SecretItemName& name, GCancellable* cancellable) {
 }
 
 void store(const SecretItemName& name, SecretValue* value, GCancellable* cancellable) {
-    const auto service = connect(cancellable);
+    const auto service = connect(cancellable, nullptr);
     if (service) {
         secret_service_store_sync(service.get(), &schema, attributes(name).get(),
                                   SECRET_COLLECTION_DEFAULT, "Brimlet host token", value,

@@ -28,7 +28,9 @@ struct SecretItemName final {
 /// `cancellable` is cancelled; make it on a thread that has a GOwnContext.
 namespace secretservice {
 
-/// Never prompts. A cancelled call gives Unavailable.
+/// Never prompts. Gives Locked also while there is no such item but the default collection is
+/// locked, because some services show nothing of a locked collection. A cancelled call gives
+/// Unavailable.
 [[nodiscard]] std::variant<SecretValuePtr, SecretError> find(const SecretItemName& name,
                                                              GCancellable* cancellable);
 

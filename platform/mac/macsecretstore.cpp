@@ -8,6 +8,7 @@
 #include <chrono>
 #include <memory>
 #include <type_traits>
+#include <utility>
 #include <variant>
 
 namespace brimlet {
@@ -90,27 +91,34 @@ SecretResult copyMatching(const KeychainQuery& query) {
 
 } // namespace
 
-SecretResult MacSecretStore::read(const QString& service, const QString& account) {
+SecretResult MacSecretStore::read(const QString& service, const QString& account, LateAnswer late) {
     const auto deadline = std::chrono::steady_clock::now() + kReadTimeout;
-    const auto answer = std::make_shared<SecretResult>(SecretError::Unavailable);
-    const bool isInTime =
-        m_worker.run([answer, query = keychainReading(service, account)](
-                         const std::stop_token& /*stop*/) { *answer = copyMatching(query); },
-                     deadline);
-    return isInTime ? *answer : SecretError::TimedOut;
+    m_read = std::make_unique<SecretRead>(
+        m_worker,
+        [query = keychainReading(service, account)](const std::stop_token& /*stop*/) {
+            return copyMatching(query);
+        },
+        std::move(late));
+    SecretResult result = m_read->readUntil(deadline);
+    if (isAnswer(result)) {
+        m_read.reset();
+    }
+    return result;
 }
 
-void MacSecretStore::remove(const QString& service, const QString& account) {
-    m_worker.post([query = keychainItem(service, account)](const std::stop_token& /*stop*/) {
-        static_cast<void>(SecItemDelete(native(query).get()));
+void MacSecretStore::replace(const QString& service, const QString& account,
+                             const std::optional<QByteArray>& value) {
+    if (m_read) {
+        m_read->ignoreAnswer();
+    }
+    m_worker.post([item = keychainItem(service, account),
+                   adding = value ? std::optional(keychainAdding(service, account, *value))
+                                  : std::nullopt](const std::stop_token& /*stop*/) {
+        static_cast<void>(SecItemDelete(native(item).get()));
+        if (adding) {
+            static_cast<void>(SecItemAdd(native(*adding).get(), nullptr));
+        }
     });
-}
-
-void MacSecretStore::add(const QString& service, const QString& account, const QByteArray& value) {
-    m_worker.post(
-        [query = keychainAdding(service, account, value)](const std::stop_token& /*stop*/) {
-            static_cast<void>(SecItemAdd(native(query).get(), nullptr));
-        });
 }
 
 } // namespace brimlet

@@ -12,7 +12,6 @@ namespace brimlet {
 struct SerialWorker::Entry final {
     Job job;
     std::stop_source stop;
-    bool isDone = false; ///< Guarded by the queue's mutex.
 };
 
 struct SerialWorker::Queue final {
@@ -39,22 +38,12 @@ SerialWorker::~SerialWorker() {
     m_queue->changed.wait_for(lock, std::chrono::milliseconds(100), isIdle);
 }
 
-void SerialWorker::post(Job job) {
-    static_cast<void>(enqueue(std::move(job)));
-}
-
-bool SerialWorker::run(Job job, Deadline deadline) {
-    const auto entry = enqueue(std::move(job));
+bool SerialWorker::waitUntil(Deadline deadline) {
     std::unique_lock lock(m_queue->mutex);
-    if (m_queue->changed.wait_until(lock, deadline, [&entry] { return entry->isDone; })) {
-        return true;
-    }
-    // A job that has not started yet is skipped because of this.
-    entry->stop.request_stop();
-    return false;
+    return m_queue->changed.wait_until(lock, deadline, [this] { return !m_queue->hasThread; });
 }
 
-std::shared_ptr<SerialWorker::Entry> SerialWorker::enqueue(Job job) {
+std::stop_source SerialWorker::post(Job job) {
     auto entry = std::make_shared<Entry>();
     entry->job = std::move(job);
     const std::lock_guard lock(m_queue->mutex);
@@ -67,7 +56,7 @@ std::shared_ptr<SerialWorker::Entry> SerialWorker::enqueue(Job job) {
             // No thread could be started. The job stays queued; the next one tries again.
         }
     }
-    return entry;
+    return entry->stop;
 }
 
 void SerialWorker::work(const std::shared_ptr<Queue>& queue) {
@@ -80,9 +69,7 @@ void SerialWorker::work(const std::shared_ptr<Queue>& queue) {
         }
         entry->job = nullptr; // destroys its captures before the caller continues
         lock.lock();
-        entry->isDone = true;
         queue->entries.pop_front();
-        queue->changed.notify_all();
     }
     queue->hasThread = false;
     queue->changed.notify_all();

@@ -23,18 +23,17 @@ public:
     SerialWorker(const SerialWorker&) = delete;
     SerialWorker& operator=(const SerialWorker&) = delete;
 
-    /// Queues the job and returns at once.
-    void post(Job job);
+    /// Queues the job and returns at once. A stop requested of the result skips a job that has not
+    /// started, and is passed on to one that is running.
+    std::stop_source post(Job job);
 
-    /// Queues the job and waits for it. True when it has ended before the deadline. Otherwise it is
-    /// dropped or requested to stop, and the caller must ignore its results.
-    [[nodiscard]] bool run(Job job, Deadline deadline);
+    /// Waits for all jobs. True when the last has ended before the deadline.
+    [[nodiscard]] bool waitUntil(Deadline deadline);
 
 private:
     struct Entry;
     struct Queue;
 
-    [[nodiscard]] std::shared_ptr<Entry> enqueue(Job job);
     static void work(const std::shared_ptr<Queue>& queue);
 
     /// Shared with the worker thread.

@@ -2,18 +2,18 @@
 
 namespace brimlet {
 
-SecretResult MemorySecretStore::read(const QString& service, const QString& account) {
+SecretResult MemorySecretStore::read(const QString& service, const QString& account,
+                                     LateAnswer /*late*/) {
     const auto item = m_items.constFind({service, account});
     return item == m_items.constEnd() ? SecretResult(SecretError::NotFound) : SecretResult(*item);
 }
 
-void MemorySecretStore::remove(const QString& service, const QString& account) {
+void MemorySecretStore::replace(const QString& service, const QString& account,
+                                const std::optional<QByteArray>& value) {
     m_items.remove({service, account});
-}
-
-void MemorySecretStore::add(const QString& service, const QString& account,
-                            const QByteArray& value) {
-    m_items.insert({service, account}, value);
+    if (value) {
+        m_items.insert({service, account}, *value);
+    }
 }
 
 } // namespace brimlet

@@ -9,9 +9,10 @@ namespace brimlet {
 /// A secret store in memory, lost when the process ends.
 class MemorySecretStore final : public SecretStore {
 public:
-    [[nodiscard]] SecretResult read(const QString& service, const QString& account) override;
-    void remove(const QString& service, const QString& account) override;
-    void add(const QString& service, const QString& account, const QByteArray& value) override;
+    [[nodiscard]] SecretResult read(const QString& service, const QString& account,
+                                    LateAnswer late) override;
+    void replace(const QString& service, const QString& account,
+                 const std::optional<QByteArray>& value) override;
 
 private:
     QMap<std::pair<QString, QString>, QByteArray> m_items;

@@ -44,6 +44,102 @@ private Q_SLOTS:
         QCOMPARE(host.makeStore()->token(), QString());
     }
 
+    void aLateTokenIsPublishedAndTriedAsASavedOne() {
+        HostFixture host;
+        host.keepToken("stored");
+        host.secrets.failure = SecretError::TimedOut;
+        host.http.answer(QStringLiteral("/api/display"), 200, "{}");
+        const auto store = host.makeStore();
+        store->startTimers();
+        QVERIFY(!store->isTokenKnown());
+        QCOMPARE(host.http.log(), QStringList{QStringLiteral("GET /api/display")});
+        host.http.clear();
+        QStringList tokensBefore;
+        QObject::connect(store.get(), &HostStore::objectWillChange,
+                         [&] { tokensBefore += store->token(); });
+        host.secrets.recover();
+        QCOMPARE(tokensBefore.value(0), QString()); // announced before it changes
+        QVERIFY(!tokensBefore.isEmpty());
+        QCOMPARE(store->token(), QStringLiteral("stored"));
+        QVERIFY(store->isTokenKnown());
+        QCOMPARE(host.http.log(), (QStringList{QStringLiteral("GET /api/display"),
+                                               QStringLiteral("POST /api/host/heartbeat")}));
+    }
+
+    void aTokenThatArrivesBeforeTheTimersIsInTheFirstRequests() {
+        HostFixture host;
+        host.keepToken("stored");
+        host.secrets.failure = SecretError::Locked;
+        host.http.answer(QStringLiteral("/api/display"), 200, "{}");
+        const auto store = host.makeStore();
+        host.secrets.recover();
+        QCOMPARE(store->token(), QStringLiteral("stored"));
+        QVERIFY(host.http.requests().empty());
+        store->startTimers();
+        QCOMPARE(host.http.log(), (QStringList{QStringLiteral("GET /api/display"),
+                                               QStringLiteral("POST /api/host/heartbeat")}));
+    }
+
+    void aLateTokenDoesNotReplaceASavedOne() {
+        HostFixture host;
+        host.keepToken("stored");
+        host.secrets.failure = SecretError::Locked;
+        const auto store = host.makeStore();
+        store->saveToken(QStringLiteral("saved"));
+        QVERIFY(store->isTokenKnown());
+        host.secrets.recover();
+        QCOMPARE(store->token(), QStringLiteral("saved"));
+    }
+
+    void aStoreThatDeliversAfterASavedTokenAllTheSameChangesNothing() {
+        HostFixture host;
+        host.keepToken("stored");
+        host.secrets.failure = SecretError::Locked;
+        host.secrets.forgetsOnReplace = false;
+        const auto store = host.makeStore();
+        store->saveToken(QStringLiteral("saved"));
+        host.secrets.recover();
+        QCOMPARE(store->token(), QStringLiteral("saved"));
+    }
+
+    void whenThereTurnsOutToBeNoTokenNothingIsSent() {
+        HostFixture host;
+        host.secrets.failure = SecretError::Unavailable;
+        const auto store = host.makeStore();
+        store->startTimers();
+        host.http.clear();
+        QVERIFY(!store->isTokenKnown());
+        host.secrets.recover();
+        QVERIFY(store->isTokenKnown());
+        QCOMPARE(store->token(), QString());
+        QVERIFY(host.http.requests().empty());
+    }
+
+    void aLateAnswerForAStoreThatIsGoneDoesNothing() {
+        HostFixture host;
+        host.keepToken("stored");
+        host.secrets.failure = SecretError::Locked;
+        host.makeStore().reset();
+        host.secrets.recover();
+        QVERIFY(host.http.requests().empty());
+    }
+
+    void whetherTheTokenIsKnownFollowsFromTheRead_data() {
+        QTest::addColumn<int>("error");
+        QTest::addColumn<bool>("isKnown");
+        QTest::newRow("not found") << int(SecretError::NotFound) << true;
+        QTest::newRow("locked") << int(SecretError::Locked) << false;
+        QTest::newRow("unavailable") << int(SecretError::Unavailable) << false;
+        QTest::newRow("timed out") << int(SecretError::TimedOut) << false;
+    }
+    void whetherTheTokenIsKnownFollowsFromTheRead() {
+        QFETCH(int, error);
+        QFETCH(bool, isKnown);
+        HostFixture host;
+        host.secrets.failure = SecretError(error);
+        QCOMPARE(host.makeStore()->isTokenKnown(), isKnown);
+    }
+
     void aTokenThatIsNotUtf8IsEmpty_data() {
         QTest::addColumn<QByteArray>("stored");
         QTest::newRow("a lone byte") << QByteArray("abc\xff");
@@ -113,7 +209,7 @@ private Q_SLOTS:
         store->saveToken(QStringLiteral("abc"));
         store->saveToken(QStringLiteral("abc"));
         QCOMPARE(host.secrets.count(kService, kAccount), 1);
-        QCOMPARE(host.secrets.removals, 2);
+        QCOMPARE(host.secrets.replacements, 2);
     }
 
     void memoryHoldsTheTokenWhenTheStoreFails() {

@@ -348,6 +348,55 @@ private Q_SLOTS:
         QCOMPARE(field->text(), QStringLiteral("  new token  "));
     }
 
+    void anUntouchedFieldDoesNotDeleteATokenThatItCouldNotShow() {
+        ShownMenu menu;
+        menu.host.keepToken("kept-token");
+        menu.host.secrets.failure = SecretError::Locked;
+        menu.hasToken = false;
+        menu.show();
+        auto* const field = menu.named<QLineEdit>(kField);
+        menu.host.http.clear();
+        press(menu, kSave);
+        QCOMPARE(menu.host.secrets.replacements, 1); // the one of keepToken()
+        QVERIFY(menu.host.http.requests().empty());
+        // It arrives while the panel is open.
+        menu.host.secrets.recover();
+        press(menu, kSave); // before the field shows it
+        QCOMPARE(menu.host.secrets.replacements, 1);
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(field->text(), QStringLiteral("kept-token"));
+        press(menu, kSave);
+        QCOMPARE(std::get<QByteArray>(menu.host.keptToken()), QByteArray("kept-token"));
+    }
+
+    void aFieldEmptiedByHandDeletesATokenThatItCouldNotShow() {
+        ShownMenu menu;
+        menu.host.keepToken("kept-token");
+        menu.host.secrets.failure = SecretError::TimedOut;
+        menu.hasToken = false;
+        menu.show();
+        auto* const field = menu.named<QLineEdit>(kField);
+        QTest::keyClicks(field, QStringLiteral("x"));
+        QTest::keyClick(field, Qt::Key_Backspace);
+        press(menu, kSave);
+        QCOMPARE(menu.host.secrets.replacements, 2);
+    }
+
+    void aLateTokenLeavesADraftAlone() {
+        ShownMenu menu;
+        menu.host.keepToken("kept-token");
+        menu.host.secrets.failure = SecretError::TimedOut;
+        menu.hasToken = false;
+        menu.show();
+        auto* const field = menu.named<QLineEdit>(kField);
+        QTest::keyClicks(field, QStringLiteral("new"));
+        menu.host.secrets.recover();
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(field->text(), QStringLiteral("new"));
+        press(menu, kSave);
+        QCOMPARE(std::get<QByteArray>(menu.host.keptToken()), QByteArray("new"));
+    }
+
     void theDraftIsReplacedEachTimeTheFieldIsShown() {
         ShownMenu menu;
         menu.show();

@@ -41,8 +41,8 @@ private Q_SLOTS:
         for (int i = 0; i < 100; ++i) {
             worker.post([order, i](const std::stop_token&) { order->push_back(i); });
         }
-        QVERIFY(worker.run([order](const std::stop_token&) { order->push_back(100); }, in(5s)));
-        QCOMPARE(order->size(), 101U);
+        QVERIFY(worker.waitUntil(in(5s)));
+        QCOMPARE(order->size(), 100U);
         QVERIFY(std::is_sorted(order->begin(), order->end()));
     }
 
@@ -50,39 +50,30 @@ private Q_SLOTS:
         SerialWorker worker;
         const auto count = std::make_shared<int>(0);
         for (int i = 1; i <= 100; ++i) {
-            QVERIFY(worker.run([count](const std::stop_token&) { ++*count; }, in(5s)));
+            worker.post([count](const std::stop_token&) { ++*count; });
+            QVERIFY(worker.waitUntil(in(5s)));
             QCOMPARE(*count, i);
         }
     }
 
-    void aRunThatDoesNotEndIsAskedToStopAtItsDeadline() {
+    void waitingEndsAtTheDeadline() {
         SerialWorker worker;
+        std::stop_source stop = worker.post(waitForStop);
         QElapsedTimer timer;
         timer.start();
-        QVERIFY(!worker.run(waitForStop, in(50ms)));
-        QVERIFY(timer.elapsed() >= 50);
-        QVERIFY(worker.run([](const std::stop_token&) {}, in(5s)));
-    }
-
-    void aRunThatCannotStopIsAbandonedAtItsDeadline() {
-        SerialWorker worker;
-        const auto mayEnd = std::make_shared<std::binary_semaphore>(0);
-        QElapsedTimer timer;
-        timer.start();
-        QVERIFY(!worker.run([mayEnd](const std::stop_token&) { mayEnd->acquire(); }, in(50ms)));
+        QVERIFY(!worker.waitUntil(in(50ms)));
         QVERIFY(timer.elapsed() >= 50 && timer.elapsed() < kPatience);
-        mayEnd->release();
-        QVERIFY(worker.run([](const std::stop_token&) {}, in(5s)));
+        stop.request_stop();
+        QVERIFY(worker.waitUntil(in(5s)));
     }
 
-    void aRunThatMissesItsDeadlineInTheQueueHasNoEffect() {
+    void aJobStoppedInTheQueueIsSkipped() {
         SerialWorker worker;
-        const auto mayEnd = std::make_shared<std::binary_semaphore>(0);
         const auto hasRun = std::make_shared<std::atomic<bool>>(false);
-        worker.post([mayEnd](const std::stop_token&) { mayEnd->acquire(); });
-        QVERIFY(!worker.run([hasRun](const std::stop_token&) { *hasRun = true; }, in(20ms)));
-        mayEnd->release();
-        QVERIFY(worker.run([](const std::stop_token&) {}, in(5s)));
+        std::stop_source first = worker.post(waitForStop);
+        worker.post([hasRun](const std::stop_token&) { *hasRun = true; }).request_stop();
+        first.request_stop();
+        QVERIFY(worker.waitUntil(in(5s)));
         QVERIFY(!*hasRun);
     }
 

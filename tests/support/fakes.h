@@ -61,43 +61,64 @@ private:
     Observers m_wake;
 };
 
-/// A store in memory that can fail.
+/// A store in memory that can fail, and recover.
 class FakeSecretStore final : public SecretStore {
 public:
-    [[nodiscard]] SecretResult read(const QString& service, const QString& account) override {
+    [[nodiscard]] SecretResult read(const QString& service, const QString& account,
+                                    LateAnswer late) override {
+        m_late = nullptr;
         if (failure) {
+            m_late = [this, service, account, late] { late(find(service, account)); };
             return *failure;
         }
-        const QList<QByteArray> items = m_items.value({service, account});
-        return items.isEmpty() ? SecretResult(SecretError::NotFound) : SecretResult(items.first());
+        return find(service, account);
     }
-    void remove(const QString& service, const QString& account) override {
-        ++removals;
+    void replace(const QString& service, const QString& account,
+                 const std::optional<QByteArray>& value) override {
+        if (forgetsOnReplace) {
+            m_late = nullptr;
+        }
+        ++replacements;
         if (willWrite) {
             willWrite();
         }
-        if (!failure) {
-            m_items.remove({service, account});
+        if (failure) {
+            return;
+        }
+        m_items.remove({service, account});
+        if (value) {
+            m_items.insert({service, account}, *value);
         }
     }
-    void add(const QString& service, const QString& account, const QByteArray& value) override {
-        if (!failure) {
-            m_items[{service, account}].append(value);
+
+    /// Ends the failure and delivers the answer to a read that failed.
+    void recover() {
+        failure.reset();
+        if (m_late) {
+            std::exchange(m_late, nullptr)();
         }
     }
 
     [[nodiscard]] qsizetype count(const QString& service, const QString& account) const {
-        return m_items.value({service, account}).size();
+        return m_items.count({service, account});
     }
 
     /// If set, the result of every read; writes then have no effect.
     std::optional<SecretError> failure;
-    int removals = 0;
-    /// Called at the start of each `remove`, which begins every change of the item.
+    /// Whether `replace` ends a failed read, as it should.
+    bool forgetsOnReplace = true;
+    int replacements = 0;
+    /// Called at the start of each `replace`.
     std::function<void()> willWrite;
 
 private:
-    QHash<std::pair<QString, QString>, QList<QByteArray>> m_items;
+    [[nodiscard]] SecretResult find(const QString& service, const QString& account) const {
+        const auto item = m_items.constFind({service, account});
+        return item == m_items.cend() ? SecretResult(SecretError::NotFound) : SecretResult(*item);
+    }
+
+    QHash<std::pair<QString, QString>, QByteArray> m_items;
+    std::function<void()> m_late;
 };
 
 class FakeBundle final : public Bundle {

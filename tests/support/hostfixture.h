@@ -26,10 +26,10 @@ struct HostFixture final {
     [[nodiscard]] std::shared_ptr<HostStore> makeStore() { return HostStore::create(ports()); }
 
     void keepToken(const QByteArray& token) {
-        secrets.add(QStringLiteral("app.brimlet.host"), QStringLiteral("host-token"), token);
+        secrets.replace(QStringLiteral("app.brimlet.host"), QStringLiteral("host-token"), token);
     }
     [[nodiscard]] SecretResult keptToken() {
-        return secrets.read(QStringLiteral("app.brimlet.host"), QStringLiteral("host-token"));
+        return secrets.read(QStringLiteral("app.brimlet.host"), QStringLiteral("host-token"), {});
     }
 
     FakeScreens screens;

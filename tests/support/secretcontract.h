@@ -23,8 +23,11 @@ protected:
     /// The number of items of that name, not counted through the store.
     [[nodiscard]] virtual qsizetype count(const QString& service, const QString& account) = 0;
 
+    [[nodiscard]] SecretResult read(const QString& service, const QString& account) {
+        return store().read(service, account, [](const SecretResult&) {});
+    }
     [[nodiscard]] std::optional<QByteArray> bytes(const QString& service, const QString& account) {
-        const SecretResult result = store().read(service, account);
+        const SecretResult result = read(service, account);
         const auto* const value = std::get_if<QByteArray>(&result);
         return value != nullptr ? std::optional(*value) : std::nullopt;
     }
@@ -37,18 +40,18 @@ protected:
 private Q_SLOTS:
     void cleanup() {
         for (const QString& service : {m_service, m_otherService}) {
-            store().remove(service, m_account);
-            store().remove(service, m_otherAccount);
-            QCOMPARE(store().read(service, m_account), SecretResult(SecretError::NotFound));
-            QCOMPARE(store().read(service, m_otherAccount), SecretResult(SecretError::NotFound));
+            store().replace(service, m_account, std::nullopt);
+            store().replace(service, m_otherAccount, std::nullopt);
+            QCOMPARE(read(service, m_account), SecretResult(SecretError::NotFound));
+            QCOMPARE(read(service, m_otherAccount), SecretResult(SecretError::NotFound));
         }
     }
 
     void anItemNeverAddedIsNotFound() {
-        QCOMPARE(store().read(m_service, m_account), SecretResult(SecretError::NotFound));
+        QCOMPARE(read(m_service, m_account), SecretResult(SecretError::NotFound));
     }
 
-    void whatWasAddedIsReadToTheByte_data() {
+    void aValueIsReadToTheByte_data() {
         QTest::addColumn<QByteArray>("value");
         QTest::newRow("a token") << QByteArray("bh_live_0123456789");
         QTest::newRow("blanks at both ends") << QByteArray("  a token\n");
@@ -60,41 +63,40 @@ private Q_SLOTS:
         QTest::newRow("10 KB") << QByteArray("0123456789").repeated(1024);
     }
 
-    void whatWasAddedIsReadToTheByte() {
+    void aValueIsReadToTheByte() {
         QFETCH(const QByteArray, value);
-        store().add(m_service, m_account, value);
+        store().replace(m_service, m_account, value);
         QCOMPARE(bytes(m_service, m_account), std::optional(value));
         QCOMPARE(count(m_service, m_account), 1);
     }
 
     void whatWasRemovedIsNotFound() {
-        store().add(m_service, m_account, "token");
-        store().remove(m_service, m_account);
-        QCOMPARE(store().read(m_service, m_account), SecretResult(SecretError::NotFound));
+        store().replace(m_service, m_account, "token");
+        store().replace(m_service, m_account, std::nullopt);
+        QCOMPARE(read(m_service, m_account), SecretResult(SecretError::NotFound));
         QCOMPARE(count(m_service, m_account), 0);
     }
 
     void removingAMissingItemDoesNoHarm() {
-        store().remove(m_service, m_account);
-        store().add(m_service, m_account, "token");
+        store().replace(m_service, m_account, std::nullopt);
+        store().replace(m_service, m_account, "token");
         QCOMPARE(bytes(m_service, m_account), std::optional<QByteArray>("token"));
     }
 
-    void removingAndAddingAgainLeavesOneItem() {
+    void replacingAgainLeavesOneItem() {
         for (const char* const token : {"first", "second", "second"}) {
-            store().remove(m_service, m_account);
-            store().add(m_service, m_account, token);
+            store().replace(m_service, m_account, token);
         }
         QCOMPARE(bytes(m_service, m_account), std::optional<QByteArray>("second"));
         QCOMPARE(count(m_service, m_account), 1);
     }
 
     void itemsOfOtherNamesAreLeftAlone() {
-        store().add(m_otherService, m_account, "of the other service");
-        store().add(m_service, m_otherAccount, "of the other account");
-        store().add(m_service, m_account, "token");
-        store().remove(m_service, m_account);
-        QCOMPARE(store().read(m_service, m_account), SecretResult(SecretError::NotFound));
+        store().replace(m_otherService, m_account, "of the other service");
+        store().replace(m_service, m_otherAccount, "of the other account");
+        store().replace(m_service, m_account, "token");
+        store().replace(m_service, m_account, std::nullopt);
+        QCOMPARE(read(m_service, m_account), SecretResult(SecretError::NotFound));
         QCOMPARE(bytes(m_otherService, m_account),
                  std::optional<QByteArray>("of the other service"));
         QCOMPARE(bytes(m_service, m_otherAccount),
@@ -102,20 +104,19 @@ private Q_SLOTS:
     }
 
     void theNextRunReadsWhatThisOneWrote() {
-        store().add(m_service, m_account, "token");
+        store().replace(m_service, m_account, "token");
         reopen();
         QCOMPARE(bytes(m_service, m_account), std::optional<QByteArray>("token"));
-        store().remove(m_service, m_account);
+        store().replace(m_service, m_account, std::nullopt);
         reopen();
-        QCOMPARE(store().read(m_service, m_account), SecretResult(SecretError::NotFound));
+        QCOMPARE(read(m_service, m_account), SecretResult(SecretError::NotFound));
     }
 
     void aWriteReturnsBeforeItIsDone() {
         QElapsedTimer timer;
         timer.start();
         for (int i = 0; i < 50; ++i) {
-            store().remove(m_service, m_account);
-            store().add(m_service, m_account, "token");
+            store().replace(m_service, m_account, "token");
         }
         QVERIFY2(timer.elapsed() < 100, qPrintable(QString::number(timer.elapsed())));
         // A read waits for all of them, and times out while they take too long.
@@ -127,8 +128,7 @@ private Q_SLOTS:
     void aReadSeesEveryEarlierWrite() {
         for (int i = 0; i < 20; ++i) {
             const QByteArray token = "token " + QByteArray::number(i);
-            store().remove(m_service, m_account);
-            store().add(m_service, m_account, token);
+            store().replace(m_service, m_account, token);
             QCOMPARE(bytes(m_service, m_account), std::optional(token));
         }
     }

@@ -34,17 +34,14 @@ ObserverToken SleeplessWorkspace::observeScreensDidWake(std::function<void()> /*
 
 void SleeplessWorkspace::open(const Url& /*url*/) {}
 
-SecretResult OneToken::read(const QString& /*service*/, const QString& /*account*/) {
+SecretResult OneToken::read(const QString& /*service*/, const QString& /*account*/,
+                            LateAnswer /*late*/) {
     return m_token.isEmpty() ? SecretResult(SecretError::NotFound) : SecretResult(m_token);
 }
 
-void OneToken::remove(const QString& /*service*/, const QString& /*account*/) {
-    m_token.clear();
-}
-
-void OneToken::add(const QString& /*service*/, const QString& /*account*/,
-                   const QByteArray& value) {
-    m_token = value;
+void OneToken::replace(const QString& /*service*/, const QString& /*account*/,
+                       const std::optional<QByteArray>& value) {
+    m_token = value.value_or(QByteArray());
 }
 
 QString ServiceBundle::path() const {

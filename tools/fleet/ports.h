@@ -29,9 +29,10 @@ public:
     explicit OneToken(QByteArray token)
         : m_token(std::move(token)) {}
 
-    [[nodiscard]] SecretResult read(const QString& service, const QString& account) override;
-    void remove(const QString& service, const QString& account) override;
-    void add(const QString& service, const QString& account, const QByteArray& value) override;
+    [[nodiscard]] SecretResult read(const QString& service, const QString& account,
+                                    LateAnswer late) override;
+    void replace(const QString& service, const QString& account,
+                 const std::optional<QByteArray>& value) override;
 
 private:
     QByteArray m_token;

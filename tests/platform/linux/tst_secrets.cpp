@@ -44,17 +44,16 @@ private Q_SLOTS:
         QCOMPARE(tool.exitCode(), 0);
 
         QCOMPARE(bytes(m_service, m_account), std::optional<QByteArray>("by hand"));
-        m_store->remove(m_service, m_account);
-        m_store->add(m_service, m_account, "by the program");
+        m_store->replace(m_service, m_account, "by the program");
         QCOMPARE(bytes(m_service, m_account), std::optional<QByteArray>("by the program"));
         QCOMPARE(count(m_service, m_account), 1);
     }
 
     void manyCallsLeaveNoDescriptorBehind() {
-        QCOMPARE(m_store->read(m_service, m_account), SecretResult(SecretError::NotFound));
+        QCOMPARE(read(m_service, m_account), SecretResult(SecretError::NotFound));
         const qsizetype before = openDescriptors();
         for (int i = 0; i < 100; ++i) {
-            QCOMPARE(m_store->read(m_service, m_account), SecretResult(SecretError::NotFound));
+            QCOMPARE(read(m_service, m_account), SecretResult(SecretError::NotFound));
         }
         QTRY_VERIFY(openDescriptors() <= before);
     }

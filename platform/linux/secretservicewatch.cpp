@@ -1,0 +1,103 @@
+#include "platform/linux/secretservicewatch.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+#include <utility>
+
+namespace brimlet {
+namespace {
+
+const QString kService = QStringLiteral("org.freedesktop.secrets");
+const QString kServicePath = QStringLiteral("/org/freedesktop/secrets");
+const QString kServiceInterface = QStringLiteral("org.freedesktop.Secret.Service");
+const QString kLocked = QStringLiteral("Locked");
+
+using Paths = QList<QDBusObjectPath>;
+
+} // namespace
+
+template <typename First, typename Second>
+void SecretServiceWatch::callService(const QString& method, const QVariant& argument,
+                                     std::function<void(First, Second)> answered) {
+    auto message =
+        QDBusMessage::createMethodCall(kService, kServicePath, kServiceInterface, method);
+    message.setArguments({argument});
+    auto* const watcher =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [watcher, answered = std::move(answered)] {
+                watcher->deleteLater();
+                const QDBusPendingReply<First, Second> reply = *watcher;
+                if (!reply.isError()) {
+                    answered(reply.template argumentAt<0>(), reply.template argumentAt<1>());
+                }
+            });
+}
+
+SecretServiceWatch::SecretServiceWatch(const QString& service, const QString& account)
+    : m_attributes{{QStringLiteral("service"), service}, {QStringLiteral("account"), account}}
+    , m_service(kService, QDBusConnection::sessionBus(),
+                QDBusServiceWatcher::WatchForRegistration) {
+    qDBusRegisterMetaType<QMap<QString, QString>>();
+    connect(&m_service, &QDBusServiceWatcher::serviceRegistered, this,
+            &SecretServiceWatch::changed);
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    for (const char* const name : {"CollectionCreated", "CollectionChanged"}) {
+        bus.connect(kService, kServicePath, kServiceInterface, QString::fromLatin1(name), this,
+                    SIGNAL(changed()));
+    }
+    // Of every collection.
+    bus.connect(kService, QString(), QStringLiteral("org.freedesktop.DBus.Properties"),
+                QStringLiteral("PropertiesChanged"), this,
+                SLOT(propertiesChanged(QString, QVariantMap, QStringList)));
+}
+
+SecretServiceWatch::~SecretServiceWatch() {
+    if (!m_promptPath.isEmpty()) {
+        callPrompt(QStringLiteral("Dismiss"), {});
+    }
+}
+
+void SecretServiceWatch::askToUnlock() {
+    if (std::exchange(m_hasAsked, true)) {
+        return;
+    }
+    callService<Paths, Paths>(
+        QStringLiteral("SearchItems"), QVariant::fromValue(m_attributes),
+        [this](const Paths& /*unlocked*/, const Paths& locked) { unlock(locked); });
+}
+
+void SecretServiceWatch::unlock(const QList<QDBusObjectPath>& items) {
+    if (items.isEmpty()) {
+        return;
+    }
+    callService<Paths, QDBusObjectPath>(
+        QStringLiteral("Unlock"), QVariant::fromValue(items),
+        [this](const Paths& /*unlocked*/, const QDBusObjectPath& prompt) {
+            if (prompt.path() != u"/") { // else they are unlocked already
+                m_promptPath = prompt.path();
+                callPrompt(QStringLiteral("Prompt"), {QString()});
+            }
+        });
+}
+
+void SecretServiceWatch::callPrompt(const QString& method, const QVariantList& arguments) const {
+    auto message = QDBusMessage::createMethodCall(
+        kService, m_promptPath, QStringLiteral("org.freedesktop.Secret.Prompt"), method);
+    message.setArguments(arguments);
+    QDBusConnection::sessionBus().send(message);
+}
+
+void SecretServiceWatch::propertiesChanged(const QString& /*interface*/, const QVariantMap& values,
+                                           const QStringList& invalidated) {
+    if (values.contains(kLocked) || invalidated.contains(kLocked)) {
+        Q_EMIT changed();
+    }
+}
+
+} // namespace brimlet

@@ -1,0 +1,140 @@
+#include "tests/support/keyring.h"
+
+#include "tests/support/testpaths.h"
+
+#include <QTest>
+
+namespace brimlet {
+namespace {
+
+constexpr int kPatience = 10'000;
+const QString kPassword = QStringLiteral("brimlet");
+
+QByteArray run(const QString& program, const QStringList& arguments, const QByteArray& input = {}) {
+    QProcess process;
+    process.start(program, arguments);
+    process.write(input);
+    process.closeWriteChannel();
+    return process.waitForFinished(kPatience) && process.exitCode() == 0
+               ? process.readAllStandardOutput()
+               : QByteArray();
+}
+
+QByteArray callSecretService(const QString& path, const QString& method,
+                             const QStringList& arguments) {
+    return run(QStringLiteral("dbus-send"),
+               QStringList{QStringLiteral("--session"), QStringLiteral("--print-reply"),
+                           QStringLiteral("--dest=org.freedesktop.secrets"), path, method} +
+                   arguments);
+}
+
+/// "boolean true" or "boolean false" within; empty while there is no service.
+QByteArray lockedProperty() {
+    return callSecretService(QStringLiteral("/org/freedesktop/secrets/aliases/default"),
+                             QStringLiteral("org.freedesktop.DBus.Properties.Get"),
+                             {QStringLiteral("string:org.freedesktop.Secret.Collection"),
+                              QStringLiteral("string:Locked")});
+}
+
+/// The prompt's window; empty while it is not shown.
+QByteArray promptWindow() {
+    return run(QStringLiteral("xdotool"),
+               {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
+                QStringLiteral("Unlock Login Keyring")})
+        .trimmed();
+}
+
+void pressInPrompt(const QString& keys, const QStringList& arguments) {
+    QTRY_VERIFY_WITH_TIMEOUT(!promptWindow().isEmpty(), kPatience);
+    // A key press may arrive before the dialog has the keyboard; it is then repeated.
+    QTRY_VERIFY_WITH_TIMEOUT(
+        (run(QStringLiteral("xdotool"), QStringList{keys} + arguments), promptWindow().isEmpty()),
+        kPatience);
+}
+
+} // namespace
+
+Keyring::Keyring(const QString& service, const QString& account, const QByteArray& value) {
+    startUnlocked();
+    run(QStringLiteral("secret-tool"),
+        {QStringLiteral("store"), QStringLiteral("--label=Token"), QStringLiteral("service"),
+         service, QStringLiteral("account"), account},
+        value);
+    stop();
+}
+
+Keyring::~Keyring() {
+    stop();
+}
+
+void Keyring::start(bool unlocked) {
+    QStringList arguments{QStringLiteral("--foreground"), QStringLiteral("--components=secrets")};
+    if (unlocked) {
+        arguments += QStringLiteral("--unlock");
+    }
+    m_daemon.start(QStringLiteral("gnome-keyring-daemon"), arguments);
+    m_daemon.write(unlocked ? kPassword.toUtf8() : QByteArray());
+    m_daemon.closeWriteChannel();
+    const QByteArray expected = unlocked ? "boolean false" : "boolean true";
+    QTRY_VERIFY_WITH_TIMEOUT(lockedProperty().contains(expected), kPatience);
+}
+
+void Keyring::startUnlocked() {
+    start(true);
+}
+
+void Keyring::startLocked() {
+    start(false);
+}
+
+void Keyring::stop() {
+    m_daemon.terminate();
+    m_daemon.waitForFinished(kPatience);
+}
+
+void Keyring::unlock() const {
+    run(sourcePath(u"tests/support/session/unlock-keyring"), {kPassword});
+    QVERIFY(lockedProperty().contains("boolean false"));
+}
+
+void Keyring::lock() const {
+    callSecretService(QStringLiteral("/org/freedesktop/secrets"),
+                      QStringLiteral("org.freedesktop.Secret.Service.Lock"),
+                      {QStringLiteral("array:objpath:/org/freedesktop/secrets/collection/login")});
+    QVERIFY(lockedProperty().contains("boolean true"));
+}
+
+KeyringPrompter::KeyringPrompter() {
+    m_prompter.start(QStringLiteral("/usr/libexec/gcr-prompter"), {});
+    const auto isReady = [] {
+        return run(QStringLiteral("dbus-send"),
+                   {QStringLiteral("--session"), QStringLiteral("--print-reply"),
+                    QStringLiteral("--dest=org.freedesktop.DBus"), QStringLiteral("/"),
+                    QStringLiteral("org.freedesktop.DBus.GetNameOwner"),
+                    QStringLiteral("string:org.gnome.keyring.SystemPrompter")})
+            .contains("string");
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isReady(), kPatience);
+}
+
+KeyringPrompter::~KeyringPrompter() {
+    m_prompter.kill();
+    m_prompter.waitForFinished();
+}
+
+bool KeyringPrompter::isShown() const {
+    return !promptWindow().isEmpty();
+}
+
+void KeyringPrompter::giveRightPassword() const {
+    pressInPrompt(QStringLiteral("key"),
+                  {QStringLiteral("ctrl+a"), QStringLiteral("b"), QStringLiteral("r"),
+                   QStringLiteral("i"), QStringLiteral("m"), QStringLiteral("l"),
+                   QStringLiteral("e"), QStringLiteral("t"), QStringLiteral("Return")});
+}
+
+void KeyringPrompter::dismiss() const {
+    pressInPrompt(QStringLiteral("key"), {QStringLiteral("Escape")});
+}
+
+} // namespace brimlet
