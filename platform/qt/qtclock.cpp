@@ -6,8 +6,14 @@
 
 namespace brimlet {
 
+std::chrono::nanoseconds nextTick(std::chrono::nanoseconds due, std::chrono::nanoseconds interval,
+                                  std::chrono::nanoseconds now) {
+    const auto missed = std::max<std::chrono::nanoseconds::rep>((now - due) / interval, 0);
+    return due + (missed + 1) * interval;
+}
+
 /// An action of a QtClock that schedules itself again at each tick. Ticks that were missed are made
-/// up by one late tick, and the interval restarts from there.
+/// up by one late tick.
 class QtRepeatingTimer final : public RepeatingTimer {
 public:
     QtRepeatingTimer(QtClock& clock, std::chrono::nanoseconds interval, std::function<void()> tick)
@@ -30,9 +36,7 @@ private:
         m_key = m_clock.schedule(due, [this] { onDue(); });
     }
     void onDue() {
-        const auto now = m_clock.uptime();
-        const auto next = m_key.first + m_interval;
-        schedule(next > now ? next : now + m_interval);
+        schedule(nextTick(m_key.first, m_interval, m_clock.uptime()));
         const auto tick = m_tick; // kept alive, since the call may destroy this timer
         (*tick)();
     }

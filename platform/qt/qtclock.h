@@ -11,6 +11,12 @@
 
 namespace brimlet {
 
+/// The uptime of a repeating timer's tick after the one that was `due` and runs `now`: the next
+/// multiple of the interval, so that a late tick does not shift those that follow.
+[[nodiscard]] std::chrono::nanoseconds nextTick(std::chrono::nanoseconds due,
+                                                std::chrono::nanoseconds interval,
+                                                std::chrono::nanoseconds now);
+
 /// The system's clocks, with timers on the Qt event loop. All timers and sleeps share one QTimer,
 /// so those that are due together wake the program only once. Main thread only.
 class QtClock final : public Clock {
