@@ -30,7 +30,8 @@ public:
     [[nodiscard]] virtual std::chrono::nanoseconds uptime() const = 0;
 
     /// Calls `tick` every `interval`, the first time after one interval. Monotonic: setting the
-    /// wall clock has no effect. Missed ticks are not made up, and a late one does not shift the next.
+    /// wall clock has no effect. Missed ticks are not made up, and a late one does not shift the
+    /// next.
     [[nodiscard]] virtual std::unique_ptr<RepeatingTimer> repeat(std::chrono::milliseconds interval,
                                                                  std::function<void()> tick) = 0;
 

@@ -91,7 +91,31 @@ SecretResult copyMatching(const KeychainQuery& query) {
 
 } // namespace
 
+/// Reads again whenever the user unlocks a keychain. The function is deprecated like everything
+/// that knows of keychains, and has no successor.
+class MacSecretStore::UnlockWatch final {
+public:
+    explicit UnlockWatch(SecretRead& read) {
+        SecKeychainAddCallback(&UnlockWatch::unlocked, kSecUnlockEventMask, &read);
+    }
+    ~UnlockWatch() { SecKeychainRemoveCallback(&UnlockWatch::unlocked); }
+    UnlockWatch(const UnlockWatch&) = delete;
+    UnlockWatch& operator=(const UnlockWatch&) = delete;
+
+private:
+    /// Called by the run loop of the thread that added it, the main thread.
+    static OSStatus unlocked(SecKeychainEvent /*event*/, SecKeychainCallbackInfo* /*info*/,
+                             void* read) {
+        static_cast<SecretRead*>(read)->readAgain();
+        return errSecSuccess;
+    }
+};
+
+MacSecretStore::MacSecretStore() = default;
+MacSecretStore::~MacSecretStore() = default;
+
 SecretResult MacSecretStore::read(const QString& service, const QString& account, LateAnswer late) {
+    m_watch.reset();
     const auto deadline = std::chrono::steady_clock::now() + kReadTimeout;
     m_read = std::make_unique<SecretRead>(
         m_worker,
@@ -102,12 +126,15 @@ SecretResult MacSecretStore::read(const QString& service, const QString& account
     SecretResult result = m_read->readUntil(deadline);
     if (isAnswer(result)) {
         m_read.reset();
+    } else {
+        m_watch = std::make_unique<UnlockWatch>(*m_read);
     }
     return result;
 }
 
 void MacSecretStore::replace(const QString& service, const QString& account,
                              const std::optional<QByteArray>& value) {
+    m_watch.reset();
     if (m_read) {
         m_read->ignoreAnswer();
     }

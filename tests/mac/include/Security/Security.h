@@ -17,7 +17,20 @@ extern const CFStringRef kSecMatchLimitOne;
 OSStatus SecItemCopyMatching(CFDictionaryRef query, CFTypeRef* result);
 OSStatus SecItemAdd(CFDictionaryRef attributes, CFTypeRef* result);
 OSStatus SecItemDelete(CFDictionaryRef query);
+
+typedef UInt32 SecKeychainEvent;
+typedef UInt32 SecKeychainEventMask;
+struct SecKeychainCallbackInfo;
+typedef OSStatus (*SecKeychainCallback)(SecKeychainEvent event, SecKeychainCallbackInfo* info,
+                                        void* context);
+OSStatus SecKeychainAddCallback(SecKeychainCallback callback, SecKeychainEventMask mask,
+                                void* context);
+OSStatus SecKeychainRemoveCallback(SecKeychainCallback callback);
 }
+
+enum : UInt32 {
+    kSecUnlockEventMask = 1U << 2,
+};
 
 enum : OSStatus {
     errSecSuccess = 0,
