@@ -15,6 +15,7 @@ namespace {
 const QString kService = QStringLiteral("org.freedesktop.secrets");
 const QString kServicePath = QStringLiteral("/org/freedesktop/secrets");
 const QString kServiceInterface = QStringLiteral("org.freedesktop.Secret.Service");
+const QString kPromptInterface = QStringLiteral("org.freedesktop.Secret.Prompt");
 const QString kLocked = QStringLiteral("Locked");
 
 using Paths = QList<QDBusObjectPath>;
@@ -74,22 +75,33 @@ void SecretServiceWatch::askToUnlock() {
 
 void SecretServiceWatch::unlock(const QList<QDBusObjectPath>& items) {
     if (items.isEmpty()) {
+        m_hasAsked = false;
         return;
     }
     callService<Paths, QDBusObjectPath>(
         QStringLiteral("Unlock"), QVariant::fromValue(items),
         [this](const Paths& /*unlocked*/, const QDBusObjectPath& prompt) {
-            if (prompt.path() != u"/") { // else they are unlocked already
-                m_promptPath = prompt.path();
-                callPrompt(QStringLiteral("Prompt"), {QString()});
+            if (prompt.path() == u"/") { // no prompt is needed
+                Q_EMIT changed();
+                return;
             }
+            m_promptPath = prompt.path();
+            QDBusConnection::sessionBus().connect(kService, m_promptPath, kPromptInterface,
+                                                  QStringLiteral("Completed"), this,
+                                                  SLOT(promptCompleted()));
+            callPrompt(QStringLiteral("Prompt"), {QString()});
         });
 }
 
+void SecretServiceWatch::promptCompleted() {
+    m_promptPath.clear();
+    Q_EMIT changed();
+}
+
 void SecretServiceWatch::callPrompt(const QString& method, const QVariantList& arguments) const {
-    auto message = QDBusMessage::createMethodCall(
-        kService, m_promptPath, QStringLiteral("org.freedesktop.Secret.Prompt"), method);
+    auto message = QDBusMessage::createMethodCall(kService, m_promptPath, kPromptInterface, method);
     message.setArguments(arguments);
+    message.setAutoStartService(false); // a service that has ended shows no prompt
     QDBusConnection::sessionBus().send(message);
 }
 

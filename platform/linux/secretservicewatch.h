@@ -20,15 +20,16 @@ public:
     /// Dismisses the prompt.
     ~SecretServiceWatch() override;
 
-    /// Shows the desktop's prompt if the item is locked; at most once, later calls do nothing.
+    /// Shows the desktop's prompt if the item is locked. At most once.
     void askToUnlock();
 
 Q_SIGNALS:
-    /// The Secret Service has appeared, or one of its collections was created, changed, locked or
-    /// unlocked.
+    /// The Secret Service has appeared, one of its collections was created, changed, locked or
+    /// unlocked, or the prompt has gone.
     void changed();
 
 private Q_SLOTS:
+    void promptCompleted();
     void propertiesChanged(const QString& interface, const QVariantMap& values,
                            const QStringList& invalidated);
 
@@ -42,7 +43,7 @@ private:
 
     QMap<QString, QString> m_attributes;
     QDBusServiceWatcher m_service;
-    QString m_promptPath; ///< Empty until there is a prompt.
+    QString m_promptPath; ///< Empty while there is no prompt.
     bool m_hasAsked = false;
 };
 
