@@ -19,14 +19,16 @@ void CreativeMark::setCreative(const std::optional<Url>& url, const QString& bra
     }
     if (m_url != url) {
         m_url = url;
-        if (m_isOnScreen) {
-            startLoading();
+        if (!m_isOnScreen) {
+            setImage(std::nullopt);
         }
+        startLoading();
     }
 }
 
 void CreativeMark::clear() {
     ++m_attempt;
+    m_isLoading = false;
     m_url.reset();
     m_brand.clear();
     setImage(std::nullopt);
@@ -35,16 +37,21 @@ void CreativeMark::clear() {
 void CreativeMark::appear() {
     if (!m_isOnScreen) {
         m_isOnScreen = true;
-        startLoading();
+        if (!m_image && !m_isLoading) {
+            startLoading();
+        }
     }
 }
 
 void CreativeMark::disappear() {
     m_isOnScreen = false;
-    ++m_attempt;
+    if (m_isLoading) {
+        setImage(std::nullopt); // it belongs to an older address
+    }
 }
 
 void CreativeMark::startLoading() {
+    m_isLoading = true;
     startTask(load(m_url, ++m_attempt));
 }
 
@@ -53,6 +60,7 @@ QCoro::Task<> CreativeMark::load(std::optional<Url> url, int attempt) {
     std::optional<QImage> image = co_await m_images.image(std::move(url));
     // A late reply to an older load never replaces the result of a newer one.
     if (self && attempt == m_attempt) {
+        m_isLoading = false;
         setImage(std::move(image));
     }
 }

@@ -15,7 +15,7 @@ namespace brimlet {
 class CreativeImageCache;
 
 /// The small square at the start of a pill: the creative's picture or, while there is none, the
-/// first character of its brand in white. Loads while it is on screen. Main thread only.
+/// first character of its brand in white. Main thread only.
 class CreativeMark final : public QObject {
     Q_OBJECT
 
@@ -24,14 +24,16 @@ public:
     explicit CreativeMark(CreativeImageCache& images)
         : m_images(images) {}
 
-    /// `url` is the picture's address. While a new address loads, the old picture stays.
+    /// `url` is the picture's address; a new one loads at once. Meanwhile the old picture stays on
+    /// screen; off screen it is removed, so that it never comes on screen beside another brand.
     void setCreative(const std::optional<Url>& url, const QString& brand);
     /// Removes the creative and the picture; ignores the result of a load in progress.
     void clear();
 
-    /// The view has come on screen. Loads the picture, and again for each new address.
+    /// The view has come on screen. Tries again to load a missing picture.
     void appear();
-    /// The view has left the screen. The result of a load in progress is ignored.
+    /// The view has left the screen. A load in progress continues; the picture that it replaces is
+    /// removed.
     void disappear();
 
     /// The picture in the size that the cache keeps; absent while the character is shown.
@@ -55,6 +57,7 @@ private:
     std::optional<Url> m_url;
     QString m_brand;
     bool m_isOnScreen = false;
+    bool m_isLoading = false;
     int m_attempt = 0; ///< Number of the newest load; the results of others are ignored.
     std::optional<QImage> m_image;
     QImage m_scaled;      ///< The picture, scaled to the box it was last painted in.

@@ -9,8 +9,8 @@
 
 namespace brimlet {
 
-/// One black capsule beside the notch: a creative's mark and its line of text. The picture loads
-/// and the text moves only while the pill is on screen.
+/// One black capsule beside the notch: a creative's mark and its line of text. The text moves only
+/// while the pill is on screen; the picture loads at any time.
 class NotchPill final : public QWidget {
     Q_OBJECT
 

@@ -55,6 +55,19 @@ bool isAbout(const QColor& a, const QColor& b) {
            qAbs(a.blue() - b.blue()) < 16;
 }
 
+/// A placement with this brand on the left and a sample brand on the right, with ads on or off.
+QJsonObject placementOf(const char* brand, const char* picture, bool isHidden) {
+    const auto creative = [](const char* slot, const char* name, const char* asset) {
+        return QJsonObject{{QStringLiteral("slotId"), QString::fromLatin1(slot)},
+                           {QStringLiteral("brandName"), QString::fromLatin1(name)},
+                           {QStringLiteral("assetUrl"), QString::fromLatin1(asset)}};
+    };
+    return {{QStringLiteral("forceHide"), isHidden},
+            {QStringLiteral("creatives"),
+             QJsonArray{creative("left", brand, picture),
+                        creative("right", "Right", "/assets/quiet-bicycle.png")}}};
+}
+
 QJsonObject scenarioOf(const char* path, const QJsonObject& change) {
     return {{QStringLiteral("endpoints"), QJsonObject{{QString::fromLatin1(path), change}}}};
 }
@@ -187,6 +200,54 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(
             opened(), QStringList{service.root() + QStringLiteral("/brands/palindrome-tea")},
             kPatience);
+    }
+
+    void aBrandChangedWhileAdsAreHiddenReturnsWithItsOwnPicture() {
+        const PlacementProcess service;
+        const char* const first = "/assets/quiet-bicycle.png";
+        service.setScenario(placementOf("First", first, false));
+        SimulatorProcess program(machineAt(service, 10));
+        QTRY_VERIFY_WITH_TIMEOUT(isLeftCapsuleDrawn() && leftMark().saturation() > 60, kPatience);
+        QVERIFY(!isAbout(leftMark(), kTea));
+        service.setScenario(placementOf("First", first, true));
+        QTRY_VERIFY_WITH_TIMEOUT(!isLeftCapsuleDrawn(), kPatience);
+
+        // The next picture is loaded while ads are hidden.
+        const char* const second = "/assets/palindrome-tea.png";
+        service.setScenario(placementOf("Second", second, true));
+        QTRY_COMPARE_WITH_TIMEOUT(files().size(), 2, kPatience);
+        QVERIFY(!program.isPanelShown());
+        service.setScenario(placementOf("Second", second, false));
+        QTRY_VERIFY_WITH_TIMEOUT(isLeftCapsuleDrawn(), kPatience);
+        QVERIFY(isAbout(leftMark(), kTea));
+    }
+
+    void aBrandChangedWhileAdsAreHiddenNeverReturnsWithTheOldPicture() {
+        const PlacementProcess service;
+        const char* const first = "/assets/quiet-bicycle.png";
+        service.setScenario(placementOf("First", first, false));
+        SimulatorProcess program(machineAt(service, 10));
+        QTRY_VERIFY_WITH_TIMEOUT(isLeftCapsuleDrawn() && hasPicture(program), kPatience);
+        service.setScenario(placementOf("First", first, true));
+        QTRY_VERIFY_WITH_TIMEOUT(!isLeftCapsuleDrawn(), kPatience);
+
+        const auto withoutSecondPicture = [](bool isHidden) {
+            QJsonObject scenario = placementOf("Second", "/assets/palindrome-tea.png", isHidden);
+            scenario[QStringLiteral("endpoints")] =
+                scenarioOf("/assets/palindrome-tea.png",
+                           {{QStringLiteral("fault"), QStringLiteral("hang")}})
+                    .value(QStringLiteral("endpoints"));
+            return scenario;
+        };
+        service.setScenario(withoutSecondPicture(true));
+        QTRY_VERIFY_WITH_TIMEOUT(
+            service.requestLines().contains(QStringLiteral("GET /assets/palindrome-tea.png")),
+            kPatience);
+        QVERIFY(!program.isPanelShown());
+        service.setScenario(withoutSecondPicture(false));
+        QTRY_VERIFY_WITH_TIMEOUT(isLeftCapsuleDrawn(), kPatience);
+        QVERIFY(leftMark().lightness() < 40);
+        QVERIFY(!hasPicture(program));
     }
 
     void aHundredPollsFetchEachPictureOnce() {

@@ -63,15 +63,18 @@ class TestCreativeMark final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void itLoadsWhenItComesOnScreen() {
+    void itLoadsAtOnceAlsoOffScreen() {
         MarkFixture f;
-        f.serve("a.png", Qt::red);
+        f.serve("a.png", Qt::red, 2s);
         f.mark->setCreative(f.url("a.png"), kBrand);
-        QVERIFY(f.http.requests().empty());
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
         const QSignalSpy changed(f.mark.get(), &CreativeMark::changed);
-        f.mark->appear();
+        f.clock.advance(2s);
         QCOMPARE(f.shown(), QColor(Qt::red));
         QCOMPARE(changed.count(), 1);
+        f.mark->appear();
+        QCOMPARE(f.shown(), QColor(Qt::red));
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
     }
 
     void withoutAnAddressTheFallbackStays() {
@@ -151,22 +154,73 @@ private Q_SLOTS:
         QCOMPARE(f.http.requests().size(), std::size_t{2});
     }
 
-    void aReplyWhileOffScreenIsShownOnlyFromMemoryLater() {
+    void aReplyWhileOffScreenIsShownAtTheReturn() {
         MarkFixture f;
         f.serve("a.png", Qt::red, 2s);
         f.appearWith("a.png");
         f.mark->disappear();
         f.clock.advance(2s);
+        f.mark->appear();
+        QCOMPARE(f.shown(), QColor(Qt::red));
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+    }
+
+    void aPictureReplacedOffScreenIsNotShownAtTheReturn() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red);
+        f.serve("b.png", Qt::blue, 2s);
+        f.appearWith("a.png");
+        f.mark->disappear();
+        f.mark->setCreative(f.url("b.png"), kBrand);
+        f.mark->appear();
+        QVERIFY(!f.mark->image());
+        f.clock.advance(2s);
+        QCOMPARE(f.shown(), QColor(Qt::blue));
+        QCOMPARE(f.http.requests().size(), std::size_t{2});
+    }
+
+    void aPictureThatIsBeingReplacedLeavesWithTheMark() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red);
+        f.serve("b.png", Qt::blue, 2s);
+        f.appearWith("a.png");
+        f.mark->setCreative(f.url("b.png"), kBrand);
+        QCOMPARE(f.shown(), QColor(Qt::red));
+        f.mark->disappear();
+        f.mark->appear();
+        QVERIFY(!f.mark->image());
+        f.clock.advance(2s);
+        QCOMPARE(f.shown(), QColor(Qt::blue));
+    }
+
+    void anUnchangedPictureStaysOffScreen() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red);
+        f.appearWith("a.png");
+        f.mark->disappear();
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        QCOMPARE(f.shown(), QColor(Qt::red));
+        f.mark->appear();
+        QCOMPARE(f.shown(), QColor(Qt::red));
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+    }
+
+    void aFailureOffScreenIsTriedAgainAtTheReturn() {
+        MarkFixture f;
+        f.http.answer(QStringLiteral("a.png"), 404, {});
+        f.mark->setCreative(f.url("a.png"), kBrand);
+        f.serve("a.png", Qt::red);
         QVERIFY(!f.mark->image());
         f.mark->appear();
-        QCOMPARE(f.shown(), QColor(Qt::red)); // from memory
-        QCOMPARE(f.http.requests().size(), std::size_t{1});
+        QCOMPARE(f.shown(), QColor(Qt::red));
+        QCOMPARE(f.http.requests().size(), std::size_t{2});
     }
 
     void theSameCreativeAgainLoadsNothing() {
         MarkFixture f;
         f.http.answer(QStringLiteral("a.png"), 404, {});
-        f.appearWith("a.png");
+        f.mark->appear();
+        f.mark->setCreative(f.url("a.png"), kBrand);
         f.mark->setCreative(f.url("a.png"), kBrand);
         f.mark->setCreative(f.url("a.png"), QStringLiteral("Another brand"));
         f.mark->appear();

@@ -57,16 +57,25 @@ class TestMarkView final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void itLoadsOnlyWhileShown() {
+    void itLoadsOnceAlsoWhileHidden() {
         MarkFixture f;
         f.serve("a.png", Qt::red);
         f.mark.setCreative(f.creative("a.png"));
-        QVERIFY(f.http.requests().empty());
-        f.window.show();
         QCOMPARE(f.http.requests().size(), std::size_t{1});
+        f.window.show();
+        QCOMPARE(f.middle(), kRed);
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+    }
+
+    void aCreativeReplacedWhileHiddenLeavesNoPicture() {
+        MarkFixture f;
+        f.serve("a.png", Qt::red);
+        f.mark.setCreative(f.creative("a.png"));
+        f.window.show();
         f.window.hide();
         f.mark.setCreative(f.creative("b.png"));
-        QCOMPARE(f.http.requests().size(), std::size_t{1});
+        f.window.show();
+        QVERIFY(f.middle() != kRed);
     }
 
     void aPictureThatLoadedWhileHiddenIsShownAtOnce() {

@@ -119,6 +119,7 @@ private Q_SLOTS:
             QCoreApplication::processEvents(); // paints what was rebuilt
         };
         poll();
+        QCoreApplication::processEvents(); // paints the pills, which the rebuild has shown
         // Overlay and menu show both slots, and their picture was fetched once.
         QCOMPARE(life.host.http.log().count(QStringLiteral("GET /one.png")), 1);
         const PaintCounter counter(*qApp);

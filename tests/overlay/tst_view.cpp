@@ -239,6 +239,43 @@ private Q_SLOTS:
         QVERIFY(!f.left()->mark().image());
     }
 
+    void aCreativeChangedWhileHiddenNeverStandsBesideTheOldPicture() {
+        ViewFixture f;
+        f.host.http.answer(QStringLiteral("n.png"), HttpReply{200, pngOf(Qt::blue)}, 2s);
+        f.show(kBoth);
+        const char* const creative =
+            "{\"slotId\":\"left\",\"brandName\":\"New\",\"tagline\":\"Much too wide a tagline "
+            "for it\",\"assetUrl\":\"https://l.test/n.png\"}";
+        QByteArray hidden = reply({creative});
+        hidden.replace("\"weekStatus\"", "\"forceHide\":true,\"weekStatus\"");
+        f.show(reply({kLeft}).replace("\"weekStatus\"", "\"forceHide\":true,\"weekStatus\""));
+        PaintLog paints(f.view);
+        (void)paints.take();
+        f.show(hidden);
+        QCOMPARE(f.host.http.log().count(QStringLiteral("GET /n.png")), 1);
+        f.host.clock.advance(1s);
+        f.show(reply({creative}));
+        QVERIFY(f.left()->isVisible());
+        QVERIFY(!f.left()->mark().image());
+        f.show(hidden);
+        (void)paints.take();
+        f.host.clock.advance(1s);
+        QCOMPARE(f.left()->mark().image()->pixelColor(5, 5), QColor(Qt::blue));
+        QCOMPARE(paints.take(), QStringList());
+        QCOMPARE(f.host.clock.runningSleeps(), 0);
+        f.show(reply({creative}));
+        QCOMPARE(f.left()->mark().image()->pixelColor(5, 5), QColor(Qt::blue));
+        QCOMPARE(f.host.http.log().count(QStringLiteral("GET /n.png")), 1);
+    }
+
+    void theFirstTimeLiveAPillShowsItsPicture() {
+        ViewFixture f;
+        f.show(reply({kLeft}).replace("live", "unfilled"));
+        QVERIFY(!f.left()->isVisible());
+        QVERIFY(f.left()->mark().image());
+        QCOMPARE(f.host.clock.runningSleeps(), 0);
+    }
+
     void aHundredPollsFetchAnImageOnce() {
         ViewFixture f;
         for (int poll = 0; poll < 100; ++poll) {
