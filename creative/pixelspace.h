@@ -20,8 +20,8 @@ public:
     PixelSpace& operator=(const PixelSpace&) = delete;
 
     /// A box in points, with each edge rounded to the nearest pixel.
-    [[nodiscard]] QRect toPixels(const QRect& box) const {
-        const QRectF exact = m_toScreen.mapRect(QRectF(box));
+    [[nodiscard]] QRect toPixels(const QRectF& box) const {
+        const QRectF exact = m_toScreen.mapRect(box);
         const QPoint topLeft(qRound(exact.left()), qRound(exact.top()));
         const QPoint end(qRound(exact.right()), qRound(exact.bottom()));
         return {topLeft, end - QPoint(1, 1)};

@@ -28,6 +28,19 @@ CarRadioStyle lineStyle() {
             .holdEnd = 1.4};
 }
 
+/// Fills the pixels of `outer` outside `inner`: what Qt clears, in whole points, may be wider than
+/// what is painted there.
+void fillAround(QPainter& painter, const QRect& inner, const QRect& outer, const QColor& color) {
+    if (inner == outer) {
+        return;
+    }
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    for (const QRect& part : QRegion(outer) - inner) {
+        painter.fillRect(part, color);
+    }
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+}
+
 } // namespace
 
 NotchPill::NotchPill(const CreativeEnvironment& environment, QWidget* parent)
@@ -37,8 +50,18 @@ NotchPill::NotchPill(const CreativeEnvironment& environment, QWidget* parent)
     // It paints all its pixels, also the transparent ones, so nothing behind it is repainted.
     setAttribute(Qt::WA_OpaquePaintEvent);
     connect(&m_mark, &CreativeMark::changed, this, qOverload<>(&QWidget::update));
-    connect(&m_line, &CarRadioLine::changed, this, [this] { update(lineBox()); });
+    connect(&m_line, &CarRadioLine::changed, this, [this] { update(lineBox().toAlignedRect()); });
     connect(&m_line, &CarRadioLine::moved, this, &NotchPill::moved);
+}
+
+void NotchPill::setFrame(const QRectF& frame) {
+    setGeometry(frame.toAlignedRect());
+    const QRectF capsule = frame.translated(-pos());
+    if (m_capsule != capsule) {
+        m_capsule = capsule;
+        m_line.setContainerWidth(lineBox().width());
+        update();
+    }
 }
 
 void NotchPill::setCreative(const std::optional<SlotCreative>& creative, bool isClickable) {
@@ -65,29 +88,26 @@ void NotchPill::setCreative(const std::optional<SlotCreative>& creative, bool is
 //
 //   |<-7->[ mark 16 ]<-5->[ line, the rest ]<-7->|
 
-QRect NotchPill::markBox() const {
-    return {kHorizontalPadding, (height() - kMarkSize) / 2, kMarkSize, kMarkSize};
+QRectF NotchPill::markBox() const {
+    return {m_capsule.x() + kHorizontalPadding,
+            m_capsule.y() + (m_capsule.height() - kMarkSize) / 2, kMarkSize, kMarkSize};
 }
 
-QRect NotchPill::lineBox() const {
+QRectF NotchPill::lineBox() const {
     // Above and below, where the capsule's ends curve.
     constexpr int kFree = 2;
-    const int x = kHorizontalPadding + kMarkSize + kSpacing;
-    return {x, kFree, width() - x - kHorizontalPadding, height() - 2 * kFree};
+    return m_capsule.adjusted(kHorizontalPadding + kMarkSize + kSpacing, kFree, -kHorizontalPadding,
+                              -kFree);
 }
 
 QRect NotchPill::movingBox() const {
-    const QRect box = lineBox();
+    const QRect box = lineBox().toAlignedRect();
     const auto [first, end] = m_line.rowsOfText();
     return QRect(box.x(), box.y() + first, box.width(), end - first).translated(pos());
 }
 
-QRegion NotchPill::capsule() const {
-    if (m_capsuleSize != size()) {
-        m_capsuleSize = size();
-        m_capsule = QRegion(capsulePath(QRectF(rect())).toFillPolygon().toPolygon());
-    }
-    return m_capsule.translated(pos());
+QPainterPath NotchPill::capsule() const {
+    return capsulePath(m_capsule.translated(pos()));
 }
 
 QString NotchPill::spokenText() const {
@@ -100,9 +120,9 @@ QString NotchPill::destination() const {
 
 void NotchPill::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    if (!lineBox().contains(event->rect())) {
+    if (!lineBox().toAlignedRect().contains(event->rect())) {
         const PixelSpace pixels(painter);
-        paintBackground(painter, pixels.toPixels(rect()), pixels.devicePixelRatio());
+        paintBackground(painter, pixels);
         m_mark.paint(painter, pixels.toPixels(markBox()), pixels.devicePixelRatio());
     }
     paintLine(painter, {});
@@ -111,20 +131,21 @@ void NotchPill::paintEvent(QPaintEvent* event) {
 void NotchPill::paintLine(QPainter& painter, QPoint origin) {
     const PixelSpace pixels(painter);
     m_line.setDevicePixelRatio(pixels.devicePixelRatio());
-    m_line.paint(painter, pixels.toPixels(lineBox().translated(origin)));
+    const QRectF box = lineBox().translated(origin);
+    const QRect line = pixels.toPixels(box);
+    fillAround(painter, line, pixels.toPixels(box.toAlignedRect()), kCapsuleBackground);
+    m_line.paint(painter, line);
 }
 
-void NotchPill::paintBackground(QPainter& painter, const QRect& box, double devicePixelRatio) {
+void NotchPill::paintBackground(QPainter& painter, const PixelSpace& pixels) {
+    const QRect box = pixels.toPixels(m_capsule);
+    fillAround(painter, box, pixels.toPixels(rect()), Qt::transparent);
     if (m_background.size() != box.size()) {
-        m_background = capsulePicture(box.size(), devicePixelRatio);
+        m_background = capsulePicture(box.size(), pixels.devicePixelRatio());
     }
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.drawImage(box.topLeft(), m_background);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-}
-
-void NotchPill::resizeEvent(QResizeEvent* /*event*/) {
-    m_line.setContainerWidth(lineBox().width());
 }
 
 void NotchPill::showEvent(QShowEvent* /*event*/) {
@@ -153,7 +174,7 @@ void NotchPill::mousePressEvent(QMouseEvent* event) {
 
 void NotchPill::mouseReleaseEvent(QMouseEvent* event) {
     if (m_isClickable && event->button() == Qt::LeftButton &&
-        rect().contains(event->position().toPoint())) {
+        m_capsule.contains(event->position())) {
         Q_EMIT clicked();
     }
 }

@@ -5,9 +5,12 @@
 #include "creative/creativemark.h"
 #include "host/assignment.h"
 
+#include <QPainterPath>
 #include <QWidget>
 
 namespace brimlet {
+
+class PixelSpace;
 
 /// One black capsule beside the notch: a creative's mark and its line of text. The text moves only
 /// while the pill is on screen; the picture loads at any time.
@@ -18,12 +21,16 @@ public:
     /// What `environment` refers to outlives the pill.
     NotchPill(const CreativeEnvironment& environment, QWidget* parent);
 
+    /// Places the capsule in the parent, exactly: its edges may be inside a point, and are rounded
+    /// to pixels when it is painted.
+    void setFrame(const QRectF& frame);
     /// Without a creative the pill forgets its picture. Only a clickable pill accepts clicks.
     void setCreative(const std::optional<SlotCreative>& creative, bool isClickable);
 
     [[nodiscard]] const std::optional<SlotCreative>& creative() const { return m_creative; }
     [[nodiscard]] bool isClickable() const { return m_isClickable; }
-    /// The area that a step of the scrolling text changes, in the parent's coordinates.
+    /// The area in whole points that a step of the scrolling text changes, in the parent's
+    /// coordinates.
     [[nodiscard]] QRect movingBox() const;
     /// Advances a scrolling text to its position at this time without emitting `moved`; returns
     /// whether it moved.
@@ -31,8 +38,8 @@ public:
     /// Paints only the line. `origin` is the pill's top left corner in the coordinates of the
     /// painter, which has no world transform.
     void paintLine(QPainter& painter, QPoint origin);
-    /// The capsule's shape in the parent's coordinates.
-    [[nodiscard]] QRegion capsule() const;
+    /// The capsule's outline in the parent's coordinates.
+    [[nodiscard]] QPainterPath capsule() const;
     /// The accessible name.
     [[nodiscard]] QString spokenText() const;
     /// The target of a click, as in the tooltip; empty for a pill that is not clickable.
@@ -48,7 +55,6 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
@@ -57,18 +63,16 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    void paintBackground(QPainter& painter, const QRect& box, double devicePixelRatio);
-    [[nodiscard]] QRect markBox() const;
-    [[nodiscard]] QRect lineBox() const;
+    void paintBackground(QPainter& painter, const PixelSpace& pixels);
+    [[nodiscard]] QRectF markBox() const;
+    [[nodiscard]] QRectF lineBox() const;
 
     std::optional<SlotCreative> m_creative;
     bool m_isClickable = false;
     CreativeMark m_mark;
     CarRadioLine m_line;
-    // The capsule's shape in the pill's own coordinates, and its picture: made once per size.
-    mutable QRegion m_capsule;
-    mutable QSize m_capsuleSize;
-    QImage m_background;
+    QRectF m_capsule;    ///< In the pill's own coordinates; the widget surrounds it.
+    QImage m_background; ///< The capsule's picture, made once per size.
 };
 
 } // namespace brimlet

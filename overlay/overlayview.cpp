@@ -13,8 +13,8 @@
 namespace brimlet {
 namespace {
 
-QRect pixels(const PillFrame& frame) {
-    return {qRound(frame.x), qRound(frame.y), qRound(frame.width), qRound(frame.height)};
+QRectF toQt(const PillFrame& frame) {
+    return {frame.x, frame.y, frame.width, frame.height};
 }
 
 } // namespace
@@ -65,18 +65,18 @@ void OverlayView::pill(NotchPill& view, const std::optional<SlotCreative>& creat
 void OverlayView::placeRow() {
     const OverlayLayout row =
         overlayLayout(width(), m_runtime.notchWidth(), m_runtime.left(), m_runtime.right());
-    m_left->setGeometry(pixels(row.left));
-    m_right->setGeometry(pixels(row.right));
+    m_left->setFrame(toQt(row.left));
+    m_right->setFrame(toQt(row.right));
 }
 
 void OverlayView::updateRegions() {
-    QRegion clickable;
-    QRegion painted;
+    QPainterPath clickable;
+    QPainterPath painted;
     const auto add = [&](const NotchPill& pill, const std::optional<SlotCreative>& creative) {
         if (m_runtime.visible() && creative) {
-            painted += pill.capsule();
+            painted.addPath(pill.capsule());
             if (pill.isClickable()) {
-                clickable += pill.capsule();
+                clickable.addPath(pill.capsule());
             }
         }
     };

@@ -4,7 +4,7 @@
 #include "overlay/overlayruntime.h"
 #include "platform/onceperturn.h"
 
-#include <QRegion>
+#include <QPainterPath>
 #include <QWidget>
 
 #include <optional>
@@ -23,13 +23,13 @@ public:
     /// `runtime` and what `environment` refers to outlive the view.
     OverlayView(OverlayRuntime& runtime, const CreativeEnvironment& environment);
 
-    /// The clickable capsules' shape in the view's coordinates.
-    [[nodiscard]] const QRegion& clickable() const { return m_clickable; }
-    /// The shape of all shown capsules, in the view's coordinates.
-    [[nodiscard]] const QRegion& painted() const { return m_painted; }
+    /// The clickable capsules' outlines in the view's coordinates.
+    [[nodiscard]] const QPainterPath& clickable() const { return m_clickable; }
+    /// The outlines of all shown capsules, in the view's coordinates.
+    [[nodiscard]] const QPainterPath& painted() const { return m_painted; }
 
 Q_SIGNALS:
-    /// At least one of the two shapes has changed.
+    /// At least one of the two has changed.
     void regionsChanged();
 
 protected:
@@ -57,8 +57,8 @@ private:
     NotchPill* m_right;
     OncePerTurn m_rebuild{[this] { rebuild(); }};
     std::optional<Parts> m_parts; ///< As shown now.
-    QRegion m_clickable;
-    QRegion m_painted;
+    QPainterPath m_clickable;
+    QPainterPath m_painted;
 };
 
 } // namespace brimlet

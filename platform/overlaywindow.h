@@ -2,7 +2,7 @@
 
 #include "platform/rect.h"
 
-class QRegion;
+class QPainterPath;
 
 namespace brimlet {
 
@@ -18,15 +18,16 @@ public:
     /// Hides the window.
     virtual void orderOut() = 0;
 
-    /// Sizes and places the window, in global points.
+    /// Sizes and places the window, in global points. Where the frame's edges are inside a point,
+    /// the window may be larger, around the same centre.
     virtual void setFrame(const Rect& frame) = 0;
 
     /// While true every click reaches what is underneath.
     virtual void setIgnoresMouseEvents(bool ignores) = 0;
 
-    /// Where the content takes clicks and where it paints, in its own coordinates (points). Both
-    /// are empty until set.
-    virtual void setRegions(const QRegion& clickable, const QRegion& painted) = 0;
+    /// Where the content takes clicks and where it paints: outlines in its own coordinates
+    /// (points), whose edges are rounded to pixels. Both are empty until set.
+    virtual void setRegions(const QPainterPath& clickable, const QPainterPath& painted) = 0;
 };
 
 } // namespace brimlet

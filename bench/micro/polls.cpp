@@ -104,7 +104,7 @@ public:
     void orderOut() override {}
     void setFrame(const Rect& /*frame*/) override {}
     void setIgnoresMouseEvents(bool /*ignores*/) override {}
-    void setRegions(const QRegion& /*clickable*/, const QRegion& /*painted*/) override {}
+    void setRegions(const QPainterPath& /*clickable*/, const QPainterPath& /*painted*/) override {}
 };
 
 /// Connected as in the program: the store's requests to be rendered refresh the overlay.

@@ -81,9 +81,9 @@ std::optional<NotchStrips> notchStrips(const NotchedPanel& panel, std::optional<
     // dividing keeps the intermediate results exact.
     const double doubledLeft = panel.width - panel.notchWidth;
     const double doubledRight = panel.width + panel.notchWidth;
-    const double gapStart = std::floor(doubledLeft * frame.width / (2.0 * panel.width));
-    const double gapEnd = std::ceil(doubledRight * frame.width / (2.0 * panel.width));
-    const double height = std::ceil(panel.notchHeight * frame.height / panel.height);
+    const double gapStart = doubledLeft * frame.width / (2.0 * panel.width);
+    const double gapEnd = doubledRight * frame.width / (2.0 * panel.width);
+    const double height = panel.notchHeight * frame.height / panel.height;
     const double bottom = frame.maxY() - height;
     return NotchStrips{{frame.x, bottom, gapStart, height},
                        {frame.x + gapEnd, bottom, frame.width - gapEnd, height}};

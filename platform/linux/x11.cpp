@@ -6,6 +6,7 @@
 #include <xcb/xcb.h>
 
 #include <string_view>
+#include <vector>
 
 namespace brimlet::x11 {
 namespace {
@@ -39,6 +40,23 @@ bool hasOwner(xcb_connection_t* x, xcb_atom_t selection) {
     return reply && reply->owner != XCB_WINDOW_NONE;
 }
 
+void setShape(WId window, xcb_shape_kind_t kind, const QRegion& region) {
+    xcb_connection_t* const x = connection();
+    if (x == nullptr) {
+        return;
+    }
+    std::vector<xcb_rectangle_t> shape;
+    for (const QRect& each : region) {
+        shape.push_back({static_cast<std::int16_t>(each.x()), static_cast<std::int16_t>(each.y()),
+                         static_cast<std::uint16_t>(each.width()),
+                         static_cast<std::uint16_t>(each.height())});
+    }
+    xcb_shape_rectangles(x, XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_UNSORTED,
+                         static_cast<xcb_window_t>(window), 0, 0,
+                         static_cast<std::uint32_t>(shape.size()), shape.data());
+    xcb_flush(x);
+}
+
 } // namespace
 
 bool canConnect() {
@@ -48,22 +66,18 @@ bool canConnect() {
     return isConnected;
 }
 
-void setInputShape(WId window, const std::vector<QRect>& rectangles) {
-    xcb_connection_t* const x = connection();
-    if (x == nullptr) {
-        return;
+void setInputShape(WId window, const QRegion& region) {
+    setShape(window, XCB_SHAPE_SK_INPUT, region);
+}
+
+void setBoundingShape(WId window, const std::optional<QRegion>& region) {
+    if (region) {
+        setShape(window, XCB_SHAPE_SK_BOUNDING, *region);
+    } else if (xcb_connection_t* const x = connection()) {
+        xcb_shape_mask(x, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
+                       static_cast<xcb_window_t>(window), 0, 0, XCB_PIXMAP_NONE);
+        xcb_flush(x);
     }
-    std::vector<xcb_rectangle_t> shape;
-    shape.reserve(rectangles.size());
-    for (const QRect& each : rectangles) {
-        shape.push_back({static_cast<std::int16_t>(each.x()), static_cast<std::int16_t>(each.y()),
-                         static_cast<std::uint16_t>(each.width()),
-                         static_cast<std::uint16_t>(each.height())});
-    }
-    xcb_shape_rectangles(x, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED,
-                         static_cast<xcb_window_t>(window), 0, 0,
-                         static_cast<std::uint32_t>(shape.size()), shape.data());
-    xcb_flush(x);
 }
 
 bool hasCompositor() {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <QRect>
+#include <QRegion>
 #include <QtGui/qwindowdefs.h>
 
-#include <vector>
+#include <optional>
 
 namespace brimlet::x11 {
 
@@ -13,9 +13,12 @@ namespace brimlet::x11 {
 /// Whether the X server named by DISPLAY accepts connections. Needs no application object.
 [[nodiscard]] bool canConnect();
 
-/// Limits the window's clickable area to the rectangles, in physical pixels relative to the window.
-/// Clicks elsewhere go to the windows below; so do all clicks when there are no rectangles.
-void setInputShape(WId window, const std::vector<QRect>& rectangles);
+/// Limits the window's clickable area to the region, in physical pixels relative to the window.
+/// Clicks elsewhere go to the windows below; so do all clicks when the region is empty.
+void setInputShape(WId window, const QRegion& region);
+
+/// Cuts the window to the region, in physical pixels relative to the window; absent for all of it.
+void setBoundingShape(WId window, const std::optional<QRegion>& region);
 
 /// Whether a compositor runs, which blends transparent windows with what is behind them. Costs a
 /// round trip to the X server; X11Watch answers without one.

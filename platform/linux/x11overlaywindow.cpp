@@ -4,18 +4,19 @@
 #include "platform/linux/x11watch.h"
 #include "platform/qt/desktopgeometry.h"
 
+#include <utility>
+
 namespace brimlet {
 namespace {
 
-std::vector<QRect> inDevicePixels(const QRegion& region, qreal devicePixelRatio) {
-    std::vector<QRect> rectangles;
-    for (const QRect& part : region) {
-        const auto scaled = [&](int value) { return qRound(value * devicePixelRatio); };
-        const QPoint topLeft(scaled(part.x()), scaled(part.y()));
-        const QPoint end(scaled(part.x() + part.width()), scaled(part.y() + part.height()));
-        rectangles.emplace_back(topLeft, QSize(end.x() - topLeft.x(), end.y() - topLeft.y()));
+/// The pixels inside the outline, whose corners are rounded to the nearest pixel.
+QRegion toPixels(const QPainterPath& outline, double devicePixelRatio) {
+    QRegion pixels;
+    for (const QPolygonF& part :
+         outline.toFillPolygons(QTransform::fromScale(devicePixelRatio, devicePixelRatio))) {
+        pixels += QRegion(part.toPolygon());
     }
-    return rectangles;
+    return pixels;
 }
 
 } // namespace
@@ -38,8 +39,7 @@ void X11OverlayWindow::orderFrontRegardless() {
     // Shaped before it is mapped, and again each time: a new native window or scale factor is not
     // announced.
     create();
-    applyInputShape();
-    applyMask();
+    applyShapes();
     bringForward();
 }
 
@@ -59,47 +59,46 @@ void X11OverlayWindow::orderOut() {
 }
 
 void X11OverlayWindow::setFrame(const Rect& frame) {
-    setGeometry(toQt(frame, m_primaryGeometry()).toRect());
+    setGeometry(toQt(inWholePoints(frame), m_primaryGeometry()).toRect());
 }
 
 void X11OverlayWindow::setIgnoresMouseEvents(bool ignores) {
     if (m_ignoresMouseEvents != ignores) {
         m_ignoresMouseEvents = ignores;
-        applyInputShape();
+        applyShapes();
     }
 }
 
-void X11OverlayWindow::setRegions(const QRegion& clickable, const QRegion& painted) {
+void X11OverlayWindow::setRegions(const QPainterPath& clickable, const QPainterPath& painted) {
     m_clickable = clickable;
     m_painted = painted;
-    applyInputShape();
-    applyMask();
+    m_scaledBy = 0;
+    applyShapes();
 }
 
-void X11OverlayWindow::applyInputShape() {
+void X11OverlayWindow::applyShapes() {
     const WId window = internalWinId();
-    std::vector<QRect> shape =
-        inDevicePixels(m_ignoresMouseEvents ? QRegion() : m_clickable, devicePixelRatioF());
-    if (window == 0 || (window == m_shapedWindow && shape == m_inputShape)) {
+    if (window == 0) {
         return;
     }
-    x11::setInputShape(window, shape);
-    m_shapedWindow = window;
-    m_inputShape = std::move(shape);
-}
-
-void X11OverlayWindow::applyMask() {
-    // An empty region would remove the mask, so "nothing painted" is a pixel outside the window.
-    constexpr QRect kOutside(-2, -2, 1, 1);
-    const QRegion shown = m_painted.isEmpty() ? QRegion(kOutside) : m_painted;
-    const QRegion wanted = X11Watch::shared().hasCompositor() ? QRegion() : shown;
-    if (wanted == mask()) {
-        return;
+    if (m_scaledBy != devicePixelRatioF()) {
+        m_scaledBy = devicePixelRatioF();
+        m_clickablePixels = toPixels(m_clickable, m_scaledBy);
+        m_paintedPixels = toPixels(m_painted, m_scaledBy);
     }
-    if (wanted.isEmpty()) {
-        clearMask();
-    } else {
-        setMask(wanted);
+    const bool isNew = std::exchange(m_shapedWindow, window) != window;
+    const QRegion input = m_ignoresMouseEvents ? QRegion() : m_clickablePixels;
+    if (isNew || m_inputShape != input) {
+        m_inputShape = input;
+        x11::setInputShape(window, input);
+    }
+    std::optional<QRegion> bounding;
+    if (!X11Watch::shared().hasCompositor()) {
+        bounding = m_paintedPixels;
+    }
+    if (isNew || m_boundingShape != bounding) {
+        m_boundingShape = bounding;
+        x11::setBoundingShape(window, bounding);
     }
 }
 

@@ -2,13 +2,14 @@
 
 #include "platform/overlaywindow.h"
 
+#include <QPainterPath>
 #include <QRegion>
 #include <QWidget>
 
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <vector>
+#include <optional>
 
 namespace brimlet {
 
@@ -27,25 +28,29 @@ public:
     void orderOut() override;
     void setFrame(const Rect& frame) override;
     void setIgnoresMouseEvents(bool ignores) override;
-    void setRegions(const QRegion& clickable, const QRegion& painted) override;
+    void setRegions(const QPainterPath& clickable, const QPainterPath& painted) override;
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    void applyInputShape();
-    void applyMask();
+    void applyShapes();
     void bringForward();
 
     QWidget* m_content;
     std::function<QRectF()> m_primaryGeometry;
-    QRegion m_clickable;
-    QRegion m_painted;
+    QPainterPath m_clickable;
+    QPainterPath m_painted;
+    // The two in device pixels at this scale factor; 0 for outdated ones.
+    double m_scaledBy = 0;
+    QRegion m_clickablePixels;
+    QRegion m_paintedPixels;
     bool m_ignoresMouseEvents = true;
     // What was sent to the X server last; only changes are sent.
     WId m_shapedWindow = 0;
-    std::vector<QRect> m_inputShape; ///< Device pixels.
-    std::uint64_t m_arrangement = 0; ///< Foreign stacking when this window was last raised.
+    QRegion m_inputShape;
+    std::optional<QRegion> m_boundingShape; ///< Absent while the window is not cut.
+    std::uint64_t m_arrangement = 0;        ///< Foreign stacking when this window was last raised.
 };
 
 } // namespace brimlet

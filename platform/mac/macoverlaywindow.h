@@ -4,7 +4,7 @@
 #include "platform/mac/rules/panelfacts.h"
 #include "platform/overlaywindow.h"
 
-#include <QRegion>
+#include <QPainterPath>
 #include <QString>
 #include <QWidget>
 
@@ -28,7 +28,7 @@ public:
     void setFrame(const Rect& frame) override;
     void setIgnoresMouseEvents(bool ignores) override;
     /// The window is composited, so only the clickable region matters.
-    void setRegions(const QRegion& clickable, const QRegion& painted) override;
+    void setRegions(const QPainterPath& clickable, const QPainterPath& painted) override;
 
     [[nodiscard]] PanelFacts facts() const;
 

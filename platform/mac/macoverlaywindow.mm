@@ -1,6 +1,7 @@
 #import "platform/mac/macoverlaywindow.h"
 
 #include "platform/mac/rules/hoverboxes.h"
+#include "platform/qt/desktopgeometry.h"
 
 #import "platform/mac/hoverview.h"
 #import "platform/mac/nativepanel.h"
@@ -8,7 +9,6 @@
 #import <AppKit/AppKit.h>
 #import <CoreGraphics/CoreGraphics.h>
 
-#include <cmath>
 #include <utility>
 
 namespace brimlet {
@@ -71,13 +71,13 @@ void MacOverlayWindow::orderOut() {
 }
 
 void MacOverlayWindow::setFrame(const Rect& frame) {
-    const NSRect rect = nativeRect(frame);
+    // Like the content, whose centre has to be the panel's.
+    const Rect whole = inWholePoints(frame);
+    const NSRect rect = nativeRect(whole);
     if (!CGRectEqualToRect(m_native->panel.frame, rect)) {
         [m_native->panel setFrame:rect display:YES];
     }
-    // Rounded up: the panel cuts off what is too much, while too little would leave a gap.
-    m_content->setGeometry(0, 0, static_cast<int>(std::ceil(frame.width)),
-                           static_cast<int>(std::ceil(frame.height)));
+    m_content->setGeometry(0, 0, static_cast<int>(whole.width), static_cast<int>(whole.height));
 }
 
 void MacOverlayWindow::setIgnoresMouseEvents(bool ignores) {
@@ -85,8 +85,12 @@ void MacOverlayWindow::setIgnoresMouseEvents(bool ignores) {
     [m_native->hoverView updatePointerPosition];
 }
 
-void MacOverlayWindow::setRegions(const QRegion& clickable, const QRegion& /*painted*/) {
-    [m_native->hoverView followBoxes:hoverBoxes(clickable)];
+void MacOverlayWindow::setRegions(const QPainterPath& clickable, const QPainterPath& /*painted*/) {
+    QRegion region;
+    for (const QPolygonF& part : clickable.toFillPolygons()) {
+        region += QRegion(part.toPolygon());
+    }
+    [m_native->hoverView followBoxes:hoverBoxes(region)];
 }
 
 PanelFacts MacOverlayWindow::facts() const {

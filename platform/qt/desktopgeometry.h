@@ -13,4 +13,9 @@ namespace brimlet {
 [[nodiscard]] Rect fromQt(const QRectF& rect, const QRectF& primary);
 [[nodiscard]] QRectF toQt(const Rect& rect, const QRectF& primary);
 
+/// The smallest rectangle around this one with its edges on whole points and the same horizontal
+/// centre, which is on a whole or a half point, as any screen's is. The upper edge is on a whole
+/// point already.
+[[nodiscard]] Rect inWholePoints(const Rect& rect);
+
 } // namespace brimlet

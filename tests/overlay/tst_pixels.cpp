@@ -114,6 +114,80 @@ private Q_SLOTS:
         QCOMPARE(Fixture(2, kTexts).paintedIn({0, 0, 428, 80}).top(), 2);
     }
 
+    void fractionalNotchesAreRoundedOnceToPixels_data() {
+        QTest::addColumn<double>("notchWidth");
+        QTest::addColumn<double>("ratio");
+        for (const double width : {184.0, 184.25, 184.5, 184.7, 185.0}) {
+            for (const double ratio : {1.0, 1.25, 1.5, 2.0}) {
+                QTest::addRow("%g, scale %g", width, ratio) << width << ratio;
+            }
+        }
+    }
+    void fractionalNotchesAreRoundedOnceToPixels() {
+        QFETCH(const double, notchWidth);
+        QFETCH(const double, ratio);
+        // The smallest window in whole points that has the panel's centre.
+        const double windowWidth = 2 * std::ceil((notchWidth + 244) / 2);
+        ShownOverlay overlay;
+        overlay.host.http.answer(QStringLiteral("/picture.png"), 200, pngOf(Qt::red));
+        overlay.view.resize(static_cast<int>(windowWidth), 40);
+        overlay.fetch(QByteArray(R"({"weekStatus":"live","creatives":)") + kTexts + '}');
+        overlay.render(notchWidth);
+        const QImage painted = overlay.picture(ratio);
+        const auto at = [&](double x) { return qRound(x * ratio); };
+        const auto isPainted = [](QRgb pixel) { return qAlpha(pixel) > 0; };
+        const auto isReddish = [](QRgb pixel) { return qRed(pixel) > qGreen(pixel) + 8; };
+        const int middle = painted.width() / 2;
+        const double left = (windowWidth - notchWidth) / 2 - 6 - 108;
+        const double right = (windowWidth + notchWidth) / 2 + 6;
+        const QRect leftHalf(0, 0, middle, painted.height());
+        for (const auto& [x, half] :
+             {std::pair(left, leftHalf), std::pair(right, leftHalf.translated(middle, 0))}) {
+            const QRect pill = Fixture::bounds(painted, half, isPainted);
+            QCOMPARE(pill.left(), at(x));
+            QCOMPARE(pill.width(), qRound(108 * ratio));
+            const QRect mark = Fixture::bounds(painted, half, isReddish);
+            QCOMPARE(mark.left(), at(x + 7));
+            QCOMPARE(mark.width(), qRound(16 * ratio));
+        }
+    }
+
+    void everyPixelOfWholePointsIsPainted_data() { fractionalNotchesAreRoundedOnceToPixels_data(); }
+    void everyPixelOfWholePointsIsPainted() {
+        QFETCH(const double, notchWidth);
+        QFETCH(const double, ratio);
+        ShownOverlay overlay;
+        overlay.view.resize(430, 40);
+        overlay.fetch(QByteArray(R"({"weekStatus":"live","creatives":)") + kTexts + '}');
+        overlay.render(notchWidth);
+        const auto blank = [&] {
+            QImage image(overlay.view.size() * ratio, QImage::Format_ARGB32_Premultiplied);
+            image.setDevicePixelRatio(ratio);
+            image.fill(Qt::red);
+            return image;
+        };
+        const auto isRed = [](QRgb pixel) { return pixel == 0xffff0000; };
+        const auto toPixels = [&](const QRect& points) {
+            const QPoint topLeft(qRound(points.x() * ratio), qRound(points.y() * ratio));
+            const QPoint end(qRound((points.x() + points.width()) * ratio),
+                             qRound((points.y() + points.height()) * ratio));
+            return QRect(topLeft, end - QPoint(1, 1));
+        };
+        for (NotchPill* const pill : {overlay.left(), overlay.right()}) {
+            QImage whole = blank();
+            pill->render(&whole, pill->pos(), {}, QWidget::DrawChildren);
+            QCOMPARE(Fixture::bounds(whole, toPixels(pill->geometry()), isRed), QRect());
+
+            // What Qt clears for a step is painted by the step.
+            QImage step = blank();
+            QPainter painter(&step);
+            pill->paintLine(painter, pill->pos());
+            painter.end();
+            QVERIFY(!pill->movingBox().isEmpty());
+            QCOMPARE(Fixture::bounds(step, toPixels(pill->movingBox()), isRed), QRect());
+        }
+    }
+
     void straightEdgesAreSharp_data() { addScales(); }
     void straightEdgesAreSharp() {
         QFETCH(double, ratio);

@@ -19,10 +19,10 @@ const QByteArray kReply =
 
 /// An overlay whose two taglines begin to scroll now.
 struct ScrollingOverlay final : ShownOverlay {
-    ScrollingOverlay() {
+    explicit ScrollingOverlay(double notchWidth) {
         (void)QTest::qWaitForWindowExposed(&view);
         fetch(kReply);
-        render(185); // with an odd width of the notch the right pill is at an odd point
+        render(notchWidth);
         QCoreApplication::processEvents();
         host.clock.advance(17600ms);
         QCoreApplication::processEvents();
@@ -40,8 +40,16 @@ class TestScrollTraces final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void aStepPaintsEverythingThatItChanges_data() {
+        QTest::addColumn<double>("notchWidth");
+        QTest::newRow("pills at whole points") << 184.0;
+        QTest::newRow("at half points") << 185.0;
+        QTest::newRow("at quarters") << 184.5;
+        QTest::newRow("anywhere") << 184.7;
+    }
     void aStepPaintsEverythingThatItChanges() {
-        ScrollingOverlay f;
+        QFETCH(const double, notchWidth);
+        ScrollingOverlay f(notchWidth);
         QImage before;
         for (int step = 0; step < 25; ++step) {
             f.host.clock.advance(46ms);
@@ -55,7 +63,7 @@ private Q_SLOTS:
     }
 
     void textsThatAreDueTogetherArePaintedTogether() {
-        ScrollingOverlay f;
+        ScrollingOverlay f(185);
         f.host.clock.advance(100ms);
         const QSignalSpy left(f.left(), &NotchPill::moved);
         const QSignalSpy right(f.right(), &NotchPill::moved);

@@ -83,7 +83,7 @@ private Q_SLOTS:
         QVERIFY(f.view.painted().contains(QPoint(312 + 54, 13)));
         QVERIFY(!f.view.painted().contains(QPoint(214, 13)));
         QVERIFY(!f.view.painted().contains(QPoint(8, 1)));
-        QCOMPARE(f.view.painted().boundingRect(), QRect(8, 1, 412, 24));
+        QCOMPARE(f.view.painted().boundingRect(), QRectF(8, 1, 412, 24));
     }
 
     void pillsOfDifferentWidthsShiftTheGap() {
@@ -113,7 +113,7 @@ private Q_SLOTS:
     void onlyAllowedLinksTakeClicks() {
         ViewFixture f;
         f.show(kBoth);
-        QCOMPARE(f.view.clickable().boundingRect(), QRect(8, 1, 108, 24));
+        QCOMPARE(f.view.clickable().boundingRect(), QRectF(8, 1, 108, 24));
         QTest::mouseClick(f.left(), Qt::LeftButton);
         QCOMPARE(f.host.workspace.opened, std::vector<QString>{QStringLiteral("https://l.test/")});
         QTest::mouseClick(f.right(), Qt::LeftButton);

@@ -41,6 +41,27 @@ private Q_SLOTS:
         QCOMPARE(fromQt(qt, primary), rect);
         QCOMPARE(toQt(rect, primary), qt);
     }
+
+    void framesAreWidenedToWholePointsAroundTheirCentre_data() {
+        QTest::addColumn<QRectF>("exact");
+        QTest::addColumn<QRectF>("whole");
+        QTest::newRow("whole") << QRectF(542, 942, 428, 40) << QRectF(542, 942, 428, 40);
+        QTest::newRow("at half points") << QRectF(541.5, 942, 429, 40) << QRectF(541, 942, 430, 40);
+        QTest::newRow("at quarters") << QRectF(541.75, 942, 428.5, 40) << QRectF(541, 942, 430, 40);
+        QTest::newRow("around a half point")
+            << QRectF(541.25, 942, 428.5, 40) << QRectF(541, 942, 429, 40);
+        QTest::newRow("left of the primary screen")
+            << QRectF(-970.25, 942, 428.5, 40) << QRectF(-971, 942, 430, 40);
+        QTest::newRow("height") << QRectF(542, 941.4, 428, 40.6) << QRectF(542, 941, 428, 41);
+        QTest::newRow("upper edge rounded up by a computation")
+            << QRectF(542, 941.4, 428, 40.600000001) << QRectF(542, 941, 428, 41);
+    }
+    void framesAreWidenedToWholePointsAroundTheirCentre() {
+        QFETCH(const QRectF, exact);
+        QFETCH(const QRectF, whole);
+        const Rect found = inWholePoints({exact.x(), exact.y(), exact.width(), exact.height()});
+        QCOMPARE(QRectF(found.x, found.y, found.width, found.height), whole);
+    }
 };
 
 BRIMLET_TEST(TestDesktopGeometry, brimlet::NoApplication)

@@ -187,7 +187,7 @@ public:
         m_record.calls << (ignores ? QStringLiteral("ignores on") : QStringLiteral("ignores off"));
         m_record.ignoresMouseEvents = ignores;
     }
-    void setRegions(const QRegion& /*clickable*/, const QRegion& /*painted*/) override {
+    void setRegions(const QPainterPath& /*clickable*/, const QPainterPath& /*painted*/) override {
         m_record.calls << QStringLiteral("regions");
     }
 

@@ -168,8 +168,11 @@ private Q_SLOTS:
         before = changes;
         setMonitor(eDP, smaller);
         QTRY_VERIFY(changes > before);
-        QCOMPARE(now().auxiliaryTopLeftArea, (Rect{0, 844, 590, 29}));
-        QCOMPARE(now().auxiliaryTopRightArea, (Rect{754, 844, 590, 29}));
+        constexpr double kStart = (3024.0 - 368) * 1344 / (2 * 3024);
+        constexpr double kEnd = (3024.0 + 368) * 1344 / (2 * 3024);
+        constexpr double kHeight = 64.0 * 873 / 1964;
+        QCOMPARE(now().auxiliaryTopLeftArea, (Rect{0, 873 - kHeight, kStart, kHeight}));
+        QCOMPARE(now().auxiliaryTopRightArea, (Rect{kEnd, 873 - kHeight, 1344 - kEnd, kHeight}));
 
         // A new primary screen beside it moves the origin of all positions.
         before = changes;
@@ -181,8 +184,9 @@ private Q_SLOTS:
         const auto builtIn = builtInScreen(screens);
         QVERIFY(hasNotch(builtIn));
         QCOMPARE(builtIn->frame, (Rect{-1512, -173, 1344, 873}));
-        QCOMPARE(builtIn->auxiliaryTopLeftArea, (Rect{-1512, 671, 590, 29}));
-        QCOMPARE(builtIn->auxiliaryTopRightArea, (Rect{-758, 671, 590, 29}));
+        QCOMPARE(builtIn->auxiliaryTopLeftArea, (Rect{-1512, 700 - kHeight, kStart, kHeight}));
+        QCOMPARE(builtIn->auxiliaryTopRightArea,
+                 (Rect{kEnd - 1512, 700 - kHeight, 1344 - kEnd, kHeight}));
         for (const Screen& screen : screens.list()) {
             QCOMPARE(screen.auxiliaryTopLeftArea.has_value(), screen.frame == builtIn->frame);
         }
@@ -190,7 +194,7 @@ private Q_SLOTS:
         xrandr({QStringLiteral("--delmonitor"), QStringLiteral("HDMI-1")});
         QTRY_COMPARE(screens.list().size(), std::size_t{1});
         QTRY_VERIFY(changes > before);
-        QTRY_COMPARE(now().auxiliaryTopLeftArea, (Rect{0, 844, 590, 29}));
+        QTRY_COMPARE(now().auxiliaryTopLeftArea, (Rect{0, 873 - kHeight, kStart, kHeight}));
     }
 
     void theDriversSettingIsReadEachTime() {

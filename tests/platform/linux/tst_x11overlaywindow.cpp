@@ -87,6 +87,12 @@ private:
     xcb_window_t m_owner = XCB_WINDOW_NONE;
 };
 
+QPainterPath box(const QRectF& edges) {
+    QPainterPath outline;
+    outline.addRect(edges);
+    return outline;
+}
+
 xcb_connection_t* connectionOfTheProgram() {
     return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
 }
@@ -119,7 +125,7 @@ class TestX11OverlayWindow final : public QObject {
     static std::unique_ptr<X11OverlayWindow> makeWindow() {
         auto window = std::make_unique<X11OverlayWindow>(std::make_unique<QWidget>(),
                                                          [] { return QRectF(0, 0, 1512, 982); });
-        window->setRegions(QRect(8, 4, 108, 24), QRect(8, 4, 108, 24));
+        window->setRegions(box({8, 4, 108, 24}), box({8, 4, 108, 24}));
         return window;
     }
     /// Shown, and everything that follows from that is done.
@@ -164,11 +170,22 @@ private Q_SLOTS:
     void changedRegionsAreSent() {
         const auto window = makeWindow();
         QVERIFY(isAtRest(*window));
-        window->setRegions(QRect(312, 4, 108, 24), QRect(312, 4, 108, 24));
+        window->setRegions(box({312, 4, 108, 24}), box({312, 4, 108, 24}));
         QTRY_COMPARE_WITH_TIMEOUT(m_x.inputShape(idOf(*window)),
                                   std::vector<QRect>{QRect(312, 4, 108, 24)}, kPatience);
         window->setIgnoresMouseEvents(true);
         QTRY_VERIFY_WITH_TIMEOUT(m_x.inputShape(idOf(*window)).empty(), kPatience);
+    }
+
+    void edgesBetweenTwoPixelsAreRounded() {
+        const auto window = makeWindow();
+        QVERIFY(isAtRest(*window));
+        window->setRegions(box({8.4, 4, 108, 24}), {});
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.inputShape(idOf(*window)),
+                                  std::vector<QRect>{QRect(8, 4, 108, 24)}, kPatience);
+        window->setRegions(box({8.5, 4, 108, 24}), {});
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.inputShape(idOf(*window)),
+                                  std::vector<QRect>{QRect(9, 4, 108, 24)}, kPatience);
     }
 
     void aNewNativeWindowIsShapedAgain() {
@@ -227,6 +244,11 @@ private Q_SLOTS:
         QVERIFY(isAtRest(*window));
         QTRY_COMPARE_WITH_TIMEOUT(m_x.boundingShape(idOf(*window)),
                                   std::vector<QRect>{QRect(8, 4, 108, 24)}, kPatience);
+        window->setRegions({}, box({8.5, 4, 108, 24}));
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.boundingShape(idOf(*window)),
+                                  std::vector<QRect>{QRect(9, 4, 108, 24)}, kPatience);
+        window->setRegions({}, {});
+        QTRY_VERIFY_WITH_TIMEOUT(m_x.boundingShape(idOf(*window)).empty(), kPatience);
         m_other.actAsCompositor(true);
         QTRY_VERIFY_WITH_TIMEOUT(watch.hasCompositor(), kPatience);
         render(*window);
