@@ -1,4 +1,5 @@
 #include "creative/creativemark.h"
+#include "creative/notchfont.h"
 #include "tests/support/drawnimages.h"
 #include "tests/support/imagefixture.h"
 #include "tests/support/testprogram.h"
@@ -321,6 +322,70 @@ private Q_SLOTS:
             }
         }
         QVERIFY(brightest > 220);
+    }
+
+    void theWholeFirstCharacterIsPainted_data() {
+        QTest::addColumn<QString>("brand");
+        QTest::addColumn<QString>("character");
+        QTest::addColumn<QString>("itsStart");
+        QTest::newRow("accent") << QStringLiteral(" o\u0308zil") << QStringLiteral("o\u0308")
+                                << QStringLiteral("o");
+        QTest::newRow("flag") << QStringLiteral("\U0001F1EA\U0001F1FA shop")
+                              << QStringLiteral("\U0001F1EA\U0001F1FA")
+                              << QStringLiteral("\U0001F1EA");
+    }
+    void theWholeFirstCharacterIsPainted() {
+        QFETCH(QString, brand);
+        QFETCH(QString, character);
+        QFETCH(QString, itsStart);
+        const auto drawn = [](const QString& text) {
+            QImage image(40, 40, QImage::Format_RGB32);
+            image.fill(Qt::gray);
+            QPainter painter(&image);
+            painter.setClipRect(4, 4, 32, 32);
+            painter.translate(20, 20);
+            painter.scale(2, 2);
+            painter.setFont(NotchFont::fallbackMark());
+            painter.setPen(Qt::white);
+            painter.drawText(QRectF(-100, -100, 200, 200), Qt::AlignCenter, text);
+            return image;
+        };
+        MarkFixture f;
+        f.mark->setCreative(std::nullopt, brand);
+        QCOMPARE(f.picture(2), drawn(character));
+        QVERIFY(drawn(character) != drawn(itsStart));
+    }
+
+    void aFlagIsPaintedInItsColours() {
+        MarkFixture f;
+        f.mark->setCreative(std::nullopt, QStringLiteral("\U0001F1EA\U0001F1FA shop"));
+        const QImage image = f.picture(2);
+        int blue = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor colour = image.pixelColor(x, y);
+                blue += colour.blue() > colour.red() + 60 ? 1 : 0;
+            }
+        }
+        QVERIFY2(blue > 50, "without a font of flags: script/bootstrap test");
+    }
+
+    void aPictureIsScaledSmoothly() {
+        QImage board(64, 64, QImage::Format_RGB32);
+        for (int y = 0; y < board.height(); ++y) {
+            for (int x = 0; x < board.width(); ++x) {
+                board.setPixelColor(x, y, (x + y) % 2 == 0 ? Qt::black : Qt::white);
+            }
+        }
+        MarkFixture f;
+        f.http.answer(QStringLiteral("a.png"), 200, pngOf(board));
+        f.appearWith("a.png");
+        const QImage small = f.scaled(16);
+        for (int y = 0; y < small.height(); ++y) {
+            for (int x = 0; x < small.width(); ++x) {
+                QVERIFY(qAbs(small.pixelColor(x, y).lightness() - 127) <= 16);
+            }
+        }
     }
 
     void aBlankBrandShowsADot() {

@@ -93,6 +93,22 @@ QFont inter(QFont::HintingPreference hinting) {
 }
 
 constexpr QColor kBackground(160, 160, 160);
+constexpr QColor kCapsule(0, 0, 0, 245);
+
+/// A box in points, each edge at the nearest pixel.
+QRect onScreen(const QRect& points, double ratio) {
+    const QPoint topLeft(qRound(points.x() * ratio), qRound(points.y() * ratio));
+    const QPoint end(qRound((points.x() + points.width()) * ratio),
+                     qRound((points.y() + points.height()) * ratio));
+    return {topLeft, end - QPoint(1, 1)};
+}
+
+/// The part of the picture, at one pixel per point.
+QImage pixelsOf(const QImage& picture, const QRect& box) {
+    QImage part = picture.copy(box);
+    part.setDevicePixelRatio(1);
+    return part;
+}
 
 } // namespace
 
@@ -103,9 +119,8 @@ class TestReference final : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        if (!QFontDatabase::hasFamily(QStringLiteral("Inter"))) {
-            QSKIP("The font Inter, in which the reference pictures are set, is not installed.");
-        }
+        QVERIFY2(QFontDatabase::hasFamily(QStringLiteral("Inter")),
+                 "The font of the reference pictures is missing: script/bootstrap test");
         // Before the first use of the overlay's fonts, which are made once.
         QGuiApplication::setFont(inter(QFont::PreferVerticalHinting));
     }
@@ -155,6 +170,38 @@ private Q_SLOTS:
         }
         QCOMPARE(actual.size(), reference.size());
         QCOMPARE_LE(clearDifference(actual, reference), kTolerance);
+    }
+
+    void theLineIsWhiteInSemiboldTwelve_data() { addScales(); }
+    void theLineIsWhiteInSemiboldTwelve() {
+        QFETCH(double, ratio);
+        PaintedView view(list({kLeft, kRight}), fourColours());
+        QFont font = inter(QFont::PreferVerticalHinting);
+        font.setPixelSize(12);
+        font.setWeight(QFont::DemiBold);
+        const QRect line = onScreen(QRect(8 + 28, 3, 73, 20), ratio);
+        const QImage expected = TextLine(QStringLiteral("Quiet Bicycle"), font)
+                                    .picture(Qt::white, kCapsule, ratio, 0, line.size());
+        QCOMPARE(pixelsOf(view.picture(ratio), line), expected);
+    }
+
+    void theFallbackIsWhiteInSemiboldEleven_data() { addScales(); }
+    void theFallbackIsWhiteInSemiboldEleven() {
+        QFETCH(double, ratio);
+        PaintedView view(list({kLeftWithoutPicture, kRightWithoutPicture}), fourColours());
+        QFont font = inter(QFont::PreferVerticalHinting);
+        font.setPixelSize(11);
+        font.setWeight(QFont::DemiBold);
+        const QRect mark = onScreen(QRect(8 + 7, 5, 16, 16), ratio);
+        QImage expected(mark.size(), QImage::Format_ARGB32_Premultiplied);
+        expected.fill(kCapsule);
+        QPainter painter(&expected);
+        painter.scale(ratio, ratio);
+        painter.setFont(font);
+        painter.setPen(Qt::white);
+        painter.drawText(QRectF(0, 0, 16, 16), Qt::AlignCenter, QStringLiteral("Q"));
+        painter.end();
+        QCOMPARE(pixelsOf(view.picture(ratio), mark), expected);
     }
 
     void aShiftByOnePixelIsADifference_data() { addScales(); }

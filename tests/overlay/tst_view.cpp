@@ -1,3 +1,5 @@
+#include "creative/notchfont.h"
+#include "creative/textline.h"
 #include "tests/overlay/shownoverlay.h"
 #include "tests/support/pngbytes.h"
 #include "tests/support/testprogram.h"
@@ -7,6 +9,8 @@
 #include <QPaintEvent>
 #include <QSignalSpy>
 #include <QTest>
+
+#include <cmath>
 
 using namespace brimlet;
 using namespace std::chrono_literals;
@@ -206,6 +210,40 @@ private Q_SLOTS:
         f.view.show();
         QCOMPARE(f.host.clock.runningSleeps(), 1);
         QCOMPARE(f.left()->line().line(), QStringLiteral("X"));
+    }
+
+    void thePillsTimes() {
+        ViewFixture f;
+        f.show(kBoth);
+        const TextLine tagline(QStringLiteral("A tagline much too wide for it"), NotchFont::pill());
+        const double overflow = tagline.width() - 73;
+        const NotchPill& pill = *f.left();
+        const auto state = [&pill] {
+            return std::pair(pill.line().showingTagline(), pill.line().offsetOnScreen());
+        };
+        const std::pair brand(false, 0);
+        const std::pair start(true, 0);
+        const std::pair end(true, -int(std::lround(overflow)));
+        QCOMPARE(state(), brand);
+        f.host.clock.advance(15999ms);
+        QCOMPARE(state(), brand);
+        f.host.clock.advance(1ms);
+        QCOMPARE(state(), start);
+        f.host.clock.advance(1600ms);
+        QCOMPARE(state(), start);
+        const auto scroll = sleepLength(overflow / 22);
+        f.host.clock.advance(scroll - 46ms);
+        QVERIFY(state().second < 0 && state() != end);
+        f.host.clock.advance(46ms);
+        QCOMPARE(state(), end);
+        f.host.clock.advance(1399ms);
+        QCOMPARE(state(), end);
+        f.host.clock.advance(2ms);
+        QCOMPARE(state(), start);
+        f.host.clock.advance(348ms);
+        QCOMPARE(state(), start);
+        f.host.clock.advance(2ms);
+        QCOMPARE(state(), brand);
     }
 
     void nothingRunsUnderReduceMotion() {
