@@ -79,7 +79,9 @@ private Q_SLOTS:
         m_host.workspace.screensDidSleep();
         QCOMPARE(m_host.http.log(), QStringList{QStringLiteral("POST /api/host/heartbeat")});
         QVERIFY(!m_window.isShown);
+        m_host.http.clear();
         m_host.workspace.screensDidWake();
+        QCOMPARE(m_host.http.log(), QStringList{QStringLiteral("POST /api/host/heartbeat")});
         QVERIFY(m_window.isShown);
     }
 
@@ -94,7 +96,10 @@ private Q_SLOTS:
         QVERIFY(m_app->store() == HostStore::shared());
         // It is the one that the launch started and the overlay shows.
         QVERIFY(m_app->store()->runtimeStarted);
-        m_app->store()->pause24h();
+        m_statusItem.press();
+        QVERIFY(m_menuStore == m_app->store());
+        QVERIFY(m_window.isShown);
+        m_menuStore->pause24h();
         QVERIFY(!m_window.isShown);
     }
 };

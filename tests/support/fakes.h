@@ -44,9 +44,11 @@ private:
 class FakeWorkspace final : public Workspace {
 public:
     ObserverToken observeScreensDidSleep(std::function<void()> block) override {
+        willObserve("sleep");
         return m_sleep.add(std::move(block));
     }
     ObserverToken observeScreensDidWake(std::function<void()> block) override {
+        willObserve("wake");
         return m_wake.add(std::move(block));
     }
     void open(const Url& url) override { opened.push_back(url.absoluteString()); }
@@ -55,6 +57,8 @@ public:
     void screensDidWake() { m_wake.notify(); }
 
     std::vector<QString> opened;
+    /// Called with each new observer's notification, "sleep" or "wake".
+    std::function<void(const char*)> willObserve = [](const char*) {};
 
 private:
     Observers m_sleep;
