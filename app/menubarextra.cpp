@@ -22,6 +22,7 @@ MenuBarExtra::MenuBarExtra(std::shared_ptr<HostStore> store, MenuPorts ports)
     : m_store(std::move(store))
     , m_ports(std::move(ports)) {
     m_ports.statusItem.observePresses([this](const std::optional<Rect>& place) { pressed(place); });
+    m_ports.statusItem.observePlace([this] { placeChanged(); });
     connect(m_store.get(), &HostStore::objectWillChange, &m_toolTipUpdate, &OncePerTurn::schedule);
     m_toolTipUpdate.schedule();
     startTask(openWithoutStatusItem(m_end.get_token()));
@@ -40,6 +41,12 @@ void MenuBarExtra::pressed(const std::optional<Rect>& place) {
         m_window->dismiss();
     } else if (!m_dismissedAt || m_ports.clock.uptime() - *m_dismissedAt >= kSameClick) {
         openAt(place);
+    }
+}
+
+void MenuBarExtra::placeChanged() {
+    if (const auto place = isOpen() ? m_ports.statusItem.place() : std::nullopt) {
+        m_window->follow(*place);
     }
 }
 

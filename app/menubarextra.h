@@ -36,13 +36,15 @@ public:
     ~MenuBarExtra() override;
     Q_DISABLE_COPY_MOVE(MenuBarExtra)
 
-    /// Opens the panel at the status item, or brings it to the front.
+    /// Opens the panel at the status item, or brings it to the front. If the item gets its place
+    /// later, the panel moves there.
     void open();
 
     [[nodiscard]] bool isOpen() const { return m_window && m_window->isPresented(); }
 
 private:
     void pressed(const std::optional<Rect>& place);
+    void placeChanged();
     void openAt(const std::optional<Rect>& place);
     void updateToolTip();
     [[nodiscard]] QCoro::Task<> openWithoutStatusItem(std::stop_token end);

@@ -15,9 +15,13 @@ class MenuWindow {
 public:
     virtual ~MenuWindow() = default;
 
-    /// Shows it next to `item`, the status item's place in global points, or in a corner of the
-    /// screen if that is absent. Gives it the keyboard focus. Raises it if it is already shown.
+    /// Shows it next to `item`, the status item's place in global points, or, if that is absent, in
+    /// the corner of the screen where trays usually are. Gives it the keyboard focus. Raises it if
+    /// it is already shown.
     virtual void present(const std::optional<Rect>& item) = 0;
+
+    /// Moves it next to the status item's new place, if it is shown.
+    virtual void follow(const Rect& item) = 0;
 
     /// Hides it and, if it was shown, calls the observers before it returns.
     virtual void dismiss() = 0;

@@ -21,6 +21,9 @@ public:
     /// Its place in global points; absent where that is unknown.
     [[nodiscard]] virtual std::optional<Rect> place() const = 0;
 
+    /// Calls `changed` when `place` has become known or may have changed.
+    virtual ObserverToken observePlace(std::function<void()> changed) = 0;
+
     /// Sets the tooltip, plain text.
     virtual void setToolTip(const QString& text) = 0;
 

@@ -4,7 +4,11 @@
 #include "platform/qt/desktopgeometry.h"
 #include "platform/qt/desktopscreens.h"
 
+#include <QApplication>
 #include <QCursor>
+#include <QEvent>
+#include <QWidget>
+#include <QWindow>
 
 namespace brimlet {
 namespace {
@@ -18,6 +22,18 @@ std::optional<Rect> pointerPlace() {
     return fromQt(QRectF(QCursor::pos(), QSizeF(1, 1)), primaryGeometry());
 }
 
+/// The widget with which Qt draws the icon in an XEmbed tray; null with a StatusNotifier tray.
+/// Needed because Qt reports a place, the screen's top left corner, even before a tray has taken
+/// the icon.
+QWidget* iconWidget() {
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        if (widget->inherits("QSystemTrayIconSys")) {
+            return widget;
+        }
+    }
+    return nullptr;
+}
+
 } // namespace
 
 TrayStatusItem::TrayStatusItem() {
@@ -29,14 +45,28 @@ void TrayStatusItem::showIcon() {
     m_icon->setToolTip(m_toolTip);
     connect(m_icon.get(), &QSystemTrayIcon::activated, this, &TrayStatusItem::pressed);
     m_icon->show();
+    if (QWidget* const widget = iconWidget()) {
+        widget->installEventFilter(this);
+    }
 }
 
 std::optional<Rect> TrayStatusItem::place() const {
-    const QRect geometry = m_icon ? m_icon->geometry() : QRect();
-    if (geometry.isEmpty()) {
+    const QWidget* const widget = m_icon ? iconWidget() : nullptr;
+    const QWindow* const window = widget == nullptr ? nullptr : widget->windowHandle();
+    // Only the tray shows the window.
+    if (window == nullptr || !window->isExposed()) {
         return std::nullopt;
     }
-    return fromQt(QRectF(geometry), primaryGeometry());
+    return fromQt(QRectF(m_icon->geometry()), primaryGeometry());
+}
+
+bool TrayStatusItem::eventFilter(QObject* watched, QEvent* event) {
+    // It is painted when the tray has taken it.
+    if (event->type() == QEvent::Paint || event->type() == QEvent::Move ||
+        event->type() == QEvent::Resize) {
+        m_placeObservers.notify();
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void TrayStatusItem::setToolTip(const QString& text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/traywatch.h"
+#include "platform/observers.h"
 #include "platform/statusitem.h"
 
 #include <QRectF>
@@ -20,10 +21,16 @@ public:
     TrayStatusItem();
 
     [[nodiscard]] bool isShown() const override { return m_icon != nullptr; }
-    /// StatusNotifier trays do not report the place; XEmbed trays do.
+    /// StatusNotifier trays do not report the place; with an XEmbed tray it is known as soon as the
+    /// tray has taken the icon.
     [[nodiscard]] std::optional<Rect> place() const override;
+    ObserverToken observePlace(std::function<void()> changed) override {
+        return m_placeObservers.add(std::move(changed));
+    }
     void setToolTip(const QString& text) override;
     ObserverToken observePresses(std::function<void(std::optional<Rect>)> pressed) override;
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void showIcon();
@@ -33,6 +40,7 @@ private:
     std::unique_ptr<QSystemTrayIcon> m_icon;
     QString m_toolTip;
     std::vector<std::function<void(std::optional<Rect>)>> m_observers;
+    Observers m_placeObservers;
 };
 
 } // namespace brimlet

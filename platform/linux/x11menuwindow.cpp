@@ -29,7 +29,7 @@ X11MenuWindow::X11MenuWindow(std::unique_ptr<QWidget> content,
 void X11MenuWindow::present(const std::optional<Rect>& item) {
     if (!isVisible()) {
         destroyNativeWindow();
-        m_item = item ? std::optional(toQt(*item, m_primaryGeometry()).toRect()) : std::nullopt;
+        m_item = item ? std::optional(toQtRect(*item)) : std::nullopt;
         // Focus starts before the first control, so that no key press activates one by accident.
         m_content->setFocus();
     }
@@ -38,6 +38,17 @@ void X11MenuWindow::present(const std::optional<Rect>& item) {
     raise();
     activateWindow();
     x11::activate(winId());
+}
+
+void X11MenuWindow::follow(const Rect& item) {
+    if (isVisible() && m_item != toQtRect(item)) {
+        m_item = toQtRect(item);
+        fit();
+    }
+}
+
+QRect X11MenuWindow::toQtRect(const Rect& item) const {
+    return toQt(item, m_primaryGeometry()).toRect();
 }
 
 void X11MenuWindow::dismiss() {

@@ -25,6 +25,7 @@ public:
     X11MenuWindow(std::unique_ptr<QWidget> content, std::function<QRectF()> primaryGeometry);
 
     void present(const std::optional<Rect>& item) override;
+    void follow(const Rect& item) override;
     void dismiss() override;
     [[nodiscard]] bool isPresented() const override { return isVisible(); }
     ObserverToken observeDismissals(std::function<void()> dismissed) override;
@@ -37,6 +38,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    [[nodiscard]] QRect toQtRect(const Rect& item) const;
     /// Destroys the native window of a hidden panel to save its memory. It also keeps the focus
     /// state correct: Qt notices only after a delay that a hidden window has lost the keyboard, and
     /// a native window that is shown again before that gets no further activation events.

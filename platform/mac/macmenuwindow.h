@@ -27,6 +27,7 @@ public:
     MacMenuWindow& operator=(const MacMenuWindow&) = delete;
 
     void present(const std::optional<Rect>& item) override;
+    void follow(const Rect& item) override;
     void dismiss() override;
     [[nodiscard]] bool isPresented() const override { return m_isPresented; }
     ObserverToken observeDismissals(std::function<void()> dismissed) override {

@@ -45,6 +45,11 @@ void MacMenuWindow::present(const std::optional<Rect>& item) {
     [m_native->panel makeFirstResponder:viewOf(m_background)];
 }
 
+void MacMenuWindow::follow(const Rect& item) {
+    m_background.setItem(item);
+    fit();
+}
+
 void MacMenuWindow::dismiss() {
     close();
     // This program has no menus, so the menu bar still belongs to the previously active program. It

@@ -5,28 +5,48 @@
 namespace brimlet {
 namespace {
 
-/// Between the panel and the item or the screen's edges, in logical pixels.
+/// Between the panel and the item or the edges of the available area, in logical pixels.
 constexpr int kGap = 6;
 
-/// Like std::clamp, but `least` wins when the panel is too large and `greatest` is below it.
-int bounded(int value, int least, int greatest) {
-    return std::max(least, std::min(value, greatest));
+/// The positions along one axis at which a panel of this length is inside the available area, and
+/// `kGap` away from its ends as far as there is room. A panel that is too long starts at its start.
+struct Positions final {
+    Positions(int panel, int start, int length)
+        : first(start + std::clamp((length - panel) / 2, 0, kGap))
+        , last(std::max(first, start + length - panel - kGap)) {}
+
+    [[nodiscard]] int nearest(int position) const { return std::clamp(position, first, last); }
+
+    int first;
+    int last;
+};
+
+/// The corner at which a desktop's tray usually is, as far as the bars tell.
+QPoint trayCorner(const MenuScreen& screen, const Positions& x, const Positions& y) {
+    const QRect& whole = screen.geometry;
+    const QRect& available = screen.available;
+    const bool isBarAtTop = available.top() > whole.top();
+    const bool isBarAtBottom = available.bottom() < whole.bottom();
+    const bool isBarAtLeft = available.left() > whole.left();
+    const bool isBarAtRight = available.right() < whole.right();
+    const bool isLow = !isBarAtTop && (isBarAtBottom || isBarAtLeft || isBarAtRight);
+    const bool isLeft = !isBarAtTop && !isBarAtBottom && isBarAtLeft;
+    return {isLeft ? x.first : x.last, isLow ? y.last : y.first};
 }
 
 } // namespace
 
-QPoint menuOrigin(QSize panel, const std::optional<QRect>& item, const QRect& available) {
-    const int rightmost = available.x() + available.width() - panel.width();
-    const int lowest = available.y() + available.height() - panel.height();
+QPoint menuOrigin(QSize panel, const std::optional<QRect>& item, const MenuScreen& screen) {
+    const QRect& available = screen.available;
+    const Positions x(panel.width(), available.x(), available.width());
+    const Positions y(panel.height(), available.y(), available.height());
     if (!item) {
-        return {bounded(rightmost - kGap, available.x(), rightmost),
-                bounded(available.y() + kGap, available.y(), lowest)};
+        return trayCorner(screen, x, y);
     }
-    const int x = item->x() + (item->width() - panel.width()) / 2;
     const bool isInUpperHalf = item->center().y() < available.center().y();
-    const int y =
+    const int besideItem =
         isInUpperHalf ? item->y() + item->height() + kGap : item->y() - kGap - panel.height();
-    return {bounded(x, available.x(), rightmost), bounded(y, available.y(), lowest)};
+    return {x.nearest(item->x() + (item->width() - panel.width()) / 2), y.nearest(besideItem)};
 }
 
 std::optional<QRect> menuFrame(QSize preferred, const std::optional<QRect>& item,
@@ -38,10 +58,9 @@ std::optional<QRect> menuFrame(QSize preferred, const std::optional<QRect>& item
         std::find_if(screens.begin(), screens.end(), [&](const MenuScreen& screen) {
             return item && screen.geometry.contains(item->center());
         });
-    const QRect available =
-        itemScreen == screens.end() ? screens.front().available : itemScreen->available;
-    const QSize size = preferred.boundedTo(available.size());
-    return QRect(menuOrigin(size, item, available), size);
+    const MenuScreen& screen = itemScreen == screens.end() ? screens.front() : *itemScreen;
+    const QSize size = preferred.boundedTo(screen.available.size());
+    return QRect(menuOrigin(size, item, screen), size);
 }
 
 } // namespace brimlet

@@ -16,10 +16,12 @@ struct MenuScreen final {
 };
 
 /// The panel's top-left corner, in Qt's space: below the status item in the upper half of the
-/// available area, above it in the lower half, and in the top-right corner when the item's place is
-/// unknown. The panel stays inside the available area.
+/// available area, above it in the lower half. When the item's place is unknown, it is the corner
+/// where trays usually are: at the right end of a bar at the top, or else at the bottom; at the
+/// lower end of a bar at a side; at the top right without a bar. The panel stays inside the
+/// available area and, if it fits, six points away from its edges.
 [[nodiscard]] QPoint menuOrigin(QSize panel, const std::optional<QRect>& item,
-                                const QRect& available);
+                                const MenuScreen& screen);
 
 /// The frame of a panel of the preferred size, in Qt's space. It is on the screen that contains the
 /// item's centre, otherwise on the first screen, and never larger than the available area there.

@@ -97,6 +97,20 @@ private Q_SLOTS:
         QVERIFY(!scene.window.presentations.back().has_value());
     }
 
+    void anOpenPanelFollowsTheItem() {
+        Scene scene;
+        scene.item.itsPlace.reset();
+        scene.item.moveTo({1, 2, 24, 24}); // there is no panel yet
+        scene.item.itsPlace.reset();
+        scene.extra->open();
+        scene.item.moveTo({1400, 950, 24, 24});
+        QCOMPARE(scene.window.followed, (std::vector{Rect{1400, 950, 24, 24}}));
+        QCOMPARE(scene.window.presentations.size(), std::size_t{1});
+        scene.window.window->dismiss();
+        scene.item.moveTo({1300, 950, 24, 24});
+        QCOMPARE(scene.window.followed.size(), std::size_t{1});
+    }
+
     void withoutABarItOpensByItself() {
         Scene scene(false);
         scene.host.clock.advance(2999ms);

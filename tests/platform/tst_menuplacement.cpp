@@ -21,79 +21,105 @@ class TestMenuPlacement final : public QObject {
 private Q_SLOTS:
     void thePanelIsBesideTheItemInTheAvailableArea_data() {
         QTest::addColumn<QSize>("panel");
-        QTest::addColumn<Item>("item");
+        QTest::addColumn<QRect>("item");
         QTest::addColumn<QRect>("available");
         QTest::addColumn<QPoint>("origin");
         const QRect screen(0, 0, 1512, 982);
         const QRect belowBar(0, 24, 1512, 958);
         const QRect aboveBar(0, 0, 1512, 954);
         QTest::newRow("centred below an item in a bar at the top")
-            << kPanel << Item(QRect(700, 0, 24, 24)) << belowBar << QPoint(542, 30);
+            << kPanel << QRect(700, 0, 24, 24) << belowBar << QPoint(542, 30);
         QTest::newRow("at the left end of a bar at the top")
-            << kPanel << Item(QRect(0, 0, 24, 24)) << belowBar << QPoint(0, 30);
+            << kPanel << QRect(0, 0, 24, 24) << belowBar << QPoint(6, 30);
         QTest::newRow("at the right end of a bar at the top")
-            << kPanel << Item(QRect(1488, 0, 24, 24)) << belowBar << QPoint(1172, 30);
+            << kPanel << QRect(1488, 0, 24, 24) << belowBar << QPoint(1166, 30);
+        QTest::newRow("an item lower than its bar at the top")
+            << kPanel << QRect(700, 1, 16, 16) << belowBar << QPoint(538, 30);
         QTest::newRow("centred above an item in a bar at the bottom")
-            << kPanel << Item(QRect(700, 954, 28, 28)) << aboveBar << QPoint(544, 448);
+            << kPanel << QRect(700, 954, 28, 28) << aboveBar << QPoint(544, 448);
+        QTest::newRow("an item lower than its bar at the bottom")
+            << kPanel << QRect(700, 962, 16, 16) << aboveBar << QPoint(538, 448);
         QTest::newRow("at the left end of a bar at the bottom")
-            << kPanel << Item(QRect(0, 954, 28, 28)) << aboveBar << QPoint(0, 448);
+            << kPanel << QRect(0, 954, 28, 28) << aboveBar << QPoint(6, 448);
         QTest::newRow("at the right end of a bar at the bottom")
-            << kPanel << Item(QRect(1484, 954, 28, 28)) << aboveBar << QPoint(1172, 448);
+            << kPanel << QRect(1484, 954, 28, 28) << aboveBar << QPoint(1166, 448);
         const QRect besideLeftBar(48, 0, 1464, 982);
         QTest::newRow("upper half of a bar at the left")
-            << kPanel << Item(QRect(10, 100, 28, 28)) << besideLeftBar << QPoint(48, 134);
+            << kPanel << QRect(10, 100, 28, 28) << besideLeftBar << QPoint(54, 134);
         QTest::newRow("lower half of a bar at the left")
-            << kPanel << Item(QRect(10, 900, 28, 28)) << besideLeftBar << QPoint(48, 394);
+            << kPanel << QRect(10, 900, 28, 28) << besideLeftBar << QPoint(54, 394);
         const QRect besideRightBar(0, 0, 1464, 982);
         QTest::newRow("upper half of a bar at the right")
-            << kPanel << Item(QRect(1474, 100, 28, 28)) << besideRightBar << QPoint(1124, 134);
+            << kPanel << QRect(1474, 100, 28, 28) << besideRightBar << QPoint(1118, 134);
         QTest::newRow("lower half of a bar at the right")
-            << kPanel << Item(QRect(1474, 900, 28, 28)) << besideRightBar << QPoint(1124, 394);
+            << kPanel << QRect(1474, 900, 28, 28) << besideRightBar << QPoint(1118, 394);
         QTest::newRow("at the pointer in the middle of a bar at the left")
-            << kPanel << Item(QRect(20, 480, 1, 1)) << besideLeftBar << QPoint(48, 482);
+            << kPanel << QRect(20, 480, 1, 1) << besideLeftBar << QPoint(54, 476);
         QTest::newRow("a bar that reserved no space")
-            << kPanel << Item(QRect(700, 0, 24, 24)) << screen << QPoint(542, 30);
+            << kPanel << QRect(700, 0, 24, 24) << screen << QPoint(542, 30);
         QTest::newRow("an item deep inside two bars")
-            << kPanel << Item(QRect(700, 10, 24, 24)) << QRect(0, 80, 1512, 850) << QPoint(542, 80);
-
-        QTest::newRow("upper right corner without an item")
-            << kPanel << Item() << screen << QPoint(1166, 6);
-        QTest::newRow("upper right corner inside the bars")
-            << kPanel << Item() << QRect(48, 24, 1400, 900) << QPoint(1102, 30);
+            << kPanel << QRect(700, 10, 24, 24) << QRect(0, 80, 1512, 850) << QPoint(542, 86);
 
         const QRect leftOfPrimary(-1920, -200, 1920, 1080);
         QTest::newRow("item on a screen left of and above the origin")
-            << kPanel << Item(QRect(-30, -200, 24, 24)) << leftOfPrimary << QPoint(-340, -170);
+            << kPanel << QRect(-30, -200, 24, 24) << leftOfPrimary << QPoint(-346, -170);
         QTest::newRow("item at the bottom of that screen")
-            << kPanel << Item(QRect(-1910, 850, 24, 24)) << leftOfPrimary << QPoint(-1920, 344);
-        QTest::newRow("corner of that screen")
-            << kPanel << Item() << leftOfPrimary << QPoint(-346, -194);
+            << kPanel << QRect(-1910, 850, 24, 24) << leftOfPrimary << QPoint(-1914, 344);
         const QRect rightOfPrimary(1512, 0, 1920, 1080);
         QTest::newRow("item at the left end of a second screen")
-            << kPanel << Item(QRect(1512, 1052, 24, 24)) << rightOfPrimary << QPoint(1512, 546);
+            << kPanel << QRect(1512, 1052, 24, 24) << rightOfPrimary << QPoint(1518, 546);
 
         QTest::newRow("higher than the available area: from its top")
-            << QSize(340, 700) << Item(QRect(700, 572, 28, 28)) << QRect(0, 0, 1512, 572)
+            << QSize(340, 700) << QRect(700, 572, 28, 28) << QRect(0, 0, 1512, 572)
             << QPoint(544, 0);
-        QTest::newRow("as high as the available area")
-            << QSize(340, 572) << Item(QRect(700, 572, 28, 28)) << QRect(0, 0, 1512, 572)
-            << QPoint(544, 0);
+        QTest::newRow("as high as the available area") << QSize(340, 572) << QRect(700, 572, 28, 28)
+                                                       << QRect(0, 0, 1512, 572) << QPoint(544, 0);
         QTest::newRow("wider than the available area: from its left")
-            << kPanel << Item(QRect(100, 0, 24, 24)) << QRect(20, 24, 300, 958) << QPoint(20, 30);
-        QTest::newRow("larger than the available area without an item")
-            << kPanel << Item() << QRect(20, 24, 300, 400) << QPoint(20, 24);
-        QTest::newRow("the gap is dropped before the panel leaves the available area")
-            << QSize(340, 950) << Item(QRect(700, 0, 24, 24)) << QRect(0, 24, 1512, 952)
-            << QPoint(542, 26);
+            << kPanel << QRect(100, 0, 24, 24) << QRect(20, 24, 300, 958) << QPoint(20, 30);
+        QTest::newRow("the gap shrinks before the panel leaves the available area")
+            << QSize(340, 950) << QRect(700, 0, 24, 24) << QRect(0, 24, 1512, 952)
+            << QPoint(542, 25);
     }
     void thePanelIsBesideTheItemInTheAvailableArea() {
         QFETCH(QSize, panel);
-        QFETCH(Item, item);
+        QFETCH(QRect, item);
         QFETCH(QRect, available);
         QFETCH(QPoint, origin);
-        QCOMPARE(menuOrigin(panel, item, available), origin);
+        QCOMPARE(menuOrigin(panel, item, {available, available}), origin);
         const QRect shown(origin, panel.boundedTo(available.size()));
         QVERIFY(available.contains(shown));
+    }
+
+    void withoutAPlaceThePanelIsInTheCornerWhereTraysAre_data() {
+        QTest::addColumn<QSize>("panel");
+        QTest::addColumn<QRect>("available");
+        QTest::addColumn<QPoint>("origin");
+        const auto row = [](const char* name, const QRect& available, QPoint origin) {
+            QTest::newRow(name) << kPanel << available << origin;
+        };
+        row("no bar: upper right", {0, 0, 1512, 982}, {1166, 6});
+        row("top: upper right", {0, 24, 1512, 958}, {1166, 30});
+        row("bottom: lower right", {0, 0, 1512, 954}, {1166, 448});
+        row("left: lower left", {48, 0, 1464, 982}, {54, 476});
+        row("right: lower right", {0, 0, 1464, 982}, {1118, 476});
+        row("top and bottom: upper right", {0, 24, 1512, 930}, {1166, 30});
+        row("top and left: upper right", {64, 24, 1448, 958}, {1166, 30});
+        row("bottom and left: lower right", {64, 0, 1448, 954}, {1166, 448});
+        row("left and right: lower left", {64, 0, 1400, 982}, {70, 476});
+        row("all around: upper right", {48, 24, 1400, 900}, {1102, 30});
+        QTest::newRow("larger than the available area")
+            << kPanel << QRect(20, 24, 300, 400) << QPoint(20, 24);
+        QTest::newRow("as high as the available area")
+            << QSize(340, 954) << QRect(0, 0, 1512, 954) << QPoint(1166, 0);
+    }
+    void withoutAPlaceThePanelIsInTheCornerWhereTraysAre() {
+        QFETCH(QSize, panel);
+        QFETCH(QRect, available);
+        for (const QPoint at : {QPoint(), QPoint(-1920, -200), QPoint(1512, 300)}) {
+            const MenuScreen screen{QRect(0, 0, 1512, 982).translated(at),
+                                    available.translated(at)};
+            QTEST(menuOrigin(panel, std::nullopt, screen) - at, "origin");
+        }
     }
 
     void thePanelIsOnTheItemsScreen_data() {
@@ -104,13 +130,13 @@ private Q_SLOTS:
         QTest::newRow("item on the first screen")
             << wish << Item(QRect(700, 0, 24, 24)) << QRect(542, 30, 340, 500);
         QTest::newRow("item on the second")
-            << wish << Item(QRect(-30, -200, 24, 24)) << QRect(-340, -170, 340, 500);
+            << wish << Item(QRect(-30, -200, 24, 24)) << QRect(-346, -170, 340, 500);
         QTest::newRow("item in a bar of the second")
-            << wish << Item(QRect(-34, 860, 24, 20)) << QRect(-340, 354, 340, 500);
+            << wish << Item(QRect(-34, 860, 24, 20)) << QRect(-346, 354, 340, 500);
         QTest::newRow("most of an item on the second")
-            << wish << Item(QRect(-15, 0, 24, 24)) << QRect(-340, 30, 340, 500);
+            << wish << Item(QRect(-15, 0, 24, 24)) << QRect(-346, 30, 340, 500);
         QTest::newRow("item on no screen: the first")
-            << wish << Item(QRect(9000, 0, 24, 24)) << QRect(1172, 30, 340, 500);
+            << wish << Item(QRect(9000, 0, 24, 24)) << QRect(1166, 30, 340, 500);
         QTest::newRow("no item: the first") << wish << Item() << QRect(1166, 30, 340, 500);
         QTest::newRow("higher than the first screen's available area")
             << QSize(340, 2000) << Item(QRect(700, 0, 24, 24)) << QRect(542, 24, 340, 958);

@@ -204,12 +204,20 @@ class FakeStatusItem final : public StatusItem {
 public:
     [[nodiscard]] bool isShown() const override { return shown; }
     [[nodiscard]] std::optional<Rect> place() const override { return itsPlace; }
+    ObserverToken observePlace(std::function<void()> changed) override {
+        return m_placeObservers.add(std::move(changed));
+    }
     void setToolTip(const QString& text) override { toolTips << text; }
     ObserverToken observePresses(std::function<void(std::optional<Rect>)> pressed) override {
         m_pressed.push_back(std::move(pressed));
         return ObserverToken{m_pressed.size()};
     }
 
+    /// The tray takes the item, or moves it.
+    void moveTo(const Rect& place) {
+        itsPlace = place;
+        m_placeObservers.notify();
+    }
     void press() const {
         for (const auto& pressed : m_pressed) {
             pressed(itsPlace);
@@ -223,6 +231,7 @@ public:
 
 private:
     std::vector<std::function<void(std::optional<Rect>)>> m_pressed;
+    Observers m_placeObservers;
 };
 
 /// Records where it was presented.
@@ -232,6 +241,7 @@ public:
     struct Record {
         FakeMenuWindow* window = nullptr;
         std::vector<std::optional<Rect>> presentations;
+        std::vector<Rect> followed;
         bool isPresented = false;
     };
 
@@ -244,6 +254,7 @@ public:
         m_record.presentations.push_back(item);
         m_record.isPresented = true;
     }
+    void follow(const Rect& item) override { m_record.followed.push_back(item); }
     void dismiss() override {
         m_record.isPresented = false;
         m_dismissals.notify();

@@ -103,6 +103,15 @@ std::vector<ClientWindow> XServer::windowsOf(qint64 pid) const {
     return found;
 }
 
+std::optional<ClientWindow> XServer::shownWindow(qint64 pid, const QString& title) const {
+    for (const ClientWindow& window : windowsOf(pid)) {
+        if (window.title == title && window.isViewable) {
+            return window;
+        }
+    }
+    return std::nullopt;
+}
+
 QRect XServer::workArea() const {
     // Four numbers for each desktop.
     const auto area = numbers(property(m_root, atom("_NET_WORKAREA")));

@@ -42,6 +42,8 @@ public:
     /// Every window with that process's number, in the order of the tree, including those inside a
     /// frame of the window manager, icons in a tray, and hidden ones.
     [[nodiscard]] std::vector<ClientWindow> windowsOf(qint64 pid) const;
+    /// A window of that process with that title that is on the screen.
+    [[nodiscard]] std::optional<ClientWindow> shownWindow(qint64 pid, const QString& title) const;
     /// The work area, in pixels; empty without a window manager that sets it.
     [[nodiscard]] QRect workArea() const;
     /// The window with the keyboard focus.

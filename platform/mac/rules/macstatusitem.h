@@ -18,6 +18,8 @@ public:
     /// Always true, because macOS does not report when the notch hides the item.
     [[nodiscard]] bool isShown() const override { return true; }
     [[nodiscard]] std::optional<Rect> place() const override;
+    /// Never calls it: the menu bar has the item from the start.
+    ObserverToken observePlace(std::function<void()> /*changed*/) override { return {}; }
     void setToolTip(const QString& text) override { m_icon.setToolTip(text); }
     ObserverToken observePresses(std::function<void(std::optional<Rect>)> pressed) override;
 

@@ -23,8 +23,12 @@ MenuBackground::MenuBackground(std::unique_ptr<QWidget> content, std::function<v
     m_content->setParent(this);
 }
 
-void MenuBackground::appear(const std::optional<Rect>& item) {
+void MenuBackground::setItem(const std::optional<Rect>& item) {
     m_item = item ? std::optional(toQt(*item, primaryGeometry()).toRect()) : std::nullopt;
+}
+
+void MenuBackground::appear(const std::optional<Rect>& item) {
+    setItem(item);
     m_content->setFocus();
     show();
 }

@@ -23,8 +23,11 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override { return m_content->sizeHint(); }
 
-    /// Shows the content, to be placed beside the status item (global points; absent when unknown).
-    /// Focus starts before the first control, so that no key activates one by accident.
+    /// Sets the status item's place, in global points; absent when unknown. `fit` places beside it.
+    void setItem(const std::optional<Rect>& item);
+
+    /// Shows the content, to be placed beside the status item (as for `setItem`). Focus starts
+    /// before the first control, so that no key activates one by accident.
     void appear(const std::optional<Rect>& item);
 
     /// Resizes to the content's size hint, limited by the screen, and returns the window's frame in

@@ -17,6 +17,8 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include <csignal>
+
 #include <unistd.h>
 
 using namespace brimlet;
@@ -54,6 +56,8 @@ public:
     Tray(const Tray&) = delete;
     Tray& operator=(const Tray&) = delete;
 
+    void freeze() const { ::kill(static_cast<pid_t>(m_process.processId()), SIGSTOP); }
+    void thaw() const { ::kill(static_cast<pid_t>(m_process.processId()), SIGCONT); }
     [[nodiscard]] bool isRunning() const {
         return m_kind == xembed ? x11::hasSystemTray() : hasNotifier();
     }
@@ -299,6 +303,25 @@ private Q_SLOTS:
         startTray(m_kind);
         QTRY_VERIFY_WITH_TIMEOUT(isInTray(), kPatience);
         QTRY_VERIFY_WITH_TIMEOUT(canBePressed(), kPatience);
+    }
+
+    void untilATrayHasTakenItItsPlaceIsUnknown() {
+        if (isNotifier()) {
+            QSKIP("StatusNotifier trays never report the place");
+        }
+        m_item.reset();
+        endTray();
+        startTray(m_kind);
+        m_tray->freeze();
+        m_item = std::make_unique<TrayStatusItem>();
+        int changes = 0;
+        m_item->observePlace([&changes] { ++changes; });
+        QTRY_VERIFY_WITH_TIMEOUT(m_item->isShown(), kPatience);
+        QCoreApplication::processEvents();
+        QVERIFY(!m_item->place());
+        m_tray->thaw();
+        QTRY_VERIFY_WITH_TIMEOUT(isInTray(), kPatience);
+        QVERIFY(changes > 0);
     }
 
     void cleanupTestCase() {

@@ -67,6 +67,8 @@ private Q_SLOTS:
         background.appear(std::nullopt);
         QCOMPARE(background.fit(),
                  std::optional(Rect{screen.width() - 326.0, top - 406, 320, 400}));
+        background.setItem(Rect{400, top - 24, 24, 24});
+        QCOMPARE(background.fit(), std::optional(Rect{252, top - 430, 320, 400}));
     }
 
     void focusStartsBeforeTheFirstControl() {

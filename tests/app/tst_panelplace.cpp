@@ -1,0 +1,149 @@
+#include "tests/support/processes.h"
+#include "tests/support/testpaths.h"
+#include "tests/support/testprogram.h"
+#include "tests/support/xserver.h"
+
+#include <QTest>
+
+#include <csignal>
+
+using namespace brimlet;
+
+namespace {
+
+constexpr int kPatience = 15'000;
+
+int scale() {
+    return qMax(1, qEnvironmentVariableIntValue("QT_SCALE_FACTOR"));
+}
+
+/// A tray program, stopped and continued by a test. It ends with this.
+class Tray final {
+public:
+    explicit Tray(const QStringList& kind) {
+        m_process.start(sourcePath(u"tests/support/session/tray-host"), kind);
+        m_process.waitForStarted();
+    }
+    ~Tray() {
+        signal(SIGCONT);
+        m_process.terminate();
+        m_process.waitForFinished();
+    }
+    Tray(const Tray&) = delete;
+    Tray& operator=(const Tray&) = delete;
+
+    void signal(int number) const { ::kill(static_cast<pid_t>(m_process.processId()), number); }
+
+private:
+    QProcess m_process;
+};
+
+} // namespace
+
+/// Where the panel opens, beside real trays. The session has none of its own.
+class TestPanelPlace final : public QObject {
+    Q_OBJECT
+
+    XServer m_x;
+
+    /// The panel's frame in points; null while it is not shown.
+    [[nodiscard]] QRect panelOf(const SimulatorProcess& program) const {
+        const auto panel = m_x.shownWindow(program.pid(), QStringLiteral("Brimlet panel"));
+        return panel ? inPoints(panel->geometry) : QRect();
+    }
+    /// The icon's frame in points; null while no tray shows it.
+    [[nodiscard]] QRect iconOf(const SimulatorProcess& program) const {
+        for (const ClientWindow& window : m_x.windowsOf(program.pid())) {
+            if (window.isViewable && window.geometry.size() == QSize(22, 22) * scale()) {
+                return inPoints(window.geometry);
+            }
+        }
+        return {};
+    }
+    [[nodiscard]] static QRect inPoints(const QRect& pixels) {
+        return {pixels.topLeft() / scale(), pixels.size() / scale()};
+    }
+    [[nodiscard]] QRect workArea() const { return inPoints(m_x.workArea()); }
+    /// Waits until the bar has reserved its part of the screen.
+    void awaitBar() const {
+        QTRY_VERIFY_WITH_TIMEOUT(!workArea().isEmpty() && workArea() != kScreen, kPatience);
+    }
+
+    static constexpr QRect kScreen{0, 0, 1512, 982};
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session"); }
+    void init() { QTRY_COMPARE_WITH_TIMEOUT(workArea(), kScreen, kPatience); }
+
+    void openedBeforeTheTrayTakesTheIconItFollowsTheIcon_data() {
+        QTest::addColumn<QString>("bar");
+        QTest::addColumn<bool>("isAtTop");
+        QTest::addColumn<bool>("isAtLeft");
+        QTest::newRow("bottom right") << QStringLiteral("bottom right") << false << false;
+        QTest::newRow("bottom centre") << QStringLiteral("bottom center") << false << false;
+        QTest::newRow("top left") << QStringLiteral("top left") << true << true;
+        QTest::newRow("top right") << QStringLiteral("top right") << true << false;
+    }
+    void openedBeforeTheTrayTakesTheIconItFollowsTheIcon() {
+        QFETCH(QString, bar);
+        QFETCH(bool, isAtTop);
+        QFETCH(bool, isAtLeft);
+        const Tray tray({QStringLiteral("xembed"), bar});
+        awaitBar();
+        tray.signal(SIGSTOP); // it takes no icon
+        SimulatorProcess program({});
+        (void)program.ask("open");
+        QTRY_VERIFY_WITH_TIMEOUT(panelOf(program).isValid(), kPatience);
+        // In the corner at the bar's edge, six points from the bar and from the screen's side.
+        const QRect free = workArea().adjusted(6, 6, -6, -6);
+        QTRY_COMPARE_WITH_TIMEOUT(panelOf(program).right(), free.right(), kPatience);
+        if (isAtTop) {
+            QTRY_COMPARE_WITH_TIMEOUT(panelOf(program).top(), free.top(), kPatience);
+        } else {
+            QTRY_COMPARE_WITH_TIMEOUT(panelOf(program).bottom(), free.bottom(), kPatience);
+        }
+        QVERIFY(iconOf(program).isNull());
+
+        tray.signal(SIGCONT);
+        QTRY_VERIFY_WITH_TIMEOUT(iconOf(program).isValid(), kPatience);
+        const auto isBesideIcon = [&] {
+            const QRect panel = panelOf(program);
+            const QRect icon = iconOf(program);
+            const int x =
+                qBound(free.left(), icon.center().x() - panel.width() / 2 + 1, free.right() - 319);
+            return qAbs(panel.x() - x) <= 1 &&
+                   (isAtTop ? panel.top() == free.top() : panel.bottom() == free.bottom());
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(isBesideIcon(), kPatience);
+        QCOMPARE(panelOf(program).left() == free.left(), isAtLeft);
+        QVERIFY(program.state().value(QStringLiteral("isMenuOpen")).toBool());
+        // It opens there again.
+        QCOMPARE(program.startAgain(), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(isBesideIcon(), kPatience);
+    }
+
+    void aTrayWithoutPlacesHasItInTheCornerAtTheBar_data() {
+        QTest::addColumn<QString>("bar");
+        QTest::newRow("bottom") << QStringLiteral("bottom right");
+        QTest::newRow("top") << QStringLiteral("top left");
+    }
+    void aTrayWithoutPlacesHasItInTheCornerAtTheBar() {
+        QFETCH(QString, bar);
+        const Tray items({QStringLiteral("notifier")});
+        const Tray tray({QStringLiteral("xembed"), bar});
+        awaitBar();
+        SimulatorProcess program({});
+        (void)program.ask("open");
+        QTRY_VERIFY_WITH_TIMEOUT(panelOf(program).isValid(), kPatience);
+        const QRect free = workArea().adjusted(6, 6, -6, -6);
+        QTRY_COMPARE_WITH_TIMEOUT(panelOf(program).right(), free.right(), kPatience);
+        if (bar.startsWith(u"top")) {
+            QTRY_COMPARE_WITH_TIMEOUT(panelOf(program).top(), free.top(), kPatience);
+        } else {
+            QTRY_COMPARE_WITH_TIMEOUT(panelOf(program).bottom(), free.bottom(), kPatience);
+        }
+    }
+};
+
+BRIMLET_TEST(TestPanelPlace, QCoreApplication)
+#include "tst_panelplace.moc"
