@@ -8,6 +8,7 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QWindow>
 
 namespace brimlet {
 
@@ -77,7 +78,9 @@ void X11MenuWindow::fit() {
 void X11MenuWindow::restoreFrame() {
     if (isVisible() && geometry() != m_frame && !m_isFrameRestored) {
         m_isFrameRestored = true;
-        setGeometry(m_frame);
+        // The native window's, which may still differ from the widget's: that one would request
+        // only what differs from its own.
+        windowHandle()->setGeometry(m_frame);
     }
 }
 
