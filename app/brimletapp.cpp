@@ -15,9 +15,10 @@ std::shared_ptr<HostStore> sharedStore(const HostPorts& host, const OverlayPorts
 
 } // namespace
 
-BrimletApp::BrimletApp(const HostPorts& host, const OverlayPorts& overlay, const MenuPorts& menu)
+BrimletApp::BrimletApp(const HostPorts& host, const OverlayPorts& overlay, const MenuPorts& menu,
+                       StartReason reason)
     : m_store(sharedStore(host, overlay))
-    , m_menuBarExtra(m_store, menu) {
+    , m_menuBarExtra(m_store, menu, reason) {
     const auto render = [] { OverlayController::shared().refresh(); };
     QObject::connect(m_store.get(), &HostStore::overlayNeedsRender, &m_appDelegate, render,
                      Qt::DirectConnection);

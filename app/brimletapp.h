@@ -15,7 +15,8 @@ namespace brimlet {
 class BrimletApp final {
 public:
     /// The ports outlive the process's main loop.
-    BrimletApp(const HostPorts& host, const OverlayPorts& overlay, const MenuPorts& menu);
+    BrimletApp(const HostPorts& host, const OverlayPorts& overlay, const MenuPorts& menu,
+               StartReason reason = StartReason::ByHand);
 
     /// Starts the store and the overlay, and runs the main loop until the program quits; returns
     /// the exit code.

@@ -25,7 +25,7 @@ QString optionsOf(Program program) {
     case Program::Linux:
         break;
     }
-    return QStringLiteral("[--pause | --quit | --help | --version]");
+    return QStringLiteral("[--open | --autostart | --pause | --quit | --help | --version]");
 }
 
 /// macOS may pass the process serial number, e.g. "-psn_0_12345", to a downloaded program that is
@@ -64,6 +64,12 @@ std::optional<int> readCommandLine(const QStringList& arguments, Program program
     const QCommandLineOption console(
         QStringLiteral("console"),
         QStringLiteral("Read commands from standard input and answer in JSON lines."));
+    const QCommandLineOption open(
+        QStringLiteral("open"),
+        QStringLiteral("Open the panel, of the running program if there is one."));
+    const QCommandLineOption autostart(
+        QStringLiteral("autostart"),
+        QStringLiteral("Start with the panel closed, even without a tray; for sessions."));
     const QCommandLineOption pause(
         QStringLiteral("pause"),
         QStringLiteral("Have the running program pause ads for 24 hours."));
@@ -75,7 +81,7 @@ std::optional<int> readCommandLine(const QStringList& arguments, Program program
     parser.addOptions({help, version});
     parser.addOptions(isSimulator ? QList{machine, console}
                       : isMac     ? QList{pause, quit, selfTest}
-                                  : QList{pause, quit});
+                                  : QList{open, autostart, pause, quit});
     const bool isParsed = parser.parse(isMac ? withoutProcessNumber(arguments) : arguments);
     const auto refuse = [program](const QString& complaint) {
         print(stderr, QStringLiteral("%1: %2\nUsage: %1 %3\n")
@@ -110,10 +116,18 @@ std::optional<int> readCommandLine(const QStringList& arguments, Program program
     commandLine.isSelfTestWanted = isMac && parser.isSet(selfTest);
     const bool isPause = parser.isSet(pause);
     const bool isQuit = parser.isSet(quit);
-    if (int(isPause) + int(isQuit) + int(commandLine.isSelfTestWanted) > 1) {
+    const bool isOpen = !isMac && parser.isSet(open);
+    const bool isAutostart = !isMac && parser.isSet(autostart);
+    if (int(isPause) + int(isQuit) + int(isOpen) + int(isAutostart) +
+            int(commandLine.isSelfTestWanted) >
+        1) {
         return refuse(QStringLiteral("One request at a time."));
     }
-    if (isPause) {
+    if (isOpen) {
+        commandLine.reason = StartReason::Open;
+    } else if (isAutostart) {
+        commandLine.reason = StartReason::Session;
+    } else if (isPause) {
         commandLine.request = InstanceRequest::Pause;
     } else if (isQuit) {
         commandLine.request = InstanceRequest::Quit;

@@ -23,7 +23,7 @@ int main(int argc, char* argv[]) {
     }
     const QApplication application(argc, argv);
     configureLinuxApplication();
-    if (const auto answer = instance.claim()) {
+    if (const auto answer = instance.claim(commandLine.reason)) {
         return exitCodeOf(*answer);
     }
 
@@ -31,7 +31,8 @@ int main(int argc, char* argv[]) {
     BrimletApp app =
         makeApp({desktop.screens, desktop.workspace, desktop.secrets, *desktop.http, desktop.bundle,
                  desktop.clock, desktop.cachesFolder, desktop.reduceMotion, desktop.statusItem,
-                 x11OverlayWindowFactory(primaryGeometry), makeX11MenuWindow});
+                 x11OverlayWindowFactory(primaryGeometry), makeX11MenuWindow},
+                commandLine.reason);
     handleRequests(instance, app);
     followDesktop(*app.store(), desktop.workspace);
     return app.run();

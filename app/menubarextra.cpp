@@ -12,20 +12,22 @@ namespace {
 /// panel.
 constexpr std::chrono::milliseconds kSameClick{200};
 
-/// The panel opens by itself if the desktop shows no status item within this time. Without a status
-/// item the panel is the only way to reach the program.
+/// After a start by hand the panel opens if the desktop shows no status item within this time.
+/// Without a status item the panel is the only way to reach the program.
 constexpr std::chrono::seconds kWaitForBar{3};
 
 } // namespace
 
-MenuBarExtra::MenuBarExtra(std::shared_ptr<HostStore> store, MenuPorts ports)
+MenuBarExtra::MenuBarExtra(std::shared_ptr<HostStore> store, MenuPorts ports, StartReason reason)
     : m_store(std::move(store))
     , m_ports(std::move(ports)) {
     m_ports.statusItem.observePresses([this](const std::optional<Rect>& place) { pressed(place); });
     m_ports.statusItem.observePlace([this] { placeChanged(); });
     connect(m_store.get(), &HostStore::objectWillChange, &m_toolTipUpdate, &OncePerTurn::schedule);
     m_toolTipUpdate.schedule();
-    startTask(openWithoutStatusItem(m_end.get_token()));
+    if (reason != StartReason::Session) {
+        startTask(openAfterStart(reason, m_end.get_token()));
+    }
 }
 
 MenuBarExtra::~MenuBarExtra() {
@@ -65,10 +67,12 @@ void MenuBarExtra::updateToolTip() {
     }
 }
 
-QCoro::Task<> MenuBarExtra::openWithoutStatusItem(std::stop_token end) {
-    co_await m_ports.clock.sleep(kWaitForBar, end);
+QCoro::Task<> MenuBarExtra::openAfterStart(StartReason reason, std::stop_token end) {
+    const bool isWanted = reason == StartReason::Open;
+    const auto wait = isWanted ? std::chrono::seconds(0) : kWaitForBar;
+    co_await m_ports.clock.sleep(wait, end);
     // After a stop request `this` may be destroyed.
-    if (!end.stop_requested() && !m_ports.statusItem.isShown() && !m_window) {
+    if (!end.stop_requested() && !m_window && (isWanted || !m_ports.statusItem.isShown())) {
         open();
     }
 }

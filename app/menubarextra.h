@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/hoststore.h"
+#include "platform/instancerequest.h"
 #include "platform/menuwindow.h"
 #include "platform/onceperturn.h"
 #include "platform/statusitem.h"
@@ -32,7 +33,8 @@ class MenuBarExtra final : public QObject {
     Q_OBJECT
 
 public:
-    MenuBarExtra(std::shared_ptr<HostStore> store, MenuPorts ports);
+    MenuBarExtra(std::shared_ptr<HostStore> store, MenuPorts ports,
+                 StartReason reason = StartReason::ByHand);
     ~MenuBarExtra() override;
     Q_DISABLE_COPY_MOVE(MenuBarExtra)
 
@@ -47,7 +49,8 @@ private:
     void placeChanged();
     void openAt(const std::optional<Rect>& place);
     void updateToolTip();
-    [[nodiscard]] QCoro::Task<> openWithoutStatusItem(std::stop_token end);
+    /// Opens the panel by itself, for these reasons of the start.
+    [[nodiscard]] QCoro::Task<> openAfterStart(StartReason reason, std::stop_token end);
 
     std::shared_ptr<HostStore> m_store;
     MenuPorts m_ports;

@@ -46,7 +46,7 @@ void configureApplication() {
     quitOnTerminationSignals();
 }
 
-BrimletApp makeApp(const SystemPorts& system) {
+BrimletApp makeApp(const SystemPorts& system, StartReason reason) {
     SharedPorts<ImagePorts>::set({system.http, system.cachesFolder});
     const CreativeEnvironment environment{CreativeImageCache::shared(), system.clock,
                                           system.reduceMotion};
@@ -55,7 +55,8 @@ BrimletApp makeApp(const SystemPorts& system) {
          system.clock},
         {system.screens, system.workspace,
          overlayWindowFactory(system.makeOverlayWindow, environment)},
-        {system.statusItem, system.clock, menuWindowFactory(system.makeMenuWindow, environment)}};
+        {system.statusItem, system.clock, menuWindowFactory(system.makeMenuWindow, environment)},
+        reason};
 }
 
 void handleRequests(const InstanceLock& instance, BrimletApp& app) {

@@ -39,7 +39,8 @@ struct SystemPorts final {
 void configureApplication();
 
 /// Creates the application on these ports, with the program's views in its windows. Call once.
-[[nodiscard]] BrimletApp makeApp(const SystemPorts& system);
+[[nodiscard]] BrimletApp makeApp(const SystemPorts& system,
+                                 StartReason reason = StartReason::ByHand);
 
 /// Connects the requests of other processes to the application. Both outlive the main loop.
 void handleRequests(const InstanceLock& instance, BrimletApp& app);

@@ -9,6 +9,13 @@ enum class InstanceRequest {
     Quit,
 };
 
+/// Why a process of the program was started, which decides whether the panel opens.
+enum class StartReason {
+    ByHand,  ///< It opens if the desktop shows no status item, and if the program runs already.
+    Open,    ///< By hand, to open it.
+    Session, ///< By the desktop, at the start of a session: it stays closed.
+};
+
 /// How the running program answered a request.
 enum class InstanceAnswer {
     Done,

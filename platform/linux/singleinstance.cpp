@@ -34,11 +34,11 @@ SingleInstance::SingleInstance(const QString& name)
     : InstanceLock(lockFile(name))
     , m_name(name) {}
 
-std::optional<InstanceAnswer> SingleInstance::claim() {
+std::optional<InstanceAnswer> SingleInstance::claim(StartReason reason) {
     if (runtimeFolder().isEmpty()) {
         QDir().mkpath(*XdgCachesFolder().path());
     }
-    const auto answer = InstanceLock::claim();
+    const auto answer = InstanceLock::claim(reason);
     if (!answer && QDBusConnection::sessionBus().isConnected()) {
         ownName();
     }

@@ -13,7 +13,8 @@ public:
     /// `name` is the bus name, in reverse-DNS form; the lock file is named after it.
     explicit SingleInstance(const QString& name);
 
-    [[nodiscard]] std::optional<InstanceAnswer> claim() override;
+    [[nodiscard]] std::optional<InstanceAnswer>
+    claim(StartReason reason = StartReason::ByHand) override;
 
     /// Over the bus if the name has an owner there, which has 3 s to answer; else by a signal.
     [[nodiscard]] InstanceAnswer ask(InstanceRequest request) const override;

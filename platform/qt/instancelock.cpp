@@ -39,7 +39,7 @@ struct flock wholeFile() {
 InstanceLock::InstanceLock(QString file)
     : m_file(std::move(file)) {}
 
-std::optional<InstanceAnswer> InstanceLock::claim() {
+std::optional<InstanceAnswer> InstanceLock::claim(StartReason reason) {
     // Before the lock: by default these signals end the process that others find holding it.
     for (const InstanceRequest request : {InstanceRequest::Open, InstanceRequest::Pause}) {
         onUnixSignal(signalOf(request), [this, request] { Q_EMIT requested(request); });
@@ -49,6 +49,9 @@ std::optional<InstanceAnswer> InstanceLock::claim() {
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         if (lock()) {
             return std::nullopt;
+        }
+        if (reason == StartReason::Session) {
+            return InstanceAnswer::Done;
         }
         const InstanceAnswer answer = ask(InstanceRequest::Open);
         if (answer != InstanceAnswer::NotRunning) {

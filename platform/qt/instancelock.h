@@ -20,10 +20,11 @@ public:
     explicit InstanceLock(QString file);
 
     /// Makes this process the one that runs, if none does. Otherwise asks that one to open its
-    /// panel and returns the answer. Where the file cannot be locked, every process runs. Called
-    /// once, after the application object was created; requests that arrive from then on are
-    /// emitted by the main loop.
-    [[nodiscard]] virtual std::optional<InstanceAnswer> claim();
+    /// panel, unless the session started this one, and returns the answer. Where the file cannot be
+    /// locked, every process runs. Called once, after the application object was created; requests
+    /// that arrive from then on are emitted by the main loop.
+    [[nodiscard]] virtual std::optional<InstanceAnswer>
+    claim(StartReason reason = StartReason::ByHand);
 
     /// Asks the process that runs. A signal counts as done once it is sent.
     [[nodiscard]] virtual InstanceAnswer ask(InstanceRequest request) const;

@@ -78,6 +78,12 @@ private Q_SLOTS:
         QTest::newRow("two requests at once")
             << brimlet << QStringList{QStringLiteral("--pause"), QStringLiteral("--quit")}
             << QStringLiteral("One request at a time.");
+        QTest::newRow("open and closed at once")
+            << brimlet << QStringList{QStringLiteral("--open"), QStringLiteral("--autostart")}
+            << QStringLiteral("One request at a time.");
+        QTest::newRow("a start and a request")
+            << brimlet << QStringList{QStringLiteral("--autostart"), QStringLiteral("--quit")}
+            << QStringLiteral("One request at a time.");
         QTest::newRow("a request and an argument")
             << brimlet << QStringList{QStringLiteral("--pause"), QStringLiteral("24")}
             << QStringLiteral("'24'");
@@ -102,6 +108,24 @@ private Q_SLOTS:
         QVERIFY2(ended.err.contains(QStringLiteral("Usage: %1 ").arg(program)),
                  qPrintable(ended.err));
         QCOMPARE(ended.out, QString());
+    }
+
+    void theReasonOfTheStartIsRead_data() {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<StartReason>("reason");
+        QTest::newRow("plainly") << QStringList() << StartReason::ByHand;
+        QTest::newRow("to open the panel")
+            << QStringList{QStringLiteral("--open")} << StartReason::Open;
+        QTest::newRow("with the session")
+            << QStringList{QStringLiteral("--autostart")} << StartReason::Session;
+    }
+    void theReasonOfTheStartIsRead() {
+        QFETCH(QStringList, options);
+        CommandLine commandLine;
+        options.prepend(QStringLiteral("brimlet"));
+        QVERIFY(!readCommandLine(options, Program::Linux, commandLine));
+        QTEST(commandLine.reason, "reason");
+        QVERIFY(!commandLine.request);
     }
 
     void validOptionsOnAMacAreRead_data() {
@@ -131,6 +155,8 @@ private Q_SLOTS:
         QTest::newRow("unknown option") << QStringList{QStringLiteral("--bogus")};
         QTest::newRow("two requests at once")
             << QStringList{QStringLiteral("--self-test"), QStringLiteral("--quit")};
+        QTest::newRow("the session's start is Linux's")
+            << QStringList{QStringLiteral("--autostart")};
     }
     void mistakesOnAMacGiveExitCodeTwo() {
         QFETCH(QStringList, arguments);

@@ -14,13 +14,16 @@ class TestMenuBarExtra final : public QObject {
 
     /// One extra over fakes.
     struct Scene final {
-        explicit Scene(bool isShown = true) {
+        explicit Scene(bool isShown = true, StartReason reason = StartReason::ByHand) {
             item.shown = isShown;
-            extra.emplace(store, MenuPorts{item, host.clock, [this](const auto& its) {
-                                               ++windows;
-                                               storeOfWindow = its;
-                                               return std::make_unique<FakeMenuWindow>(window);
-                                           }});
+            extra.emplace(store,
+                          MenuPorts{item, host.clock,
+                                    [this](const auto& its) {
+                                        ++windows;
+                                        storeOfWindow = its;
+                                        return std::make_unique<FakeMenuWindow>(window);
+                                    }},
+                          reason);
         }
 
         HostFixture host;
@@ -125,6 +128,21 @@ private Q_SLOTS:
         scene.item.shown = true;
         scene.host.clock.advance(1h);
         QCOMPARE(scene.windows, 0);
+    }
+
+    void startedWithTheSessionItStaysClosed() {
+        Scene scene(false, StartReason::Session);
+        scene.host.clock.advance(1h);
+        QVERIFY(!scene.extra->isOpen());
+        scene.extra->open();
+        QVERIFY(scene.extra->isOpen());
+    }
+
+    void startedToOpenItOpensAtOnceEvenWithABar() {
+        Scene scene(true, StartReason::Open);
+        QVERIFY(!scene.extra->isOpen()); // the main loop does not run yet
+        scene.host.clock.advance(0ms);
+        QVERIFY(scene.extra->isOpen());
     }
 
     void onceOpenedItDoesNotOpenByItself() {

@@ -76,6 +76,15 @@ private Q_SLOTS:
         QCOMPARE(nextLine(), QStringLiteral("open"));
     }
 
+    void aSecondProcessOfTheSessionEndsWithoutARequest() {
+        startOther();
+        QCOMPARE(nextLine(), QStringLiteral("first"));
+        InstanceLock lock(file());
+        QCOMPARE(lock.claim(StartReason::Session), std::optional(InstanceAnswer::Done));
+        QCOMPARE(lock.ask(InstanceRequest::Pause), InstanceAnswer::Done);
+        QCOMPARE(nextLine(), QStringLiteral("pause")); // the first line of all
+    }
+
     void theFirstCanBeAskedToPauseAndToQuit() {
         startOther();
         QCOMPARE(nextLine(), QStringLiteral("first"));
