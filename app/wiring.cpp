@@ -39,7 +39,7 @@ MenuWindowFactory menuWindowFactory(const NativeMenuWindowFactory& makeWindow,
 } // namespace
 
 void configureApplication() {
-    QCoreApplication::setApplicationName(QStringLiteral("brimlet"));
+    QCoreApplication::setApplicationName(QStringLiteral("Brimlet"));
     QCoreApplication::setApplicationVersion(QStringLiteral(BRIMLET_VERSION));
     // The overlay is hidden often; that must not end the program.
     QGuiApplication::setQuitOnLastWindowClosed(false);

@@ -1,7 +1,6 @@
 #include "menu/hostmenuview.h"
 
 #include "creative/notchfont.h"
-#include "host/statusline.h"
 #include "menu/agreementtext.h"
 #include "menu/amounttext.h"
 #include "menu/hostbuttons.h"
@@ -49,7 +48,7 @@ HostMenuView::HostMenuView(std::shared_ptr<HostStore> store, const CreativeEnvir
     , m_live(new LiveDot(false, false))
     , m_amount(new AmountText)
     , m_earnings(dimText())
-    , m_notchedOnly(dimText(statusline::notchedOnly()))
+    , m_notchedOnly(dimText(tr("Notched MacBooks only.")))
     , m_moveToApplications(
           dimText(tr("Drag this app into Applications. Time only counts from there, so "
                      "a copy in Downloads cannot farm the pool.")))

@@ -7,10 +7,10 @@
 namespace brimlet {
 namespace {
 
-/// Translated into the user's language, if there is a translation.
-QString localized(const char* text) {
-    return QCoreApplication::translate("HostMenuView", text);
-}
+/// Translates in the view's context. Its arguments are literals, or lupdate does not find them.
+struct Localized final {
+    Q_DECLARE_TR_FUNCTIONS(brimlet::HostMenuView)
+};
 
 } // namespace
 
@@ -22,24 +22,24 @@ QString eurosShort(std::int64_t cents) {
 }
 
 QString earningsText(std::int64_t estimatedCents) {
-    return localized("You'll earn %1 this week").arg(eurosShort(estimatedCents));
+    return Localized::tr("You'll earn %1 this week").arg(eurosShort(estimatedCents));
 }
 
 QString recordedText(std::int64_t liveBucketsToday, std::int64_t liveBucketsNeeded,
                      std::int64_t liveDaysThisWeek) {
-    return localized("Recorded %1/%2 live windows today · %3 live days this week")
+    return Localized::tr("Recorded %1/%2 live windows today · %3 live days this week")
         .arg(QString::number(liveBucketsToday), QString::number(liveBucketsNeeded),
              QString::number(liveDaysThisWeek));
 }
 
 QString splitText(std::int64_t liveHostCount) {
-    return (liveHostCount == 1 ? localized("Split with %1 live host")
-                               : localized("Split with %1 live hosts"))
+    return (liveHostCount == 1 ? Localized::tr("Split with %1 live host")
+                               : Localized::tr("Split with %1 live hosts"))
         .arg(QString::number(liveHostCount));
 }
 
 QString bankedText(std::int64_t pendingStipendCents) {
-    return localized("Banked %1. Cash-out at €15 via Stripe or PayPal.")
+    return Localized::tr("Banked %1. Cash-out at €15 via Stripe or PayPal.")
         .arg(eurosWithCents(pendingStipendCents));
 }
 

@@ -10,7 +10,7 @@
 
 namespace brimlet {
 
-/// The program's icon in the desktop's tray or menu bar. It has no title. Main thread only.
+/// The program's icon in the desktop's tray or menu bar. It shows no text. Main thread only.
 class StatusItem {
 public:
     virtual ~StatusItem() = default;

@@ -96,6 +96,36 @@ private Q_SLOTS:
     void initTestCase() { QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session"); }
     void init() { moveTo(QPoint(300, 600) * scale()); }
 
+    void theTrayKnowsItByTheProgramsName() {
+        SimulatorProcess program({});
+        if (hasNotifierTray()) {
+            const auto item = [] {
+                const auto question = QDBusMessage::createMethodCall(
+                    QStringLiteral("app.brimlet.test.Tray"), QStringLiteral("/tray"),
+                    QStringLiteral("app.brimlet.test.Tray"), QStringLiteral("Items"));
+                const QDBusMessage answer = QDBusConnection::sessionBus().call(question);
+                return QJsonDocument::fromJson(answer.arguments().value(0).toString().toUtf8())
+                    .array()
+                    .at(0)
+                    .toObject();
+            };
+            QTRY_COMPARE_WITH_TIMEOUT(item().value(QStringLiteral("Title")).toString(),
+                                      QStringLiteral("Brimlet"), kPatience);
+            QTRY_COMPARE_WITH_TIMEOUT(item().value(QStringLiteral("ToolTipTitle")).toString(),
+                                      program.statusLine(), kPatience);
+            return;
+        }
+        std::optional<ClientWindow> icon;
+        QTRY_VERIFY_WITH_TIMEOUT((icon = iconOf(program)), kPatience);
+        QCOMPARE(icon->title, QStringLiteral("Brimlet"));
+        QProcess properties;
+        properties.start(QStringLiteral("xprop"), {QStringLiteral("-id"), QString::number(icon->id),
+                                                   QStringLiteral("WM_CLASS")});
+        QVERIFY(properties.waitForFinished());
+        QCOMPARE(properties.readAllStandardOutput(),
+                 QByteArray("WM_CLASS(STRING) = \"brimlet-simulator\", \"Brimlet\"\n"));
+    }
+
     void aHostOpensPastesSignsPausesAndQuits() {
         const PlacementProcess service;
         SimulatorProcess program(

@@ -298,7 +298,7 @@ private Q_SLOTS:
                     QStringLiteral("app.brimlet.test.Tray"), QStringLiteral("Items"));
                 return QDBusConnection::sessionBus().call(question).arguments().value(0).toString();
             };
-            QTRY_VERIFY_WITH_TIMEOUT(items().contains(QStringLiteral("brimlet")), kPatience);
+            QTRY_VERIFY_WITH_TIMEOUT(items().contains(QStringLiteral("Brimlet")), kPatience);
             tray.kill();
             QVERIFY(tray.waitForFinished(kPatience));
         }
