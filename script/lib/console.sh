@@ -39,10 +39,14 @@ shows() {
 set_background() { hsetroot -add '#9fb2c9' -add '#4a5a72' -gradient 0 >/dev/null; }
 
 # shellcheck disable=SC2034 # for the scripts
-# find_window TITLE: sets $x, $y, $width and $height, in pixels of the screen.
+# find_window TITLE: sets $x, $y, $width and $height, in pixels of the screen. Not a window of
+# one pixel: Qt gives such a helper window the program's name.
 find_window() {
   local window
-  window=$(xwininfo -name "$1") || fail "the panel's window is not on the X server"
-  read -r x y width height < <(sed -nE 's/^ *(Absolute upper-left [XY]|Width|Height): *//p' <<<"$window" |
-    tr '\n' ' '; echo)
+  # A line ends with WIDTHxHEIGHT+X+Y in its parent and +X+Y on the screen.
+  window=$(xwininfo -root -tree | grep -F " \"$1\": " |
+    sed -nE '/ 1x1\+/d; s/.* ([0-9]+)x([0-9]+)[-+0-9]+ +\+(-?[0-9]+)\+(-?[0-9]+)$/\1 \2 \3 \4/p' |
+    head -n 1) || true # reported below
+  [ -n "$window" ] || fail "the window $1 is not on the X server"
+  read -r width height x y <<<"$window"
 }

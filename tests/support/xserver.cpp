@@ -69,7 +69,7 @@ std::vector<xcb_window_t> XServer::children(xcb_window_t window) const {
 
 std::optional<xcb_window_t> XServer::windowNamed(const char* title) const {
     for (const xcb_window_t child : children(m_root)) {
-        if (property(child, XCB_ATOM_WM_NAME) == title) {
+        if (property(child, XCB_ATOM_WM_NAME) == title && geometry(child).width() > 1) {
             return child;
         }
     }

@@ -31,7 +31,8 @@ public:
 
     [[nodiscard]] bool isConnected() const;
 
-    /// The top-level window of that title, mapped or not.
+    /// The top-level window of that title, mapped or not. Not one of a pixel: Qt gives such a
+    /// helper window the program's name.
     [[nodiscard]] std::optional<xcb_window_t> windowNamed(const char* title) const;
     [[nodiscard]] QRect geometry(xcb_window_t window) const;
     [[nodiscard]] bool isMapped(xcb_window_t window) const;
