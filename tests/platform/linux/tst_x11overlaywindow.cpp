@@ -5,6 +5,8 @@
 
 #include <QApplication>
 #include <QGuiApplication>
+#include <QProcess>
+#include <QScreen>
 #include <QTest>
 #include <QWindow>
 
@@ -254,6 +256,33 @@ private Q_SLOTS:
         render(*window);
         QTRY_COMPARE_WITH_TIMEOUT(m_x.boundingShape(idOf(*window)),
                                   std::vector<QRect>{QRect(QPoint(), kPanel.size())}, kPatience);
+    }
+
+    void itKeepsItsPlaceWhenItsMonitorIsGone() {
+        const auto window = makeWindow();
+        QVERIFY(isAtRest(*window));
+        const xcb_window_t id = idOf(*window);
+        const QRect place = m_x.geometry(id);
+        // The lid is closed; the desktop goes on with an external display in the same place.
+        const auto setMonitors = [](const char* gone, const QStringList& added) {
+            QStringList arguments{QStringLiteral("--delmonitor"), QString::fromLatin1(gone),
+                                  QStringLiteral("--setmonitor")};
+            QCOMPARE(QProcess::execute(QStringLiteral("xrandr"), arguments + added), 0);
+            QTRY_COMPARE_WITH_TIMEOUT(QGuiApplication::screens().size(), 1, kPatience);
+            QTRY_COMPARE_WITH_TIMEOUT(QGuiApplication::primaryScreen()->name(), added.constFirst(),
+                                      kPatience);
+        };
+        setMonitors("eDP-1", {QStringLiteral("HDMI-1"), QStringLiteral("1200/300x900/200+0+0"),
+                              QStringLiteral("screen")});
+        window->orderFrontRegardless(); // as after the next poll
+        QCoreApplication::processEvents();
+        QCOMPARE(idOf(*window), id);
+        QVERIFY(m_x.isMapped(id));
+        QCOMPARE(m_x.geometry(id), place);
+        setMonitors("HDMI-1",
+                    {QStringLiteral("eDP-1"), QStringLiteral("auto"), QStringLiteral("screen")});
+        QVERIFY(m_x.isMapped(id));
+        QCOMPARE(m_x.geometry(id), place);
     }
 };
 
