@@ -4,8 +4,10 @@
 #include "menu/hosttheme.h"
 #include "menu/livedot.h"
 #include "menu/menutext.h"
+#include "tests/support/paintcounter.h"
 #include "tests/support/testprogram.h"
 
+#include <QAbstractEventDispatcher>
 #include <QAccessible>
 #include <QApplication>
 #include <QHBoxLayout>
@@ -57,9 +59,24 @@ std::pair<int, int> extent(const QImage& image, int row) {
     return {first, last};
 }
 
-void press(HostButton& button) {
-    button.resize(288, button.sizeHint().height());
-    button.setDown(true);
+/// Shows the button as wide as in the menu.
+void show(HostButton& button) {
+    button.setFixedSize(288, button.sizeHint().height());
+    button.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&button));
+}
+
+/// The box of the label: its pixels are the brightest ones.
+QRect labelIn(const QImage& picture) {
+    QRect label;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (picture.pixelColor(x, y).red() > 160) {
+                label |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return label;
 }
 
 } // namespace
@@ -116,6 +133,41 @@ private Q_SLOTS:
             extent(picture.copy(0, 0, 4 * 12, picture.height()), picture.height() / 2);
         QVERIFY(first <= 1);
         QVERIFY(last == 27 || last == 28);
+        // The word's pixels are mixtures of its colour and the background, up to its colour.
+        const QColor wordColor = live ? HostTheme::live() : over(HostTheme::dim(), HostTheme::bg());
+        QColor strongest = HostTheme::bg();
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 4 * 12; x < picture.width(); ++x) {
+                const QColor color = picture.pixelColor(x, y);
+                strongest = color.green() > strongest.green() ? color : strongest;
+            }
+        }
+        QVERIFY2(isAbout(strongest, wordColor), qPrintable(strongest.name()));
+    }
+
+    void theDotDoesNotAnimate() {
+        LiveDot dot(false, false);
+        dot.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dot));
+        const auto hasTimers = [&dot] {
+            const auto* const loop = QAbstractEventDispatcher::instance();
+            return !loop->registeredTimers(&dot).isEmpty() ||
+                   !dot.findChildren<QObject*>(QString(), Qt::FindDirectChildrenOnly).isEmpty();
+        };
+        for (const bool live : {true, false}) {
+            const PaintCounter counter(dot);
+            dot.setLive(live);
+            LiveDot other(live, false);
+            dot.resize(dot.sizeHint());
+            other.resize(dot.size());
+            QCOMPARE(pictureOf(dot), pictureOf(other)); // at once
+            QTRY_VERIFY(counter.paints > 0);
+            QCoreApplication::processEvents();
+            const int paints = counter.paints;
+            QVERIFY(!hasTimers());
+            QCoreApplication::processEvents();
+            QCOMPARE(counter.paints, paints);
+        }
     }
 
     void aDotThatIsNotLiveIsGreyWhiteWithADimSmallWord() {
@@ -171,8 +223,10 @@ private Q_SLOTS:
     void aPressedButtonIsFainterAndSmaller() {
         HostPrimaryButton primary(QStringLiteral("I"));
         HostGhostButton ghost(QStringLiteral("I"));
-        press(primary);
-        press(ghost);
+        show(primary);
+        show(ghost);
+        QTest::mousePress(&primary, Qt::LeftButton);
+        QTest::mousePress(&ghost, Qt::LeftButton);
         const QColor background = Qt::black;
         const QImage picture = pictureOf(primary, 1, background);
         QVERIFY(isAbout(picture.pixelColor(40, 10),
@@ -183,9 +237,38 @@ private Q_SLOTS:
         const auto [first, last] = extent(picture, picture.height() / 2);
         QVERIFY2(qAbs(first - 6) <= 1 && qAbs(last - 281) <= 1,
                  qPrintable(QStringLiteral("%1 %2").arg(first).arg(last)));
-        primary.setDown(false);
+        QTest::mouseRelease(&primary, Qt::LeftButton);
         QVERIFY(isAbout(pictureOf(primary, 1, background).pixelColor(40, 10), HostTheme::accent()));
         QCOMPARE(extent(pictureOf(primary, 1, background), picture.height() / 2).first, 0);
+    }
+
+    void thePressScalesTheLabelAndTheOutlineAboutTheCentre() {
+        HostPrimaryButton primary(QStringLiteral("I agree · not a guarantee"));
+        HostGhostButton ghost(QStringLiteral("I agree · not a guarantee"));
+        const QColor background = Qt::black;
+        for (HostButton* const button : std::initializer_list<HostButton*>{&primary, &ghost}) {
+            show(*button);
+            const QRect before = labelIn(pictureOf(*button, 8, background));
+            QTest::mousePress(button, Qt::LeftButton);
+            const QImage pressed = pictureOf(*button, 8, background);
+            const QRect label = labelIn(pressed);
+            QVERIFY(before.width() > 8 * 100);
+            QVERIFY2(qAbs(label.width() - 0.96 * before.width()) <= 8,
+                     qPrintable(QStringLiteral("%1 %2").arg(before.width()).arg(label.width())));
+            QVERIFY(qAbs(label.height() - 0.96 * before.height()) <= 4);
+            QVERIFY(qAbs(label.center().x() - before.center().x()) <= 4);
+            QVERIFY(qAbs(label.center().y() - before.center().y()) <= 4);
+            QTest::mouseRelease(button, Qt::LeftButton);
+            QCOMPARE(labelIn(pictureOf(*button, 8, background)), before);
+        }
+        // The ghost's outline: 0.96 of a point wide, at the pressed capsule's edge.
+        QTest::mousePress(&ghost, Qt::LeftButton);
+        const QImage picture = pictureOf(ghost, 8, background);
+        const int top = qRound(8 * ghost.height() * 0.02);
+        const QColor fill = over(withOpacity(HostTheme::card(), 0.7F), background);
+        QVERIFY(isAbout(picture.pixelColor(8 * 144, top - 3), background));
+        QVERIFY(isAbout(picture.pixelColor(8 * 144, top + 4), over(HostTheme::line(), fill)));
+        QVERIFY(isAbout(picture.pixelColor(8 * 144, top + 11), fill));
     }
 
     void buttonsSideBySideShareTheWidthEqually() {

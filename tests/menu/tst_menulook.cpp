@@ -1,5 +1,6 @@
 #include "menu/livedot.h"
 #include "menu/markview.h"
+#include "menu/menutext.h"
 #include "menu/statuscard.h"
 #include "tests/menu/shownmenu.h"
 #include "tests/support/testprogram.h"
@@ -215,6 +216,41 @@ private Q_SLOTS:
             isFilled ? QStringLiteral("Left panel") : QStringLiteral("No brand this week");
         QCOMPARE(menu.place(*menu.named<QLabel>(name)).x(), 56);
         QCOMPARE(menu.view().findChildren<LiveDot*>().size(), 4);
+    }
+
+    void theRowWithoutABrandHasItsFontsAndColours() {
+        ShownMenu menu;
+        menu.reply(ShownMenu::with(ShownMenu::liveWeek(), "creatives", QJsonValue(QJsonArray())));
+        menu.show();
+        struct Line {
+            const char* text;
+            int size;
+            int weight;
+            int brightness;
+        };
+        const QImage picture = menu.picture(4);
+        int bottom = menu.place(*menu.named<QLabel>(QStringLiteral("Ad status"))).bottom() - 7;
+        for (const Line& line :
+             {Line{"Unfilled", 12, 600, 255}, Line{"No brand this week", 11, 400, 122}}) {
+            const MenuText* label = nullptr;
+            for (const auto* const each : menu.view().findChildren<MenuText*>()) {
+                const bool isIt = each->accessibleName() == QString::fromLatin1(line.text);
+                label = isIt && each->isVisible() ? each : label;
+            }
+            QVERIFY(label != nullptr);
+            QCOMPARE(label->font().pixelSize(), line.size);
+            QCOMPARE(int(label->font().weight()), line.weight);
+            const QRect place = menu.place(*label);
+            QCOMPARE(place.x(), 56);
+            QVERIFY2(place.y() > bottom, line.text); // one over the other
+            bottom = place.bottom();
+            const int brightest = brightestOf(picture, scaled(place, 4));
+            QVERIFY2(isAbout(brightest, line.brightness), qPrintable(QString::number(brightest)));
+        }
+        for (const auto* const dot :
+             menu.view().findChild<StatusCard*>()->findChildren<LiveDot*>()) {
+            QVERIFY(!dot->isVisible());
+        }
     }
 
     void theFieldHasItsPaddingCornersAndOutline() {

@@ -71,6 +71,10 @@ private Q_SLOTS:
         host.screens.set({}, {});
         const auto plain = host.makeStore();
         host.screens.set({notchedScreen(1)}, {1});
+        // All else that ads need; such a store sends no request that could bring it.
+        const_cast<Assignment&>(plain->assignment()) = notched->assignment();
+        QCOMPARE(plain->assignment().weekStatus, QStringLiteral("live"));
+        QVERIFY(notched->adsVisible() && !plain->adsVisible());
         window.calls.clear();
         panel.render(*plain);
         QCOMPARE(window.calls, QStringList{kOut});
