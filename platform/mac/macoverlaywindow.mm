@@ -98,6 +98,7 @@ PanelFacts MacOverlayWindow::facts() const {
     return {.styleMask = panel.styleMask,
             .collectionBehavior = panel.collectionBehavior,
             .level = panel.level,
+            .isFloatingPanel = panel.floatingPanel != NO,
             .isOpaque = panel.opaque != NO,
             .hasClearBackground = [panel.backgroundColor isEqual:NSColor.clearColor] != NO,
             .hasShadow = panel.hasShadow != NO,

@@ -29,6 +29,7 @@ QStringList panelReport(const PanelFacts& found) {
     return {line("styleMask", found.styleMask, wanted.styleMask),
             line("collectionBehavior", found.collectionBehavior, wanted.collectionBehavior),
             line("level", found.level, wanted.level),
+            line("floatingPanel", found.isFloatingPanel, wanted.isFloatingPanel),
             line("opaque", found.isOpaque, wanted.isOpaque),
             line("clear background", found.hasClearBackground, wanted.hasClearBackground),
             line("hasShadow", found.hasShadow, wanted.hasShadow),

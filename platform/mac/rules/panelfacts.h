@@ -11,6 +11,7 @@ struct PanelFacts final {
     unsigned long styleMask = 0x80;          ///< Non-activating panel, nothing else.
     unsigned long collectionBehavior = 0x51; ///< All spaces, stationary, ignores window cycling.
     long level = 25;                         ///< NSStatusWindowLevel.
+    bool isFloatingPanel = true;
     bool isOpaque = false;
     bool hasClearBackground = true;
     bool hasShadow = false;

@@ -60,6 +60,7 @@ private Q_SLOTS:
         row("hasShadow yes  WRONG, should be no", [](auto& p) { p.hasShadow = true; });
         row("hidesOnDeactivate yes  WRONG, should be no",
             [](auto& p) { p.hidesOnDeactivate = true; });
+        row("floatingPanel no  WRONG, should be yes", [](auto& p) { p.isFloatingPanel = false; });
         row("canHide yes  WRONG, should be no", [](auto& p) { p.canHide = true; });
         row("canBecomeKeyWindow yes  WRONG, should be no", [](auto& p) { p.canBecomeKey = true; });
         row("canBecomeMainWindow yes  WRONG, should be no",
