@@ -49,7 +49,7 @@ private:
     void placeChanged();
     void openAt(const std::optional<Rect>& place);
     void updateToolTip();
-    /// Opens the panel by itself, for these reasons of the start.
+    /// Opens the panel after a start by hand: at once, or where no status item is shown in time.
     [[nodiscard]] QCoro::Task<> openAfterStart(StartReason reason, std::stop_token end);
 
     std::shared_ptr<HostStore> m_store;

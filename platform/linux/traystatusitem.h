@@ -37,10 +37,10 @@ private:
     void pressed(QSystemTrayIcon::ActivationReason reason);
 
     TrayWatch m_watch;
+    Observers m_placeObservers; ///< Used while the icon ends, so it is declared before that.
     std::unique_ptr<QSystemTrayIcon> m_icon;
     QString m_toolTip;
     std::vector<std::function<void(std::optional<Rect>)>> m_observers;
-    Observers m_placeObservers;
 };
 
 } // namespace brimlet
