@@ -5,7 +5,11 @@
 #include <xcb/shape.h>
 #include <xcb/xcb.h>
 
+#include <algorithm>
+#include <array>
+#include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace brimlet::x11 {
@@ -33,6 +37,21 @@ xcb_atom_t traySelection(xcb_connection_t* x) {
     return atom;
 }
 
+xcb_window_t rootOf(xcb_connection_t* x) {
+    return xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
+}
+
+/// From the lowest to the topmost.
+std::vector<xcb_window_t> childrenOf(xcb_connection_t* x, xcb_window_t window) {
+    const XcbOwned<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(x, xcb_query_tree(x, window), nullptr));
+    if (!tree) {
+        return {};
+    }
+    const std::span children(xcb_query_tree_children(tree.get()), tree->children_len);
+    return {children.begin(), children.end()};
+}
+
 bool hasOwner(xcb_connection_t* x, xcb_atom_t selection) {
     const auto cookie = xcb_get_selection_owner(x, selection);
     const XcbOwned<xcb_get_selection_owner_reply_t> reply(
@@ -55,6 +74,63 @@ void setShape(WId window, xcb_shape_kind_t kind, const QRegion& region) {
                          static_cast<xcb_window_t>(window), 0, 0,
                          static_cast<std::uint32_t>(shape.size()), shape.data());
     xcb_flush(x);
+}
+
+/// Whether the window, or one inside it, is managed, which its WM_STATE shows. A client is the
+/// frame itself, or a child or grandchild of it.
+bool holdsClient(xcb_connection_t* x, xcb_window_t window, int depth = 2) {
+    static const xcb_atom_t state = atomNamed(x, "WM_STATE");
+    const XcbOwned<xcb_get_property_reply_t> property(xcb_get_property_reply(
+        x, xcb_get_property(x, 0, window, state, XCB_GET_PROPERTY_TYPE_ANY, 0, 0), nullptr));
+    if (property && property->type != XCB_ATOM_NONE) {
+        return true;
+    }
+    const auto children = depth > 0 ? childrenOf(x, window) : std::vector<xcb_window_t>();
+    return std::any_of(children.begin(), children.end(),
+                       [&](xcb_window_t child) { return holdsClient(x, child, depth - 1); });
+}
+
+/// With the border; empty when the window does not exist.
+QRect geometryFrom(xcb_connection_t* x, xcb_get_geometry_cookie_t cookie) {
+    const XcbOwned<xcb_get_geometry_reply_t> reply(xcb_get_geometry_reply(x, cookie, nullptr));
+    return reply ? QRect(reply->x, reply->y, reply->width + 2 * reply->border_width,
+                         reply->height + 2 * reply->border_width)
+                 : QRect();
+}
+
+enum class Cover { None, Managed, Unmanaged };
+
+struct CoveringWindow {
+    xcb_window_t id;
+    Cover cover;
+};
+
+/// The top-level windows from the lowest to the topmost, and what each covers the given one with:
+/// nothing if it is invisible, elsewhere, or of this program.
+std::vector<CoveringWindow> windowsAround(xcb_connection_t* x, xcb_window_t window) {
+    const QRect area = geometryFrom(x, xcb_get_geometry(x, window));
+    // The X server's own windows, such as the compositor's overlay, stay above those of clients.
+    const std::uint32_t owner = ~xcb_get_setup(x)->resource_id_mask;
+    std::vector<CoveringWindow> windows;
+    // All are asked before the first reply is awaited, which takes one round trip.
+    std::vector<std::pair<xcb_get_window_attributes_cookie_t, xcb_get_geometry_cookie_t>> cookies;
+    for (const xcb_window_t each : childrenOf(x, rootOf(x))) {
+        windows.push_back({each, Cover::None});
+        cookies.emplace_back(xcb_get_window_attributes(x, each), xcb_get_geometry(x, each));
+    }
+    for (std::size_t i = 0; i < windows.size(); ++i) {
+        const xcb_window_t each = windows[i].id;
+        const XcbOwned<xcb_get_window_attributes_reply_t> attributes(
+            xcb_get_window_attributes_reply(x, cookies[i].first, nullptr));
+        const bool isOver = geometryFrom(x, cookies[i].second).intersects(area);
+        const bool isForeign = (each & owner) != 0 && (each & owner) != (window & owner);
+        if (attributes && isOver && isForeign && attributes->map_state == XCB_MAP_STATE_VIEWABLE &&
+            attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT) {
+            const bool isManaged = attributes->override_redirect == 0 || holdsClient(x, each);
+            windows[i].cover = isManaged ? Cover::Managed : Cover::Unmanaged;
+        }
+    }
+    return windows;
 }
 
 } // namespace
@@ -80,6 +156,44 @@ void setBoundingShape(WId window, const std::optional<QRegion>& region) {
     }
 }
 
+void raiseAboveManagedWindows(WId id) {
+    xcb_connection_t* const x = connection();
+    if (x == nullptr) {
+        return;
+    }
+    const auto window = static_cast<xcb_window_t>(id);
+    xcb_window_t managed = XCB_WINDOW_NONE;   // the topmost
+    xcb_window_t unmanaged = XCB_WINDOW_NONE; // the lowest above that
+    bool isBelowManaged = false;
+    bool isAboveUnmanaged = false;
+    bool isPassed = false;
+    for (const auto& [other, cover] : windowsAround(x, window)) {
+        if (other == window) {
+            isPassed = true;
+        } else if (cover == Cover::Managed) {
+            managed = other;
+            unmanaged = XCB_WINDOW_NONE;
+            isBelowManaged = isPassed;
+            isAboveUnmanaged = false;
+        } else if (cover == Cover::Unmanaged && unmanaged == XCB_WINDOW_NONE) {
+            unmanaged = other;
+            isAboveUnmanaged = !isPassed;
+        }
+    }
+    const auto place = [&](xcb_window_t sibling, std::uint32_t mode) {
+        const std::array values{sibling, mode};
+        // The sibling may have been destroyed meanwhile; the next change brings another call.
+        const auto cookie = xcb_configure_window_checked(
+            x, window, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values.data());
+        xcb_discard_reply(x, cookie.sequence);
+    };
+    if (isBelowManaged) {
+        place(managed, XCB_STACK_MODE_ABOVE);
+    } else if (isAboveUnmanaged) {
+        place(unmanaged, XCB_STACK_MODE_BELOW);
+    }
+}
+
 bool hasCompositor() {
     xcb_connection_t* const x = connection();
     return x == nullptr || hasOwner(x, compositorSelection(x));
@@ -96,8 +210,7 @@ void activate(WId window) {
     message.window = static_cast<xcb_window_t>(window);
     message.type = atomNamed(x, "_NET_ACTIVE_WINDOW");
     message.data.data32[0] = 2; // source indication: a direct user action
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
-    xcb_send_event(x, 0, root,
+    xcb_send_event(x, 0, rootOf(x),
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char*>(&message)); // NOLINT(*-reinterpret-cast): X's way
     xcb_flush(x);

@@ -20,6 +20,12 @@ void setInputShape(WId window, const QRegion& region);
 /// Cuts the window to the region, in physical pixels relative to the window; absent for all of it.
 void setBoundingShape(WId window, const std::optional<QRegion>& region);
 
+/// Restacks the window, which may be unmapped: above the managed windows that cover a part of it,
+/// and below the override-redirect windows of other programs, such as menus and locked screens,
+/// that are above those. Takes round trips to the X server. It sees a window manager's frame as
+/// managed even if that is an override-redirect window itself.
+void raiseAboveManagedWindows(WId window);
+
 /// Whether a compositor runs, which blends transparent windows with what is behind them. Costs a
 /// round trip to the X server; X11Watch answers without one.
 [[nodiscard]] bool hasCompositor();

@@ -43,15 +43,23 @@ void X11OverlayWindow::orderFrontRegardless() {
     bringForward();
 }
 
-/// Sends nothing while it is shown and no foreign window changed the stacking since.
+/// Sends nothing while it is shown and the stacking has not changed since.
 void X11OverlayWindow::bringForward() {
-    const std::uint64_t arrangement = X11Watch::shared().foreignStackingSerial();
-    if (isVisible() && arrangement == m_arrangement) {
+    const std::uint64_t stacking = X11Watch::shared().stackingSerial();
+    if (isVisible() && stacking == m_stacking) {
         return;
     }
-    m_arrangement = arrangement;
-    show();
-    raise();
+    m_stacking = stacking;
+    if (isVisible()) {
+        x11::raiseAboveManagedWindows(internalWinId());
+    } else {
+        show();
+    }
+}
+
+/// Between Qt's raise of a tooltip that is shown and its mapping, so that it never covers a menu.
+void X11OverlayWindow::showEvent(QShowEvent* /*event*/) {
+    x11::raiseAboveManagedWindows(internalWinId());
 }
 
 void X11OverlayWindow::orderOut() {

@@ -13,9 +13,10 @@
 
 namespace brimlet {
 
-/// The overlay's window on an X server: unmanaged, so that it is above all others on every desktop
-/// and never takes focus. Clicks outside the clickable region pass through; without a compositor
-/// the window is cut to the painted region.
+/// The overlay's window on an X server: unmanaged, so that it is on every desktop and never takes
+/// focus. It stays above managed windows and below the menus and locked screens of other programs
+/// (`x11::raiseAboveManagedWindows()`). Clicks outside the clickable region pass through; without a
+/// compositor the window is cut to the painted region.
 class X11OverlayWindow final : public QWidget, public OverlayWindow {
     Q_OBJECT
 
@@ -31,6 +32,7 @@ public:
     void setRegions(const QPainterPath& clickable, const QPainterPath& painted) override;
 
 protected:
+    void showEvent(QShowEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
@@ -50,7 +52,7 @@ private:
     WId m_shapedWindow = 0;
     QRegion m_inputShape;
     std::optional<QRegion> m_boundingShape; ///< Absent while the window is not cut.
-    std::uint64_t m_arrangement = 0;        ///< Foreign stacking when this window was last raised.
+    std::uint64_t m_stacking = 0;           ///< X11Watch's serial when this window was last restacked.
 };
 
 } // namespace brimlet

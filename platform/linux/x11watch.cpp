@@ -15,8 +15,7 @@ X11Watch& X11Watch::shared() {
 }
 
 X11Watch::X11Watch() {
-    xcb_connection_t* const program = xcbConnectionOfQt();
-    if (program == nullptr) {
+    if (xcbConnectionOfQt() == nullptr) {
         return;
     }
     m_connection.reset(xcb_connect(nullptr, nullptr));
@@ -25,10 +24,6 @@ X11Watch::X11Watch() {
         m_connection.reset();
         return;
     }
-    const xcb_setup_t* const setup = xcb_get_setup(program);
-    m_ownIdMask = ~setup->resource_id_mask;
-    m_ownIdBase = setup->resource_id_base;
-
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
     const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(x, root, XCB_CW_EVENT_MASK, &events);
@@ -58,11 +53,6 @@ X11Watch::X11Watch() {
     m_hasCompositor = owner && owner->owner != XCB_WINDOW_NONE;
 }
 
-std::uint64_t X11Watch::foreignStackingSerial() {
-    drainEvents();
-    return m_foreignStackingSerial;
-}
-
 std::uint64_t X11Watch::stackingSerial() {
     drainEvents();
     return m_stackingSerial;
@@ -85,34 +75,21 @@ void X11Watch::drainEvents() {
         }
     }
     ++m_stackingSerial;
-    ++m_foreignStackingSerial;
 }
 
 void X11Watch::handleEvent(const xcb_generic_event_t& event) {
     constexpr std::uint8_t kSentByClient = 0x80;
     const int type = event.response_type & ~kSentByClient;
-    // NOLINTBEGIN(*-reinterpret-cast): X's way
     if (type == XCB_MAP_NOTIFY || type == XCB_CONFIGURE_NOTIFY || type == XCB_REPARENT_NOTIFY ||
         type == XCB_CIRCULATE_NOTIFY) {
         ++m_stackingSerial;
-        // In all four the window is at the same offset.
-        const xcb_window_t window = reinterpret_cast<const xcb_map_notify_event_t&>(event).window;
-        const bool isOwn = (window & m_ownIdMask) == m_ownIdBase;
-        // This program never lowers its windows to the bottom, so another program did it.
-        const bool isAtBottom =
-            type == XCB_CONFIGURE_NOTIFY &&
-            reinterpret_cast<const xcb_configure_notify_event_t&>(event).above_sibling ==
-                XCB_WINDOW_NONE;
-        if (!isOwn || isAtBottom) {
-            ++m_foreignStackingSerial;
-        }
     } else if (type == m_firstFixesEvent + XCB_XFIXES_SELECTION_NOTIFY) {
         // No other selection is watched.
         m_hasCompositor =
+            // NOLINTNEXTLINE(*-reinterpret-cast): X's way
             reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event).owner !=
             XCB_WINDOW_NONE;
     }
-    // NOLINTEND(*-reinterpret-cast)
 }
 
 } // namespace brimlet

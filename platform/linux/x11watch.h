@@ -24,10 +24,8 @@ public:
     /// events. Sends no request to the X server.
     void drainEvents();
 
-    /// A number that changes whenever a window of another program is shown, moved, resized or
-    /// restacked, or one of this program's windows is lowered to the bottom. Drains the events.
-    [[nodiscard]] std::uint64_t foreignStackingSerial();
-    /// The same for the windows of all programs, this one included.
+    /// A number that changes whenever a window is shown, moved, resized or restacked, also one of
+    /// this program. Drains the events.
     [[nodiscard]] std::uint64_t stackingSerial();
     /// Whether a compositor runs, which blends transparent windows with what is behind them.
     [[nodiscard]] bool hasCompositor();
@@ -40,12 +38,8 @@ private:
         void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
     };
     std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
-    // A window belongs to this program if its resource id, masked, equals the base.
-    std::uint32_t m_ownIdBase = 0;
-    std::uint32_t m_ownIdMask = 0;
     std::uint8_t m_firstFixesEvent = 0;
     std::uint64_t m_stackingSerial = 0;
-    std::uint64_t m_foreignStackingSerial = 0;
     bool m_hasCompositor = true;
 };
 

@@ -25,6 +25,24 @@ struct FreeReply {
     void operator()(void* reply) const { std::free(reply); }
 };
 
+/// Returns once the X server has processed all requests of the connection and has sent the events
+/// they cause to other clients: it does that before it reads the second question.
+void synchronise(xcb_connection_t* x) {
+    for (int i = 0; i < 2; ++i) {
+        const std::unique_ptr<xcb_get_input_focus_reply_t, FreeReply> reply(
+            xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr));
+    }
+}
+
+/// A window of another program.
+enum class Other {
+    Managed,        ///< By the window manager.
+    Unmanaged,      ///< Override-redirect, like a menu or a locked screen.
+    UnmanagedFrame, ///< The override-redirect frame that some window managers put around a window.
+    InputOnly,      ///< Override-redirect and invisible.
+};
+constexpr QRect kWholeScreen(0, 0, 1512, 982);
+
 /// Another X client with windows on the same screen.
 class OtherClient final {
 public:
@@ -35,15 +53,16 @@ public:
     OtherClient(const OtherClient&) = delete;
     OtherClient& operator=(const OtherClient&) = delete;
 
-    /// Shows an unmanaged window there, above all others.
-    xcb_window_t show(const QRect& area) {
-        const xcb_window_t window = xcb_generate_id(m_x);
-        const std::uint32_t unmanaged = 1;
-        xcb_create_window(
-            m_x, XCB_COPY_FROM_PARENT, window, m_root, static_cast<std::int16_t>(area.x()),
-            static_cast<std::int16_t>(area.y()), static_cast<std::uint16_t>(area.width()),
-            static_cast<std::uint16_t>(area.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-            XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT, &unmanaged);
+    /// Shows a window, above all others.
+    xcb_window_t show(Other kind, const QRect& area = kWholeScreen) {
+        const xcb_window_t window = create(m_root, kind, area);
+        if (kind == Other::UnmanagedFrame) {
+            const xcb_window_t client = create(window, Other::Managed, area);
+            const xcb_atom_t state = atom("WM_STATE");
+            const std::uint32_t normal = 1;
+            xcb_change_property(m_x, XCB_PROP_MODE_REPLACE, client, state, state, 32, 1, &normal);
+            xcb_map_window(m_x, client);
+        }
         xcb_map_window(m_x, window);
         raise(window);
         return window;
@@ -51,39 +70,65 @@ public:
     void raise(xcb_window_t window) {
         const std::uint32_t above = XCB_STACK_MODE_ABOVE;
         xcb_configure_window(m_x, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-        synchronise();
+        synchronise(m_x);
     }
-    /// Whether the first of the two windows is above the second.
+    void destroy(xcb_window_t window) {
+        xcb_destroy_window(m_x, window);
+        synchronise(m_x);
+    }
+    /// Whether the first of the two windows is visible and, with its frame, above the second.
     [[nodiscard]] bool isAbove(xcb_window_t first, xcb_window_t second) {
-        const std::unique_ptr<xcb_query_tree_reply_t, FreeReply> tree(
-            xcb_query_tree_reply(m_x, xcb_query_tree(m_x, m_root), nullptr));
-        const std::span fromBelow(xcb_query_tree_children(tree.get()), tree->children_len);
-        return std::find(fromBelow.begin(), fromBelow.end(), first) >
-               std::find(fromBelow.begin(), fromBelow.end(), second);
+        const std::vector<xcb_window_t> fromBelow = childrenOf(m_root);
+        return isViewable(first) &&
+               std::find(fromBelow.begin(), fromBelow.end(), topLevelOf(first)) >
+                   std::find(fromBelow.begin(), fromBelow.end(), topLevelOf(second));
     }
     /// Takes or gives up the compositor's selection.
     void actAsCompositor(bool isOne) {
-        const QByteArray name("_NET_WM_CM_S0");
-        const std::unique_ptr<xcb_intern_atom_reply_t, FreeReply> atom(xcb_intern_atom_reply(
-            m_x, xcb_intern_atom(m_x, 0, static_cast<std::uint16_t>(name.size()), name.constData()),
-            nullptr));
         if (m_owner == XCB_WINDOW_NONE) {
             m_owner = xcb_generate_id(m_x);
             xcb_create_window(m_x, XCB_COPY_FROM_PARENT, m_owner, m_root, 0, 0, 1, 1, 0,
                               XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
         }
-        xcb_set_selection_owner(m_x, isOne ? m_owner : xcb_window_t{XCB_WINDOW_NONE}, atom->atom,
-                                XCB_CURRENT_TIME);
-        synchronise();
+        xcb_set_selection_owner(m_x, isOne ? m_owner : xcb_window_t{XCB_WINDOW_NONE},
+                                atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
+        synchronise(m_x);
     }
 
 private:
-    /// Returns once the X server has processed all requests.
-    void synchronise() {
-        const std::unique_ptr<xcb_get_input_focus_reply_t, FreeReply> reply(
-            xcb_get_input_focus_reply(m_x, xcb_get_input_focus(m_x), nullptr));
+    xcb_window_t create(xcb_window_t parent, Other kind, const QRect& area) {
+        const xcb_window_t window = xcb_generate_id(m_x);
+        const std::uint32_t isUnmanaged = kind == Other::Managed ? 0 : 1;
+        xcb_create_window(
+            m_x, XCB_COPY_FROM_PARENT, window, parent, static_cast<std::int16_t>(area.x()),
+            static_cast<std::int16_t>(area.y()), static_cast<std::uint16_t>(area.width()),
+            static_cast<std::uint16_t>(area.height()), 0,
+            kind == Other::InputOnly ? XCB_WINDOW_CLASS_INPUT_ONLY : XCB_WINDOW_CLASS_INPUT_OUTPUT,
+            XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT, &isUnmanaged);
+        return window;
     }
-
+    [[nodiscard]] xcb_atom_t atom(const char* name) {
+        const std::unique_ptr<xcb_intern_atom_reply_t, FreeReply> reply(xcb_intern_atom_reply(
+            m_x, xcb_intern_atom(m_x, 0, static_cast<std::uint16_t>(qstrlen(name)), name),
+            nullptr));
+        return reply->atom;
+    }
+    [[nodiscard]] std::vector<xcb_window_t> childrenOf(xcb_window_t window) {
+        const std::unique_ptr<xcb_query_tree_reply_t, FreeReply> tree(
+            xcb_query_tree_reply(m_x, xcb_query_tree(m_x, window), nullptr));
+        const std::span children(xcb_query_tree_children(tree.get()), tree->children_len);
+        return {children.begin(), children.end()};
+    }
+    [[nodiscard]] xcb_window_t topLevelOf(xcb_window_t window) {
+        const std::unique_ptr<xcb_query_tree_reply_t, FreeReply> tree(
+            xcb_query_tree_reply(m_x, xcb_query_tree(m_x, window), nullptr));
+        return !tree || tree->parent == m_root ? window : topLevelOf(tree->parent);
+    }
+    [[nodiscard]] bool isViewable(xcb_window_t window) {
+        const std::unique_ptr<xcb_get_window_attributes_reply_t, FreeReply> reply(
+            xcb_get_window_attributes_reply(m_x, xcb_get_window_attributes(m_x, window), nullptr));
+        return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+    }
     xcb_connection_t* m_x;
     xcb_window_t m_root;
     xcb_window_t m_owner = XCB_WINDOW_NONE;
@@ -110,7 +155,8 @@ unsigned requestsOf(const Action& action) {
 
 } // namespace
 
-/// Which requests the overlay's window sends to the X server, and which events it follows.
+/// Which requests the overlay's window sends to the X server, and which events it follows. Without
+/// a window manager, so that windows stay where the tests put them.
 class TestX11OverlayWindow final : public QObject {
     Q_OBJECT
 
@@ -142,17 +188,15 @@ class TestX11OverlayWindow final : public QObject {
         return QTest::qWaitForWindowExposed(&window) && m_x.isMapped(idOf(window)) &&
                QTest::qWaitFor(rests, kPatience);
     }
-    /// With one of the next renders, once the X server's events have arrived.
-    [[nodiscard]] bool isRaisedAbove(X11OverlayWindow& window, xcb_window_t other) {
-        const auto isAbove = [&] {
-            render(window);
-            xcb_flush(connectionOfTheProgram()); // as the loop does before it waits
-            return m_other.isAbove(idOf(window), other);
-        };
-        return QTest::qWaitFor(isAbove, kPatience);
+    /// Whether the window is above the other one after the next renders, which have processed all
+    /// of the X server's events.
+    [[nodiscard]] bool isAboveAfterRendering(X11OverlayWindow& window, xcb_window_t other) {
+        const bool isResting = isAtRest(window);
+        synchronise(connectionOfTheProgram());
+        return isResting && m_other.isAbove(idOf(window), other);
     }
     static xcb_window_t idOf(const QWidget& window) {
-        return static_cast<xcb_window_t>(window.internalWinId());
+        return static_cast<xcb_window_t>(window.windowHandle()->winId());
     }
 
 private Q_SLOTS:
@@ -202,40 +246,65 @@ private Q_SLOTS:
                                   std::vector<QRect>{QRect(8, 4, 108, 24)}, kPatience);
     }
 
-    void theNextRenderRaisesItAboveANewForeignWindow() {
-        const auto window = makeWindow();
-        QVERIFY(isAtRest(*window));
-        const xcb_window_t film = m_other.show({0, 0, 1512, 982});
-        QVERIFY(m_other.isAbove(film, idOf(*window)));
-        QVERIFY(isRaisedAbove(*window, film));
-        QVERIFY(isAtRest(*window));
-
-        m_other.raise(film);
-        QVERIFY(m_other.isAbove(film, idOf(*window)));
-        QVERIFY(isRaisedAbove(*window, film));
+    void itComesForwardAboveManagedWindowsOnly_data() {
+        QTest::addColumn<Other>("kind");
+        QTest::addColumn<QRect>("area");
+        QTest::addColumn<bool>("overtakes");
+        QTest::addColumn<bool>("appearsAbove");
+        const QRect beside(0, 500, 400, 100);
+        QTest::newRow("a managed window") << Other::Managed << kWholeScreen << true << true;
+        QTest::newRow("its frame, itself unmanaged")
+            << Other::UnmanagedFrame << kWholeScreen << true << true;
+        QTest::newRow("a menu") << Other::Unmanaged << QRect(600, 0, 200, 300) << false << false;
+        QTest::newRow("a locked screen") << Other::Unmanaged << kWholeScreen << false << false;
+        QTest::newRow("a menu elsewhere") << Other::Unmanaged << beside << false << true;
+        QTest::newRow("an invisible one") << Other::InputOnly << kWholeScreen << false << true;
     }
-
-    void aWindowThatAppearedWhileItWasHiddenIsBelowItAfterwards() {
+    void itComesForwardAboveManagedWindowsOnly() {
+        QFETCH(const Other, kind);
+        QFETCH(const QRect, area);
+        QFETCH(const bool, overtakes);
+        QFETCH(const bool, appearsAbove);
         const auto window = makeWindow();
         QVERIFY(isAtRest(*window));
+        const xcb_window_t other = m_other.show(kind, area);
+        QVERIFY(m_other.isAbove(other, idOf(*window)));
+        QCOMPARE(isAboveAfterRendering(*window, other), overtakes);
+        m_other.raise(other);
+        QVERIFY(m_other.isAbove(other, idOf(*window)));
+        QCOMPARE(isAboveAfterRendering(*window, other), overtakes);
+        // Raised while the overlay was out.
         window->orderOut();
-        const xcb_window_t film = m_other.show({0, 0, 1512, 982});
-        QVERIFY(m_other.isAbove(film, idOf(*window)));
-        QVERIFY(isRaisedAbove(*window, film));
+        m_other.raise(other);
+        QCOMPARE(isAboveAfterRendering(*window, other), appearsAbove);
+        // The first time it is shown.
+        const auto later = makeWindow();
+        QCOMPARE(isAboveAfterRendering(*later, other), appearsAbove);
+        m_other.destroy(other);
     }
 
-    void windowsOfThisProgramAreNotForeign() {
+    void itIsBetweenManagedWindowsAndAMenu() {
         const auto window = makeWindow();
         QVERIFY(isAtRest(*window));
-        const std::uint64_t before = X11Watch::shared().foreignStackingSerial();
+        const xcb_window_t film = m_other.show(Other::Managed);
+        QVERIFY(m_other.isAbove(film, idOf(*window)));
+        const xcb_window_t menu = m_other.show(Other::Unmanaged, {600, 0, 200, 300});
+        QVERIFY(isAboveAfterRendering(*window, film));
+        QVERIFY(m_other.isAbove(menu, idOf(*window)));
+        m_other.destroy(menu);
+        m_other.destroy(film);
+    }
+
+    void windowsOfThisProgramDoNotMoveIt() {
+        const auto window = makeWindow();
+        QVERIFY(isAtRest(*window));
         QWidget tip(nullptr, Qt::ToolTip | Qt::BypassWindowManagerHint);
-        tip.setGeometry(0, 100, 100, 20);
+        tip.setGeometry(kPanel);
         tip.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&tip));
+        QVERIFY(!isAboveAfterRendering(*window, idOf(tip)));
         window->raise();
-        tip.raise();
-        xcb_flush(connectionOfTheProgram());
-        QTRY_VERIFY_WITH_TIMEOUT(m_other.isAbove(idOf(tip), idOf(*window)), kPatience);
-        QCOMPARE(X11Watch::shared().foreignStackingSerial(), before);
+        QVERIFY(isAboveAfterRendering(*window, idOf(tip)));
     }
 
     void itIsCutToThePaintedRegionOnlyWithoutACompositor() {
