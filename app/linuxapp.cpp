@@ -45,9 +45,16 @@ void restoreEnvironment() {
 
 } // namespace
 
-NativeOverlayWindowFactory x11OverlayWindowFactory(std::function<QRectF()> primaryGeometry) {
-    return [primaryGeometry = std::move(primaryGeometry)](std::unique_ptr<QWidget> content) {
-        return std::make_unique<X11OverlayWindow>(std::move(content), primaryGeometry);
+NativeOverlayWindowFactory x11OverlayWindowFactory(const SessionLock& lock,
+                                                   std::function<QRectF()> primaryGeometry) {
+    return [&lock, primaryGeometry = std::move(primaryGeometry)](std::unique_ptr<QWidget> content) {
+        auto window = std::make_unique<X11OverlayWindow>(std::move(content), primaryGeometry);
+        const auto follow = [&lock, target = window.get()] {
+            target->setSessionLocked(lock.isLocked());
+        };
+        QObject::connect(&lock, &SessionLock::changed, window.get(), follow);
+        follow();
+        return window;
     };
 }
 

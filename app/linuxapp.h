@@ -8,6 +8,7 @@
 #include "platform/linux/linuxreducemotion.h"
 #include "platform/linux/linuxworkspace.h"
 #include "platform/linux/qtscreens.h"
+#include "platform/linux/sessionlock.h"
 #include "platform/linux/traystatusitem.h"
 #include "platform/linux/xdgcachesfolder.h"
 #include "platform/qt/qtclock.h"
@@ -26,6 +27,7 @@ class SingleInstance;
 struct LinuxAdapters final {
     QtScreens screens;
     LinuxWorkspace workspace;
+    SessionLock sessionLock;
     LibsecretStore secrets;
     LinuxBundle bundle{QCoreApplication::applicationFilePath()};
     XdgCachesFolder cachesFolder;
@@ -35,10 +37,11 @@ struct LinuxAdapters final {
     TrayStatusItem statusItem;
 };
 
-/// A factory for the overlay's window on the X server. `primaryGeometry` returns the primary
-/// screen's current geometry in Qt's coordinates.
+/// A factory for the overlay's window on the X server, which is out while the session is locked.
+/// `primaryGeometry` returns the primary screen's current geometry in Qt's coordinates. The lock
+/// outlives the factory.
 [[nodiscard]] NativeOverlayWindowFactory
-x11OverlayWindowFactory(std::function<QRectF()> primaryGeometry);
+x11OverlayWindowFactory(const SessionLock& lock, std::function<QRectF()> primaryGeometry);
 
 [[nodiscard]] std::unique_ptr<MenuWindow> makeX11MenuWindow(std::unique_ptr<QWidget> content);
 

@@ -31,7 +31,7 @@ int main(int argc, char* argv[]) {
     BrimletApp app =
         makeApp({desktop.screens, desktop.workspace, desktop.secrets, *desktop.http, desktop.bundle,
                  desktop.clock, desktop.cachesFolder, desktop.reduceMotion, desktop.statusItem,
-                 x11OverlayWindowFactory(primaryGeometry), makeX11MenuWindow},
+                 x11OverlayWindowFactory(desktop.sessionLock, primaryGeometry), makeX11MenuWindow},
                 commandLine.reason);
     handleRequests(instance, app);
     followDesktop(*app.store(), desktop.workspace);

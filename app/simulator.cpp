@@ -79,11 +79,12 @@ int main(int argc, char* argv[]) {
     QObject::connect(&file, &MachineFile::changed, &notch, redrawNotch);
     redrawNotch();
 
-    BrimletApp app = makeApp({screens, workspace, secrets, http, bundle, clock, cachesFolder,
-                              reduceMotion, real.statusItem, x11OverlayWindowFactory([&file] {
-                                  return simulatedPrimaryGeometry(file.machine());
-                              }),
-                              makeX11MenuWindow});
+    BrimletApp app = makeApp(
+        {screens, workspace, secrets, http, bundle, clock, cachesFolder, reduceMotion,
+         real.statusItem,
+         x11OverlayWindowFactory(real.sessionLock,
+                                 [&file] { return simulatedPrimaryGeometry(file.machine()); }),
+         makeX11MenuWindow});
     handleRequests(instance, app);
 
     QObject::connect(app.store().get(), &HostStore::overlayNeedsRender, &notch,

@@ -36,6 +36,10 @@ X11OverlayWindow::X11OverlayWindow(std::unique_ptr<QWidget> content,
 }
 
 void X11OverlayWindow::orderFrontRegardless() {
+    m_isOrderedFront = true;
+    if (m_isSessionLocked) {
+        return;
+    }
     // Shaped before it is mapped, and again each time: a new native window or scale factor is not
     // announced.
     create();
@@ -63,7 +67,17 @@ void X11OverlayWindow::showEvent(QShowEvent* /*event*/) {
 }
 
 void X11OverlayWindow::orderOut() {
+    m_isOrderedFront = false;
     hide();
+}
+
+void X11OverlayWindow::setSessionLocked(bool isLocked) {
+    m_isSessionLocked = isLocked;
+    if (isLocked) {
+        hide();
+    } else if (m_isOrderedFront) {
+        orderFrontRegardless();
+    }
 }
 
 void X11OverlayWindow::setFrame(const Rect& frame) {

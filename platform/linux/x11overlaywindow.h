@@ -31,6 +31,9 @@ public:
     void setIgnoresMouseEvents(bool ignores) override;
     void setRegions(const QPainterPath& clickable, const QPainterPath& painted) override;
 
+    /// While true the window is out, whether or not it is ordered front.
+    void setSessionLocked(bool isLocked);
+
 protected:
     void showEvent(QShowEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -48,6 +51,8 @@ private:
     QRegion m_clickablePixels;
     QRegion m_paintedPixels;
     bool m_ignoresMouseEvents = true;
+    bool m_isOrderedFront = false;
+    bool m_isSessionLocked = false;
     // What was sent to the X server last; only changes are sent.
     WId m_shapedWindow = 0;
     QRegion m_inputShape;

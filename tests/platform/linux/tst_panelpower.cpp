@@ -1,5 +1,6 @@
 #include "platform/linux/linuxreducemotion.h"
 #include "platform/linux/linuxworkspace.h"
+#include "platform/linux/sessionlock.h"
 #include "tests/platform/linux/panelfolder.h"
 #include "tests/support/testprogram.h"
 
@@ -77,6 +78,12 @@ private Q_SLOTS:
         workspace.observeScreensDidWake([&changes] { ++changes; });
         workspace.checkPanelPower();
         QCOMPARE(changes, 0);
+    }
+
+    void theSessionIsUnlockedWithoutABus() {
+        const SessionLock lock;
+        QCoreApplication::processEvents();
+        QVERIFY(!lock.isLocked());
     }
 
     void motionIsNotReducedWithoutABus() {
