@@ -25,14 +25,14 @@ class SingleInstance;
 
 /// An adapter for each port on a Linux desktop. Create it after the application object.
 struct LinuxAdapters final {
+    QtClock clock;
     QtScreens screens;
-    LinuxWorkspace workspace;
+    LinuxWorkspace workspace{clock};
     SessionLock sessionLock;
     LibsecretStore secrets;
     LinuxBundle bundle{QCoreApplication::applicationFilePath()};
     XdgCachesFolder cachesFolder;
     LinuxReduceMotion reduceMotion;
-    QtClock clock;
     std::unique_ptr<CurlHttpClient> http = std::make_unique<CurlHttpClient>();
     TrayStatusItem statusItem;
 };

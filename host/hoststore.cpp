@@ -71,6 +71,8 @@ void HostStore::watchScreens() {
 
 QCoro::Task<> HostStore::screensChanged(bool asleep) {
     const auto self = shared_from_this();
+    // Until the heartbeat has ended, so that the service hears of the sleep before it begins.
+    const auto delay = asleep ? m_ports.workspace.delaySuspend() : nullptr;
     publish(m_screenAsleep, asleep);
     Q_EMIT overlayNeedsRender();
     co_await heartbeat();

@@ -11,12 +11,15 @@
 #include <QFile>
 #include <QProcess>
 
+#include <chrono>
 #include <utility>
 
 namespace brimlet {
 namespace {
 
 const QString logindName = QStringLiteral("org.freedesktop.login1");
+const QString logindPath = QStringLiteral("/org/freedesktop/login1");
+const QString managerInterface = QStringLiteral("org.freedesktop.login1.Manager");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 const QString mutterName = QStringLiteral("org.gnome.Mutter.DisplayConfig");
 const QString mutterPath = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
@@ -50,29 +53,32 @@ const QString powerSaveMode = QStringLiteral("PowerSaveMode");
     return hasPanel;
 }
 
+constexpr std::chrono::seconds kLongestDelay(2);
+
 } // namespace
 
-LinuxWorkspace::LinuxWorkspace(QString drmFolder)
-    : m_drmFolder(std::move(drmFolder))
+LinuxWorkspace::LinuxWorkspace(Clock& clock, QString drmFolder)
+    : m_clock(clock)
+    , m_drmFolder(std::move(drmFolder))
     , m_logindWatcher(logindName, QDBusConnection::systemBus(),
-                      QDBusServiceWatcher::WatchForUnregistration)
+                      QDBusServiceWatcher::WatchForOwnerChange)
     , m_mutterWatcher(mutterName, QDBusConnection::sessionBus(),
                       QDBusServiceWatcher::WatchForRegistration |
                           QDBusServiceWatcher::WatchForUnregistration) {
-    QDBusConnection::systemBus().connect(logindName, QStringLiteral("/org/freedesktop/login1"),
-                                         QStringLiteral("org.freedesktop.login1.Manager"),
+    QDBusConnection::systemBus().connect(logindName, logindPath, managerInterface,
                                          QStringLiteral("PrepareForSleep"), this,
                                          SLOT(prepareForSleep(bool)));
     QDBusConnection::sessionBus().connect(mutterName, mutterPath, propertiesInterface,
                                           QStringLiteral("PropertiesChanged"), this,
                                           SLOT(mutterChanged(QString, QVariantMap, QStringList)));
-    connect(&m_logindWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
+    connect(&m_logindWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this] { prepareForSleep(false); });
     connect(&m_mutterWatcher, &QDBusServiceWatcher::serviceRegistered, this,
             &LinuxWorkspace::readMutterMode);
     connect(&m_mutterWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
             [this] { setMutterMode(0); });
     readMutterMode();
+    takeInhibitor();
 }
 
 ObserverToken LinuxWorkspace::observeScreensDidSleep(std::function<void()> block) {
@@ -105,6 +111,39 @@ void LinuxWorkspace::checkPanelPower() {
 void LinuxWorkspace::prepareForSleep(bool isStarting) {
     m_isMachineAsleep = isStarting;
     update();
+    if (!isStarting) {
+        endDelay();
+        takeInhibitor();
+    } else if (m_inhibitor) {
+        // From here on only the tasks that the observers started hold it.
+        m_delaying = std::exchange(m_inhibitor, nullptr);
+        m_delayLimit = m_clock.repeat(kLongestDelay, [this] { endDelay(); });
+    }
+}
+
+void LinuxWorkspace::endDelay() {
+    if (const auto held = m_delaying.lock()) {
+        *held = QDBusUnixFileDescriptor();
+    }
+    m_delayLimit.reset();
+}
+
+void LinuxWorkspace::takeInhibitor() {
+    auto request = QDBusMessage::createMethodCall(logindName, logindPath, managerInterface,
+                                                  QStringLiteral("Inhibit"));
+    request.setArguments({QStringLiteral("sleep"), QStringLiteral("Brimlet"),
+                          QStringLiteral("Report that no ads are shown during sleep"),
+                          QStringLiteral("delay")});
+    request.setAutoStartService(false);
+    auto* const watcher =
+        new QDBusPendingCallWatcher(QDBusConnection::systemBus().asyncCall(request), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        const QDBusPendingReply<QDBusUnixFileDescriptor> reply(*watcher);
+        if (reply.isValid() && !m_isMachineAsleep) {
+            m_inhibitor = std::make_shared<QDBusUnixFileDescriptor>(reply.value());
+        }
+        watcher->deleteLater();
+    });
 }
 
 void LinuxWorkspace::mutterChanged(const QString& interface, const QVariantMap& changed,

@@ -1,12 +1,16 @@
 #pragma once
 
+#include "platform/clock.h"
 #include "platform/observers.h"
 #include "platform/workspace.h"
 
 #include <QDBusServiceWatcher>
+#include <QDBusUnixFileDescriptor>
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
+
+#include <memory>
 
 namespace brimlet {
 
@@ -16,15 +20,21 @@ namespace brimlet {
 /// announcement of a suspend, Mutter's power save mode, and the power state of the built-in panel
 /// in sysfs. The screens count as asleep while any of them says so; observers are called each time
 /// the combined state changes. A missing bus or service counts as awake.
+///
+/// logind delays a suspend while this holds an inhibitor: until what the observers began has ended,
+/// or for two seconds.
 class LinuxWorkspace final : public QObject, public Workspace {
     Q_OBJECT
 
 public:
-    /// `drmFolder` is the sysfs folder that lists the connectors of the graphics cards.
-    explicit LinuxWorkspace(QString drmFolder = QStringLiteral("/sys/class/drm"));
+    /// `drmFolder` is the sysfs folder that lists the connectors of the graphics cards. The clock
+    /// must outlive this.
+    explicit LinuxWorkspace(Clock& clock, QString drmFolder = QStringLiteral("/sys/class/drm"));
 
     ObserverToken observeScreensDidSleep(std::function<void()> block) override;
     ObserverToken observeScreensDidWake(std::function<void()> block) override;
+
+    [[nodiscard]] std::shared_ptr<void> delaySuspend() override { return m_inhibitor; }
 
     /// Starts "xdg-open" as a detached process. An address without a scheme is ignored.
     void open(const Url& url) override;
@@ -39,15 +49,23 @@ private Q_SLOTS:
                        const QStringList& invalidated);
 
 private:
+    void takeInhibitor();
+    void endDelay();
     void readMutterMode();
     void setMutterMode(int mode);
     void update();
 
+    Clock& m_clock;
     QString m_drmFolder;
     QDBusServiceWatcher m_logindWatcher;
     QDBusServiceWatcher m_mutterWatcher;
     Observers m_sleepObservers;
     Observers m_wakeObservers;
+    /// logind's lock, which is released when its descriptor is closed. Null while the machine goes
+    /// to sleep, and without logind.
+    std::shared_ptr<QDBusUnixFileDescriptor> m_inhibitor;
+    std::weak_ptr<QDBusUnixFileDescriptor> m_delaying; ///< The last one, while tasks hold it.
+    std::unique_ptr<RepeatingTimer> m_delayLimit;
     bool m_isMachineAsleep = false;
     bool m_isMutterSaving = false;
     bool m_isPanelOff = false;

@@ -6,6 +6,7 @@
 #include <QScopeGuard>
 
 #include <functional>
+#include <memory>
 #include <utility>
 
 namespace brimlet {
@@ -21,6 +22,7 @@ public:
     ObserverToken observeScreensDidWake(std::function<void()> block) override {
         return m_wakeObservers.add(std::move(block));
     }
+    [[nodiscard]] std::shared_ptr<void> delaySuspend() override { return nullptr; }
     void open(const Url& url) override;
 
 private:

@@ -41,6 +41,7 @@ public:
 
     ObserverToken observeScreensDidSleep(std::function<void()> block) override;
     ObserverToken observeScreensDidWake(std::function<void()> block) override;
+    [[nodiscard]] std::shared_ptr<void> delaySuspend() override { return m_real.delaySuspend(); }
     void open(const Url& url) override { m_real.open(url); }
 
 private:

@@ -209,6 +209,27 @@ private Q_SLOTS:
         QVERIFY(host.http.requests().at(2).body->contains("\"slotsVisible\":[\"left\",\"right\"]"));
     }
 
+    void aSleepDelaysTheSuspendUntilItsHeartbeatHasEnded() {
+        HostFixture host;
+        host.keepToken("t");
+        const auto store = host.makeStore();
+        store->watchScreens();
+        host.workspace.screensDidSleep();
+        QVERIFY(host.workspace.isSuspendDelayed());
+        host.http.resolve(0, HttpReply{200, "{}"});
+        QVERIFY(!host.workspace.isSuspendDelayed());
+        host.workspace.screensDidWake();
+        QVERIFY(!host.workspace.isSuspendDelayed());
+    }
+
+    void withNothingToSendASleepDelaysNoSuspend() {
+        HostFixture host;
+        const auto store = host.makeStore();
+        store->watchScreens();
+        host.workspace.screensDidSleep();
+        QVERIFY(!host.workspace.isSuspendDelayed());
+    }
+
     void theObserversDoNotKeepTheStore() {
         HostFixture host;
         host.keepToken("t");

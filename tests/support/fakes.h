@@ -51,8 +51,17 @@ public:
         willObserve("wake");
         return m_wake.add(std::move(block));
     }
+    [[nodiscard]] std::shared_ptr<void> delaySuspend() override {
+        const auto delay = std::make_shared<int>();
+        m_delays.push_back(delay);
+        return delay;
+    }
     void open(const Url& url) override { opened.push_back(url.absoluteString()); }
 
+    [[nodiscard]] bool isSuspendDelayed() const {
+        return std::any_of(m_delays.begin(), m_delays.end(),
+                           [](const auto& delay) { return !delay.expired(); });
+    }
     void screensDidSleep() { m_sleep.notify(); }
     void screensDidWake() { m_wake.notify(); }
 
@@ -63,6 +72,7 @@ public:
 private:
     Observers m_sleep;
     Observers m_wake;
+    std::vector<std::weak_ptr<void>> m_delays;
 };
 
 /// A store in memory that can fail, and recover.

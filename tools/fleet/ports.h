@@ -20,6 +20,7 @@ class SleeplessWorkspace final : public Workspace {
 public:
     ObserverToken observeScreensDidSleep(std::function<void()> block) override;
     ObserverToken observeScreensDidWake(std::function<void()> block) override;
+    [[nodiscard]] std::shared_ptr<void> delaySuspend() override { return nullptr; }
     void open(const Url& url) override;
 };
 

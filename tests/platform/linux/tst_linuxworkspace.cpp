@@ -1,6 +1,8 @@
 #include "platform/linux/linuxworkspace.h"
 #include "tests/platform/linux/busservice.h"
 #include "tests/platform/linux/panelfolder.h"
+#include "tests/support/fakeclock.h"
+#include "tests/support/fakelogind.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 
@@ -39,14 +41,6 @@ private:
 
 } // namespace
 
-class FakeLogind final : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Manager")
-
-Q_SIGNALS:
-    void PrepareForSleep(bool start);
-};
-
 class FakeMutter final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.gnome.Mutter.DisplayConfig")
@@ -66,6 +60,7 @@ class LinuxWorkspaceTest final : public QObject {
     Q_OBJECT
 
 private:
+    FakeClock m_clock;
     QStringList m_log;
 
     [[nodiscard]] QString log() const { return m_log.join(u' '); }
@@ -113,25 +108,21 @@ private Q_SLOTS:
 
     void suspendingTheMachinePutsTheScreensToSleep() {
         FakeLogind logind;
-        const BusService service(QStringLiteral("org.freedesktop.login1"),
-                                 QStringLiteral("/org/freedesktop/login1"), logind);
-        QVERIFY(service.isRegistered());
-        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        QVERIFY(logind.isRegistered());
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
         record(workspace);
-        Q_EMIT logind.PrepareForSleep(true);
+        logind.prepareForSleep(true);
         QTRY_COMPARE(log(), QStringLiteral("sleep"));
-        Q_EMIT logind.PrepareForSleep(false);
+        logind.prepareForSleep(false);
         QTRY_COMPARE(log(), QStringLiteral("sleep wake"));
     }
 
     void whenLogindEndsItsSleepEnds() {
-        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
         record(workspace);
-        FakeLogind logind;
         {
-            const BusService service(QStringLiteral("org.freedesktop.login1"),
-                                     QStringLiteral("/org/freedesktop/login1"), logind);
-            Q_EMIT logind.PrepareForSleep(true);
+            FakeLogind logind;
+            logind.prepareForSleep(true);
             QTRY_COMPARE(log(), QStringLiteral("sleep"));
         }
         QTRY_COMPARE(log(), QStringLiteral("sleep wake"));
@@ -139,32 +130,96 @@ private Q_SLOTS:
 
     void signalsOfOtherServicesAreIgnored() {
         FakeLogind logind;
-        FakeLogind otherProgram;
-        const BusService service(QStringLiteral("org.freedesktop.login1"),
-                                 QStringLiteral("/org/freedesktop/login1"), logind);
-        const BusService other(QStringLiteral("app.brimlet.test.Other"),
-                               QStringLiteral("/org/freedesktop/login1"), otherProgram);
-        QVERIFY(other.isRegistered());
-        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        FakeLogind otherProgram(QStringLiteral("app.brimlet.test.Other"));
+        QVERIFY(otherProgram.isRegistered());
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
         record(workspace);
-        Q_EMIT otherProgram.PrepareForSleep(true);
-        Q_EMIT otherProgram.PrepareForSleep(false);
-        Q_EMIT logind.PrepareForSleep(true);
-        Q_EMIT logind.PrepareForSleep(false);
+        otherProgram.prepareForSleep(true);
+        otherProgram.prepareForSleep(false);
+        logind.prepareForSleep(true);
+        logind.prepareForSleep(false);
         QTRY_VERIFY(log().endsWith(QStringLiteral("wake")));
         QCOMPARE(log(), QStringLiteral("sleep wake"));
     }
 
+    void aSuspendIsDelayedUntilTheObserversTasksHaveEnded() {
+        FakeLogind logind;
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
+        std::shared_ptr<void> task;
+        workspace.observeScreensDidSleep([&] { task = workspace.delaySuspend(); });
+        for (int i = 1; i <= 2; ++i) {
+            QTRY_VERIFY(logind.isInhibited());
+            QCOMPARE(logind.taken().size(), i);
+            QCOMPARE(logind.taken().last().first(), QStringLiteral("sleep"));
+            QCOMPARE(logind.taken().last().last(), QStringLiteral("delay"));
+            settle(QDBusConnection::systemBus());
+            logind.prepareForSleep(true);
+            QTRY_VERIFY(task);
+            QCoreApplication::processEvents();
+            QVERIFY(logind.isInhibited());
+            task.reset();
+            QTRY_VERIFY(!logind.isInhibited());
+            logind.prepareForSleep(false);
+        }
+        QTRY_VERIFY(logind.isInhibited());
+    }
+
+    void aSuspendIsDelayedForTwoSecondsAtMost() {
+        FakeLogind logind;
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
+        std::shared_ptr<void> task;
+        workspace.observeScreensDidSleep([&] { task = workspace.delaySuspend(); });
+        QTRY_VERIFY(logind.isInhibited());
+        logind.prepareForSleep(true);
+        QTRY_VERIFY(task);
+        m_clock.advance(std::chrono::milliseconds(1999));
+        QCoreApplication::processEvents();
+        QVERIFY(logind.isInhibited());
+        m_clock.advance(std::chrono::milliseconds(1));
+        QTRY_VERIFY(!logind.isInhibited());
+    }
+
+    void aTaskOfAnEarlierSuspendDelaysNoLaterOne() {
+        FakeLogind logind;
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
+        std::shared_ptr<void> task;
+        workspace.observeScreensDidSleep([&] { task = workspace.delaySuspend(); });
+        QTRY_VERIFY(logind.isInhibited());
+        logind.prepareForSleep(true);
+        QTRY_VERIFY(task);
+        const auto earlier = task;
+        logind.prepareForSleep(false);
+        QTRY_COMPARE(logind.taken().size(), 2);
+        settle(QDBusConnection::systemBus());
+        logind.prepareForSleep(true);
+        QTRY_VERIFY(task != earlier);
+        task.reset();
+        QTRY_VERIFY(!logind.isInhibited());
+    }
+
+    void withoutATaskASuspendIsNotDelayed() {
+        FakeLogind logind;
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
+        QTRY_VERIFY(logind.isInhibited());
+        logind.prepareForSleep(true);
+        QTRY_VERIFY(!logind.isInhibited());
+    }
+
+    void anInhibitorIsTakenWhenLogindStartsLater() {
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
+        settle(QDBusConnection::systemBus());
+        FakeLogind logind;
+        QTRY_VERIFY(logind.isInhibited());
+    }
+
     void twoHundredSleepsAndWakesAreReported() {
         FakeLogind logind;
-        const BusService service(QStringLiteral("org.freedesktop.login1"),
-                                 QStringLiteral("/org/freedesktop/login1"), logind);
-        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
         record(workspace);
         for (int i = 0; i < 200; ++i) {
-            Q_EMIT logind.PrepareForSleep(true);
-            Q_EMIT logind.PrepareForSleep(true);
-            Q_EMIT logind.PrepareForSleep(false);
+            logind.prepareForSleep(true);
+            logind.prepareForSleep(true);
+            logind.prepareForSleep(false);
         }
         QTRY_COMPARE(m_log.size(), 400);
         QCOMPARE(m_log.count(QStringLiteral("sleep")), 200);
@@ -186,7 +241,7 @@ private Q_SLOTS:
         FakeMutter mutter;
         BusService service(mutterName, mutterPath, mutter);
         QVERIFY(service.isRegistered());
-        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
         record(workspace);
         setMode(service, mutter, mode);
         // A later change that is always reported shows that the first one was processed.
@@ -199,7 +254,7 @@ private Q_SLOTS:
     void anInvalidatedModeIsReadAgain() {
         FakeMutter mutter;
         BusService service(mutterName, mutterPath, mutter);
-        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
         record(workspace);
         mutter.mode = 3;
         announceMode(service, {}, {QStringLiteral("PowerSaveMode")});
@@ -210,13 +265,13 @@ private Q_SLOTS:
         FakeMutter mutter;
         mutter.mode = 3;
         const BusService service(mutterName, mutterPath, mutter);
-        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
         record(workspace);
         QTRY_COMPARE(log(), QStringLiteral("sleep"));
     }
 
     void whenMutterEndsItsSleepEnds() {
-        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
         record(workspace);
         FakeMutter mutter;
         mutter.mode = 3;
@@ -231,17 +286,15 @@ private Q_SLOTS:
         PanelFolder panels;
         FakeLogind logind;
         FakeMutter mutter;
-        const BusService login(QStringLiteral("org.freedesktop.login1"),
-                               QStringLiteral("/org/freedesktop/login1"), logind);
         BusService display(mutterName, mutterPath, mutter);
-        LinuxWorkspace workspace(panels.path());
+        LinuxWorkspace workspace(m_clock, panels.path());
         record(workspace);
 
         const auto setPanel = [&](const char* power) {
             QVERIFY(panels.set(QStringLiteral("card0-eDP-1"), QStringLiteral("dpms"), power));
             workspace.checkPanelPower();
         };
-        Q_EMIT logind.PrepareForSleep(true);
+        logind.prepareForSleep(true);
         QTRY_COMPARE(log(), QStringLiteral("sleep"));
         setPanel("Off");
         setMode(display, mutter, 3);
@@ -253,7 +306,7 @@ private Q_SLOTS:
         QTRY_COMPARE(mutter.reads, reads + 1);
         QCOMPARE(log(), QStringLiteral("sleep"));
         setPanel("Off");
-        Q_EMIT logind.PrepareForSleep(false);
+        logind.prepareForSleep(false);
         settle(QDBusConnection::systemBus());
         QCOMPARE(log(), QStringLiteral("sleep"));
         QTRY_VERIFY((setPanel("On"), log() == QStringLiteral("sleep wake")));
@@ -261,7 +314,7 @@ private Q_SLOTS:
 
     void anAddressIsOpenedOnceAndUnchanged() {
         const RecordingBrowser browser;
-        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
         QByteArray expected;
         for (const QString& text : {QStringLiteral("https://example.com/a?b=c&d=%20e#f"),
                                     QStringLiteral("https://Example.com/$(id)/;id/%7E'(x)*"),
@@ -277,7 +330,7 @@ private Q_SLOTS:
 
     void addressesWithoutASchemeAreNotOpened() {
         const RecordingBrowser browser;
-        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        LinuxWorkspace workspace(m_clock, QStringLiteral("/nowhere"));
         for (const QString& text : {QStringLiteral("--help"), QStringLiteral("/etc/passwd"),
                                     QStringLiteral("//example.com/"), QStringLiteral("index")}) {
             const std::optional<Url> url = Url::fromString(text);

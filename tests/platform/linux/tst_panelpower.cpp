@@ -2,6 +2,7 @@
 #include "platform/linux/linuxworkspace.h"
 #include "platform/linux/sessionlock.h"
 #include "tests/platform/linux/panelfolder.h"
+#include "tests/support/fakeclock.h"
 #include "tests/support/testprogram.h"
 
 #include <QRegularExpression>
@@ -50,7 +51,8 @@ private Q_SLOTS:
             QVERIFY(panels.set(words.first(), QStringLiteral("status"),
                                words.size() == 1 ? "connected" : "disconnected"));
         }
-        LinuxWorkspace workspace(panels.path());
+        FakeClock clock;
+        LinuxWorkspace workspace(clock, panels.path());
         int sleeps = 0;
         workspace.observeScreensDidSleep([&sleeps] { ++sleeps; });
         QCOMPARE(sleeps, 0);
@@ -60,7 +62,8 @@ private Q_SLOTS:
 
     void eachChangeIsReportedOnce() {
         PanelFolder panels;
-        LinuxWorkspace workspace(panels.path());
+        FakeClock clock;
+        LinuxWorkspace workspace(clock, panels.path());
         QStringList log;
         workspace.observeScreensDidSleep([&log] { log << QStringLiteral("sleep"); });
         workspace.observeScreensDidWake([&log] { log << QStringLiteral("wake"); });
@@ -72,7 +75,8 @@ private Q_SLOTS:
     }
 
     void aMissingFolderIsHarmless() {
-        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        FakeClock clock;
+        LinuxWorkspace workspace(clock, QStringLiteral("/nowhere"));
         int changes = 0;
         workspace.observeScreensDidSleep([&changes] { ++changes; });
         workspace.observeScreensDidWake([&changes] { ++changes; });

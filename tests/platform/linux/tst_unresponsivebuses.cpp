@@ -1,5 +1,6 @@
 #include "platform/linux/linuxworkspace.h"
 #include "platform/linux/unresponsivebuses.h"
+#include "tests/support/fakeclock.h"
 #include "tests/support/stubbus.h"
 #include "tests/support/testprogram.h"
 
@@ -69,7 +70,8 @@ private Q_SLOTS:
         opener.close();
         const QByteArray path = qgetenv("PATH");
         qputenv("PATH", QFile::encodeName(folder.path()) + ':' + path);
-        LinuxWorkspace workspace(QStringLiteral("/nowhere"));
+        FakeClock clock;
+        LinuxWorkspace workspace(clock, QStringLiteral("/nowhere"));
         workspace.open(*Url::fromString(QStringLiteral("https://brand.test/")));
         qputenv("PATH", path);
         const auto text = [&noted] {
