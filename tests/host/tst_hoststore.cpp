@@ -98,6 +98,32 @@ private Q_SLOTS:
                  QStringLiteral("Paused 24h. You may drop out of this week's split."));
     }
 
+    void theTokenAnnouncesBeforeItChanges() {
+        HostFixture host;
+        host.keepToken("old");
+        const auto store = host.makeStore();
+        QStringList tokensSeen;
+        QObject::connect(store.get(), &HostStore::objectWillChange,
+                         [&] { tokensSeen << store->token(); });
+        store->saveToken(QStringLiteral("new"));
+        QCOMPARE(tokensSeen, QStringList{QStringLiteral("old")});
+        QCOMPARE(store->token(), QStringLiteral("new"));
+    }
+
+    void theScreensSleepAnnouncesBeforeItChanges() {
+        HostFixture host;
+        const auto store = host.makeStore();
+        store->watchScreens();
+        QList<bool> seen;
+        QObject::connect(store.get(), &HostStore::objectWillChange,
+                         [&] { seen << store->screenAsleep(); });
+        host.workspace.screensDidSleep();
+        QCOMPARE(seen, QList<bool>{false});
+        QVERIFY(store->screenAsleep());
+        host.workspace.screensDidWake();
+        QCOMPARE(seen, (QList<bool>{false, true}));
+    }
+
     void pausedUntilEqualToNowIsNotPaused() {
         HostFixture host;
         const auto store = host.makeStore();

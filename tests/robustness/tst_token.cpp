@@ -178,6 +178,7 @@ private Q_SLOTS:
     void aRootIsJoinedToThePathAsItIs() {
         const QByteArray received = m_watched->service().received();
         QVERIFY(received.contains("GET //api/display HTTP/1.1"));
+        QVERIFY(received.contains("POST //api/host/heartbeat HTTP/1.1"));
         QVERIFY(!received.contains("Authorization: Basic"));
     }
 
