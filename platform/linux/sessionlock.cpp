@@ -32,11 +32,11 @@ const QString activeChanged = QStringLiteral("ActiveChanged");
 
 } // namespace
 
-LockSource::LockSource(const QDBusConnection& bus, QDBusMessage query,
+LockSource::LockSource(const QDBusConnection& bus, const QDBusMessage& query,
                        const QString& signalInterface, const QString& signalName,
                        const QStringList& arguments)
     : m_bus(bus)
-    , m_query(std::move(query))
+    , m_query(query)
     , m_watcher(m_query.service(), bus) {
     m_query.setAutoStartService(false);
     m_bus.connect(m_query.service(), QString(), signalInterface, signalName, arguments, QString(),

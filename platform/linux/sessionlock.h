@@ -16,8 +16,9 @@ public:
     /// `query` is a call whose reply is the state, as a boolean. It is sent at the start, whenever
     /// the service starts or ends, and at each of its signals of that name whose first arguments
     /// are `arguments`.
-    LockSource(const QDBusConnection& bus, QDBusMessage query, const QString& signalInterface,
-               const QString& signalName, const QStringList& arguments = {});
+    LockSource(const QDBusConnection& bus, const QDBusMessage& query,
+               const QString& signalInterface, const QString& signalName,
+               const QStringList& arguments = {});
 
     [[nodiscard]] bool isLocked() const { return m_isLocked; }
 
