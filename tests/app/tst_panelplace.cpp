@@ -3,6 +3,8 @@
 #include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QTest>
 
 #include <csignal>
@@ -130,6 +132,9 @@ private Q_SLOTS:
     void aTrayWithoutPlacesHasItInTheCornerAtTheBar() {
         QFETCH(QString, bar);
         const Tray items({QStringLiteral("notifier")});
+        QTRY_VERIFY_WITH_TIMEOUT(QDBusConnection::sessionBus().interface()->isServiceRegistered(
+                                     QStringLiteral("org.kde.StatusNotifierWatcher")),
+                                 kPatience);
         const Tray tray({QStringLiteral("xembed"), bar});
         awaitBar();
         SimulatorProcess program({});

@@ -224,7 +224,7 @@ private Q_SLOTS:
         installed.launchAutostartEntry();
         QTRY_COMPARE_WITH_TIMEOUT(installed.starts().size(), 2, kPatience);
         QTRY_VERIFY_WITH_TIMEOUT(!installed.isRunning(1), kPatience);
-        // One that is started by hand later opens its panel, for want of a tray.
+        // One that is started by hand later opens its panel, since there is no tray.
         QProcessEnvironment other = installed.environment;
         const QTemporaryDir runtime;
         other.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
