@@ -44,8 +44,8 @@ void HostStore::tokenArrived(const SecretResult& result) {
     if (m_isTokenKnown) {
         return; // one was saved meanwhile
     }
-    publish(m_isTokenKnown, true);
     publish(m_token, textOf(result).value_or(QString()));
+    m_isTokenKnown = true;
     // Before the start, the first requests will carry it.
     if (!m_token.isEmpty() && m_heartbeatTimer) {
         startTask(refreshDisplayThenHeartbeat());
@@ -59,8 +59,8 @@ void HostStore::writeToken(const QString& token) {
 }
 
 void HostStore::saveToken(const QString& raw) {
-    publish(m_isTokenKnown, true);
     publish(m_token, trimmed(raw));
+    m_isTokenKnown = true;
     writeToken(m_token);
     startTask(refreshDisplayThenHeartbeat());
 }
