@@ -92,7 +92,7 @@ public:
 
     [[nodiscard]] const QString& token() const { return m_token; }
     /// False while the secret store is locked or has not answered: it may then hold a token
-    /// although `token()` is empty.
+    /// although `token()` is empty. Changes together with `token()`.
     [[nodiscard]] bool isTokenKnown() const { return m_isTokenKnown; }
     /// The end of the last pause, which may be past.
     [[nodiscard]] std::optional<Clock::TimePoint> pausedUntil() const { return m_pausedUntil; }
