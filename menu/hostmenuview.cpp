@@ -114,9 +114,14 @@ void HostMenuView::showToken() {
     m_draftToken->setText(m_store->token());
 }
 
+bool HostMenuView::isDraftTouched() const {
+    // Assistive technology sets the text without marking it as modified.
+    return m_draftToken->isModified() || !m_draftToken->text().isEmpty();
+}
+
 void HostMenuView::saveToken() {
-    // An empty field that was never filled must not delete a token that it could not show.
-    if (m_hasShownToken || m_draftToken->isModified()) {
+    // An empty field must not delete a token that it could not show.
+    if (m_hasShownToken || isDraftTouched()) {
         m_store->saveToken(m_draftToken->text());
     }
 }
@@ -138,7 +143,7 @@ void HostMenuView::storeWillChange() {
 }
 
 void HostMenuView::rebuild() {
-    if (!m_hasShownToken && m_store->isTokenKnown() && !m_draftToken->isModified()) {
+    if (!m_hasShownToken && m_store->isTokenKnown() && !isDraftTouched()) {
         showToken();
     }
     const Assignment& week = m_store->assignment();

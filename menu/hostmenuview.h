@@ -42,6 +42,8 @@ private:
     void buildLayout();
     void buildActions();
     void showToken();
+    /// Whether the field holds something that the user has typed, or has emptied.
+    [[nodiscard]] bool isDraftTouched() const;
     void saveToken();
     void storeWillChange();
     void rebuild();

@@ -41,6 +41,7 @@ void call(const std::stop_token& stop, const std::function<void(GCancellable*)>&
 
 SecretResult LibsecretStore::read(const QString& service, const QString& account, LateAnswer late) {
     const auto deadline = std::chrono::steady_clock::now() + kReadTimeout;
+    m_watch.reset();
     m_read = std::make_unique<SecretRead>(
         m_worker,
         [name = itemName(service, account)](const std::stop_token& stop) {
@@ -70,8 +71,9 @@ SecretResult LibsecretStore::read(const QString& service, const QString& account
 
 void LibsecretStore::replace(const QString& service, const QString& account,
                              const std::optional<QByteArray>& value) {
-    if (m_read) {
-        m_read->ignoreAnswer(); // but its prompt stays: the user may be typing
+    m_read.reset();
+    if (m_watch && !m_watch->isPrompting()) { // else the user may be typing
+        m_watch.reset();
     }
     std::shared_ptr<SecretValue> secret;
     if (value) {
@@ -80,12 +82,12 @@ void LibsecretStore::replace(const QString& service, const QString& account,
             secret_value_new(value->constData(), value->size(), "application/octet-stream"),
             SecretValueUnref());
     }
-    // One job, so that the program's end comes before or after both calls.
+    // One job, and once something is deleted the value is added even if the program ends.
     m_worker.post([name = itemName(service, account), secret](const std::stop_token& stop) {
         call(stop, [&](GCancellable* cancellable) {
-            secretservice::clear(name, cancellable);
+            const bool isDeleted = secretservice::clear(name, cancellable);
             if (secret) {
-                secretservice::store(name, secret.get(), cancellable);
+                secretservice::store(name, secret.get(), isDeleted ? nullptr : cancellable);
             }
         });
     });

@@ -48,10 +48,18 @@ const SecretSchema schema = {
     return service;
 }
 
-[[nodiscard]] bool isDefaultCollectionLocked(SecretService* service, GCancellable* cancellable) {
+/// Why a search found nothing: some services show nothing of a collection that is locked or not
+/// open.
+[[nodiscard]] SecretError whyNothing(SecretService* service, GCancellable* cancellable) {
+    GError* error = nullptr;
     const GObjectPtr<SecretCollection> collection(secret_collection_for_alias_sync(
-        service, SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE, cancellable, nullptr));
-    return collection && secret_collection_get_locked(collection.get()) != FALSE;
+        service, SECRET_COLLECTION_DEFAULT, SECRET_COLLECTION_NONE, cancellable, &error));
+    const GErrorPtr failure(error);
+    if (!collection) {
+        return errorOf(failure);
+    }
+    const bool isLocked = secret_collection_get_locked(collection.get()) != FALSE;
+    return isLocked ? SecretError::Locked : SecretError::NotFound;
 }
 
 [[nodiscard]] GHashTablePtr attributes(const SecretItemName& name) {
@@ -88,8 +96,7 @@ std::variant<SecretValuePtr, SecretError> find(const SecretItemName& name,
         return errorOf(found.failure);
     }
     if (found.items == nullptr) {
-        return isDefaultCollectionLocked(service.get(), cancellable) ? SecretError::Locked
-                                                                     : SecretError::NotFound;
+        return whyNothing(service.get(), cancellable);
     }
     auto whyNone = SecretError::Unavailable;
     for (GList* entry = found.items.get(); entry != nullptr; entry = entry->next) {
@@ -103,20 +110,23 @@ std::variant<SecretValuePtr, SecretError> find(const SecretItemName& name,
     return whyNone;
 }
 
-void clear(const SecretItemName& name, GCancellable* cancellable) {
+bool clear(const SecretItemName& name, GCancellable* cancellable) {
     const auto service = connect(cancellable, nullptr);
     if (!service) {
-        return;
+        return false;
     }
     // secret_service_clear would skip locked items.
     const Found found =
         search(service.get(), name, SECRET_SEARCH_ALL | SECRET_SEARCH_UNLOCK, cancellable);
+    bool isDeleted = false;
     for (GList* entry = found.items.get(); entry != nullptr; entry = entry->next) {
         auto* const item = static_cast<SecretItem*>(entry->data);
         if (secret_item_get_locked(item) == FALSE) {
             secret_item_delete_sync(item, cancellable, nullptr);
+            isDeleted = true;
         }
     }
+    return isDeleted;
 }
 
 void store(const SecretItemName& name, SecretValue* value, GCancellable* cancellable) {

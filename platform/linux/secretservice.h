@@ -28,14 +28,15 @@ struct SecretItemName final {
 /// `cancellable` is cancelled; make it on a thread that has a GOwnContext.
 namespace secretservice {
 
-/// Never prompts. Gives Locked also while there is no such item but the default collection is
-/// locked, because some services show nothing of a locked collection. A cancelled call gives
-/// Unavailable.
+/// Never prompts. Without such an item it gives Locked while the default collection is locked, and
+/// Unavailable while there is none, because some services show nothing of a collection that is
+/// locked or not open. A cancelled call gives Unavailable.
 [[nodiscard]] std::variant<SecretValuePtr, SecretError> find(const SecretItemName& name,
                                                              GCancellable* cancellable);
 
-/// Deletes all items of that name, after prompting the user if they are locked.
-void clear(const SecretItemName& name, GCancellable* cancellable);
+/// Deletes all items of that name, after prompting the user if they are locked. Returns whether the
+/// service was asked to delete any.
+bool clear(const SecretItemName& name, GCancellable* cancellable);
 
 /// Stores into the user's default collection, after prompting the user if it is locked.
 void store(const SecretItemName& name, SecretValue* value, GCancellable* cancellable);

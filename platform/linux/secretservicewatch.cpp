@@ -31,10 +31,12 @@ void SecretServiceWatch::callService(const QString& method, const QVariant& argu
     auto* const watcher =
         new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [watcher, answered = std::move(answered)] {
+            [this, watcher, answered = std::move(answered)] {
                 watcher->deleteLater();
                 const QDBusPendingReply<First, Second> reply = *watcher;
-                if (!reply.isError()) {
+                if (reply.isError()) {
+                    m_hasAsked = false;
+                } else {
                     answered(reply.template argumentAt<0>(), reply.template argumentAt<1>());
                 }
             });
@@ -59,7 +61,7 @@ SecretServiceWatch::SecretServiceWatch(const QString& service, const QString& ac
 }
 
 SecretServiceWatch::~SecretServiceWatch() {
-    if (!m_promptPath.isEmpty()) {
+    if (isPrompting()) {
         callPrompt(QStringLiteral("Dismiss"), {});
     }
 }

@@ -22,6 +22,7 @@ public:
 
     /// Shows the desktop's prompt if the item is locked. At most once.
     void askToUnlock();
+    [[nodiscard]] bool isPrompting() const { return !m_promptPath.isEmpty(); }
 
 Q_SIGNALS:
     /// The Secret Service has appeared, one of its collections was created, changed, locked or

@@ -91,8 +91,8 @@ SecretResult copyMatching(const KeychainQuery& query) {
 
 } // namespace
 
-/// Reads again whenever the user unlocks a keychain. The function is deprecated like everything
-/// that knows of keychains, and has no successor.
+/// Reads again whenever the user unlocks a keychain. The function is deprecated, as all keychain
+/// functions are, and has no successor.
 class MacSecretStore::UnlockWatch final {
 public:
     explicit UnlockWatch(SecretRead& read) {

@@ -8,7 +8,7 @@
 namespace brimlet {
 namespace {
 
-constexpr int kMaxReads = 100;
+constexpr int kMaxFailures = 100;
 
 SecretResult resultOf(const QFuture<SecretResult>& future) {
     // A read that was stopped before it started has no result.
@@ -41,14 +41,13 @@ SecretResult SecretRead::readUntil(SerialWorker::Deadline deadline) {
 void SecretRead::readAgain() {
     if (m_isReading) {
         m_isOutdated = true;
-    } else if (m_late && m_reads < kMaxReads) {
+    } else if (m_late && m_failures < kMaxFailures) {
         m_isReading = true;
         m_watcher.setFuture(start());
     }
 }
 
 QFuture<SecretResult> SecretRead::start() {
-    ++m_reads;
     const auto promise = std::make_shared<QPromise<SecretResult>>();
     promise->start();
     m_stop = m_worker.post([promise, find = m_find](const std::stop_token& stop) {
@@ -71,6 +70,8 @@ void SecretRead::take() {
     }
     if (result == SecretResult(SecretError::Locked)) {
         Q_EMIT locked();
+    } else {
+        ++m_failures;
     }
     if (std::exchange(m_isOutdated, false) || result == SecretResult(SecretError::TimedOut)) {
         readAgain();

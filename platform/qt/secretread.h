@@ -34,8 +34,8 @@ public:
     [[nodiscard]] SecretResult readUntil(SerialWorker::Deadline deadline);
 
     /// Reads, after a read under way, and passes an answer to `late`. Does nothing after an answer,
-    /// or after a hundred reads: a service that ends whenever it is called would otherwise be
-    /// started for ever.
+    /// or after a hundred failures: a service that ends whenever it is called would otherwise be
+    /// started again and again.
     void readAgain();
 
 Q_SIGNALS:
@@ -51,7 +51,7 @@ private:
     SecretStore::LateAnswer m_late;
     QFutureWatcher<SecretResult> m_watcher;
     std::stop_source m_stop;
-    int m_reads = 0;
+    int m_failures = 0;
     bool m_isReading = false;
     bool m_isOutdated = false; ///< Something changed during the read under way.
 };

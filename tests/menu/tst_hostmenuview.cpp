@@ -382,6 +382,17 @@ private Q_SLOTS:
         QCOMPARE(menu.host.secrets.replacements, 2);
     }
 
+    void aDraftSetByAssistiveTechnologyIsSavedBeforeTheTokenIsKnown() {
+        ShownMenu menu;
+        menu.host.secrets.failure = SecretError::Unavailable;
+        menu.hasToken = false;
+        menu.show();
+        auto* const field = menu.named<QLineEdit>(kField);
+        field->setText(QStringLiteral("new")); // as Qt's accessible text interface does
+        press(menu, kSave);
+        QCOMPARE(menu.store()->token(), QStringLiteral("new"));
+    }
+
     void aLateTokenLeavesADraftAlone() {
         ShownMenu menu;
         menu.host.keepToken("kept-token");

@@ -2,6 +2,7 @@
 
 #include "tests/support/testpaths.h"
 
+#include <QDir>
 #include <QTest>
 
 namespace brimlet {
@@ -36,6 +37,15 @@ QByteArray lockedProperty() {
                               QStringLiteral("string:Locked")});
 }
 
+bool hasOwner(const char* name) {
+    return run(QStringLiteral("dbus-send"),
+               {QStringLiteral("--session"), QStringLiteral("--print-reply"),
+                QStringLiteral("--dest=org.freedesktop.DBus"), QStringLiteral("/"),
+                QStringLiteral("org.freedesktop.DBus.GetNameOwner"),
+                QStringLiteral("string:%1").arg(QLatin1StringView(name))})
+        .contains("string");
+}
+
 /// The prompt's window; empty while it is not shown.
 QByteArray promptWindow() {
     return run(QStringLiteral("xdotool"),
@@ -67,24 +77,29 @@ Keyring::~Keyring() {
     stop();
 }
 
-void Keyring::start(bool unlocked) {
-    QStringList arguments{QStringLiteral("--foreground"), QStringLiteral("--components=secrets")};
-    if (unlocked) {
-        arguments += QStringLiteral("--unlock");
-    }
-    m_daemon.start(QStringLiteral("gnome-keyring-daemon"), arguments);
-    m_daemon.write(unlocked ? kPassword.toUtf8() : QByteArray());
+void Keyring::start(const QStringList& options, const QByteArray& input) {
+    m_daemon.start(
+        QStringLiteral("gnome-keyring-daemon"),
+        QStringList{QStringLiteral("--foreground"), QStringLiteral("--components=secrets")} +
+            options);
+    m_daemon.write(input);
     m_daemon.closeWriteChannel();
-    const QByteArray expected = unlocked ? "boolean false" : "boolean true";
-    QTRY_VERIFY_WITH_TIMEOUT(lockedProperty().contains(expected), kPatience);
 }
 
 void Keyring::startUnlocked() {
-    start(true);
+    start({QStringLiteral("--unlock")}, kPassword.toUtf8());
+    QTRY_VERIFY_WITH_TIMEOUT(lockedProperty().contains("boolean false"), kPatience);
 }
 
 void Keyring::startLocked() {
-    start(false);
+    start({}, {});
+    QTRY_VERIFY_WITH_TIMEOUT(lockedProperty().contains("boolean true"), kPatience);
+}
+
+void Keyring::startEmpty() {
+    QDir(qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/keyrings")).removeRecursively();
+    start({}, {});
+    QTRY_VERIFY_WITH_TIMEOUT(hasOwner("org.freedesktop.secrets"), kPatience);
 }
 
 void Keyring::stop() {
@@ -106,15 +121,7 @@ void Keyring::lock() const {
 
 KeyringPrompter::KeyringPrompter() {
     m_prompter.start(QStringLiteral("/usr/libexec/gcr-prompter"), {});
-    const auto isReady = [] {
-        return run(QStringLiteral("dbus-send"),
-                   {QStringLiteral("--session"), QStringLiteral("--print-reply"),
-                    QStringLiteral("--dest=org.freedesktop.DBus"), QStringLiteral("/"),
-                    QStringLiteral("org.freedesktop.DBus.GetNameOwner"),
-                    QStringLiteral("string:org.gnome.keyring.SystemPrompter")})
-            .contains("string");
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(isReady(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(hasOwner("org.gnome.keyring.SystemPrompter"), kPatience);
 }
 
 KeyringPrompter::~KeyringPrompter() {

@@ -17,13 +17,15 @@ public:
 
     void startUnlocked();
     void startLocked();
+    /// Without the collection, which is deleted.
+    void startEmpty();
     void stop();
     /// Without a prompt.
     void unlock() const;
     void lock() const;
 
 private:
-    void start(bool unlocked);
+    void start(const QStringList& options, const QByteArray& input);
 
     QProcess m_daemon;
 };

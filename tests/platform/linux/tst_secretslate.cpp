@@ -1,8 +1,10 @@
 #include "platform/linux/libsecretstore.h"
 #include "tests/support/keyring.h"
+#include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 
 #include <QElapsedTimer>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -133,6 +135,28 @@ private Q_SLOTS:
         settle();
         QVERIFY(!prompter.isShown());
         QCOMPARE(m_late.size(), 0U);
+    }
+
+    void withoutACollectionNothingIsKnown() {
+        m_keyring->startEmpty();
+        QCOMPARE(read(), SecretResult(SecretError::Unavailable));
+        settle();
+        QCOMPARE(m_late.size(), 0U);
+    }
+
+    void aTokenIsAddedAlthoughTheProgramEndsWhileTheOldOneIsDeleted() {
+        QProcess service;
+        service.start(sourcePath(u"tests/support/session/secret-service"),
+                      {QStringLiteral("deleting")});
+        QVERIFY(service.waitForReadyRead(kPatience));
+        m_store->replace(kService, kAccount, "new");
+        m_store.reset();
+        QByteArray output;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (service.waitForReadyRead(0), (output += service.readAll()).contains("created\n")),
+            kPatience);
+        service.kill();
+        QVERIFY(service.waitForFinished());
     }
 
     void theStoreGoesAtOnceWhileAPromptIsShown() {
