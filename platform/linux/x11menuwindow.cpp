@@ -6,8 +6,10 @@
 #include "platform/qt/desktopscreens.h"
 #include "platform/qt/menuplacement.h"
 
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScreen>
 #include <QWindow>
 
 namespace brimlet {
@@ -25,6 +27,19 @@ X11MenuWindow::X11MenuWindow(std::unique_ptr<QWidget> content,
     m_dismissal.setInterval(kDismissalDelay);
     m_dismissal.setSingleShot(true);
     connect(&m_dismissal, &QTimer::timeout, this, &X11MenuWindow::dismiss);
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, &X11MenuWindow::followScreen);
+    for (QScreen* const screen : QGuiApplication::screens()) {
+        followScreen(screen);
+    }
+}
+
+/// Moves the open panel when a bar reserves or releases an edge of the screen.
+void X11MenuWindow::followScreen(QScreen* screen) {
+    connect(screen, &QScreen::availableGeometryChanged, this, [this] {
+        if (isVisible()) {
+            fit();
+        }
+    });
 }
 
 void X11MenuWindow::present(const std::optional<Rect>& item) {

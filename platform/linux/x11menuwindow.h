@@ -44,6 +44,7 @@ private:
     /// a native window that is shown again before that gets no further activation events.
     void destroyNativeWindow();
     /// Resizes to the content's size hint and moves to the place beside the status item.
+    void followScreen(QScreen* screen);
     void fit();
     /// Requests the last frame again if the window has another one. The window manager's report of
     /// an earlier frame may arrive after a newer one was requested, and Qt then takes it for the

@@ -124,6 +124,21 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(isBesideIcon(), kPatience);
     }
 
+    void anOpenPanelMakesRoomForABar() {
+        SimulatorProcess program({});
+        (void)program.ask("open");
+        QTRY_COMPARE_WITH_TIMEOUT(panelOf(program).topRight(),
+                                  kScreen.adjusted(6, 6, -6, -6).topRight(), kPatience);
+        // The notifier tray takes the icon but gives it no place.
+        const Tray items({QStringLiteral("notifier")});
+        const Tray tray({QStringLiteral("xembed"), QStringLiteral("top right")});
+        awaitBar();
+        const QRect free = workArea().adjusted(6, 6, -6, -6);
+        QVERIFY(free.top() > 6);
+        QTRY_COMPARE_WITH_TIMEOUT(panelOf(program).top(), free.top(), kPatience);
+        QVERIFY(free.contains(panelOf(program)));
+    }
+
     void aTrayWithoutPlacesHasItInTheCornerAtTheBar_data() {
         QTest::addColumn<QString>("bar");
         QTest::newRow("bottom") << QStringLiteral("bottom right");
