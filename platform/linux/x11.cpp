@@ -186,6 +186,7 @@ void raiseAboveManagedWindows(WId id) {
         const auto cookie = xcb_configure_window_checked(
             x, window, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values.data());
         xcb_discard_reply(x, cookie.sequence);
+        xcb_flush(x);
     };
     if (isBelowManaged) {
         place(managed, XCB_STACK_MODE_ABOVE);
