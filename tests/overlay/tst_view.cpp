@@ -312,6 +312,10 @@ private Q_SLOTS:
         QVERIFY(!f.left()->isVisible());
         QVERIFY(f.left()->mark().image());
         QCOMPARE(f.host.clock.runningSleeps(), 0);
+        f.show(reply({kLeft}));
+        QVERIFY(f.left()->isVisible());
+        QVERIFY(f.left()->mark().image());
+        QCOMPARE(f.host.http.log().count(QStringLiteral("GET /l.png")), 1);
     }
 
     void aHundredPollsFetchAnImageOnce() {
