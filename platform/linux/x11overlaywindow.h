@@ -57,7 +57,7 @@ private:
     WId m_shapedWindow = 0;
     QRegion m_inputShape;
     std::optional<QRegion> m_boundingShape; ///< Absent while the window is not cut.
-    std::uint64_t m_stacking = 0;           ///< X11Watch's serial when this window was last restacked.
+    std::uint64_t m_stacking = 0; ///< X11Watch's serial when this window was last restacked.
 };
 
 } // namespace brimlet

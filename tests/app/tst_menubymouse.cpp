@@ -96,7 +96,7 @@ private Q_SLOTS:
     void initTestCase() { QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session"); }
     void init() { moveTo(QPoint(300, 600) * scale()); }
 
-    void theTrayKnowsItByTheProgramsName() {
+    void theTrayListsItByTheProgramsName() {
         SimulatorProcess program({});
         if (hasNotifierTray()) {
             const auto item = [] {

@@ -29,14 +29,14 @@ class TestSessionLock final : public QObject {
 private Q_SLOTS:
     void initTestCase() { QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session"); }
 
-    void aLockHidesTheWindowAndTheServiceDoesNotLearnOfIt_data() {
+    void aLockHidesTheWindowAndSendsNothing_data() {
         QTest::addColumn<QString>("service");
         for (const char* const service :
              {"org.freedesktop.login1", "org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver"}) {
             QTest::newRow(service) << QString::fromLatin1(service);
         }
     }
-    void aLockHidesTheWindowAndTheServiceDoesNotLearnOfIt() {
+    void aLockHidesTheWindowAndSendsNothing() {
         QFETCH(const QString, service);
         const PlacementProcess placement;
         std::optional<FakeLocker> locker(std::in_place, service);
@@ -63,7 +63,7 @@ private Q_SLOTS:
         };
         QVERIFY(passesPolls());
         QVERIFY(!isMapped());
-        QVERIFY(program.isPanelShown()); // for all the store and the rules know
+        QVERIFY(program.isPanelShown()); // the store and the rules do not read the lock
         QCOMPARE(program.state().value(QStringLiteral("statusLine")),
                  state.value(QStringLiteral("statusLine")));
 

@@ -31,7 +31,7 @@ class TestSuspend final : public QObject {
     }
 
 private Q_SLOTS:
-    void theServiceHearsOfASuspendBeforeTheProgramStops() {
+    void theHeartbeatOfASuspendArrivesBeforeTheProgramStops() {
         FakeLogind logind;
         QVERIFY(logind.isRegistered());
         const PlacementProcess service;
