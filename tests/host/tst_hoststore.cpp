@@ -99,10 +99,10 @@ private Q_SLOTS:
     }
 
     void theTokenAnnouncesBeforeItChanges() {
+        QStringList tokensSeen; // outlives the requests that end with the fixture
         HostFixture host;
         host.keepToken("old");
         const auto store = host.makeStore();
-        QStringList tokensSeen;
         QObject::connect(store.get(), &HostStore::objectWillChange,
                          [&] { tokensSeen << store->token(); });
         store->saveToken(QStringLiteral("new"));
@@ -111,10 +111,10 @@ private Q_SLOTS:
     }
 
     void theScreensSleepAnnouncesBeforeItChanges() {
+        QList<bool> seen; // outlives the requests that end with the fixture
         HostFixture host;
         const auto store = host.makeStore();
         store->watchScreens();
-        QList<bool> seen;
         QObject::connect(store.get(), &HostStore::objectWillChange,
                          [&] { seen << store->screenAsleep(); });
         host.workspace.screensDidSleep();

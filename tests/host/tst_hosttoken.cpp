@@ -45,6 +45,7 @@ private Q_SLOTS:
     }
 
     void aLateTokenIsPublishedAndTriedAsASavedOne() {
+        QStringList tokensBefore; // outlives the requests that end with the fixture
         HostFixture host;
         host.keepToken("stored");
         host.secrets.failure = SecretError::TimedOut;
@@ -54,7 +55,6 @@ private Q_SLOTS:
         QVERIFY(!store->isTokenKnown());
         QCOMPARE(host.http.log(), QStringList{QStringLiteral("GET /api/display")});
         host.http.clear();
-        QStringList tokensBefore;
         QObject::connect(store.get(), &HostStore::objectWillChange,
                          [&] { tokensBefore += store->token(); });
         host.secrets.recover();
