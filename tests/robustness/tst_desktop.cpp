@@ -148,7 +148,10 @@ private Q_SLOTS:
         environment.insert(QStringLiteral("QT_FATAL_WARNINGS"), QString()); // Qt warns about some
         SimulatorProcess program(machine(60), environment);
         QTRY_COMPARE_WITH_TIMEOUT(overlay(), kHome, kPatience);
+        const qsizetype before = m_service->requestLines().count(kHeartbeat);
         (void)program.ask("save-token " + kToken.toUtf8());
+        // The heartbeat follows the last display request, whose reply sets another line.
+        QTRY_VERIFY_WITH_TIMEOUT(m_service->requestLines().count(kHeartbeat) > before, kPatience);
         QTRY_COMPARE_WITH_TIMEOUT(program.statusLine(),
                                   QStringLiteral("Ads on. This week ~€12.34 estimate."), kPatience);
         QTRY_VERIFY_WITH_TIMEOUT(isMenuOpen(program), kPatience);
