@@ -105,6 +105,8 @@ void Keyring::startEmpty() {
 void Keyring::stop() {
     m_daemon.terminate();
     m_daemon.waitForFinished(kPatience);
+    // Until then the bus refuses the name to the next one.
+    QTRY_VERIFY_WITH_TIMEOUT(!hasOwner("org.freedesktop.secrets"), kPatience);
 }
 
 void Keyring::unlock() const {
