@@ -17,12 +17,20 @@ OverlayWindowFactory overlayWindowFactory(const NativeOverlayWindowFactory& make
                                           const CreativeEnvironment& environment) {
     return [makeWindow, environment](OverlayRuntime& runtime) {
         auto content = std::make_unique<OverlayView>(runtime, environment);
-        const auto* const view = content.get();
+        auto* const view = content.get();
         auto window = makeWindow(std::move(content));
         // The window owns the view, so it is there whenever the view emits.
         QObject::connect(view, &OverlayView::regionsChanged, [view, target = window.get()] {
             target->setRegions(view->clickable(), view->painted());
         });
+        QObject::connect(
+            view, &OverlayView::contentChanged,
+            [target = window.get()](const QRegion& points) { target->updateContent(points); });
+        QObject::connect(
+            view, &OverlayView::stepped, [view, target = window.get()](const QRegion& points) {
+                target->paintStep(points,
+                                  [&](QPainter& painter) { view->paintLines(painter, points); });
+            });
         return window;
     };
 }

@@ -49,8 +49,9 @@ NotchPill::NotchPill(const CreativeEnvironment& environment, QWidget* parent)
     , m_line(lineStyle(), environment.clock, environment.reduceMotion) {
     // It paints all its pixels, also the transparent ones, so nothing behind it is repainted.
     setAttribute(Qt::WA_OpaquePaintEvent);
-    connect(&m_mark, &CreativeMark::changed, this, qOverload<>(&QWidget::update));
-    connect(&m_line, &CarRadioLine::changed, this, [this] { update(lineBox().toAlignedRect()); });
+    connect(&m_mark, &CreativeMark::changed, this, [this] { Q_EMIT changed(geometry()); });
+    connect(&m_line, &CarRadioLine::changed, this,
+            [this] { Q_EMIT changed(lineBox().toAlignedRect().translated(pos())); });
     connect(&m_line, &CarRadioLine::moved, this, &NotchPill::moved);
 }
 
@@ -60,7 +61,7 @@ void NotchPill::setFrame(const QRectF& frame) {
     if (m_capsule != capsule) {
         m_capsule = capsule;
         m_line.setContainerWidth(lineBox().width());
-        update();
+        Q_EMIT changed(geometry());
     }
 }
 
@@ -125,10 +126,10 @@ void NotchPill::paintEvent(QPaintEvent* event) {
         paintBackground(painter, pixels);
         m_mark.paint(painter, pixels.toPixels(markBox()), pixels.devicePixelRatio());
     }
-    paintLine(painter, {});
+    paintLineAt(painter, {});
 }
 
-void NotchPill::paintLine(QPainter& painter, QPoint origin) {
+void NotchPill::paintLineAt(QPainter& painter, QPoint origin) {
     const PixelSpace pixels(painter);
     m_line.setDevicePixelRatio(pixels.devicePixelRatio());
     const QRectF box = lineBox().translated(origin);

@@ -35,9 +35,8 @@ public:
     /// Advances a scrolling text to its position at this time without emitting `moved`; returns
     /// whether it moved.
     bool catchUp() { return isVisible() && m_line.catchUp(); }
-    /// Paints only the line. `origin` is the pill's top left corner in the coordinates of the
-    /// painter, which has no world transform.
-    void paintLine(QPainter& painter, QPoint origin);
+    /// Paints only the line, into a painter with the parent's coordinates and no world transform.
+    void paintLine(QPainter& painter) { paintLineAt(painter, pos()); }
     /// The capsule's outline in the parent's coordinates.
     [[nodiscard]] QPainterPath capsule() const;
     /// The accessible name.
@@ -52,6 +51,8 @@ Q_SIGNALS:
     void clicked();
     /// The text has moved by a step. The receiver has to paint `movingBox` with `paintLine`.
     void moved();
+    /// Something else is to be painted again: this box, in the parent's coordinates.
+    void changed(QRect box);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -63,6 +64,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    void paintLineAt(QPainter& painter, QPoint origin);
     void paintBackground(QPainter& painter, const PixelSpace& pixels);
     [[nodiscard]] QRectF markBox() const;
     [[nodiscard]] QRectF lineBox() const;

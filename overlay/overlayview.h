@@ -14,8 +14,8 @@ namespace brimlet {
 class NotchPill;
 
 /// Shows the runtime's state: a pill on either side of the notch. Updates at most once per turn of
-/// the event loop, and not at all when nothing visible changed. A step of a scrolling text is
-/// painted at once.
+/// the event loop, and not at all when nothing visible changed. What is to be painted again is
+/// reported; the window decides when.
 class OverlayView final : public QWidget {
     Q_OBJECT
 
@@ -28,9 +28,18 @@ public:
     /// The outlines of all shown capsules, in the view's coordinates.
     [[nodiscard]] const QPainterPath& painted() const { return m_painted; }
 
+    /// Paints the lines that are in these points. The painter has the view's coordinates and no
+    /// world transform.
+    void paintLines(QPainter& painter, const QRegion& points);
+
 Q_SIGNALS:
     /// At least one of the two has changed.
     void regionsChanged();
+    /// These points have to be painted again.
+    void contentChanged(const QRegion& points);
+    /// Scrolling texts have moved by a step: these points have to be painted with `paintLines()`,
+    /// or like other changes.
+    void stepped(const QRegion& points);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -50,7 +59,7 @@ private:
     static void pill(NotchPill& view, const std::optional<SlotCreative>& creative);
     void placeRow();
     void updateRegions();
-    void paintStep(NotchPill& moved);
+    void reportStep(NotchPill& moved);
 
     OverlayRuntime& m_runtime;
     NotchPill* m_left;

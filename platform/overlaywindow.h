@@ -2,7 +2,11 @@
 
 #include "platform/rect.h"
 
+#include <functional>
+
+class QPainter;
 class QPainterPath;
+class QRegion;
 
 namespace brimlet {
 
@@ -28,6 +32,15 @@ public:
     /// Where the content takes clicks and where it paints: outlines in its own coordinates
     /// (points), whose edges are rounded to pixels. Both are empty until set.
     virtual void setRegions(const QPainterPath& clickable, const QPainterPath& painted) = 0;
+
+    /// Paints these points of the content again, soon: changes of one turn of the event loop are
+    /// painted together.
+    virtual void updateContent(const QRegion& points) = 0;
+
+    /// Paints a step of a scrolling text at once, or later as any other change. `paint` paints
+    /// these points; its painter has the content's coordinates. It is called at most once, before
+    /// this returns.
+    virtual void paintStep(const QRegion& points, const std::function<void(QPainter&)>& paint) = 0;
 };
 
 } // namespace brimlet

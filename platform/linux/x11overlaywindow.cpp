@@ -2,24 +2,13 @@
 
 #include "platform/linux/x11.h"
 #include "platform/linux/x11watch.h"
+#include "platform/qt/contentpainting.h"
 #include "platform/qt/desktopgeometry.h"
+#include "platform/qt/outlineregion.h"
 
 #include <utility>
 
 namespace brimlet {
-namespace {
-
-/// The pixels inside the outline, whose corners are rounded to the nearest pixel.
-QRegion toPixels(const QPainterPath& outline, double devicePixelRatio) {
-    QRegion pixels;
-    for (const QPolygonF& part :
-         outline.toFillPolygons(QTransform::fromScale(devicePixelRatio, devicePixelRatio))) {
-        pixels += QRegion(part.toPolygon());
-    }
-    return pixels;
-}
-
-} // namespace
 
 X11OverlayWindow::X11OverlayWindow(std::unique_ptr<QWidget> content,
                                    std::function<QRectF()> primaryGeometry)
@@ -98,6 +87,15 @@ void X11OverlayWindow::setRegions(const QPainterPath& clickable, const QPainterP
     applyShapes();
 }
 
+void X11OverlayWindow::updateContent(const QRegion& points) {
+    m_content->update(points);
+}
+
+void X11OverlayWindow::paintStep(const QRegion& points,
+                                 const std::function<void(QPainter&)>& paint) {
+    paintIntoBackingStore(*m_content, points, paint);
+}
+
 void X11OverlayWindow::applyShapes() {
     const WId window = internalWinId();
     if (window == 0) {
@@ -105,8 +103,8 @@ void X11OverlayWindow::applyShapes() {
     }
     if (m_scaledBy != devicePixelRatioF()) {
         m_scaledBy = devicePixelRatioF();
-        m_clickablePixels = toPixels(m_clickable, m_scaledBy);
-        m_paintedPixels = toPixels(m_painted, m_scaledBy);
+        m_clickablePixels = pixelsInside(m_clickable, m_scaledBy);
+        m_paintedPixels = pixelsInside(m_painted, m_scaledBy);
     }
     const bool isNew = std::exchange(m_shapedWindow, window) != window;
     const QRegion input = m_ignoresMouseEvents ? QRegion() : m_clickablePixels;

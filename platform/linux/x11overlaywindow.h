@@ -30,6 +30,8 @@ public:
     void setFrame(const Rect& frame) override;
     void setIgnoresMouseEvents(bool ignores) override;
     void setRegions(const QPainterPath& clickable, const QPainterPath& painted) override;
+    void updateContent(const QRegion& points) override;
+    void paintStep(const QRegion& points, const std::function<void(QPainter&)>& paint) override;
 
     /// While true the window is out, whether or not it is ordered front.
     void setSessionLocked(bool isLocked);

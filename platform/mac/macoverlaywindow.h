@@ -29,6 +29,8 @@ public:
     void setIgnoresMouseEvents(bool ignores) override;
     /// The window is composited, so only the clickable region matters.
     void setRegions(const QPainterPath& clickable, const QPainterPath& painted) override;
+    void updateContent(const QRegion& points) override;
+    void paintStep(const QRegion& points, const std::function<void(QPainter&)>& paint) override;
 
     [[nodiscard]] PanelFacts facts() const;
 

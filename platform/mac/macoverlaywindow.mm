@@ -1,7 +1,9 @@
 #import "platform/mac/macoverlaywindow.h"
 
 #include "platform/mac/rules/hoverboxes.h"
+#include "platform/qt/contentpainting.h"
 #include "platform/qt/desktopgeometry.h"
+#include "platform/qt/outlineregion.h"
 
 #import "platform/mac/hoverview.h"
 #import "platform/mac/nativepanel.h"
@@ -86,11 +88,16 @@ void MacOverlayWindow::setIgnoresMouseEvents(bool ignores) {
 }
 
 void MacOverlayWindow::setRegions(const QPainterPath& clickable, const QPainterPath& /*painted*/) {
-    QRegion region;
-    for (const QPolygonF& part : clickable.toFillPolygons()) {
-        region += QRegion(part.toPolygon());
-    }
-    [m_native->hoverView followBoxes:hoverBoxes(region)];
+    [m_native->hoverView followBoxes:hoverBoxes(pixelsInside(clickable, 1))];
+}
+
+void MacOverlayWindow::updateContent(const QRegion& points) {
+    m_content->update(points);
+}
+
+void MacOverlayWindow::paintStep(const QRegion& points,
+                                 const std::function<void(QPainter&)>& paint) {
+    paintIntoBackingStore(*m_content, points, paint);
 }
 
 PanelFacts MacOverlayWindow::facts() const {

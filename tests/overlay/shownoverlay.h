@@ -3,17 +3,29 @@
 #include "creative/creativeimagecache.h"
 #include "overlay/notchpill.h"
 #include "overlay/overlayview.h"
+#include "platform/qt/contentpainting.h"
 #include "tests/support/hostfixture.h"
 
 #include <QTemporaryDir>
 
 namespace brimlet {
 
+/// Paints a view without an overlay window as X11's and the Mac's windows do.
+inline void paintChangesOf(OverlayView& view) {
+    QObject::connect(&view, &OverlayView::contentChanged, &view,
+                     [&view](const QRegion& points) { view.update(points); });
+    QObject::connect(&view, &OverlayView::stepped, &view, [&view](const QRegion& points) {
+        paintIntoBackingStore(view, points,
+                              [&](QPainter& painter) { view.paintLines(painter, points); });
+    });
+}
+
 /// A shown overlay view of 428 by 40 points over a store whose ports are fakes.
 struct ShownOverlay {
     ShownOverlay() {
         caches.folder = folder.path();
         view.setAttribute(Qt::WA_TranslucentBackground); // as the program's window
+        paintChangesOf(view);
         view.resize(428, 40);
         view.show();
     }

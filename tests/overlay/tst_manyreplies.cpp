@@ -2,6 +2,7 @@
 #include "menu/hostmenuview.h"
 #include "overlay/overlaycontroller.h"
 #include "overlay/overlayview.h"
+#include "tests/overlay/shownoverlay.h"
 #include "tests/support/hostfixture.h"
 #include "tests/support/memoryuse.h"
 #include "tests/support/paintcounter.h"
@@ -106,6 +107,7 @@ private Q_SLOTS:
     void theSameReplyAgainPaintsAndFetchesNothing() {
         Life life;
         OverlayView capsules(*life.runtimeOfPanel, life.environment);
+        paintChangesOf(capsules);
         capsules.resize(428, 40);
         capsules.show();
         HostMenuView menu(life.store, life.environment);
@@ -145,6 +147,7 @@ private Q_SLOTS:
     void theCapsulesNeedNoMoreMemory() {
         Life life;
         OverlayView view(*life.runtimeOfPanel, life.environment);
+        paintChangesOf(view);
         view.resize(428, 40);
         view.show();
         check(life, replies(5'000));

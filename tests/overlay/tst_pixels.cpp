@@ -181,7 +181,7 @@ private Q_SLOTS:
             // What Qt clears for a step is painted by the step.
             QImage step = blank();
             QPainter painter(&step);
-            pill->paintLine(painter, pill->pos());
+            pill->paintLine(painter);
             painter.end();
             QVERIFY(!pill->movingBox().isEmpty());
             QCOMPARE(Fixture::bounds(step, toPixels(pill->movingBox()), isRed), QRect());

@@ -204,6 +204,13 @@ public:
     void setRegions(const QPainterPath& /*clickable*/, const QPainterPath& /*painted*/) override {
         m_record.calls << QStringLiteral("regions");
     }
+    void updateContent(const QRegion& /*points*/) override {
+        m_record.calls << QStringLiteral("content");
+    }
+    void paintStep(const QRegion& /*points*/,
+                   const std::function<void(QPainter&)>& /*paint*/) override {
+        m_record.calls << QStringLiteral("step");
+    }
 
 private:
     Record& m_record;
