@@ -43,8 +43,7 @@ void restoreEnvironment() {
     }
 }
 
-} // namespace
-
+/// The window is out while the session is locked.
 NativeOverlayWindowFactory x11OverlayWindowFactory(const SessionLock& lock,
                                                    std::function<QRectF()> primaryGeometry) {
     return [&lock, primaryGeometry = std::move(primaryGeometry)](std::unique_ptr<QWidget> content) {
@@ -56,6 +55,31 @@ NativeOverlayWindowFactory x11OverlayWindowFactory(const SessionLock& lock,
         follow();
         return window;
     };
+}
+
+} // namespace
+
+LinuxAdapters::LinuxAdapters() {
+    if (wayland.choice().isNative) {
+        workspace.setTokenRequest([this](std::function<void(const QString&)> use) {
+            wayland.activation().requestToken(std::move(use));
+        });
+    }
+}
+
+Screens& LinuxAdapters::screens() {
+    return wayland.choice().isNative ? wayland.screens() : x11Screens;
+}
+
+QRectF LinuxAdapters::primaryGeometry() {
+    return wayland.choice().isNative ? wayland.primaryGeometry() : brimlet::primaryGeometry();
+}
+
+NativeOverlayWindowFactory
+LinuxAdapters::overlayWindowFactory(std::function<QRectF()> primaryGeometry) {
+    return wayland.choice().isNative
+               ? wayland.overlayWindowFactory(std::move(primaryGeometry))
+               : x11OverlayWindowFactory(sessionLock, std::move(primaryGeometry));
 }
 
 std::unique_ptr<MenuWindow> makeX11MenuWindow(std::unique_ptr<QWidget> content) {
@@ -102,14 +126,18 @@ void askRunningProgram(const SingleInstance& instance, InstanceRequest request) 
     std::quick_exit(exitCodeOf(instance.ask(request)));
 }
 
-void followDesktop(const HostStore& store, LinuxWorkspace& workspace) {
+void followDesktop(const HostStore& store, LinuxAdapters& adapters) {
     // After the many changes of one reply, since the check itself may change the store.
     auto* const check = new OncePerTurn(
-        [&workspace] {
-            workspace.checkPanelPower();
-            X11Watch::shared().drainEvents();
+        [&adapters] {
+            adapters.workspace.checkPanelPower();
+            if (adapters.wayland.choice().isNative) {
+                adapters.wayland.connection().reconnect();
+            } else {
+                X11Watch::shared().drainEvents();
+            }
         },
-        &workspace);
+        &adapters.workspace);
     QObject::connect(&store, &HostStore::objectWillChange, check, &OncePerTurn::schedule);
 }
 

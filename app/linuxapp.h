@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/waylanddesktop.h"
 #include "app/wiring.h"
 #include "platform/curl/curlhttpclient.h"
 #include "platform/instancerequest.h"
@@ -26,7 +27,8 @@ class SingleInstance;
 /// An adapter for each port on a Linux desktop. Create it after the application object.
 struct LinuxAdapters final {
     QtClock clock;
-    QtScreens screens;
+    WaylandDesktop wayland;
+    QtScreens x11Screens;
     LinuxWorkspace workspace{clock};
     SessionLock sessionLock;
     LibsecretStore secrets;
@@ -35,13 +37,17 @@ struct LinuxAdapters final {
     LinuxReduceMotion reduceMotion;
     std::unique_ptr<CurlHttpClient> http = std::make_unique<CurlHttpClient>();
     TrayStatusItem statusItem;
-};
 
-/// A factory for the overlay's window on the X server, which is out while the session is locked.
-/// `primaryGeometry` returns the primary screen's current geometry in Qt's coordinates. The lock
-/// outlives the factory.
-[[nodiscard]] NativeOverlayWindowFactory
-x11OverlayWindowFactory(const SessionLock& lock, std::function<QRectF()> primaryGeometry);
+    LinuxAdapters();
+    /// Of the display server that has the overlay's window.
+    [[nodiscard]] Screens& screens();
+    /// The primary one of these screens, in the display server's coordinates.
+    [[nodiscard]] QRectF primaryGeometry();
+    /// A factory for the overlay's window. `primaryGeometry` returns the primary screen's current
+    /// geometry in the display server's coordinates. The adapters outlive the windows.
+    [[nodiscard]] NativeOverlayWindowFactory
+    overlayWindowFactory(std::function<QRectF()> primaryGeometry);
+};
 
 [[nodiscard]] std::unique_ptr<MenuWindow> makeX11MenuWindow(std::unique_ptr<QWidget> content);
 
@@ -59,9 +65,10 @@ void configureLinuxApplication();
 /// out, else with 1 and a line on stderr.
 [[noreturn]] void askRunningProgram(const SingleInstance& instance, InstanceRequest request);
 
-/// After each change of the store, makes `workspace` check whether the built-in display is on, and
-/// `X11Watch` read its queued events. Every reply and every failed request changes the store, so
-/// this needs no timer. The workspace outlives the main loop.
-void followDesktop(const HostStore& store, LinuxWorkspace& workspace);
+/// After each change of the store, makes the workspace check whether the built-in display is on,
+/// `X11Watch` read its queued events, and a lost Wayland connection be made again. Every reply and
+/// every failed request changes the store, so this needs no timer. The adapters outlive the main
+/// loop.
+void followDesktop(const HostStore& store, LinuxAdapters& adapters);
 
 } // namespace brimlet

@@ -1,7 +1,6 @@
 #include "app/commandline.h"
 #include "app/linuxapp.h"
 #include "platform/linux/singleinstance.h"
-#include "platform/qt/desktopscreens.h"
 
 #include <QApplication>
 
@@ -28,12 +27,13 @@ int main(int argc, char* argv[]) {
     }
 
     LinuxAdapters desktop;
-    BrimletApp app =
-        makeApp({desktop.screens, desktop.workspace, desktop.secrets, *desktop.http, desktop.bundle,
-                 desktop.clock, desktop.cachesFolder, desktop.reduceMotion, desktop.statusItem,
-                 x11OverlayWindowFactory(desktop.sessionLock, primaryGeometry), makeX11MenuWindow},
-                commandLine.reason);
+    BrimletApp app = makeApp(
+        {desktop.screens(), desktop.workspace, desktop.secrets, *desktop.http, desktop.bundle,
+         desktop.clock, desktop.cachesFolder, desktop.reduceMotion, desktop.statusItem,
+         desktop.overlayWindowFactory([&desktop] { return desktop.primaryGeometry(); }),
+         makeX11MenuWindow},
+        commandLine.reason);
     handleRequests(instance, app);
-    followDesktop(*app.store(), desktop.workspace);
+    followDesktop(*app.store(), desktop);
     return app.run();
 }

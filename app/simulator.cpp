@@ -18,10 +18,13 @@ namespace {
 
 using namespace brimlet;
 
-/// Places the painted notch where the described machine has one.
-void drawNotch(NotchWindow& window, const Machine& machine, const Screens& screens) {
-    window.place(machine.drawNotch ? notchOf(builtInScreen(screens)) : std::nullopt,
-                 simulatedPrimaryGeometry(machine));
+/// Places the painted notch where the described machine has one; none beside a native overlay,
+/// since its window is X11's and would take clicks there.
+void drawNotch(NotchWindow& window, const Machine& machine, const Screens& screens,
+               LinuxAdapters& real) {
+    const bool isDrawn = machine.drawNotch && !real.wayland.choice().isNative;
+    window.place(isDrawn ? notchOf(builtInScreen(screens)) : std::nullopt,
+                 simulatedPrimaryGeometry(machine, real.primaryGeometry()));
 }
 
 } // namespace
@@ -62,7 +65,7 @@ int main(int argc, char* argv[]) {
     }
 
     LinuxAdapters real;
-    SimulatedScreens screens(file, real.screens);
+    SimulatedScreens screens(file, real.screens());
     SimulatedWorkspace workspace(file, real.workspace);
     MemorySecretStore memory;
     SecretStore& secrets = file.machine().secretStore == MachineSecretStore::Memory
@@ -75,16 +78,16 @@ int main(int argc, char* argv[]) {
     SimulatedHttpClient http(std::move(real.http), file.machine().speed);
 
     NotchWindow notch;
-    const auto redrawNotch = [&] { drawNotch(notch, file.machine(), screens); };
+    const auto redrawNotch = [&] { drawNotch(notch, file.machine(), screens, real); };
     QObject::connect(&file, &MachineFile::changed, &notch, redrawNotch);
     redrawNotch();
 
-    BrimletApp app = makeApp(
-        {screens, workspace, secrets, http, bundle, clock, cachesFolder, reduceMotion,
-         real.statusItem,
-         x11OverlayWindowFactory(real.sessionLock,
-                                 [&file] { return simulatedPrimaryGeometry(file.machine()); }),
-         makeX11MenuWindow});
+    BrimletApp app =
+        makeApp({screens, workspace, secrets, http, bundle, clock, cachesFolder, reduceMotion,
+                 real.statusItem, real.overlayWindowFactory([&] {
+                     return simulatedPrimaryGeometry(file.machine(), real.primaryGeometry());
+                 }),
+                 makeX11MenuWindow});
     handleRequests(instance, app);
 
     QObject::connect(app.store().get(), &HostStore::overlayNeedsRender, &notch,
@@ -94,6 +97,6 @@ int main(int argc, char* argv[]) {
     if (commandLine.isConsoleWanted) {
         console = std::make_unique<SimulatorConsole>(app, cachesFolder, reduceMotion);
     }
-    followDesktop(*app.store(), real.workspace);
+    followDesktop(*app.store(), real);
     return app.run();
 }

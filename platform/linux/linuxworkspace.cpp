@@ -55,6 +55,20 @@ const QString powerSaveMode = QStringLiteral("PowerSaveMode");
 
 constexpr std::chrono::seconds kLongestDelay(2);
 
+void startBrowser(const QString& address, const QString& activationToken) {
+    QProcessEnvironment environment = childEnvironment();
+    if (!activationToken.isEmpty()) {
+        environment.insert(QStringLiteral("XDG_ACTIVATION_TOKEN"), activationToken);
+    }
+    QProcess opener;
+    opener.setProgram(QStringLiteral("xdg-open"));
+    opener.setArguments({address});
+    opener.setProcessEnvironment(environment);
+    opener.setStandardOutputFile(QProcess::nullDevice());
+    opener.setStandardErrorFile(QProcess::nullDevice());
+    opener.startDetached();
+}
+
 } // namespace
 
 LinuxWorkspace::LinuxWorkspace(Clock& clock, QString drmFolder)
@@ -94,13 +108,11 @@ void LinuxWorkspace::open(const Url& url) {
     if (!url.scheme() || text.startsWith(u'-')) {
         return;
     }
-    QProcess opener;
-    opener.setProgram(QStringLiteral("xdg-open"));
-    opener.setArguments({text});
-    opener.setProcessEnvironment(childEnvironment());
-    opener.setStandardOutputFile(QProcess::nullDevice());
-    opener.setStandardErrorFile(QProcess::nullDevice());
-    opener.startDetached();
+    if (m_requestToken) {
+        m_requestToken([text](const QString& token) { startBrowser(text, token); });
+    } else {
+        startBrowser(text, {});
+    }
 }
 
 void LinuxWorkspace::checkPanelPower() {

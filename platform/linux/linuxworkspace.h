@@ -10,7 +10,9 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace brimlet {
 
@@ -39,6 +41,11 @@ public:
     /// Starts "xdg-open" as a detached process. An address without a scheme is ignored.
     void open(const Url& url) override;
 
+    /// With it `open()` first asks for a token that lets the browser come to the front. `request`
+    /// calls its argument exactly once, with an empty token where there is none.
+    using TokenRequest = std::function<void(std::function<void(const QString& token)>)>;
+    void setTokenRequest(TokenRequest request) { m_requestToken = std::move(request); }
+
     /// Reads the panel's power state. The kernel sends no notification of a change, so the caller
     /// polls this; observers may be called before it returns.
     void checkPanelPower();
@@ -57,6 +64,7 @@ private:
 
     Clock& m_clock;
     QString m_drmFolder;
+    TokenRequest m_requestToken;
     QDBusServiceWatcher m_logindWatcher;
     QDBusServiceWatcher m_mutterWatcher;
     Observers m_sleepObservers;

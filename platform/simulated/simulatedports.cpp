@@ -1,7 +1,5 @@
 #include "platform/simulated/simulatedports.h"
 
-#include "platform/qt/desktopscreens.h"
-
 #include <QTimer>
 
 #include <algorithm>
@@ -52,9 +50,9 @@ ObserverToken SimulatedScreens::observeChanges(std::function<void()> changed) {
     return m_observers.add(std::move(changed));
 }
 
-QRectF simulatedPrimaryGeometry(const Machine& machine) {
+QRectF simulatedPrimaryGeometry(const Machine& machine, const QRectF& real) {
     if (!machine.displays || machine.displays->empty()) {
-        return primaryGeometry();
+        return real;
     }
     const Rect& frame = machine.displays->front().screen.frame;
     return {0, 0, frame.width, frame.height};

@@ -29,9 +29,9 @@ private:
     Observers m_observers;
 };
 
-/// The described machine's primary display in Qt's space, with its top left at the origin; the real
-/// primary screen when no displays are described.
-[[nodiscard]] QRectF simulatedPrimaryGeometry(const Machine& machine);
+/// The described machine's primary display in the display server's space, with its top left at the
+/// origin; `real` when no displays are described.
+[[nodiscard]] QRectF simulatedPrimaryGeometry(const Machine& machine, const QRectF& real);
 
 /// If the file says at the start that the screens are asleep, the sleep observers are called one
 /// turn of the event loop after the first of them was added.

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "platform/wayland/waylandbuffers.h"
+#include "platform/wayland/waylandproxies.h"
+
+#include <QObject>
+#include <QRect>
+#include <QRegion>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+class QPainter;
+
+namespace brimlet {
+
+class WaylandConnection;
+class WaylandOutput;
+
+/// A picture on an output, above everything else: a popup of an invisible surface of the overlay
+/// layer. KWin before its version 6 gives a layer surface that is clicked the keyboard, whatever it
+/// asks for; a popup without a grab never gets it. Its objects belong to one connection. Main
+/// thread only.
+class OverlaySurface final : public QObject {
+    Q_OBJECT
+
+public:
+    /// Paints these points of the picture; all of it when absent.
+    using Paint = std::function<void(QImage& image, const std::optional<QRegion>& points)>;
+
+    /// Appears when the compositor has placed it. `place` is relative to the output, in points.
+    OverlaySurface(WaylandConnection& connection, const WaylandOutput& output, const QRect& place,
+                   Paint paint);
+    ~OverlaySurface() override;
+
+    /// Clicks elsewhere go to what is below. In points.
+    void setInputRegion(const QRegion& points);
+    /// Paints these points at the next chance; all points when absent.
+    void update(const std::optional<QRegion>& points);
+    /// Paints these points at once with `paint`, or at the next chance as any others: not before
+    /// the compositor has shown the last picture.
+    void paintNow(const QRegion& points, const std::function<void(QPainter&)>& paint);
+
+    [[nodiscard]] wl_surface* surface() const { return m_surface.get(); }
+    [[nodiscard]] xdg_surface* window() const { return m_window.get(); }
+    /// Pixels per point.
+    [[nodiscard]] double scale() const { return m_scale; }
+
+Q_SIGNALS:
+    /// The compositor has taken the surface away; it must be destroyed, not within this signal.
+    void closed();
+
+private:
+    void createPopup();
+    void setScale(double scale);
+    [[nodiscard]] bool canPaint() const;
+    void paintDue();
+    void show(const QRegion& pixels);
+    [[nodiscard]] QRegion toPixels(const QRegion& points) const;
+
+    WaylandConnection& m_connection;
+    QSize m_size;
+    Paint m_paint;
+    double m_scale = 1;
+    bool m_isConfigured = false;
+    bool m_isAllDue = true;
+    QRegion m_due; ///< In points.
+    std::unique_ptr<WaylandBuffers> m_buffers;
+    // Destroyed in the opposite order.
+    Proxy<wl_surface> m_anchor;
+    std::unique_ptr<WaylandBuffers> m_anchorPicture;
+    Proxy<zwlr_layer_surface_v1> m_layer;
+    Proxy<wl_surface> m_surface;
+    Proxy<wp_fractional_scale_v1> m_preferredScale;
+    Proxy<wp_viewport> m_viewport;
+    Proxy<xdg_surface> m_window;
+    Proxy<xdg_popup> m_popup;
+    Proxy<wl_callback> m_frame;
+};
+
+} // namespace brimlet
