@@ -1,6 +1,7 @@
 #include "app/linuxapp.h"
 
 #include "app/commandline.h"
+#include "app/displayloss.h"
 #include "platform/linux/singleinstance.h"
 #include "platform/linux/startupmemory.h"
 #include "platform/linux/unresponsivebuses.h"
@@ -10,8 +11,11 @@
 #include "platform/linux/x11watch.h"
 #include "platform/onceperturn.h"
 #include "platform/qt/desktopscreens.h"
+#include "platform/wayland/waylandsocket.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QLibraryInfo>
 #include <QSessionManager>
 #include <QTimer>
 
@@ -43,6 +47,23 @@ void restoreEnvironment() {
     }
 }
 
+/// No X server was there at the start, so Qt uses another platform.
+bool isWithoutX = false;
+
+void sayThatXIsMissing() {
+    std::fprintf(stderr,
+                 "brimlet: There is no X server at DISPLAY=%s. Start it from a desktop; under "
+                 "Wayland that needs XWayland.\n",
+                 qgetenv("DISPLAY").constData());
+}
+
+/// Qt's plugin is a package of its own.
+bool hasQtForWayland() {
+    const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) +
+                       QStringLiteral("/platforms"));
+    return !plugins.entryList({QStringLiteral("libqwayland*.so")}).isEmpty();
+}
+
 /// The window is out while the session is locked.
 NativeOverlayWindowFactory x11OverlayWindowFactory(const SessionLock& lock,
                                                    std::function<QRectF()> primaryGeometry) {
@@ -67,6 +88,14 @@ LinuxAdapters::LinuxAdapters() {
     }
 }
 
+bool LinuxAdapters::canShowOverlay() const {
+    const bool canShow = wayland.choice().isNative || !isWithoutX;
+    if (!canShow) {
+        sayThatXIsMissing();
+    }
+    return canShow;
+}
+
 Screens& LinuxAdapters::screens() {
     return wayland.choice().isNative ? wayland.screens() : x11Screens;
 }
@@ -87,17 +116,23 @@ std::unique_ptr<MenuWindow> makeX11MenuWindow(std::unique_ptr<QWidget> content) 
 }
 
 bool prepareLinuxApplication() {
+    if (isStartAfterDisplayLoss() && !awaitDisplay()) {
+        std::fputs("brimlet: The Wayland compositor has ended.\n", stderr);
+        return false;
+    }
     const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
     if (platform.isEmpty() || platform.startsWith("wayland") || platform.startsWith("xcb")) {
-        if (!x11::canConnect()) {
-            const QByteArray display = qgetenv("DISPLAY");
-            std::fprintf(stderr,
-                         "brimlet: There is no X server at DISPLAY=%s. Start it from a desktop; "
-                         "under Wayland that needs XWayland.\n",
-                         display.constData());
+        if (x11::canConnect()) {
+            setForQt("QT_QPA_PLATFORM", "xcb");
+        } else if (compositorAccepts()) {
+            // The overlay needs no X server, and the panel can do without.
+            isWithoutX = true;
+            setForQt("QT_QPA_PLATFORM", hasQtForWayland() ? "wayland" : "offscreen");
+            setForQt("QT_WAYLAND_CLIENT_BUFFER_INTEGRATION", "none"); // EGL takes 20 MiB
+        } else {
+            sayThatXIsMissing();
             return false;
         }
-        setForQt("QT_QPA_PLATFORM", "xcb");
     }
     disableUnresponsiveBuses();
     QApplication::setStyle(QStringLiteral("Fusion"));

@@ -39,6 +39,9 @@ struct LinuxAdapters final {
     TrayStatusItem statusItem;
 
     LinuxAdapters();
+    /// Prints a line to stderr where there is neither an X server nor a compositor with a layer
+    /// shell.
+    [[nodiscard]] bool canShowOverlay() const;
     /// Of the display server that has the overlay's window.
     [[nodiscard]] Screens& screens();
     /// The primary one of these screens, in the display server's coordinates.
@@ -52,9 +55,11 @@ struct LinuxAdapters final {
 [[nodiscard]] std::unique_ptr<MenuWindow> makeX11MenuWindow(std::unique_ptr<QWidget> content);
 
 /// Call before the application object is created. Selects Qt's X11 platform, since only X11 lets a
-/// program place its windows (unless QT_QPA_PLATFORM names another than X11 or Wayland), and the
-/// Fusion style. Disables buses that do not answer, which may block for 1.4 s. Without an X server
-/// it prints a line to stderr and returns false.
+/// program place its windows, or where there is only a Wayland compositor Qt's Wayland platform, or
+/// one without windows; unless QT_QPA_PLATFORM names another than X11 or Wayland. Also selects the
+/// Fusion style. Disables buses that do not answer, which may block for 1.4 s. Without a display
+/// server it prints a line to stderr and returns false; after the loss of one it first waits for
+/// its return.
 [[nodiscard]] bool prepareLinuxApplication();
 
 /// Call right after the application object is created. Restores the environment, calls

@@ -1,4 +1,5 @@
 #include "app/commandline.h"
+#include "app/displayloss.h"
 #include "app/linuxapp.h"
 #include "platform/linux/singleinstance.h"
 
@@ -27,6 +28,9 @@ int main(int argc, char* argv[]) {
     }
 
     LinuxAdapters desktop;
+    if (!desktop.canShowOverlay()) {
+        return 1;
+    }
     BrimletApp app = makeApp(
         {desktop.screens(), desktop.workspace, desktop.secrets, *desktop.http, desktop.bundle,
          desktop.clock, desktop.cachesFolder, desktop.reduceMotion, desktop.statusItem,
@@ -34,6 +38,9 @@ int main(int argc, char* argv[]) {
          makeX11MenuWindow},
         commandLine.reason);
     handleRequests(instance, app);
+    if (const auto pause = takePauseBeforeDisplayLoss()) {
+        app.store()->continuePause(*pause);
+    }
     followDesktop(*app.store(), desktop);
-    return app.run();
+    return runAcrossDisplayLoss(app, {argv[0], "--autostart"});
 }

@@ -1,4 +1,5 @@
 #include "app/commandline.h"
+#include "app/displayloss.h"
 #include "app/linuxapp.h"
 #include "app/simulatorconsole.h"
 #include "host/notch.h"
@@ -65,6 +66,9 @@ int main(int argc, char* argv[]) {
     }
 
     LinuxAdapters real;
+    if (!real.canShowOverlay()) {
+        return 1;
+    }
     SimulatedScreens screens(file, real.screens());
     SimulatedWorkspace workspace(file, real.workspace);
     MemorySecretStore memory;
@@ -97,6 +101,9 @@ int main(int argc, char* argv[]) {
     if (commandLine.isConsoleWanted) {
         console = std::make_unique<SimulatorConsole>(app, cachesFolder, reduceMotion);
     }
+    if (const auto pause = takePauseBeforeDisplayLoss()) {
+        app.store()->continuePause(*pause);
+    }
     followDesktop(*app.store(), real);
-    return app.run();
+    return runAcrossDisplayLoss(app, {argv, argv + argc});
 }

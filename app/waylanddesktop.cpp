@@ -15,7 +15,7 @@ OverlayChoice connectAndChoose(WaylandConnection& connection) {
     facts.isWaylandDisplaySet = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
     if (facts.isWaylandDisplaySet) {
         facts.isLibraryLoaded = loadWaylandLibrary();
-        facts.isConnected = connection.connectWithin(std::chrono::seconds(1));
+        facts.isConnected = connection.connectWithin(std::chrono::seconds(3));
         facts.missingInterface = connection.missing();
     }
     return chooseOverlay(facts);

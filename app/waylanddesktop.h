@@ -16,7 +16,8 @@ namespace brimlet {
 /// The adapters for a Wayland compositor. Needs the application object.
 class WaylandDesktop final {
 public:
-    /// Connects to the compositor where WAYLAND_DISPLAY is set; waits for it for a second at most.
+    /// Connects to the compositor where WAYLAND_DISPLAY is set; waits for it for three seconds at
+    /// most.
     WaylandDesktop();
 
     /// Whether the overlay's window is to be the compositor's, as found at the start.

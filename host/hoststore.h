@@ -69,6 +69,10 @@ public:
     /// pause is not stored and cannot be ended early; another call extends it.
     void pause24h();
 
+    /// Goes on with a pause that was asked for before this process started anew by itself. Call it
+    /// before the start.
+    void continuePause(Clock::TimePoint end) { publish(m_pausedUntil, end); }
+
     /// Sends a request with the token and applies the reply; without a token, or if the address is
     /// malformed, nothing happens. `path` begins with a slash and is appended to the service root
     /// unchanged. A POST has a JSON body, `heartbeatBody()` when the path ends with "/heartbeat"

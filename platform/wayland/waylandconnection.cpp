@@ -2,46 +2,18 @@
 
 #include "platform/wayland/waylandoutputs.h"
 #include "platform/wayland/waylandprotocols.h"
+#include "platform/wayland/waylandsocket.h"
 
 #include <QAbstractEventDispatcher>
 #include <QDeadlineTimer>
-#include <QFile>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 
 #include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace brimlet {
-namespace {
-
-/// A connected socket, or -1. libwayland would try "wayland-0" where WAYLAND_DISPLAY is unset, and
-/// would wait for a compositor that accepts no more connections.
-int connectToCompositor() {
-    const QByteArray name = qgetenv("WAYLAND_DISPLAY");
-    const QByteArray path = name.startsWith('/') ? name : qgetenv("XDG_RUNTIME_DIR") + '/' + name;
-    sockaddr_un address{};
-    if (name.isEmpty() || path.size() >= static_cast<qsizetype>(sizeof address.sun_path)) {
-        return -1;
-    }
-    address.sun_family = AF_UNIX;
-    std::memcpy(address.sun_path, path.constData(), static_cast<std::size_t>(path.size()));
-    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (socket >= 0 &&
-        ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        ::close(socket);
-        return -1;
-    }
-    return socket;
-}
-
-} // namespace
-
 void WaylandConnection::Disconnect::operator()(wl_display* display) const {
     waylandLibrary.disconnect(display);
 }
@@ -111,7 +83,8 @@ void WaylandConnection::awaitReply() {
 bool WaylandConnection::connectWithin(std::chrono::milliseconds limit) {
     const QDeadlineTimer deadline(limit);
     reconnect();
-    while (m_display && !m_isReady && !deadline.hasExpired()) {
+    const auto isComplete = [this] { return m_isReady && !m_outputs->all().empty(); };
+    while (m_display && !isComplete() && !deadline.hasExpired()) {
         pollfd descriptor{static_cast<int>(m_readable->socket()), POLLIN, 0};
         if (::poll(&descriptor, 1, static_cast<int>(deadline.remainingTime())) > 0) {
             readEvents();

@@ -45,7 +45,8 @@ public:
     /// WAYLAND_DISPLAY is unset, the library is missing or there is no compositor.
     void reconnect();
 
-    /// Connects and waits until the globals are known, or for this time at most.
+    /// Connects and waits until the globals and an output are known, or for this time at most.
+    /// False when the globals are not.
     bool connectWithin(std::chrono::milliseconds limit);
 
     /// Whether the globals and outputs are known.
