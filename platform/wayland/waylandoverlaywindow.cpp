@@ -18,7 +18,7 @@ namespace brimlet {
 WaylandOverlayWindow::WaylandOverlayWindow(std::unique_ptr<QWidget> content,
                                            WaylandConnection& connection, WaylandSeat& seat,
                                            std::function<QRectF()> primaryGeometry)
-    : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus)
+    : QWidget(nullptr, Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus)
     , m_content(content.release())
     , m_connection(connection)
     , m_seat(seat)
@@ -117,8 +117,8 @@ void WaylandOverlayWindow::orderOut() {
 void WaylandOverlayWindow::setFrame(const Rect& frame) {
     m_frame = toQt(inWholePoints(frame), m_primaryGeometry());
     setGeometry(m_frame.toRect()); // where screen readers look for it
-    const QPointF topCentre(m_frame.center().x(), m_frame.top());
-    if (const WaylandOutput* const output = m_connection.outputs().at(topCentre)) {
+    const QPointF inside(m_frame.center().x(), m_frame.top() + 0.5); // not on an edge
+    if (const WaylandOutput* const output = m_connection.outputs().at(inside)) {
         m_connector = output->connector();
     }
 }

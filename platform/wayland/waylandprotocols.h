@@ -4,14 +4,14 @@
 
 #include "platform/wayland/waylandlibrary.h"
 
-#include "cursor-shape-client.h"
-#include "fractional-scale-v1-client.h"
-#include "viewporter-client.h"
-#include "wayland-client.h"
-#include "wlr-layer-shell-client.h"
-#include "xdg-activation-v1-client.h"
-#include "xdg-output-unstable-v1-client.h"
-#include "xdg-shell-client.h"
+#include "client-cursor-shape.h"
+#include "client-fractional-scale-v1.h"
+#include "client-viewporter.h"
+#include "client-wayland.h"
+#include "client-wlr-layer-shell.h"
+#include "client-xdg-activation-v1.h"
+#include "client-xdg-output-unstable-v1.h"
+#include "client-xdg-shell.h"
 
 namespace brimlet {
 
