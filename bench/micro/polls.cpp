@@ -105,6 +105,9 @@ public:
     void setFrame(const Rect& /*frame*/) override {}
     void setIgnoresMouseEvents(bool /*ignores*/) override {}
     void setRegions(const QPainterPath& /*clickable*/, const QPainterPath& /*painted*/) override {}
+    void updateContent(const QRegion& /*points*/) override {}
+    void paintStep(const QRegion& /*points*/,
+                   const std::function<void(QPainter&)>& /*paint*/) override {}
 };
 
 /// Connected as in the program: the store's requests to be rendered refresh the overlay.

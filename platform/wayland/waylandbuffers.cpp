@@ -61,9 +61,9 @@ QImage& WaylandBuffers::beginPaint() {
     if (m_shown >= 0 && !m_changed.isEmpty()) {
         const QImage& shown = m_pictures.at(static_cast<std::size_t>(m_shown)).image;
         for (const QRect& part : m_changed) {
+            const std::ptrdiff_t from = std::ptrdiff_t{4} * part.left();
             for (int y = part.top(); y <= part.bottom(); ++y) {
-                std::memcpy(image.scanLine(y) + 4 * part.left(),
-                            shown.constScanLine(y) + 4 * part.left(),
+                std::memcpy(image.scanLine(y) + from, shown.constScanLine(y) + from,
                             4 * static_cast<std::size_t>(part.width()));
             }
         }
