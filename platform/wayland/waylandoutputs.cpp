@@ -60,8 +60,14 @@ void WaylandOutputs::add(std::uint32_t name, Proxy<wl_output> proxy) {
                     static_cast<WaylandOutput*>(data)->m_mode = {width, height};
                 }
             },
-        .done = [](void* data,
-                   wl_output*) { Q_EMIT static_cast<WaylandOutput*>(data)->m_owner.changed(); },
+        .done =
+            [](void* data, wl_output*) {
+                const auto& output = *static_cast<WaylandOutput*>(data);
+                // Another one follows the description that was asked for.
+                if (!output.m_description || output.m_logical.isValid()) {
+                    Q_EMIT output.m_owner.changed();
+                }
+            },
         .scale =
             [](void* data, wl_output*, std::int32_t factor) {
                 static_cast<WaylandOutput*>(data)->m_scale = std::max(factor, 1);
@@ -97,7 +103,11 @@ void WaylandOutputs::requestNames(zxdg_output_manager_v1* manager) {
             [](void* data, zxdg_output_v1*, std::int32_t width, std::int32_t height) {
                 static_cast<WaylandOutput*>(data)->m_logical.setSize({width, height});
             },
-        .done = kIgnoreEvent, // wl_output's follows
+        // Of versions before 3; later ones send wl_output's.
+        .done =
+            [](void* data, zxdg_output_v1*) {
+                Q_EMIT static_cast<WaylandOutput*>(data)->m_owner.changed();
+            },
         .name =
             [](void* data, zxdg_output_v1*, const char* name) {
                 static_cast<WaylandOutput*>(data)->m_connector = QString::fromUtf8(name);

@@ -64,6 +64,20 @@ private Q_SLOTS:
         QVERIFY(f.compositor.layer().contains(QStringLiteral(" on eDP-1 ")));
     }
 
+    void aNewOutputIsReportedOnlyWithItsGeometry() {
+        WaylandFixture f;
+        QList<QRect> reported;
+        QObject::connect(&f.connection.outputs(), &WaylandOutputs::changed, &f.connection, [&] {
+            for (const auto& output : f.connection.outputs().all()) {
+                reported << output->geometry();
+            }
+        });
+        const QRect logical(0, 0, 1512, 982);
+        f.compositor.setOutputs(
+            {StandInOutput{.logical = logical, .mode = {2268, 1473}, .scale = 2}});
+        QTRY_COMPARE(reported, QList<QRect>{logical});
+    }
+
     void anotherScaleMakesAnotherSurface() {
         WaylandFixture f;
         QVERIFY(f.show());
