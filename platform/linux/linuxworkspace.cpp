@@ -1,5 +1,6 @@
 #include "platform/linux/linuxworkspace.h"
 
+#include "platform/linux/buscall.h"
 #include "platform/linux/unresponsivebuses.h"
 
 #include <QDBusConnection>
@@ -31,14 +32,17 @@ const QString powerSaveMode = QStringLiteral("PowerSaveMode");
     return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
 }
 
+/// The folders of the built-in panels' connectors.
+[[nodiscard]] QStringList panelConnectors(const QDir& drmFolder) {
+    return drmFolder.entryList({QStringLiteral("card*-eDP-*")}, QDir::Dirs | QDir::NoDotAndDotDot);
+}
+
 /// Whether there is a built-in panel and it is not lit. A laptop with two graphics cards has a
 /// panel connector on each; the unused one reports "disconnected" and is skipped.
 [[nodiscard]] bool isPanelOff(const QString& drmFolder) {
     bool hasPanel = false;
     const QDir folder(drmFolder);
-    const QStringList connectors =
-        folder.entryList({QStringLiteral("card*-eDP-*")}, QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString& connector : connectors) {
+    for (const QString& connector : panelConnectors(folder)) {
         const QByteArray power = attribute(folder.filePath(connector + QLatin1StringView("/dpms")));
         const QByteArray status =
             attribute(folder.filePath(connector + QLatin1StringView("/status")));
@@ -70,6 +74,28 @@ void startBrowser(const QString& address, const QString& activationToken) {
 }
 
 } // namespace
+
+QDBusMessage suspendQuery() {
+    return propertyQuery(logindName, logindPath, managerInterface,
+                         QStringLiteral("PreparingForSleep"));
+}
+
+QDBusMessage powerSaveModeQuery() {
+    return propertyQuery(mutterName, mutterPath, mutterName, powerSaveMode);
+}
+
+QList<PanelFacts> panelFacts(const QString& drmFolder) {
+    QList<PanelFacts> panels;
+    const QDir folder(drmFolder);
+    for (const QString& connector : panelConnectors(folder)) {
+        const auto read = [&](const char* name) {
+            return attribute(folder.filePath(connector + u'/' + QLatin1StringView(name)));
+        };
+        panels.push_back(
+            {connector, read("status"), read("modes").split('\n').constFirst(), read("dpms")});
+    }
+    return panels;
+}
 
 LinuxWorkspace::LinuxWorkspace(Clock& clock, QString drmFolder)
     : m_clock(clock)
@@ -171,12 +197,8 @@ void LinuxWorkspace::mutterChanged(const QString& interface, const QVariantMap& 
 }
 
 void LinuxWorkspace::readMutterMode() {
-    auto request = QDBusMessage::createMethodCall(mutterName, mutterPath, propertiesInterface,
-                                                  QStringLiteral("Get"));
-    request.setArguments({mutterName, powerSaveMode});
-    request.setAutoStartService(false);
-    auto* const watcher =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(request), this);
+    auto* const watcher = new QDBusPendingCallWatcher(
+        QDBusConnection::sessionBus().asyncCall(powerSaveModeQuery()), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         const QDBusPendingReply<QDBusVariant> reply(*watcher);
         if (reply.isValid()) {

@@ -4,8 +4,10 @@
 #include "platform/observers.h"
 #include "platform/workspace.h"
 
+#include <QDBusMessage>
 #include <QDBusServiceWatcher>
 #include <QDBusUnixFileDescriptor>
+#include <QList>
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
@@ -15,6 +17,25 @@
 #include <utility>
 
 namespace brimlet {
+
+/// A call whose reply says whether logind is about to suspend the machine, on the system bus.
+[[nodiscard]] QDBusMessage suspendQuery();
+
+/// A call whose reply is Mutter's power save mode.
+[[nodiscard]] QDBusMessage powerSaveModeQuery();
+
+/// The kernel's attributes of a built-in panel's connector, empty where they cannot be read.
+struct PanelFacts final {
+    QString connector; ///< With the card, as in "card0-eDP-1".
+    QByteArray status;
+    QByteArray mode; ///< The first one, in pixels.
+    QByteArray power;
+
+    bool operator==(const PanelFacts&) const = default;
+};
+
+/// The built-in panels in that sysfs folder.
+[[nodiscard]] QList<PanelFacts> panelFacts(const QString& drmFolder);
 
 /// The desktop session.
 ///

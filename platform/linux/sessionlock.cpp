@@ -1,5 +1,7 @@
 #include "platform/linux/sessionlock.h"
 
+#include "platform/linux/buscall.h"
+
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
@@ -15,22 +17,27 @@ const QString screenSaverName = QStringLiteral("org.freedesktop.ScreenSaver");
 const QString gnomeName = QStringLiteral("org.gnome.ScreenSaver");
 const QString activeChanged = QStringLiteral("ActiveChanged");
 
-/// "auto" is this process's session, or for a process outside of a session the user's graphical
-/// one. Its signals come from another path.
-[[nodiscard]] QDBusMessage lockedHintQuery() {
-    auto query =
-        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.login1"),
-                                       QStringLiteral("/org/freedesktop/login1/session/auto"),
-                                       propertiesInterface, QStringLiteral("Get"));
-    query.setArguments({sessionInterface, QStringLiteral("LockedHint")});
-    return query;
-}
-
 [[nodiscard]] QDBusMessage activeQuery(const QString& name, const QString& path) {
     return QDBusMessage::createMethodCall(name, path, name, QStringLiteral("GetActive"));
 }
 
 } // namespace
+
+QDBusMessage lockedHintQuery() {
+    // "auto" is this process's session, or for a process outside of a session the user's graphical
+    // one. Its signals come from another path.
+    return propertyQuery(QStringLiteral("org.freedesktop.login1"),
+                         QStringLiteral("/org/freedesktop/login1/session/auto"), sessionInterface,
+                         QStringLiteral("LockedHint"));
+}
+
+QDBusMessage screenSaverQuery() {
+    return activeQuery(screenSaverName, QStringLiteral("/org/freedesktop/ScreenSaver"));
+}
+
+QDBusMessage gnomeScreenSaverQuery() {
+    return activeQuery(gnomeName, QStringLiteral("/org/gnome/ScreenSaver"));
+}
 
 LockSource::LockSource(const QDBusConnection& bus, const QDBusMessage& query,
                        const QString& signalInterface, const QString& signalName,
@@ -64,12 +71,9 @@ void LockSource::read() {
 SessionLock::SessionLock()
     : m_logind(QDBusConnection::systemBus(), lockedHintQuery(), propertiesInterface,
                QStringLiteral("PropertiesChanged"), {sessionInterface})
-    , m_screenSaver(QDBusConnection::sessionBus(),
-                    activeQuery(screenSaverName, QStringLiteral("/org/freedesktop/ScreenSaver")),
-                    screenSaverName, activeChanged)
-    , m_gnome(QDBusConnection::sessionBus(),
-              activeQuery(gnomeName, QStringLiteral("/org/gnome/ScreenSaver")), gnomeName,
-              activeChanged) {
+    , m_screenSaver(QDBusConnection::sessionBus(), screenSaverQuery(), screenSaverName,
+                    activeChanged)
+    , m_gnome(QDBusConnection::sessionBus(), gnomeScreenSaverQuery(), gnomeName, activeChanged) {
     for (const LockSource* const source : {&m_logind, &m_screenSaver, &m_gnome}) {
         connect(source, &LockSource::changed, this, &SessionLock::changed);
     }

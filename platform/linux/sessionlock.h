@@ -7,6 +7,12 @@
 
 namespace brimlet {
 
+// Calls whose reply says, as a boolean, whether the session is locked or its screen saver active.
+
+[[nodiscard]] QDBusMessage lockedHintQuery(); ///< Of logind, on the system bus.
+[[nodiscard]] QDBusMessage screenSaverQuery();
+[[nodiscard]] QDBusMessage gnomeScreenSaverQuery();
+
 /// Whether one service says that the session is locked. False while it is not running or does not
 /// answer.
 class LockSource final : public QObject {

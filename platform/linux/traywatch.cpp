@@ -1,10 +1,10 @@
 #include "platform/linux/traywatch.h"
 
+#include "platform/linux/buscall.h"
 #include "platform/linux/x11.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
@@ -18,6 +18,11 @@ const QString notifierPath = QStringLiteral("/StatusNotifierWatcher");
 constexpr int kTimeout = 3000;
 
 } // namespace
+
+QDBusMessage notifierHostQuery() {
+    return propertyQuery(notifierName, notifierPath, notifierName,
+                         QStringLiteral("IsStatusNotifierHostRegistered"));
+}
 
 TrayWatch::TrayWatch()
     : m_notifierWatcher(notifierName, QDBusConnection::sessionBus(),
@@ -38,13 +43,8 @@ void TrayWatch::checkNotifier() {
         QMetaObject::invokeMethod(this, &TrayWatch::checkXEmbed, Qt::QueuedConnection);
         return;
     }
-    auto request = QDBusMessage::createMethodCall(notifierName, notifierPath,
-                                                  QStringLiteral("org.freedesktop.DBus.Properties"),
-                                                  QStringLiteral("Get"));
-    request.setArguments({notifierName, QStringLiteral("IsStatusNotifierHostRegistered")});
-    request.setAutoStartService(false);
     auto* const watcher = new QDBusPendingCallWatcher(
-        QDBusConnection::sessionBus().asyncCall(request, kTimeout), this);
+        QDBusConnection::sessionBus().asyncCall(notifierHostQuery(), kTimeout), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         const QDBusPendingReply<QDBusVariant> reply(*watcher);
         if (reply.isValid() && reply.value().variant().toBool()) {

@@ -1,10 +1,14 @@
 #pragma once
 
 #include <QAbstractNativeEventFilter>
+#include <QDBusMessage>
 #include <QDBusServiceWatcher>
 #include <QObject>
 
 namespace brimlet {
+
+/// A call whose reply says whether a StatusNotifier host shows icons.
+[[nodiscard]] QDBusMessage notifierHostQuery();
 
 /// Waits for a tray of either kind: a StatusNotifier host on the session bus or an XEmbed tray on
 /// the X server. Qt chooses between them once, when its first tray icon is made, so no icon may be

@@ -136,10 +136,45 @@ std::vector<CoveringWindow> windowsAround(xcb_connection_t* x, xcb_window_t wind
 } // namespace
 
 bool canConnect() {
-    xcb_connection_t* const x = xcb_connect(nullptr, nullptr);
-    const bool isConnected = xcb_connection_has_error(x) == 0;
-    xcb_disconnect(x);
-    return isConnected;
+    const XcbConnection x(xcb_connect(nullptr, nullptr));
+    return xcb_connection_has_error(x.get()) == 0;
+}
+
+std::optional<Server> server() {
+    const XcbConnection owner(xcb_connect(nullptr, nullptr));
+    xcb_connection_t* const x = owner.get();
+    if (xcb_connection_has_error(x) != 0) {
+        return std::nullopt;
+    }
+    const xcb_setup_t* const setup = xcb_get_setup(x);
+    constexpr std::string_view kXWayland("XWAYLAND");
+    const XcbOwned<xcb_query_extension_reply_t> extension(xcb_query_extension_reply(
+        x, xcb_query_extension(x, kXWayland.size(), kXWayland.data()), nullptr));
+    return Server{QString::fromLatin1(xcb_setup_vendor(setup), xcb_setup_vendor_length(setup)),
+                  setup->release_number, extension && extension->present != 0,
+                  hasOwner(x, compositorSelection(x)), hasOwner(x, traySelection(x))};
+}
+
+bool isXWayland(const Server& server, const QStringList& screens) {
+    return server.hasXWaylandExtension ||
+           std::any_of(screens.begin(), screens.end(), [](const QString& name) {
+               return name.startsWith(QLatin1StringView("XWAYLAND"));
+           });
+}
+
+bool ignoresInputShapes(const Server& server, const QStringList& screens) {
+    constexpr std::uint32_t kFirstToPassThem = 12'401'000;
+    return isXWayland(server, screens) && server.release < kFirstToPassThem;
+}
+
+QString versionOf(std::uint32_t release) {
+    // Ten millions are the major version, which is left out since the minor one was 21.
+    constexpr std::uint32_t kFirstWithoutMajor = 21;
+    const std::uint32_t minor = release / 100'000 % 100;
+    const std::uint32_t patch = release / 1000 % 100;
+    return minor < kFirstWithoutMajor
+               ? QStringLiteral("%1.%2.%3").arg(release / 10'000'000).arg(minor).arg(patch)
+               : QStringLiteral("%1.%2.%3").arg(minor).arg(patch).arg(release % 1000);
 }
 
 void setInputShape(WId window, const QRegion& region) {

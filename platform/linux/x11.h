@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QRegion>
+#include <QString>
+#include <QStringList>
 #include <QtGui/qwindowdefs.h>
 
+#include <cstdint>
 #include <optional>
 
 namespace brimlet::x11 {
@@ -12,6 +15,30 @@ namespace brimlet::x11 {
 
 /// Whether the X server named by DISPLAY accepts connections. Needs no application object.
 [[nodiscard]] bool canConnect();
+
+/// What an X server says of itself.
+struct Server final {
+    QString vendor;
+    std::uint32_t release = 0;
+    bool hasXWaylandExtension = false; ///< XWayland's own, since version 23.1.
+    bool hasCompositor = false;
+    bool hasTray = false; ///< Of the XEmbed kind.
+};
+
+/// Asks the X server named by DISPLAY, over a connection of its own; absent when there is none.
+/// Needs no application object.
+[[nodiscard]] std::optional<Server> server();
+
+/// Versions before 23.1 are recognised by the names of their screens.
+[[nodiscard]] bool isXWayland(const Server& server, const QStringList& screens);
+
+/// Whether it is an XWayland before version 24.1, which does not pass a window's input shape on to
+/// the compositor: clicks on the whole window are taken from the windows of Wayland programs.
+[[nodiscard]] bool ignoresInputShapes(const Server& server, const QStringList& screens);
+
+/// The version in a release number of the X.Org Foundation, as its servers are called: "1.20.13",
+/// "21.1.7".
+[[nodiscard]] QString versionOf(std::uint32_t release);
 
 /// Limits the window's clickable area to the region, in physical pixels relative to the window.
 /// Clicks elsewhere go to the windows below; so do all clicks when the region is empty.

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "platform/linux/xcbowners.h"
+
 #include <cstdint>
-#include <memory>
 
 #include <xcb/xcb.h>
 
@@ -34,10 +35,7 @@ private:
     X11Watch();
     void handleEvent(const xcb_generic_event_t& event);
 
-    struct Disconnect {
-        void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-    };
-    std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
+    XcbConnection m_connection;
     std::uint8_t m_firstFixesEvent = 0;
     std::uint64_t m_stackingSerial = 0;
     bool m_hasCompositor = true;

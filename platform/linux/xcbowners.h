@@ -16,6 +16,12 @@ struct FreeXcbReply {
 template <typename Reply>
 using XcbOwned = std::unique_ptr<Reply, FreeXcbReply>;
 
+struct DisconnectXcb {
+    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+};
+/// A connection of its own, which is never null, but may have failed.
+using XcbConnection = std::unique_ptr<xcb_connection_t, DisconnectXcb>;
+
 /// Qt's X connection, which Qt owns; null when Qt uses another platform than X11.
 [[nodiscard]] inline xcb_connection_t* xcbConnectionOfQt() {
     const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();

@@ -84,6 +84,20 @@ private Q_SLOTS:
         QCOMPARE(changes, 0);
     }
 
+    void onlyBuiltInPanelsAreDescribed() {
+        PanelFolder panels;
+        const auto panel = QStringLiteral("card0-eDP-1");
+        QVERIFY(panels.set(panel, QStringLiteral("status"), "connected"));
+        QVERIFY(panels.set(panel, QStringLiteral("modes"), "3024x1890\n1512x945"));
+        QVERIFY(panels.set(panel, QStringLiteral("dpms"), "On"));
+        QVERIFY(panels.set(QStringLiteral("card0-DP-1"), QStringLiteral("dpms"), "On"));
+        QVERIFY(panels.set(QStringLiteral("card1-eDP-2"), QStringLiteral("modes"), ""));
+        const QList<PanelFacts> expected{{panel, "connected", "3024x1890", "On"},
+                                         {QStringLiteral("card1-eDP-2"), "", "", ""}};
+        QVERIFY(panelFacts(panels.path()) == expected);
+        QVERIFY(panelFacts(QStringLiteral("/nowhere")).isEmpty());
+    }
+
     void theSessionIsUnlockedWithoutABus() {
         const SessionLock lock;
         QCoreApplication::processEvents();
