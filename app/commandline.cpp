@@ -25,7 +25,8 @@ QString optionsOf(Program program) {
     case Program::Linux:
         break;
     }
-    return QStringLiteral("[--open | --autostart | --pause | --quit | --help | --version]");
+    return QStringLiteral("[--open | --autostart | --pause | --quit | --diagnose | --help | "
+                          "--version]");
 }
 
 /// macOS may pass the process serial number, e.g. "-psn_0_12345", to a downloaded program that is
@@ -78,10 +79,13 @@ std::optional<int> readCommandLine(const QStringList& arguments, Program program
     const QCommandLineOption selfTest(
         QStringLiteral("self-test"),
         QStringLiteral("Tell what the overlay panel and the screens are like, and end."));
+    const QCommandLineOption diagnose(
+        QStringLiteral("diagnose"),
+        QStringLiteral("Print what Brimlet finds in the system and the desktop, for bug reports."));
     parser.addOptions({help, version});
     parser.addOptions(isSimulator ? QList{machine, console}
                       : isMac     ? QList{pause, quit, selfTest}
-                                  : QList{open, autostart, pause, quit});
+                                  : QList{open, autostart, pause, quit, diagnose});
     const bool isParsed = parser.parse(isMac ? withoutProcessNumber(arguments) : arguments);
     const auto refuse = [program](const QString& complaint) {
         print(stderr, QStringLiteral("%1: %2\nUsage: %1 %3\n")
@@ -114,12 +118,13 @@ std::optional<int> readCommandLine(const QStringList& arguments, Program program
         return std::nullopt;
     }
     commandLine.isSelfTestWanted = isMac && parser.isSet(selfTest);
+    commandLine.isDiagnosisWanted = program == Program::Linux && parser.isSet(diagnose);
     const bool isPause = parser.isSet(pause);
     const bool isQuit = parser.isSet(quit);
     const bool isOpen = !isMac && parser.isSet(open);
     const bool isAutostart = !isMac && parser.isSet(autostart);
     if (int(isPause) + int(isQuit) + int(isOpen) + int(isAutostart) +
-            int(commandLine.isSelfTestWanted) >
+            int(commandLine.isSelfTestWanted) + int(commandLine.isDiagnosisWanted) >
         1) {
         return refuse(QStringLiteral("One request at a time."));
     }

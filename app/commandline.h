@@ -21,6 +21,7 @@ struct CommandLine final {
     QString machineFile;
     bool isConsoleWanted = false;
     bool isSelfTestWanted = false;
+    bool isDiagnosisWanted = false;
     StartReason reason = StartReason::ByHand;
     /// A request to send to the program that is already running; this process then ends.
     std::optional<InstanceRequest> request;

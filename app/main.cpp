@@ -1,6 +1,7 @@
 #include "app/commandline.h"
 #include "app/displayloss.h"
 #include "app/linuxapp.h"
+#include "app/linuxdiagnosis.h"
 #include "platform/linux/singleinstance.h"
 
 #include <QApplication>
@@ -12,6 +13,9 @@ int main(int argc, char* argv[]) {
     if (const auto exitCode =
             readCommandLine(argumentsOf(argc, argv), Program::Linux, commandLine)) {
         return *exitCode;
+    }
+    if (commandLine.isDiagnosisWanted) {
+        printDiagnosis(argc, argv);
     }
     SingleInstance instance(QStringLiteral("app.brimlet.host"));
     if (commandLine.request) {

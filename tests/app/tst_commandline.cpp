@@ -47,6 +47,8 @@ private Q_SLOTS:
                                  << QStringLiteral("brimlet 0.1.0\n");
         QTest::newRow("help names the requests")
             << brimlet << QStringLiteral("--help") << QStringLiteral("--pause ");
+        QTest::newRow("help names the diagnosis")
+            << brimlet << QStringLiteral("--help") << QStringLiteral("--diagnose ");
         QTest::newRow("simulator's help")
             << simulator << QStringLiteral("--help") << QStringLiteral("--machine <file>");
         QTest::newRow("simulator's version") << simulator << QStringLiteral("--version")
@@ -84,6 +86,11 @@ private Q_SLOTS:
         QTest::newRow("a start and a request")
             << brimlet << QStringList{QStringLiteral("--autostart"), QStringLiteral("--quit")}
             << QStringLiteral("One request at a time.");
+        QTest::newRow("a diagnosis and a request")
+            << brimlet << QStringList{QStringLiteral("--diagnose"), QStringLiteral("--quit")}
+            << QStringLiteral("One request at a time.");
+        QTest::newRow("the simulator has no diagnosis")
+            << simulator << QStringList{QStringLiteral("--diagnose")} << QStringLiteral("diagnose");
         QTest::newRow("a request and an argument")
             << brimlet << QStringList{QStringLiteral("--pause"), QStringLiteral("24")}
             << QStringLiteral("'24'");
@@ -155,6 +162,7 @@ private Q_SLOTS:
         QTest::newRow("unknown option") << QStringList{QStringLiteral("--bogus")};
         QTest::newRow("two requests at once")
             << QStringList{QStringLiteral("--self-test"), QStringLiteral("--quit")};
+        QTest::newRow("the diagnosis is Linux's") << QStringList{QStringLiteral("--diagnose")};
         QTest::newRow("the session's start is Linux's")
             << QStringList{QStringLiteral("--autostart")};
     }
