@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QLibraryInfo>
+#include <QScreen>
 #include <QSessionManager>
 #include <QTimer>
 
@@ -64,11 +65,22 @@ bool hasQtForWayland() {
     return !plugins.entryList({QStringLiteral("libqwayland*.so")}).isEmpty();
 }
 
+/// Whether Qt's X server is one that takes all clicks on a window, whatever its input shape.
+[[nodiscard]] bool isInputShapeIgnored() {
+    QStringList screens;
+    for (const QScreen* const screen : QGuiApplication::screens()) {
+        screens << screen->name();
+    }
+    const auto server = x11::server();
+    return server && x11::ignoresInputShapes(*server, screens);
+}
+
 /// The window is out while the session is locked.
 NativeOverlayWindowFactory x11OverlayWindowFactory(const SessionLock& lock,
                                                    std::function<QRectF()> primaryGeometry) {
     return [&lock, primaryGeometry = std::move(primaryGeometry)](std::unique_ptr<QWidget> content) {
-        auto window = std::make_unique<X11OverlayWindow>(std::move(content), primaryGeometry);
+        auto window = std::make_unique<X11OverlayWindow>(std::move(content), primaryGeometry,
+                                                         isInputShapeIgnored());
         const auto follow = [&lock, target = window.get()] {
             target->setSessionLocked(lock.isLocked());
         };

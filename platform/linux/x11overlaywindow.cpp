@@ -11,12 +11,13 @@
 namespace brimlet {
 
 X11OverlayWindow::X11OverlayWindow(std::unique_ptr<QWidget> content,
-                                   std::function<QRectF()> primaryGeometry)
+                                   std::function<QRectF()> primaryGeometry, bool isFitted)
     : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                            Qt::WindowDoesNotAcceptFocus | Qt::BypassWindowManagerHint |
                            Qt::NoDropShadowWindowHint)
     , m_content(content.release())
-    , m_primaryGeometry(std::move(primaryGeometry)) {
+    , m_primaryGeometry(std::move(primaryGeometry))
+    , m_isFitted(isFitted) {
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_AlwaysShowToolTips);
@@ -70,7 +71,19 @@ void X11OverlayWindow::setSessionLocked(bool isLocked) {
 }
 
 void X11OverlayWindow::setFrame(const Rect& frame) {
-    setGeometry(toQt(inWholePoints(frame), m_primaryGeometry()).toRect());
+    m_frame = toQt(inWholePoints(frame), m_primaryGeometry()).toRect();
+    place();
+}
+
+void X11OverlayWindow::place() {
+    m_content->resize(m_frame.size()); // first, because it may change what is painted
+    QRect shown(QPoint(), m_frame.size());
+    if (m_isFitted) {
+        shown &= m_painted.boundingRect().toAlignedRect();
+        shown.setSize(shown.size().expandedTo({1, 1}));
+    }
+    m_content->move(-shown.topLeft());
+    setGeometry(shown.translated(m_frame.topLeft()));
 }
 
 void X11OverlayWindow::setIgnoresMouseEvents(bool ignores) {
@@ -84,6 +97,7 @@ void X11OverlayWindow::setRegions(const QPainterPath& clickable, const QPainterP
     m_clickable = clickable;
     m_painted = painted;
     m_scaledBy = 0;
+    place();
     applyShapes();
 }
 
@@ -103,8 +117,8 @@ void X11OverlayWindow::applyShapes() {
     }
     if (m_scaledBy != devicePixelRatioF()) {
         m_scaledBy = devicePixelRatioF();
-        m_clickablePixels = pixelsInside(m_clickable, m_scaledBy);
-        m_paintedPixels = pixelsInside(m_painted, m_scaledBy);
+        m_clickablePixels = pixelsInside(m_clickable.translated(m_content->pos()), m_scaledBy);
+        m_paintedPixels = pixelsInside(m_painted.translated(m_content->pos()), m_scaledBy);
     }
     const bool isNew = std::exchange(m_shapedWindow, window) != window;
     const QRegion input = m_ignoresMouseEvents ? QRegion() : m_clickablePixels;
@@ -120,10 +134,6 @@ void X11OverlayWindow::applyShapes() {
         m_boundingShape = bounding;
         x11::setBoundingShape(window, bounding);
     }
-}
-
-void X11OverlayWindow::resizeEvent(QResizeEvent* /*event*/) {
-    m_content->setGeometry(rect());
 }
 
 } // namespace brimlet

@@ -22,8 +22,10 @@ class X11OverlayWindow final : public QWidget, public OverlayWindow {
 
 public:
     /// Takes ownership of the content. `primaryGeometry` returns the primary screen's current
-    /// geometry in Qt's coordinates.
-    X11OverlayWindow(std::unique_ptr<QWidget> content, std::function<QRectF()> primaryGeometry);
+    /// geometry in Qt's coordinates. A window that is `isFitted` covers no more of its frame than
+    /// the smallest rectangle around what is painted, for X servers that ignore input shapes.
+    X11OverlayWindow(std::unique_ptr<QWidget> content, std::function<QRectF()> primaryGeometry,
+                     bool isFitted = false);
 
     void orderFrontRegardless() override;
     void orderOut() override;
@@ -38,14 +40,16 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void place();
     void applyShapes();
     void bringForward();
 
     QWidget* m_content;
     std::function<QRectF()> m_primaryGeometry;
+    bool m_isFitted;
+    QRect m_frame; ///< In Qt's coordinates.
     QPainterPath m_clickable;
     QPainterPath m_painted;
     // The two in device pixels at this scale factor; 0 for outdated ones.

@@ -13,13 +13,19 @@ void paintIntoBackingStore(QWidget& content, const QRegion& points,
     if (!content.isVisible() || store == nullptr || store->size() != window->size()) {
         return;
     }
-    store->beginPaint(points);
+    const QPoint origin = content.mapTo(window, QPoint());
+    const QRegion changed = points.translated(origin);
+    store->beginPaint(changed);
     {
         QPainter painter(store->paintDevice());
+        if (!origin.isNull()) {
+            painter.setViewport({origin, content.size()});
+            painter.setWindow(content.rect());
+        }
         paint(painter);
     }
     store->endPaint();
-    store->flush(points, window->windowHandle());
+    store->flush(changed, window->windowHandle());
 }
 
 } // namespace brimlet

@@ -9,10 +9,10 @@ class QWidget;
 
 namespace brimlet {
 
-/// Paints directly into the backing store of the window that the content fills, and shows these
-/// points at once. Nothing happens while the content is hidden or the store does not have the
-/// window's size yet: the next paint event paints all of it. With `QWidget::repaint()` a step of a
-/// scrolling text takes a third more instructions, 22 times a second.
+/// Paints directly into the backing store of the content's window, and shows these points at once.
+/// Nothing happens while the content is hidden or the store does not have the window's size yet:
+/// the next paint event paints all of it. With `QWidget::repaint()` a step of a scrolling text
+/// takes a third more instructions, 22 times a second.
 void paintIntoBackingStore(QWidget& content, const QRegion& points,
                            const std::function<void(QPainter&)>& paint);
 

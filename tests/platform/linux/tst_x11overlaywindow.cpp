@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QGuiApplication>
+#include <QPainter>
 #include <QProcess>
 #include <QScreen>
 #include <QTest>
@@ -170,9 +171,9 @@ class TestX11OverlayWindow final : public QObject {
         window.orderFrontRegardless();
         window.setIgnoresMouseEvents(false);
     }
-    static std::unique_ptr<X11OverlayWindow> makeWindow() {
-        auto window = std::make_unique<X11OverlayWindow>(std::make_unique<QWidget>(),
-                                                         [] { return QRectF(0, 0, 1512, 982); });
+    static std::unique_ptr<X11OverlayWindow> makeWindow(bool isFitted = false) {
+        auto window = std::make_unique<X11OverlayWindow>(
+            std::make_unique<QWidget>(), [] { return QRectF(0, 0, 1512, 982); }, isFitted);
         window->setRegions(box({8, 4, 108, 24}), box({8, 4, 108, 24}));
         return window;
     }
@@ -232,6 +233,56 @@ private Q_SLOTS:
         window->setRegions(box({8.5, 4, 108, 24}), {});
         QTRY_COMPARE_WITH_TIMEOUT(m_x.inputShape(idOf(*window)),
                                   std::vector<QRect>{QRect(9, 4, 108, 24)}, kPatience);
+    }
+
+    void aFittedWindowCoversNoMoreThanIsPainted() {
+        const auto window = makeWindow(true);
+        QVERIFY(isAtRest(*window));
+        const xcb_window_t id = idOf(*window);
+        const auto* const content = window->findChild<QWidget*>();
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.geometry(id), QRect(550, 4, 108, 24), kPatience);
+        QCOMPARE(m_x.inputShape(id), std::vector<QRect>{QRect(0, 0, 108, 24)});
+        QCOMPARE(content->size(), kPanel.size());
+        QCOMPARE(content->mapToGlobal(QPoint()), kPanel.topLeft());
+        // Another capsule appears, which cannot be clicked.
+        QPainterPath both = box({8, 4, 108, 24});
+        both.addPath(box({312.5, 4, 36, 24}));
+        window->setRegions(box({8, 4, 108, 24}), both);
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.geometry(id), QRect(550, 4, 341, 24), kPatience);
+        QCOMPARE(m_x.inputShape(id), std::vector<QRect>{QRect(0, 0, 108, 24)});
+        QCOMPARE(content->mapToGlobal(QPoint()), kPanel.topLeft());
+        // The first one goes.
+        window->setRegions({}, box({312.5, 4, 36, 24}));
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.geometry(id), QRect(854, 4, 37, 24), kPatience);
+        QCOMPARE(content->mapToGlobal(QPoint()), kPanel.topLeft());
+        // A window has at least one point.
+        window->setRegions({}, {});
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.geometry(id).size(), QSize(1, 1), kPatience);
+        QVERIFY(isAtRest(*window));
+    }
+
+    void aStepIsPaintedAtItsPlaceInAFittedWindow() {
+        const auto window = makeWindow(true);
+        QVERIFY(isAtRest(*window));
+        const QPoint origin = kPanel.topLeft();
+        const QRgb before = m_x.pixel(origin + QPoint(100, 10)).rgb();
+        const QRect step(20, 8, 40, 12);
+        window->paintStep(step, [&](QPainter& painter) {
+            QVERIFY(painter.worldTransform().isIdentity());
+            QCOMPARE(painter.deviceTransform().map(QPoint(8, 4)), QPoint(0, 0));
+            painter.fillRect(step, Qt::red);
+        });
+        const QImage row = m_x.picture({origin + QPoint(8, 10), QSize(108, 1)});
+        QList<int> reds;
+        for (int x = 0; x < row.width(); ++x) {
+            if (row.pixelColor(x, 0) == Qt::red) {
+                reds << x + 8;
+            }
+        }
+        QVERIFY(!reds.isEmpty());
+        QCOMPARE(std::pair(reds.constFirst(), reds.constLast()), std::pair(20, 59));
+        QCOMPARE(reds.size(), 40);
+        QCOMPARE(m_x.pixel(origin + QPoint(100, 10)).rgb(), before);
     }
 
     void aNewNativeWindowIsShapedAgain() {
