@@ -25,8 +25,11 @@ OverlayView::OverlayView(OverlayRuntime& runtime, const CreativeEnvironment& env
         connect(each, &NotchPill::clicked, this,
                 [this, each] { m_runtime.open(each->creative()); });
         connect(each, &NotchPill::moved, this, [this, each] { reportStep(*each); });
-        connect(each, &NotchPill::changed, this,
-                [this](const QRect& box) { Q_EMIT contentChanged(box); });
+        connect(each, &NotchPill::changed, this, [this, each](const QRect& box) {
+            if (each->isVisible()) {
+                Q_EMIT contentChanged(box);
+            }
+        });
     }
     rebuild();
 }

@@ -102,7 +102,7 @@ void X11OverlayWindow::setRegions(const QPainterPath& clickable, const QPainterP
 }
 
 void X11OverlayWindow::updateContent(const QRegion& points) {
-    m_content->update(points);
+    updatePoints(*m_content, points);
 }
 
 void X11OverlayWindow::paintStep(const QRegion& points,

@@ -92,7 +92,7 @@ void MacOverlayWindow::setRegions(const QPainterPath& clickable, const QPainterP
 }
 
 void MacOverlayWindow::updateContent(const QRegion& points) {
-    m_content->update(points);
+    updatePoints(*m_content, points);
 }
 
 void MacOverlayWindow::paintStep(const QRegion& points,

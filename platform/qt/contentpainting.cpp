@@ -6,6 +6,14 @@
 
 namespace brimlet {
 
+void updatePoints(QWidget& content, const QRegion& points) {
+    content.update(points);
+    for (QWidget* const child :
+         content.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        child->update(points.translated(-child->pos()));
+    }
+}
+
 void paintIntoBackingStore(QWidget& content, const QRegion& points,
                            const std::function<void(QPainter&)>& paint) {
     QBackingStore* const store = content.backingStore();

@@ -13,7 +13,7 @@ namespace brimlet {
 /// Paints a view without an overlay window as X11's and the Mac's windows do.
 inline void paintChangesOf(OverlayView& view) {
     QObject::connect(&view, &OverlayView::contentChanged, &view,
-                     [&view](const QRegion& points) { view.update(points); });
+                     [&view](const QRegion& points) { updatePoints(view, points); });
     QObject::connect(&view, &OverlayView::stepped, &view, [&view](const QRegion& points) {
         paintIntoBackingStore(view, points,
                               [&](QPainter& painter) { view.paintLines(painter, points); });
