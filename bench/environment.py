@@ -37,6 +37,8 @@ def end(process):
 class XObserver:
     """What a program does on the X server, counted by `bench-xobserver`."""
 
+    wait = staticmethod(time.sleep)
+
     def __init__(self, programs):
         self.process = subprocess.Popen([programs / 'bench-xobserver'], text=True,
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE)
@@ -50,12 +52,33 @@ class XObserver:
         except ValueError:
             raise Failure(answer) from None
 
+    def await_capsule(self, seconds):
+        """The monotonic time, in seconds, when the screen is black where the left capsule belongs;
+        None when the time is up."""
+        seen = self.ask('dark', *CAPSULE, round(seconds * 1000))
+        return seen and seen[0] / 1e9
+
+    def find_window(self):
+        """Fails when the capsules are in no window of the X server."""
+        self.ask('window')
+
+    def begin(self):
+        """Counts from now on what the program does."""
+        self.ask('record')
+        self.ask('paints')
+
+    def counted(self):
+        """What was counted, by the names of the parameters of `figures_of`."""
+        return {'paints': self.ask('paints')[0], 'x_requests': self.ask('requests')}
+
 
 class Environment:
     """A service at a free port, the relay before it, and a machine file with the relay's address;
     ended with the `with` block."""
 
-    def __init__(self, programs, scratch, scenario):
+    def __init__(self, programs, scratch, scenario, machine=None):
+        """`machine` holds the values that differ from those of the 14-inch machine."""
+        self._machine = {**json.loads(MACHINE.read_text()), **(machine or {})}
         self.programs = programs
         self.scratch = scratch
         self.machine_file = scratch / 'machine.json'
@@ -84,7 +107,7 @@ class Environment:
 
     def set_screens_asleep(self, are_asleep):
         self._write(self.machine_file, {
-            **json.loads(MACHINE.read_text()), 'screensAsleep': are_asleep,
+            **self._machine, 'screensAsleep': are_asleep,
             'infoDictionary': {'BrimletAPIURL': self.relay.root}})
 
     @staticmethod
@@ -99,26 +122,27 @@ class Run:
     """One program with capsules beside the notch of the 14-inch machine: started and waited for
     until its first capsule is seen, ended with the `with` block."""
 
-    def __init__(self, environment, observer, command):
-        """A command that ends with `--console` takes lines by `tell`."""
+    def __init__(self, environment, observer, command, variables=None):
+        """A command that ends with `--console` takes lines by `tell`. `variables` are all the
+        program gets, those of this process if not given."""
         self._environment = environment
         self._observer = observer
         self._log = environment.scratch / 'run.log'
-        if observer.ask('dark', *CAPSULE, 0):
+        if observer.await_capsule(0):
             raise Failure('the screen is black before a capsule is there; '
                           'give it a brighter colour')
         with self._log.open('w') as log:
             start = time.monotonic()
             self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=log,
-                                            stderr=subprocess.STDOUT, text=True)
-        seen = observer.ask('dark', *CAPSULE, 20_000)
+                                            stderr=subprocess.STDOUT, text=True, env=variables)
+        seen = observer.await_capsule(20)
         self._first_capsule = time.monotonic()
         try:
             if seen is None or self.process.poll() is not None:
                 raise Failure(f'{Path(command[0]).name} showed no capsule within 20 seconds: '
                               f'{self._log.read_text()}')
-            self.start_ms = seen[0] / 1e6 - start * 1e3
-            observer.ask('window')
+            self.start_ms = (seen - start) * 1e3
+            observer.find_window()
         except Failure:
             end(self.process)
             raise
@@ -129,7 +153,7 @@ class Run:
     def __exit__(self, *_):
         end(self.process)
         # The next run's start is timed by its own capsule.
-        wait_until(lambda: self._observer.ask('dark', *CAPSULE, 0) is None, 5)
+        wait_until(lambda: self._observer.await_capsule(0) is None, 5)
 
     def wait_until_age(self, seconds):
         """Sleeps until so long after the first capsule."""
@@ -137,17 +161,15 @@ class Run:
 
     def watch(self, seconds):
         """The figures of this time."""
-        self._observer.ask('record')
-        self._observer.ask('paints')
+        self._observer.begin()
         traffic = self._environment.relay.traffic()
         start = time.monotonic()
         before = self._figures()
-        time.sleep(seconds)
+        self._observer.wait(seconds)
         after = self._figures()
         seconds = time.monotonic() - start
-        return figures_of(seconds, before, after, self._observer.ask('paints')[0],
-                          self._observer.ask('requests'),
-                          difference(self._environment.relay.traffic(), traffic))
+        return figures_of(seconds, before, after, **self._observer.counted(),
+                          traffic=difference(self._environment.relay.traffic(), traffic))
 
     def tell(self, line):
         """Writes a line to the program's console and returns the answer."""

@@ -29,7 +29,10 @@ class Results:
         for kind, figures in self.poll.items():
             if not figures:
                 self.absences.append(f'One poll, {kind}: the service sent no such reply.')
-        self.rows = {row['key']: row for row in self.program.get('rows', [])}
+        self.wayland = self._part(folder / 'wayland.json', dict, {'rows': []},
+                                  'Under Wayland: `bench/wayland.py`')
+        self.rows = {row['key']: row for part in (self.program, self.wayland)
+                     for row in part.get('rows', [])}
         for row in self.rows.values():
             if 'median' not in row:
                 self.absences.append(f"{row['name']}: {row.get('remark', '')}.")
@@ -73,6 +76,10 @@ class Results:
         return [run for run in self.fleet if run.get('service', 'usual') == 'usual']
 
 
+WAYLAND_STATES = (('rest', 'at rest'), ('cycles', 'over whole cycles'),
+                  ('scrolling', 'while both taglines scroll'))
+
+
 def text(value):
     """A number with three significant figures, e.g. "0.49", "9.81", "12.6", "364", whole ones
     without decimals, "–" for None."""
@@ -114,6 +121,22 @@ class Target:
         return self.value < self.limit if self.is_strict else self.value <= self.limit
 
 
+def wayland_targets(results):
+    """The native surface beside an X11 window that Xwayland shows, with both programs' CPU."""
+    for state, name in WAYLAND_STATES:
+        native, x11 = (f'brimlet.{way}.{state}' for way in ('native', 'xwayland'))
+        cpu = 'cpuMsPerMinuteWithXwayland'
+        yield Target(f'CPU under Wayland {name}, below that of an X11 window',
+                     results.median(x11, cpu), results.median(native, cpu), 'ms a minute', True)
+        pss = results.median(x11, 'pssMib')
+        yield Target(f'PSS under Wayland {name}, beside that of an X11 window',
+                     None if pss is None else pss + 1.5, results.median(native, 'pssMib'), 'MiB')
+    switches = 'voluntarySwitchesPerSecond'
+    yield Target('voluntary switches under Wayland at rest, beside those of an X11 window',
+                 results.median('brimlet.xwayland.rest', switches),
+                 results.median('brimlet.native.rest', switches), 'a second')
+
+
 def targets(results):
     """What the program should cost at most, and what it does cost."""
     median = results.median
@@ -150,6 +173,7 @@ def targets(results):
                ratio(start, median('empty.start', 'startMs')), 'times'),
         Target('reply to pixels', 1, median('brimlet.change', 'replyToPixelsFrames'),
                'frames of 1/60 s'),
+        *wayland_targets(results),
         Target('memory of a host among many', 40,
                greatest_of(run.get('kibPerHost') for run in fleet), 'KiB'),
         Target('CPU of a poll among many hosts', 0.3,
@@ -189,6 +213,19 @@ def state_table(results):
     rows = [[row['name'], *(text(results.median(key, figure)) for figure in columns.values())]
             for key, row in results.rows.items() if 'paintsPerMinute' in row.get('median', {})]
     return table('In every state', ['', *columns], rows)
+
+
+def wayland_table(results):
+    columns = {'PSS MiB': 'pssMib', 'dirty MiB': 'privateDirtyMib', 'CPU ms/min': 'cpuMsPerMinute',
+               'voluntary switches/s': 'voluntarySwitchesPerSecond',
+               'with Xwayland: CPU ms/min': 'cpuMsPerMinuteWithXwayland',
+               'voluntary switches/s ': 'voluntarySwitchesPerSecondWithXwayland',
+               'PSS MiB ': 'pssMibWithXwayland'}
+    rows = [[row['name'], *(text(results.median(row['key'], figure))
+                            for figure in columns.values())] for row in results.wayland['rows']]
+    return table('Under Wayland', ['', *columns], rows,
+                 'In sway. The last three columns are those of the program and Xwayland together.'
+                 '\n\n')
 
 
 def is_time(key):
@@ -268,6 +305,7 @@ def markdown(results, plots):
     return ''.join((
         machine_text(results), target_table(results), state_table(results),
         comparison_table(results), pictures, time_table(results),
+        wayland_table(results) if results.wayland['rows'] else '',
         fleet_table(results) if results.fleet else '', poll_table(results) if results.poll else '',
         step_table(results) if results.steps else '',
         f'\n## Not measured\n\n{absences}' if absences else ''))
@@ -277,8 +315,9 @@ def as_json(results):
     listed = [{'target': target.what, 'limit': target.limit, 'strict': target.is_strict,
                'value': target.value, 'unit': target.unit, 'met': target.is_met}
               for target in targets(results)]
-    return {**results.program, 'targets': listed, 'fleet': results.fleet, 'poll': results.poll,
-            'steps': results.steps, 'notMeasured': results.absences}
+    return {**results.program, 'targets': listed, 'wayland': results.wayland['rows'],
+            'fleet': results.fleet, 'poll': results.poll, 'steps': results.steps,
+            'notMeasured': results.absences}
 
 
 def main():

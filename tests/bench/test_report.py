@@ -43,6 +43,17 @@ class TestReport(unittest.TestCase):
         self.assertIsNone(self.target('CPU of a poll among many hosts',
                                       fleet=[{'cpuMsPerPoll': 0.1}, {}]).is_met)
 
+    def test_a_native_surface_is_compared_with_an_x11_window_and_its_server(self):
+        def row(way, cpu, pss):
+            return {'key': f'brimlet.{way}.rest', 'name': way, 'median': {
+                'cpuMsPerMinuteWithXwayland': cpu, 'pssMib': pss}}
+        rows = {'rows': [row('native', 12, 9.5), row('xwayland', 12, 8)]}
+        less = self.target('CPU under Wayland at rest, below that of an X11 window', wayland=rows)
+        self.assertEqual((less.limit, less.is_met), (12, False))
+        beside = self.target('PSS under Wayland at rest, beside that of an X11 window')
+        self.assertEqual((beside.limit, beside.is_met), (9.5, True))
+        self.assertIn('| xwayland | 8 |', markdown(self.results(), []))
+
     def test_of_many_hosts_the_worst_counts(self):
         target = self.target('memory of a host among many', fleet=[
             {'kibPerHost': 30, 'service': 'usual'}, {'kibPerHost': 41, 'service': 'usual'},
@@ -52,7 +63,7 @@ class TestReport(unittest.TestCase):
 
     def test_absent_parts_are_named_with_the_reason(self):
         results = self.results(program=PROGRAM)
-        self.assertEqual(len(results.absences), 4)  # fleet, poll, steps, and one peer
+        self.assertEqual(len(results.absences), 5)  # Wayland, fleet, poll, steps, and one peer
         self.assertEqual(results.absences[-1], 'C: absent: no such package.')
         self.assertIn('## Not measured\n\n', markdown(results, []))
 
@@ -83,7 +94,7 @@ class TestReport(unittest.TestCase):
         broken = '{"rows": ['
         results = self.results(program=broken, fleet=broken, poll=broken, micro=broken)
         self.assertFalse(targets(results)[0].is_met)
-        self.assertEqual(len(results.absences), 5)  # the broken steps are named, too
+        self.assertEqual(len(results.absences), 6)  # the broken steps are named, too
 
     def test_numbers_have_three_figures_that_count(self):
         for number, expected in ((None, '–'), (0, '0'), (18, '18'), (0.0486, '0.049'),
