@@ -174,10 +174,11 @@ void WaylandOverlayWindow::dropSurface() {
     }
     m_isPointerHere = false;
     m_isFingerHere = false;
-    m_pointer.leave();
     hideToolTip();
     m_surface.reset();
     m_place.reset();
+    // Without a surface it shows no cursor: when the program ends, the seat is gone by now.
+    m_pointer.leave();
 }
 
 void WaylandOverlayWindow::setIgnoresMouseEvents(bool ignores) {
