@@ -25,14 +25,17 @@ service every few seconds what to show, and, once the host has entered a
 token, sends it a heartbeat every fifteen minutes. On a screen without a notch
 nothing is shown and nothing is sent.")
 
-# Libraries are found in the program. It also runs xdg-open for a click on a capsule and needs certificates
-# for HTTPS.
+# Libraries are found in the program, but for Wayland's, which it loads itself. It also runs xdg-open for a
+# click on a capsule and needs certificates for HTTPS.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "ca-certificates, xdg-utils")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS
+  "ca-certificates, libwayland-client0 (>= 1.20), libwayland-cursor0, xdg-utils")
 # The token is kept in a secret service, which needs a session bus.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
   "default-dbus-session-bus | dbus-session-bus, gnome-keyring | libkf5wallet-bin")
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "fonts-inter, fonts-noto-color-emoji, libsecret-tools")
+# Qt's Wayland platform shows the panel where there is no X server.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS
+  "fonts-inter, fonts-noto-color-emoji, libsecret-tools, qt6-wayland")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/debian/conffiles)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 include(CPack)
