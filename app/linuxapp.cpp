@@ -75,19 +75,15 @@ bool hasQtForWayland() {
     return server && x11::ignoresInputShapes(*server, screens);
 }
 
-/// The window is out while the session is locked.
-NativeOverlayWindowFactory x11OverlayWindowFactory(const SessionLock& lock,
-                                                   std::function<QRectF()> primaryGeometry) {
-    return [&lock, primaryGeometry = std::move(primaryGeometry)](std::unique_ptr<QWidget> content) {
-        auto window = std::make_unique<X11OverlayWindow>(std::move(content), primaryGeometry,
-                                                         isInputShapeIgnored());
-        const auto follow = [&lock, target = window.get()] {
-            target->setSessionLocked(lock.isLocked());
-        };
-        QObject::connect(&lock, &SessionLock::changed, window.get(), follow);
-        follow();
-        return window;
+/// Keeps the window out while the session is locked. The lock outlives it.
+template <typename Window>
+std::unique_ptr<Window> outWhileLocked(std::unique_ptr<Window> window, const SessionLock& lock) {
+    const auto follow = [&lock, target = window.get()] {
+        target->setSessionLocked(lock.isLocked());
     };
+    QObject::connect(&lock, &SessionLock::changed, window.get(), follow);
+    follow();
+    return window;
 }
 
 } // namespace
@@ -118,9 +114,16 @@ QRectF LinuxAdapters::primaryGeometry() {
 
 NativeOverlayWindowFactory
 LinuxAdapters::overlayWindowFactory(std::function<QRectF()> primaryGeometry) {
-    return wayland.choice().isNative
-               ? wayland.overlayWindowFactory(std::move(primaryGeometry))
-               : x11OverlayWindowFactory(sessionLock, std::move(primaryGeometry));
+    return [this, primaryGeometry = std::move(primaryGeometry)](
+               std::unique_ptr<QWidget> content) -> std::unique_ptr<OverlayWindow> {
+        if (wayland.choice().isNative) {
+            return outWhileLocked(wayland.makeOverlayWindow(std::move(content), primaryGeometry),
+                                  sessionLock);
+        }
+        return outWhileLocked(std::make_unique<X11OverlayWindow>(
+                                  std::move(content), primaryGeometry, isInputShapeIgnored()),
+                              sessionLock);
+    };
 }
 
 std::unique_ptr<MenuWindow> makeX11MenuWindow(std::unique_ptr<QWidget> content) {

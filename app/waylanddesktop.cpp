@@ -2,7 +2,6 @@
 
 #include "platform/wayland/waylandlibrary.h"
 #include "platform/wayland/waylandoutputs.h"
-#include "platform/wayland/waylandoverlaywindow.h"
 
 #include <chrono>
 #include <utility>
@@ -43,12 +42,11 @@ QRectF WaylandDesktop::primaryGeometry() {
     return outputs.empty() ? QRectF() : outputs.front().geometry;
 }
 
-NativeOverlayWindowFactory
-WaylandDesktop::overlayWindowFactory(std::function<QRectF()> primaryGeometry) {
-    return [this, primaryGeometry = std::move(primaryGeometry)](std::unique_ptr<QWidget> content) {
-        return std::make_unique<WaylandOverlayWindow>(std::move(content), m_connection, m_seat,
-                                                      primaryGeometry);
-    };
+std::unique_ptr<WaylandOverlayWindow>
+WaylandDesktop::makeOverlayWindow(std::unique_ptr<QWidget> content,
+                                  std::function<QRectF()> primaryGeometry) {
+    return std::make_unique<WaylandOverlayWindow>(std::move(content), m_connection, m_seat,
+                                                  std::move(primaryGeometry));
 }
 
 } // namespace brimlet

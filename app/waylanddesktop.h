@@ -1,10 +1,10 @@
 #pragma once
 
 #include "app/overlaychoice.h"
-#include "app/wiring.h"
 #include "platform/linux/linuxscreens.h"
 #include "platform/wayland/waylandactivation.h"
 #include "platform/wayland/waylandconnection.h"
+#include "platform/wayland/waylandoverlaywindow.h"
 #include "platform/wayland/waylandseat.h"
 
 #include <QRectF>
@@ -29,10 +29,10 @@ public:
     /// The first output's, in the compositor's space; empty while there is none.
     [[nodiscard]] QRectF primaryGeometry();
 
-    /// A factory for the overlay's window; `primaryGeometry` returns the primary screen's current
-    /// geometry in the compositor's space. Outlives the windows.
-    [[nodiscard]] NativeOverlayWindowFactory
-    overlayWindowFactory(std::function<QRectF()> primaryGeometry);
+    /// The overlay's window; `primaryGeometry` returns the primary screen's current geometry in the
+    /// compositor's space. This outlives the window.
+    [[nodiscard]] std::unique_ptr<WaylandOverlayWindow>
+    makeOverlayWindow(std::unique_ptr<QWidget> content, std::function<QRectF()> primaryGeometry);
 
 private:
     WaylandConnection m_connection;

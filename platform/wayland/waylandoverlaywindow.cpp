@@ -114,6 +114,11 @@ void WaylandOverlayWindow::orderOut() {
     showOrHide();
 }
 
+void WaylandOverlayWindow::setSessionLocked(bool isLocked) {
+    m_isSessionLocked = isLocked;
+    showOrHide();
+}
+
 void WaylandOverlayWindow::setFrame(const Rect& frame) {
     m_frame = toQt(inWholePoints(frame), m_primaryGeometry());
     setGeometry(m_frame.toRect()); // where screen readers look for it
@@ -124,7 +129,8 @@ void WaylandOverlayWindow::setFrame(const Rect& frame) {
 }
 
 std::optional<WaylandOverlayWindow::Place> WaylandOverlayWindow::wantedPlace() const {
-    if (!m_isOrderedFront || !m_connection.isReady() || !m_connection.missing().isEmpty()) {
+    if (!m_isOrderedFront || m_isSessionLocked || !m_connection.isReady() ||
+        !m_connection.missing().isEmpty()) {
         return std::nullopt;
     }
     const WaylandOutput* const output = m_connection.outputs().named(m_connector);

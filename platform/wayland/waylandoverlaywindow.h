@@ -47,6 +47,10 @@ public:
     void updateContent(const QRegion& points) override;
     void paintStep(const QRegion& points, const std::function<void(QPainter&)>& paint) override;
 
+    /// While true the window is out, whether or not it is ordered front: a locker may be a surface
+    /// like this one.
+    void setSessionLocked(bool isLocked);
+
 protected:
     bool event(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -78,6 +82,7 @@ private:
     WaylandSeat& m_seat;
     std::function<QRectF()> m_primaryGeometry;
     bool m_isOrderedFront = false;
+    bool m_isSessionLocked = false;
     bool m_ignoresMouseEvents = true;
     QRectF m_frame;      ///< In the compositor's space.
     QString m_connector; ///< Of the output that the frame was set on.

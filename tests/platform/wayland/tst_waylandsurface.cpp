@@ -50,6 +50,18 @@ private Q_SLOTS:
         QVERIFY(f.show());
     }
 
+    void itIsOutWhileTheSessionIsLocked() {
+        WaylandFixture f;
+        QVERIFY(f.show());
+        f.window->setSessionLocked(true);
+        QVERIFY(!f.left->isVisible());
+        QTRY_VERIFY_WITH_TIMEOUT(!f.compositor.isShown(), kPatience);
+        f.window->orderFrontRegardless();
+        QVERIFY(!f.left->isVisible());
+        f.window->setSessionLocked(false);
+        QTRY_VERIFY_WITH_TIMEOUT(f.compositor.isShown(), kPatience);
+    }
+
     void orderingItFrontAgainSendsNothing() {
         WaylandFixture f;
         QVERIFY(f.show());
