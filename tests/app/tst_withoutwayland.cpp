@@ -68,7 +68,7 @@ private Q_SLOTS:
         QFile::remove(m_openedFile);
         const QTemporaryDir libraries;
         QVERIFY(library.isEmpty() || QFile::copy(file, libraries.filePath(library)));
-        WaylandSeat seat;
+        desktop::Seat seat;
         seat.moveTo(QPoint(756, 600));
         const PlacementProcess service;
         SimulatorProcess program({{QStringLiteral("infoDictionary"),

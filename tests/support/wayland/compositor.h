@@ -5,17 +5,17 @@
 #include <QProcess>
 
 /// The compositor of the private Wayland desktop: see tests/support/session/compositor.
-namespace brimlet::Compositor {
+namespace brimlet::desktop {
 
-[[nodiscard]] inline bool run(const char* verb) {
+[[nodiscard]] inline bool runCompositor(const char* verb) {
     return QProcess::execute(sourcePath(u"tests/support/session/compositor"),
                              {QString::fromLatin1(verb)}) == 0;
 }
-[[nodiscard]] inline bool crash() {
-    return run("crash");
+[[nodiscard]] inline bool crashCompositor() {
+    return runCompositor("crash");
 }
-[[nodiscard]] inline bool start() {
-    return run("start");
+[[nodiscard]] inline bool startCompositor() {
+    return runCompositor("start");
 }
 
-} // namespace brimlet::Compositor
+} // namespace brimlet::desktop

@@ -6,13 +6,13 @@
 
 #include <wayland-client.h>
 
-namespace brimlet {
+namespace brimlet::desktop {
 
-bool isDesktop(const char* name) {
+bool is(const char* name) {
     return qgetenv("BRIMLET_SESSION_DISPLAY") == name;
 }
 
-WaylandConnection::WaylandConnection()
+Connection::Connection()
     : m_display(qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? nullptr
                                                                : wl_display_connect(nullptr)) {
     if (m_display == nullptr) {
@@ -24,20 +24,20 @@ WaylandConnection::WaylandConnection()
     roundtrip();
 }
 
-WaylandConnection::~WaylandConnection() {
+Connection::~Connection() {
     wl_registry_destroy(m_registry);
     wl_display_disconnect(m_display);
 }
 
-void WaylandConnection::roundtrip() const {
+void Connection::roundtrip() const {
     if (wl_display_roundtrip(m_display) < 0) {
         qFatal("the compositor has closed a test's connection, error %d",
                wl_display_get_error(m_display));
     }
 }
 
-void* WaylandConnection::bound(const wl_interface& interface, std::uint32_t version,
-                               std::size_t index) const {
+void* Connection::bound(const wl_interface& interface, std::uint32_t version,
+                        std::size_t index) const {
     for (const Global& global : m_globals) {
         if (global.interface == interface.name && index-- == 0) {
             return wl_registry_bind(m_registry, global.name, &interface,
@@ -47,14 +47,14 @@ void* WaylandConnection::bound(const wl_interface& interface, std::uint32_t vers
     return nullptr;
 }
 
-void WaylandConnection::added(void* self, wl_registry* /*registry*/, std::uint32_t name,
-                              const char* interface, std::uint32_t version) {
-    static_cast<WaylandConnection*>(self)->m_globals.push_back({name, interface, version});
+void Connection::added(void* self, wl_registry* /*registry*/, std::uint32_t name,
+                       const char* interface, std::uint32_t version) {
+    static_cast<Connection*>(self)->m_globals.push_back({name, interface, version});
 }
 
-void WaylandConnection::removed(void* self, wl_registry* /*registry*/, std::uint32_t name) {
-    std::erase_if(static_cast<WaylandConnection*>(self)->m_globals,
+void Connection::removed(void* self, wl_registry* /*registry*/, std::uint32_t name) {
+    std::erase_if(static_cast<Connection*>(self)->m_globals,
                   [name](const Global& global) { return global.name == name; });
 }
 
-} // namespace brimlet
+} // namespace brimlet::desktop

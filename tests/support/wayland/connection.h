@@ -8,19 +8,20 @@ struct wl_display;
 struct wl_interface;
 struct wl_registry;
 
-namespace brimlet {
+/// What tests do in a private Wayland desktop, which script/desktop-session starts.
+namespace brimlet::desktop {
 
 /// Whether the private desktop is this one: "sway", "kwin", "mutter".
-[[nodiscard]] bool isDesktop(const char* name);
+[[nodiscard]] bool is(const char* name);
 
 /// A test's own connection to the compositor that WAYLAND_DISPLAY names. Ends the test program when
 /// there is none or the compositor reports an error. Objects of the connection end with it.
-class WaylandConnection final {
+class Connection final {
 public:
-    WaylandConnection();
-    ~WaylandConnection();
-    WaylandConnection(const WaylandConnection&) = delete;
-    WaylandConnection& operator=(const WaylandConnection&) = delete;
+    Connection();
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
 
     /// The `index`-th global of that interface, at most at its version; null when there is none.
     template <typename Object>
@@ -48,4 +49,4 @@ private:
     std::vector<Global> m_globals;
 };
 
-} // namespace brimlet
+} // namespace brimlet::desktop

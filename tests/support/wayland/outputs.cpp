@@ -1,25 +1,23 @@
 #include "tests/support/wayland/outputs.h"
 
+#include "kde-output-device-v2-client.h"
+#include "kde-output-management-v2-client.h"
 #include "tests/support/wayland/connection.h"
-#include "wayland-kde-output-device-v2.h"
-#include "wayland-kde-output-management-v2.h"
 
 #include <QDBusInterface>
 #include <QDBusReply>
 #include <QDBusUnixFileDescriptor>
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QProcess>
 
 #include <array>
 #include <functional>
+#include <future>
 
 #include <unistd.h>
 #include <wayland-client.h>
 
-namespace brimlet::WaylandOutputs {
+namespace brimlet::desktop {
 namespace {
 
 QByteArray outputOf(const QString& program, const QStringList& arguments) {
@@ -32,7 +30,7 @@ QByteArray outputOf(const QString& program, const QStringList& arguments) {
     return process.readAllStandardOutput();
 }
 
-QImage kwinPicture(bool withPointer) {
+QImage kwinPicture(const QRect& area, bool withPointer) {
     std::array<int, 2> pipe{};
     if (::pipe(pipe.data()) != 0) {
         qFatal("no pipe for a picture of the screen");
@@ -41,11 +39,15 @@ QImage kwinPicture(bool withPointer) {
     (void)picture.open(pipe[0], QIODevice::ReadOnly, QFile::AutoCloseHandle);
     QDBusInterface kwin(QStringLiteral("org.kde.KWin"), QStringLiteral("/org/kde/KWin/ScreenShot2"),
                         QStringLiteral("org.kde.KWin.ScreenShot2"));
+    // KWin may reply only after the picture was read, and it is complete when nobody can write
+    // more.
+    auto reading = std::async(std::launch::async, [&picture] { return picture.readAll(); });
     QDBusReply<QVariantMap> reply;
     {
         const QDBusUnixFileDescriptor writingEnd(pipe[1]);
         ::close(pipe[1]);
-        reply = kwin.call(QStringLiteral("CaptureWorkspace"),
+        reply = kwin.call(QStringLiteral("CaptureArea"), area.x(), area.y(),
+                          static_cast<uint>(area.width()), static_cast<uint>(area.height()),
                           QVariantMap{{QStringLiteral("include-cursor"), withPointer},
                                       {QStringLiteral("native-resolution"), true}},
                           QVariant::fromValue(writingEnd));
@@ -53,11 +55,11 @@ QImage kwinPicture(bool withPointer) {
     if (!reply.isValid()) {
         qFatal("KWin gives no picture: %s", qPrintable(reply.error().message()));
     }
+    const QByteArray pixels = reading.get();
     const QVariantMap facts = reply.value();
     const auto number = [&facts](const char* name) {
         return facts.value(QString::fromLatin1(name)).toInt();
     };
-    const QByteArray pixels = picture.readAll();
     return QImage(reinterpret_cast<const uchar*>(pixels.constData()), number("width"),
                   number("height"), number("stride"), static_cast<QImage::Format>(number("format")))
         .convertToFormat(QImage::Format_RGB32);
@@ -65,15 +67,7 @@ QImage kwinPicture(bool withPointer) {
 
 /// The n-th output's name in sway.
 QString swayName(int output) {
-    const QByteArray outputs =
-        outputOf(QStringLiteral("swaymsg"), {QStringLiteral("--raw"), QStringLiteral("--type"),
-                                             QStringLiteral("get_outputs")});
-    return QJsonDocument::fromJson(outputs)
-        .array()
-        .at(output)
-        .toObject()
-        .value(QStringLiteral("name"))
-        .toString();
+    return QStringLiteral("HEADLESS-%1").arg(output + 1);
 }
 
 void changeInSway(int output, const QString& change) {
@@ -87,7 +81,7 @@ void changeInSway(int output, const QString& change) {
 void changeInKwin(
     int output,
     const std::function<void(kde_output_configuration_v2*, kde_output_device_v2*)>& change) {
-    const WaylandConnection connection;
+    const Connection connection;
     auto* const management =
         connection.bind<kde_output_management_v2>(kde_output_management_v2_interface, 2);
     auto* const device = connection.bind<kde_output_device_v2>(kde_output_device_v2_interface, 2,
@@ -112,11 +106,17 @@ void changeInKwin(
 
 } // namespace
 
-QImage picture(bool withPointer) {
-    if (isDesktop("kwin")) {
-        return kwinPicture(withPointer);
+QImage picture(const QRect& area, bool withPointer) {
+    if (is("kwin")) {
+        return kwinPicture(area, withPointer);
     }
-    QStringList arguments{QStringLiteral("-t"), QStringLiteral("ppm"), QStringLiteral("-")};
+    QStringList arguments{QStringLiteral("-g"),
+                          QStringLiteral("%1,%2 %3x%4")
+                              .arg(area.x())
+                              .arg(area.y())
+                              .arg(area.width())
+                              .arg(area.height()),
+                          QStringLiteral("-t"), QStringLiteral("ppm"), QStringLiteral("-")};
     if (withPointer) {
         arguments.prepend(QStringLiteral("-c"));
     }
@@ -125,7 +125,7 @@ QImage picture(bool withPointer) {
 }
 
 void setOn(int output, bool isOn) {
-    if (isDesktop("kwin")) {
+    if (is("kwin")) {
         changeInKwin(output, [isOn](auto* configuration, auto* device) {
             kde_output_configuration_v2_enable(configuration, device, isOn ? 1 : 0);
         });
@@ -135,7 +135,7 @@ void setOn(int output, bool isOn) {
 }
 
 void setScale(int output, double scale) {
-    if (isDesktop("kwin")) {
+    if (is("kwin")) {
         changeInKwin(output, [scale](auto* configuration, auto* device) {
             kde_output_configuration_v2_scale(configuration, device, wl_fixed_from_double(scale));
         });
@@ -145,7 +145,7 @@ void setScale(int output, double scale) {
 }
 
 void setRotated(int output, bool isRotated) {
-    if (isDesktop("kwin")) {
+    if (is("kwin")) {
         changeInKwin(output, [isRotated](auto* configuration, auto* device) {
             kde_output_configuration_v2_transform(configuration, device,
                                                   isRotated ? WL_OUTPUT_TRANSFORM_90
@@ -157,4 +157,4 @@ void setRotated(int output, bool isRotated) {
     }
 }
 
-} // namespace brimlet::WaylandOutputs
+} // namespace brimlet::desktop

@@ -1,18 +1,19 @@
 #pragma once
 
 #include <QImage>
+#include <QRect>
 
-namespace brimlet::WaylandOutputs {
+namespace brimlet::desktop {
 
-// The outputs of a private Wayland desktop in sway or KWin, by their position in the compositor's
-// order. Each call returns when the compositor has handled it.
+// The outputs of a private Wayland desktop in sway or KWin, numbered from 0. Each call returns when
+// the compositor has handled it.
 
-/// Everything that is on the screens, in pixels.
-[[nodiscard]] QImage picture(bool withPointer = false);
+/// What is on the screen in an area of points, in pixels of the area's output.
+[[nodiscard]] QImage picture(const QRect& area, bool withPointer = false);
 
 void setOn(int output, bool isOn);
 void setScale(int output, double scale);
 /// Clockwise by 90 degrees, or back.
 void setRotated(int output, bool isRotated);
 
-} // namespace brimlet::WaylandOutputs
+} // namespace brimlet::desktop

@@ -4,27 +4,36 @@
 
 #include <QColor>
 
+#include <deque>
+
 struct wl_surface;
 struct zwlr_layer_surface_v1;
 
-namespace brimlet {
+namespace brimlet::desktop {
 
-/// A panel of a desktop along the top edge of the first output, in one colour; other windows are
-/// placed beside it.
-class WaylandPanel final {
+/// A panel of a desktop along the top edge of each output, in one colour.
+class Panel final {
 public:
-    /// `height` is in points. Returns when it is on the screen.
-    WaylandPanel(int height, const QColor& colour);
+    enum class Space { Reserved, Shared };
+
+    /// `height` is in points. Other windows are placed beside it if it reserves its space. Returns
+    /// when it is on the screen.
+    Panel(int height, const QColor& colour, Space space);
 
 private:
-    static void configure(void* self, zwlr_layer_surface_v1* surface, std::uint32_t serial,
-                          std::uint32_t width, std::uint32_t height);
-    static void closed(void* self, zwlr_layer_surface_v1* surface);
-    void paint(std::uint32_t width, std::uint32_t height) const;
+    struct Part final {
+        const Panel* panel;
+        wl_surface* surface;
+    };
 
-    WaylandConnection m_connection;
+    static void configure(void* data, zwlr_layer_surface_v1* surface, std::uint32_t serial,
+                          std::uint32_t width, std::uint32_t height);
+    static void closed(void* data, zwlr_layer_surface_v1* surface);
+    void paint(wl_surface* surface, std::uint32_t width, std::uint32_t height) const;
+
+    Connection m_connection;
     QColor m_colour;
-    wl_surface* m_surface;
+    std::deque<Part> m_parts; ///< One an output; they stay where they are.
 };
 
-} // namespace brimlet
+} // namespace brimlet::desktop

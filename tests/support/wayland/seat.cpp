@@ -1,8 +1,8 @@
 #include "tests/support/wayland/seat.h"
 
-#include "wayland-fake-input.h"
-#include "wayland-virtual-keyboard.h"
-#include "wayland-virtual-pointer.h"
+#include "fake-input-client.h"
+#include "virtual-keyboard-client.h"
+#include "virtual-pointer-client.h"
 
 #include <chrono>
 #include <string_view>
@@ -12,7 +12,7 @@
 #include <unistd.h>
 #include <wayland-client.h>
 
-namespace brimlet {
+namespace brimlet::desktop {
 namespace {
 
 constexpr std::string_view kKeymap = R"map(xkb_keymap {
@@ -55,7 +55,7 @@ void setKeymap(zwp_virtual_keyboard_v1* keyboard) {
 
 } // namespace
 
-WaylandSeat::WaylandSeat() {
+Seat::Seat() {
     m_fake = m_connection.bind<org_kde_kwin_fake_input>(org_kde_kwin_fake_input_interface, 4);
     if (m_fake != nullptr) {
         org_kde_kwin_fake_input_authenticate(m_fake, "test", "input");
@@ -78,7 +78,7 @@ WaylandSeat::WaylandSeat() {
     moveTo({0, 0});
 }
 
-void WaylandSeat::moveTo(QPointF position) {
+void Seat::moveTo(QPointF position) {
     if (m_fake != nullptr) {
         org_kde_kwin_fake_input_pointer_motion_absolute(m_fake, wl_fixed_from_double(position.x()),
                                                         wl_fixed_from_double(position.y()));
@@ -92,21 +92,21 @@ void WaylandSeat::moveTo(QPointF position) {
     m_connection.roundtrip();
 }
 
-void WaylandSeat::press() {
+void Seat::press() {
     button(true);
 }
 
-void WaylandSeat::release() {
+void Seat::release() {
     button(false);
 }
 
-void WaylandSeat::click(QPointF position) {
+void Seat::click(QPointF position) {
     moveTo(position);
     press();
     release();
 }
 
-void WaylandSeat::button(bool isPressed) {
+void Seat::button(bool isPressed) {
     if (m_fake != nullptr) {
         org_kde_kwin_fake_input_button(m_fake, BTN_LEFT, isPressed ? 1 : 0);
     } else {
@@ -116,7 +116,7 @@ void WaylandSeat::button(bool isPressed) {
     m_connection.roundtrip();
 }
 
-void WaylandSeat::type(const char* text) {
+void Seat::type(const char* text) {
     for (const char character : std::string_view(text)) {
         const std::uint32_t code = keyCode(character);
         key(code, true);
@@ -124,7 +124,7 @@ void WaylandSeat::type(const char* text) {
     }
 }
 
-void WaylandSeat::key(std::uint32_t code, bool isPressed) {
+void Seat::key(std::uint32_t code, bool isPressed) {
     if (m_fake != nullptr) {
         org_kde_kwin_fake_input_keyboard_key(m_fake, code, isPressed ? 1 : 0);
     } else {
@@ -133,7 +133,7 @@ void WaylandSeat::key(std::uint32_t code, bool isPressed) {
     m_connection.roundtrip();
 }
 
-void WaylandSeat::tap(QPointF position) {
+void Seat::tap(QPointF position) {
     org_kde_kwin_fake_input_touch_down(m_fake, 1, wl_fixed_from_double(position.x()),
                                        wl_fixed_from_double(position.y()));
     org_kde_kwin_fake_input_touch_frame(m_fake);
@@ -143,4 +143,4 @@ void WaylandSeat::tap(QPointF position) {
     m_connection.roundtrip();
 }
 
-} // namespace brimlet
+} // namespace brimlet::desktop

@@ -8,14 +8,14 @@ struct org_kde_kwin_fake_input;
 struct zwlr_virtual_pointer_v1;
 struct zwp_virtual_keyboard_v1;
 
-namespace brimlet {
+namespace brimlet::desktop {
 
 /// The pointer, the keyboard and the touch screen of a private Wayland desktop in sway or KWin.
 /// They are there as long as this object. Each call returns when the compositor has handled it.
 /// Positions are in points, from the top left of the first output.
-class WaylandSeat final {
+class Seat final {
 public:
-    WaylandSeat();
+    Seat();
 
     void moveTo(QPointF position);
     void press();
@@ -32,7 +32,7 @@ private:
     void button(bool isPressed);
     void key(std::uint32_t code, bool isPressed);
 
-    WaylandConnection m_connection;
+    Connection m_connection;
     // Either KWin's device or two of sway's.
     org_kde_kwin_fake_input* m_fake = nullptr;
     zwlr_virtual_pointer_v1* m_pointer = nullptr;
@@ -40,4 +40,4 @@ private:
     QPointF m_position; ///< Of sway's pointer, which takes motions only.
 };
 
-} // namespace brimlet
+} // namespace brimlet::desktop
