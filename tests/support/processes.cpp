@@ -37,6 +37,13 @@ QByteArray nextLine(QProcess& process) {
     return process.readLine().trimmed();
 }
 
+/// The lines that are not of WAYLAND_DEBUG, which are too many for a test's output.
+QByteArray withoutProtocol(const QByteArray& complaints) {
+    QByteArrayList lines = complaints.split('\n');
+    lines.removeIf([](const QByteArray& line) { return line.startsWith('['); });
+    return lines.join('\n');
+}
+
 void end(QProcess& process) {
     process.terminate();
     if (!process.waitForFinished(kPatience)) {
@@ -138,7 +145,7 @@ SimulatorProcess::~SimulatorProcess() {
     }
     // With the test's output, so that sanitizer reports appear there.
     m_complaints += m_process.readAllStandardError();
-    std::fputs(m_complaints.constData(), stderr);
+    std::fputs(withoutProtocol(m_complaints).constData(), stderr);
 }
 
 void SimulatorProcess::edit(const QJsonObject& machine) {
@@ -182,7 +189,9 @@ void SimulatorProcess::kill() {
 }
 
 int SimulatorProcess::endBySignal(int signal) {
-    ::kill(static_cast<pid_t>(m_process.processId()), signal);
+    if (pid() > 0) { // 0 would stand for this process and its relatives
+        ::kill(static_cast<pid_t>(pid()), signal);
+    }
     return exitCode();
 }
 
