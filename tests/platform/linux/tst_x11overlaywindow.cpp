@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QGuiApplication>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QProcess>
 #include <QScreen>
@@ -153,6 +154,20 @@ unsigned requestsOf(const Action& action) {
     action();
     return xcb_no_operation(x).sequence - before - 1;
 }
+
+/// Covers the whole content, and collects what its paint events are for.
+class OpaqueChild final : public QWidget {
+public:
+    explicit OpaqueChild(QWidget* parent)
+        : QWidget(parent) {
+        setAttribute(Qt::WA_OpaquePaintEvent);
+        resize(kPanel.size());
+    }
+    QRegion painted;
+
+protected:
+    void paintEvent(QPaintEvent* event) override { painted += event->region(); }
+};
 
 } // namespace
 
@@ -332,6 +347,18 @@ private Q_SLOTS:
         const auto later = makeWindow();
         QCOMPARE(isAboveAfterRendering(*later, other), appearsAbove);
         m_other.destroy(other);
+    }
+
+    // As the capsules are, whose pictures arrive late.
+    void anUpdateReachesAnOpaqueChild() {
+        auto content = std::make_unique<QWidget>();
+        auto* const child = new OpaqueChild(content.get());
+        child->move(8, 4);
+        X11OverlayWindow window(std::move(content), [] { return QRectF(0, 0, 1512, 982); });
+        QVERIFY(isAtRest(window));
+        child->painted = {};
+        window.updateContent(QRect(20, 10, 30, 5));
+        QTRY_COMPARE_WITH_TIMEOUT(child->painted, QRegion(12, 6, 30, 5), kPatience);
     }
 
     void itIsBetweenManagedWindowsAndAMenu() {
