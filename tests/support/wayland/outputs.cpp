@@ -1,7 +1,7 @@
 #include "tests/support/wayland/outputs.h"
 
-#include "kde-output-device-v2-client.h"
-#include "kde-output-management-v2-client.h"
+#include "client-kde-output-device-v2.h"
+#include "client-kde-output-management-v2.h"
 #include "tests/support/wayland/connection.h"
 
 #include <QDBusInterface>

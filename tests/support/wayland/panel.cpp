@@ -1,6 +1,6 @@
 #include "tests/support/wayland/panel.h"
 
-#include "wlr-layer-shell-client.h"
+#include "client-wlr-layer-shell.h"
 
 #include <vector>
 

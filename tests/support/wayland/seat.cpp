@@ -1,8 +1,8 @@
 #include "tests/support/wayland/seat.h"
 
-#include "fake-input-client.h"
-#include "virtual-keyboard-client.h"
-#include "virtual-pointer-client.h"
+#include "client-fake-input.h"
+#include "client-virtual-keyboard.h"
+#include "client-virtual-pointer.h"
 
 #include <chrono>
 #include <string_view>
