@@ -18,15 +18,31 @@ double wholeUnits(double scale) {
     return std::round(scale * kUnits) / kUnits;
 }
 
+/// Clicks on the surface reach what is below.
+void letPointerThrough(const WaylandConnection& connection, wl_surface* surface) {
+    const Proxy<wl_region> nothing(
+        wl_compositor_create_region(connection.globals().compositor.get()));
+    wl_surface_set_input_region(surface, nothing.get());
+}
+
+/// From the top of the picture to the popup it is a part of, in points: below any panel, and a
+/// whole number of pixels at every scale.
+constexpr int kPopupBelow = 240;
+
 } // namespace
 
 OverlaySurface::OverlaySurface(WaylandConnection& connection, const WaylandOutput& output,
                                const QRect& place, Paint paint)
     : m_connection(connection)
     , m_size(place.size())
-    , m_paint(std::move(paint)) {
+    , m_paint(std::move(paint))
+    , m_invisible(connection.globals().shm.get(), QSize(1, 1)) {
     const WaylandGlobals& globals = connection.globals();
+    m_invisible.released = [] {};
+    createAnchor(output, place.topLeft() + QPoint(0, kPopupBelow));
+    m_popupSurface.reset(wl_compositor_create_surface(globals.compositor.get()));
     m_surface.reset(wl_compositor_create_surface(globals.compositor.get()));
+    createPart();
     if (globals.fractionalScale && globals.viewporter) {
         m_viewport.reset(wp_viewporter_get_viewport(globals.viewporter.get(), m_surface.get()));
         wp_viewport_set_destination(m_viewport.get(), m_size.width(), m_size.height());
@@ -43,7 +59,13 @@ OverlaySurface::OverlaySurface(WaylandConnection& connection, const WaylandOutpu
         wl_surface_set_buffer_scale(m_surface.get(), output.scale());
         setScale(output.scale());
     }
+}
 
+OverlaySurface::~OverlaySurface() = default;
+
+/// The surface in the overlay layer, whose popup appears once the compositor has placed it.
+void OverlaySurface::createAnchor(const WaylandOutput& output, QPoint place) {
+    const WaylandGlobals& globals = m_connection.globals();
     m_anchor.reset(wl_compositor_create_surface(globals.compositor.get()));
     m_layer.reset(zwlr_layer_shell_v1_get_layer_surface(
         globals.layerShell.get(), m_anchor.get(), output.proxy(), ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY,
@@ -52,7 +74,7 @@ OverlaySurface::OverlaySurface(WaylandConnection& connection, const WaylandOutpu
     zwlr_layer_surface_v1_set_anchor(m_layer.get(), ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP |
                                                         ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT);
     zwlr_layer_surface_v1_set_margin(m_layer.get(), place.y(), 0, 0, place.x());
-    zwlr_layer_surface_v1_set_exclusive_zone(m_layer.get(), -1); // over panels, at the very edge
+    zwlr_layer_surface_v1_set_exclusive_zone(m_layer.get(), -1); // no panel moves it
     static constexpr zwlr_layer_surface_v1_listener kLayer{
         .configure =
             [](void* data, zwlr_layer_surface_v1* layer, std::uint32_t serial, std::uint32_t,
@@ -68,36 +90,34 @@ OverlaySurface::OverlaySurface(WaylandConnection& connection, const WaylandOutpu
                 Q_EMIT static_cast<OverlaySurface*>(data)->closed();
             }};
     zwlr_layer_surface_v1_add_listener(m_layer.get(), &kLayer, this);
-    const Proxy<wl_region> nothing(wl_compositor_create_region(globals.compositor.get()));
-    wl_surface_set_input_region(m_anchor.get(), nothing.get());
+    letPointerThrough(m_connection, m_anchor.get());
     wl_surface_commit(m_anchor.get());
 }
 
-OverlaySurface::~OverlaySurface() = default;
-
 void OverlaySurface::createPopup() {
     const WaylandGlobals& globals = m_connection.globals();
-    // A surface is shown, and its popups with it, once it has a picture; a transparent one here.
-    m_anchorPicture = std::make_unique<WaylandBuffers>(globals.shm.get(), QSize(1, 1));
-    if (!m_anchorPicture->isValid()) {
+    if (!m_invisible.isValid()) {
         Q_EMIT closed();
         return;
     }
-    m_anchorPicture->released = [] {};
-    m_anchorPicture->show(m_anchor.get(), {});
+    // A surface is shown, and its popups with it, once it has a picture; a transparent one here.
+    m_invisible.show(m_anchor.get(), {});
     wl_surface_commit(m_anchor.get());
 
     const Proxy<xdg_positioner> positioner(xdg_wm_base_create_positioner(globals.windows.get()));
-    xdg_positioner_set_size(positioner.get(), m_size.width(), m_size.height());
+    xdg_positioner_set_size(positioner.get(), 1, 1);
     xdg_positioner_set_anchor_rect(positioner.get(), 0, 0, 1, 1);
     xdg_positioner_set_anchor(positioner.get(), XDG_POSITIONER_ANCHOR_TOP_LEFT);
     xdg_positioner_set_gravity(positioner.get(), XDG_POSITIONER_GRAVITY_BOTTOM_RIGHT);
-    m_window.reset(xdg_wm_base_get_xdg_surface(globals.windows.get(), m_surface.get()));
+    m_window.reset(xdg_wm_base_get_xdg_surface(globals.windows.get(), m_popupSurface.get()));
     static constexpr xdg_surface_listener kWindow{
         .configure = [](void* data, xdg_surface* window, std::uint32_t serial) {
             auto& self = *static_cast<OverlaySurface*>(data);
             xdg_surface_ack_configure(window, serial);
-            self.m_isConfigured = true;
+            if (!std::exchange(self.m_isConfigured, true)) {
+                self.m_invisible.show(self.m_popupSurface.get(), {});
+            }
+            wl_surface_commit(self.m_popupSurface.get());
             self.paintDue();
         }};
     xdg_surface_add_listener(m_window.get(), &kWindow, this);
@@ -109,7 +129,24 @@ void OverlaySurface::createPopup() {
         .repositioned = kIgnoreEvent};
     xdg_popup_add_listener(m_popup.get(), &kPopup, this);
     zwlr_layer_surface_v1_get_popup(m_layer.get(), m_popup.get());
-    wl_surface_commit(m_surface.get());
+    // Else it is the box around all its parts, and placed by that.
+    xdg_surface_set_window_geometry(m_window.get(), 0, 0, 1, 1);
+    letPointerThrough(m_connection, m_popupSurface.get());
+    wl_surface_commit(m_popupSurface.get());
+}
+
+void OverlaySurface::createPart() {
+    m_part.reset(wl_subcompositor_get_subsurface(m_connection.globals().subcompositor.get(),
+                                                 m_surface.get(), m_popupSurface.get()));
+    wl_subsurface_set_position(m_part.get(), 0, -kPopupBelow);
+    wl_subsurface_set_desync(m_part.get()); // it need not wait for the popup
+}
+
+xdg_popup* OverlaySurface::createPopup(xdg_surface* window, xdg_positioner* positioner,
+                                       QPoint anchor) const {
+    xdg_positioner_set_anchor_rect(positioner, 0, 0, 1, 1);
+    xdg_positioner_set_offset(positioner, anchor.x(), anchor.y() - kPopupBelow);
+    return xdg_surface_get_popup(window, m_window.get(), positioner);
 }
 
 void OverlaySurface::setScale(double scale) {
@@ -131,7 +168,7 @@ void OverlaySurface::setInputRegion(const QRegion& points) {
     }
     wl_surface_set_input_region(m_surface.get(), region.get());
     if (m_isConfigured && !m_buffers->isNew()) {
-        wl_surface_commit(m_surface.get());
+        commit();
     }
 }
 
@@ -186,7 +223,14 @@ void OverlaySurface::show(const QRegion& pixels) {
             self.paintDue();
         }};
     wl_callback_add_listener(m_frame.get(), &kFrame, this);
+    commit();
+}
+
+/// The popup too, although nothing of it has changed: sway 1.7 draws a change of a popup's part
+/// only when the popup is committed.
+void OverlaySurface::commit() {
     wl_surface_commit(m_surface.get());
+    wl_surface_commit(m_popupSurface.get());
 }
 
 /// The pixels that these points are in, at least in part.

@@ -18,10 +18,12 @@ namespace brimlet {
 class WaylandConnection;
 class WaylandOutput;
 
-/// A picture on an output, above everything else: a popup of an invisible surface of the overlay
-/// layer. KWin before its version 6 gives a layer surface that is clicked the keyboard, whatever it
-/// asks for; a popup without a grab never gets it. Its objects belong to one connection. Main
-/// thread only.
+/// A picture on an output, above everything else. It is a part (a subsurface) of an invisible popup
+/// of an invisible surface in the overlay layer, since KWin before its version 6
+/// - gives a layer surface that is clicked the keyboard, whatever it asks for. A popup without a
+///   grab never gets it;
+/// - moves a popup out from under the panels. A popup's parts are where they are put.
+/// Its objects belong to one connection. Main thread only.
 class OverlaySurface final : public QObject {
     Q_OBJECT
 
@@ -43,7 +45,10 @@ public:
     void paintNow(const QRegion& points, const std::function<void(QPainter&)>& paint);
 
     [[nodiscard]] wl_surface* surface() const { return m_surface.get(); }
-    [[nodiscard]] xdg_surface* window() const { return m_window.get(); }
+    /// Makes the popup of that positioner a child of this one; `anchor`, in points of the picture,
+    /// is where it is placed.
+    [[nodiscard]] xdg_popup* createPopup(xdg_surface* window, xdg_positioner* positioner,
+                                         QPoint anchor) const;
     /// Pixels per point.
     [[nodiscard]] double scale() const { return m_scale; }
 
@@ -52,11 +57,14 @@ Q_SIGNALS:
     void closed();
 
 private:
+    void createAnchor(const WaylandOutput& output, QPoint place);
     void createPopup();
+    void createPart();
     void setScale(double scale);
     [[nodiscard]] bool canPaint() const;
     void paintDue();
     void show(const QRegion& pixels);
+    void commit();
     [[nodiscard]] QRegion toPixels(const QRegion& points) const;
 
     WaylandConnection& m_connection;
@@ -67,11 +75,14 @@ private:
     bool m_isAllDue = true;
     QRegion m_due; ///< In points.
     std::unique_ptr<WaylandBuffers> m_buffers;
-    // Destroyed in the opposite order.
+    WaylandBuffers m_invisible; ///< One each for the two surfaces that are not seen.
+    // Destroyed in the opposite order: the popup before its part, which else stays drawn in
+    // sway 1.7.
     Proxy<wl_surface> m_anchor;
-    std::unique_ptr<WaylandBuffers> m_anchorPicture;
     Proxy<zwlr_layer_surface_v1> m_layer;
+    Proxy<wl_surface> m_popupSurface;
     Proxy<wl_surface> m_surface;
+    Proxy<wl_subsurface> m_part;
     Proxy<wp_fractional_scale_v1> m_preferredScale;
     Proxy<wp_viewport> m_viewport;
     Proxy<xdg_surface> m_window;

@@ -105,6 +105,7 @@ void WaylandConnection::addGlobal(std::uint32_t name, const char* interface,
         return true;
     };
     bind(m_globals.compositor, wl_compositor_interface, 4);
+    bind(m_globals.subcompositor, wl_subcompositor_interface, 1);
     bind(m_globals.shm, wl_shm_interface, 1);
     bind(m_globals.viewporter, wp_viewporter_interface, 1);
     bind(m_globals.fractionalScale, wp_fractional_scale_manager_v1_interface, 1);
@@ -186,8 +187,8 @@ void WaylandConnection::close() {
 }
 
 QString WaylandConnection::missing() const {
-    if (!m_globals.compositor || !m_globals.windows) {
-        return QStringLiteral("xdg-shell");
+    if (!m_globals.compositor || !m_globals.subcompositor || !m_globals.windows) {
+        return QStringLiteral("surfaces with popups");
     }
     if (!m_globals.layerShell) {
         return QStringLiteral("zwlr_layer_shell_v1");

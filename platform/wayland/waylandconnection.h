@@ -20,6 +20,7 @@ class WaylandOutputs;
 /// What the compositor offers of the interfaces in use; null for what it does not.
 struct WaylandGlobals final {
     Proxy<wl_compositor> compositor;
+    Proxy<wl_subcompositor> subcompositor;
     Proxy<wl_shm> shm;
     Proxy<xdg_wm_base> windows;
     Proxy<zwlr_layer_shell_v1> layerShell;

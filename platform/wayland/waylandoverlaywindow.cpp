@@ -52,6 +52,7 @@ void WaylandOverlayWindow::followSeat(WaylandSeat& seat) {
     };
     connect(&seat, &WaylandSeat::entered, this, [=, this](wl_surface* surface, QPointF position) {
         m_isPointerHere = isOurs(surface);
+        m_cursor.reset();
         if (m_isPointerHere) {
             m_pointer.moveTo(position);
             showTarget(); // the cursor is another surface's until it is set
@@ -232,8 +233,9 @@ void WaylandOverlayWindow::paint(QImage& image, const std::optional<QRegion>& po
 
 /// Shows the cursor and, after a while, the tooltip of what is below the pointer.
 void WaylandOverlayWindow::showTarget() {
-    if (m_surface) {
-        m_seat.showCursor(m_pointer.cursor(), m_surface->scale());
+    if (m_surface && m_isPointerHere && m_cursor != m_pointer.cursor()) {
+        m_cursor = m_pointer.cursor();
+        m_seat.showCursor(*m_cursor, m_surface->scale());
     }
     if (m_toolTipText != m_pointer.toolTip()) {
         hideToolTip();

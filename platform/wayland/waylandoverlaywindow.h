@@ -94,6 +94,7 @@ private:
     WidgetPointer m_pointer;
     bool m_isPointerHere = false;
     bool m_isFingerHere = false;
+    std::optional<Qt::CursorShape> m_cursor; ///< As shown since the pointer came.
     QString m_toolTipText;
     QBasicTimer m_toolTipTimer; ///< Until it is shown, then until it is hidden.
     std::unique_ptr<WaylandToolTip> m_toolTip;

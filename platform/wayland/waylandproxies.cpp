@@ -46,6 +46,12 @@ void DestroyProxy::operator()(wl_shm* proxy) const {
 void DestroyProxy::operator()(wl_shm_pool* proxy) const {
     wl_shm_pool_destroy(proxy);
 }
+void DestroyProxy::operator()(wl_subcompositor* proxy) const {
+    wl_subcompositor_destroy(proxy);
+}
+void DestroyProxy::operator()(wl_subsurface* proxy) const {
+    wl_subsurface_destroy(proxy);
+}
 void DestroyProxy::operator()(wl_surface* proxy) const {
     wl_surface_destroy(proxy);
 }

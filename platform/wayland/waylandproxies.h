@@ -12,6 +12,8 @@ struct wl_registry;
 struct wl_seat;
 struct wl_shm;
 struct wl_shm_pool;
+struct wl_subcompositor;
+struct wl_subsurface;
 struct wl_surface;
 struct wl_touch;
 struct wp_cursor_shape_device_v1;
@@ -45,6 +47,8 @@ struct DestroyProxy final {
     void operator()(wl_seat* proxy) const;
     void operator()(wl_shm* proxy) const;
     void operator()(wl_shm_pool* proxy) const;
+    void operator()(wl_subcompositor* proxy) const;
+    void operator()(wl_subsurface* proxy) const;
     void operator()(wl_surface* proxy) const;
     void operator()(wl_touch* proxy) const;
     void operator()(wp_cursor_shape_device_v1* proxy) const;

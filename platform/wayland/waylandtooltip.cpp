@@ -63,7 +63,6 @@ WaylandToolTip::WaylandToolTip(WaylandConnection& connection, const OverlaySurfa
 
     const Proxy<xdg_positioner> positioner(xdg_wm_base_create_positioner(globals.windows.get()));
     xdg_positioner_set_size(positioner.get(), label.width(), label.height());
-    xdg_positioner_set_anchor_rect(positioner.get(), place.x(), place.y(), 1, 1);
     xdg_positioner_set_anchor(positioner.get(), XDG_POSITIONER_ANCHOR_BOTTOM_LEFT);
     xdg_positioner_set_gravity(positioner.get(), XDG_POSITIONER_GRAVITY_BOTTOM_RIGHT);
     xdg_positioner_set_constraint_adjustment(positioner.get(),
@@ -80,7 +79,7 @@ WaylandToolTip::WaylandToolTip(WaylandConnection& connection, const OverlaySurfa
             wl_surface_commit(self.m_surface.get());
         }};
     xdg_surface_add_listener(m_window.get(), &kWindow, this);
-    m_popup.reset(xdg_surface_get_popup(m_window.get(), parent.window(), positioner.get()));
+    m_popup.reset(parent.createPopup(m_window.get(), positioner.get(), place));
     static constexpr xdg_popup_listener kPopup{
         .configure = kIgnoreEvent,
         // The compositor hides it itself, and the owner destroys it in the end.

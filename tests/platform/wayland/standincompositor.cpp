@@ -70,7 +70,7 @@ struct StandInCompositor::State final {
     std::vector<wl_resource*> buffersInUse;
     wl_resource* layerSurface = nullptr;
     QString layer;
-    wl_resource* popup = nullptr; ///< Of the capsules.
+    wl_resource* popup = nullptr; ///< With the capsules.
     wl_resource* pointer = nullptr;
     wl_resource* touch = nullptr;
     std::uint32_t serial = 0;
@@ -227,6 +227,27 @@ const struct wl_compositor_interface kCompositor {
     }
 };
 
+const struct wl_subsurface_interface kPart = [] {
+    struct wl_subsurface_interface requests {};
+    requests.destroy = kDestroy;
+    requests.set_position = [](wl_client*, wl_resource* part, std::int32_t x, std::int32_t y) {
+        surfaceOf(part).state->write(QStringLiteral("part at %1,%2").arg(x).arg(y));
+    };
+    requests.place_above = kIgnore;
+    requests.place_below = kIgnore;
+    requests.set_sync = kIgnore;
+    requests.set_desync = kIgnore;
+    return requests;
+}();
+
+const struct wl_subcompositor_interface kSubcompositor {
+    .destroy = kDestroy, .get_subsurface = [](wl_client* client, wl_resource*, std::uint32_t id,
+                                              wl_resource* surface, wl_resource*) {
+        surfaceOf(surface).role = QStringLiteral("capsules");
+        make(client, wl_subsurface_interface, 1, id, &kPart, &surfaceOf(surface));
+    }
+};
+
 // ---- memory that is not to be had
 // ------------------------------------------------------------------
 
@@ -296,7 +317,7 @@ const struct xdg_surface_interface kXdgSurface = [] {
                             wl_resource* parent, wl_resource* positioner) {
         Surface& surface = surfaceOf(xdgSurface);
         State& state = *surface.state;
-        surface.role = parent == nullptr ? QStringLiteral("capsules") : QStringLiteral("tooltip");
+        surface.role = parent == nullptr ? QStringLiteral("popup") : QStringLiteral("tooltip");
         const QRect place = *static_cast<QRect*>(wl_resource_get_user_data(positioner));
         state.write(QStringLiteral("%1 placed at %2").arg(surface.role, text(place)));
         wl_resource* const popup =
@@ -330,7 +351,9 @@ const struct xdg_positioner_interface kPositioner = [] {
     requests.set_anchor = kIgnore;
     requests.set_gravity = kIgnore;
     requests.set_constraint_adjustment = kIgnore;
-    requests.set_offset = kIgnore;
+    requests.set_offset = [](wl_client*, wl_resource* positioner, std::int32_t x, std::int32_t y) {
+        static_cast<QRect*>(wl_resource_get_user_data(positioner))->translate(x, y);
+    };
     return requests;
 }();
 
@@ -503,6 +526,7 @@ StandInCompositor::StandInCompositor(const StandInManners& manners,
     qputenv("WAYLAND_DISPLAY", "stand-in");
     wl_display_add_socket(state.display, "stand-in");
     offer<wl_compositor_interface, kCompositor>(state, 4);
+    offer<wl_subcompositor_interface, kSubcompositor>(state, 1);
     if (manners.refusesPools) {
         offer<wl_shm_interface, kRefusingShm>(state, 1);
     } else if (manners.hasShm) {

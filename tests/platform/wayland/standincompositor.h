@@ -72,7 +72,7 @@ public:
     void touchDown(QPointF position);
     void touchUp();
 
-    /// Of the popup with the capsules: what it shows, the input region in points.
+    /// Whether the capsules are on the screen, and their input region in points.
     [[nodiscard]] bool isShown() const;
     [[nodiscard]] const QRegion& inputRegion() const;
     /// Buffers that were shown and not given back.

@@ -86,7 +86,8 @@ private Q_SLOTS:
         QVERIFY(f.show());
         f.compositor.pointerEnter(kInLeft);
         const auto shown = [&f] {
-            return f.compositor.log.filter(QStringLiteral("tooltip placed at 22,26 ")).size() == 1;
+            return f.compositor.log.filter(QStringLiteral("tooltip placed at 22,-214 ")).size() ==
+                   1;
         };
         QTRY_VERIFY_WITH_TIMEOUT(shown(), kPatience);
         f.compositor.log.clear();

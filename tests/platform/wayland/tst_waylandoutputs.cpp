@@ -101,7 +101,7 @@ private Q_SLOTS:
         f.window->orderFrontRegardless();
         QTRY_VERIFY_WITH_TIMEOUT(f.compositor.isShown(), kPatience);
         QCOMPARE(f.compositor.layer(),
-                 QStringLiteral("layer 3 on eDP-1 anchor 5 at 542,0 zone -1"));
+                 QStringLiteral("layer 3 on eDP-1 anchor 5 at 542,240 zone -1"));
     }
 };
 

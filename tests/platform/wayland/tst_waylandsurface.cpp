@@ -18,13 +18,15 @@ class TestWaylandSurface final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void itIsAPopupOfTheOverlayLayerAtTheVeryTop() {
+    void itIsAPartOfAPopupOfTheOverlayLayerAtTheVeryTop() {
         WaylandFixture f;
         QVERIFY(f.show());
-        // Layer 3 is the overlay's; 5 are the top and left edges. No keyboard is asked for.
+        // Layer 3 is the overlay's; 5 are the top and left edges. No keyboard is asked for. The
+        // popup is where no panel moves it.
         QCOMPARE(f.compositor.layer(),
-                 QStringLiteral("layer 3 on eDP-1 anchor 5 at 542,0 zone -1"));
-        QVERIFY(f.compositor.log.contains(QStringLiteral("capsules placed at 0,0 428x40")));
+                 QStringLiteral("layer 3 on eDP-1 anchor 5 at 542,240 zone -1"));
+        QVERIFY(f.compositor.log.contains(QStringLiteral("popup placed at 0,0 1x1")));
+        QVERIFY(f.compositor.log.contains(QStringLiteral("part at 0,-240")));
         QVERIFY(f.compositor.log.contains(kWhole));
     }
 
