@@ -15,16 +15,17 @@ from pathlib import Path
 
 from environment import CAPSULE, ROOT, Environment, Run, XObserver, end
 from figures import Failure, figures_of, medians, over_runs, process_figures
-from program import (CYCLE, CYCLES, OURS, REST, SAMPLE, SCROLL, SCROLL_HAS_BEGUN, SLICE,
-                     START_IS_OVER, TIMES, require_polls)
+from program import (CYCLE, CYCLES, OURS, SCROLL, SCROLL_HAS_BEGUN, SLICE, START_IS_OVER, STILL,
+                     TIMES, require_polls)
 
 # Two pictures of the capsules differ when a text has scrolled between them: by 4 points.
 BETWEEN_PICTURES = 0.2
 BETWEEN_PAIRS = 1
 AREA = '542,0 428x40'
+REST = 30  # longer than between two swaps, since the difference is small
 
 STATES = (  # key, name, scenario, age when it begins, seconds, pairs of pictures that differ
-    ('rest', 'at rest between swaps', SAMPLE, START_IS_OVER, REST, lambda share: share == 0),
+    ('rest', 'at rest', STILL, START_IS_OVER, REST, lambda share: share == 0),
     ('cycles', 'both taglines in turn with brands', CYCLES, START_IS_OVER, CYCLE,
      lambda share: share > 0.3),
     ('scrolling', 'both taglines scrolling', SCROLL, SCROLL_HAS_BEGUN, SLICE,
