@@ -37,13 +37,14 @@ std::chrono::milliseconds sinceEpoch(Clock::TimePoint time) {
 bool waitFor(bool (*isThere)(), std::chrono::seconds limit) {
     constexpr std::chrono::milliseconds kInterval{500};
     const auto end = std::chrono::steady_clock::now() + limit;
-    while (!isThere()) {
-        if (std::chrono::steady_clock::now() >= end) {
-            return false;
-        }
+    do {
+        // First, so that a display that breaks at once does not keep the processor busy.
         std::this_thread::sleep_for(kInterval);
-    }
-    return true;
+        if (isThere()) {
+            return true;
+        }
+    } while (std::chrono::steady_clock::now() < end);
+    return false;
 }
 
 /// Returns only when that is not possible.

@@ -181,10 +181,9 @@ void followDesktop(const HostStore& store, LinuxAdapters& adapters) {
     auto* const check = new OncePerTurn(
         [&adapters] {
             adapters.workspace.checkPanelPower();
+            X11Watch::drainIfUsed();
             if (adapters.wayland.choice().isNative) {
                 adapters.wayland.connection().reconnect();
-            } else {
-                X11Watch::shared().drainEvents();
             }
         },
         &adapters.workspace);

@@ -2,8 +2,6 @@
 
 #include <QString>
 
-#include <optional>
-
 namespace brimlet {
 
 /// What decides how the overlay's window is made on Linux.

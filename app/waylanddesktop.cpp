@@ -1,5 +1,6 @@
 #include "app/waylanddesktop.h"
 
+#include "app/displayloss.h"
 #include "platform/wayland/waylandlibrary.h"
 #include "platform/wayland/waylandoutputs.h"
 
@@ -14,7 +15,8 @@ OverlayChoice connectAndChoose(WaylandConnection& connection) {
     facts.isWaylandDisplaySet = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
     if (facts.isWaylandDisplaySet) {
         facts.isLibraryLoaded = loadWaylandLibrary();
-        facts.isConnected = connection.connectWithin(std::chrono::seconds(3));
+        const std::chrono::seconds limit(isStartAfterDisplayLoss() ? 20 : 3);
+        facts.isConnected = connection.connectWithin(limit);
         facts.missingInterface = connection.missing();
     }
     return chooseOverlay(facts);

@@ -9,9 +9,18 @@
 
 namespace brimlet {
 
+bool X11Watch::s_isUsed = false;
+
 X11Watch& X11Watch::shared() {
     static X11Watch watch;
+    s_isUsed = true;
     return watch;
+}
+
+void X11Watch::drainIfUsed() {
+    if (s_isUsed) {
+        shared().drainEvents();
+    }
 }
 
 X11Watch::X11Watch() {

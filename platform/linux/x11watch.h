@@ -21,6 +21,9 @@ public:
     X11Watch(const X11Watch&) = delete;
     X11Watch& operator=(const X11Watch&) = delete;
 
+    /// `drainEvents()` if the instance was used before; else does nothing.
+    static void drainIfUsed();
+
     /// Reads the queued events. Call it every few seconds, because the X server buffers unread
     /// events. Sends no request to the X server.
     void drainEvents();
@@ -33,6 +36,7 @@ public:
 
 private:
     X11Watch();
+    static bool s_isUsed;
     void handleEvent(const xcb_generic_event_t& event);
 
     XcbConnection m_connection;

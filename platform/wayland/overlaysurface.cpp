@@ -81,7 +81,9 @@ void OverlaySurface::createAnchor(const WaylandOutput& output, QPoint place) {
                std::uint32_t) {
                 auto& self = *static_cast<OverlaySurface*>(data);
                 zwlr_layer_surface_v1_ack_configure(layer, serial);
-                if (!self.m_popup) {
+                if (self.m_popup) {
+                    wl_surface_commit(self.m_anchor.get());
+                } else {
                     self.createPopup();
                 }
             },
@@ -96,7 +98,7 @@ void OverlaySurface::createAnchor(const WaylandOutput& output, QPoint place) {
 
 void OverlaySurface::createPopup() {
     const WaylandGlobals& globals = m_connection.globals();
-    if (!m_invisible.isValid()) {
+    if (!m_invisible.isValid() || !m_buffers->isValid()) { // there is no memory
         Q_EMIT closed();
         return;
     }

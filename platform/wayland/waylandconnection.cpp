@@ -83,7 +83,12 @@ void WaylandConnection::awaitReply() {
 bool WaylandConnection::connectWithin(std::chrono::milliseconds limit) {
     const QDeadlineTimer deadline(limit);
     reconnect();
-    const auto isComplete = [this] { return m_isReady && !m_outputs->all().empty(); };
+    const auto isComplete = [this] {
+        const auto& outputs = m_outputs->all();
+        return m_isReady && std::any_of(outputs.begin(), outputs.end(), [](const auto& output) {
+                   return !output->geometry().isEmpty();
+               });
+    };
     while (m_display && !isComplete() && !deadline.hasExpired()) {
         pollfd descriptor{static_cast<int>(m_readable->socket()), POLLIN, 0};
         if (::poll(&descriptor, 1, static_cast<int>(deadline.remainingTime())) > 0) {
@@ -129,7 +134,7 @@ void WaylandConnection::addGlobal(std::uint32_t name, const char* interface,
     Proxy<wl_output> output;
     if (bind(output, wl_output_interface, 4)) {
         m_outputs->add(name, std::move(output));
-        if (m_isReady) {
+        if (m_repliesToAwait < 2) { // else all are asked for with the first reply
             m_outputs->requestNames(m_globals.outputManager.get());
         }
     }
@@ -187,7 +192,10 @@ void WaylandConnection::close() {
 }
 
 QString WaylandConnection::missing() const {
-    if (!m_globals.compositor || !m_globals.subcompositor || !m_globals.windows) {
+    const bool hasSurfaces =
+        m_globals.compositor && wl_compositor_get_version(m_globals.compositor.get()) >=
+                                    WL_SURFACE_DAMAGE_BUFFER_SINCE_VERSION;
+    if (!hasSurfaces || !m_globals.subcompositor || !m_globals.windows) {
         return QStringLiteral("surfaces with popups");
     }
     if (!m_globals.layerShell) {

@@ -98,6 +98,14 @@ void WaylandCursor::showFromTheme(std::uint32_t serial, Qt::CursorShape shape, i
         return;
     }
     wl_cursor_image* const image = cursor->images[0];
+    // The theme may have only another size.
+    const auto divides = [image](int factor) {
+        return image->width % static_cast<unsigned>(factor) == 0 &&
+               image->height % static_cast<unsigned>(factor) == 0;
+    };
+    while (!divides(scale)) {
+        --scale;
+    }
     if (!m_surface) {
         m_surface.reset(wl_compositor_create_surface(globals.compositor.get()));
     }

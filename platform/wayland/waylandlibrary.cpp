@@ -24,12 +24,10 @@ bool load(WaylandLibrary& functions) {
             reinterpret_cast<std::remove_reference_t<decltype(function)>>(::dlsym(library, name));
         isComplete = isComplete && function != nullptr;
     };
-    find(functions.cancelRead, "wl_display_cancel_read");
     find(functions.connectToFd, "wl_display_connect_to_fd");
     find(functions.disconnect, "wl_display_disconnect");
     find(functions.dispatchPending, "wl_display_dispatch_pending");
     find(functions.flush, "wl_display_flush");
-    find(functions.getError, "wl_display_get_error");
     find(functions.prepareRead, "wl_display_prepare_read");
     find(functions.readEvents, "wl_display_read_events");
     find(functions.addListener, "wl_proxy_add_listener");

@@ -7,12 +7,10 @@ namespace brimlet {
 /// The functions of libwayland-client in use. The library is loaded when the program runs, so that
 /// the program also starts where it is missing. Null before `loadWaylandLibrary()`.
 struct WaylandLibrary final {
-    decltype(&wl_display_cancel_read) cancelRead;
     decltype(&wl_display_connect_to_fd) connectToFd;
     decltype(&wl_display_disconnect) disconnect;
     decltype(&wl_display_dispatch_pending) dispatchPending;
     decltype(&wl_display_flush) flush;
-    decltype(&wl_display_get_error) getError;
     decltype(&wl_display_prepare_read) prepareRead;
     decltype(&wl_display_read_events) readEvents;
     decltype(&wl_proxy_add_listener) addListener;

@@ -34,7 +34,8 @@ class WaylandOverlayWindow final : public QWidget, public OverlayWindow {
 
 public:
     /// Takes ownership of the content. `primaryGeometry` returns the primary output's current
-    /// geometry in the compositor's space. The others outlive the window.
+    /// geometry in the compositor's space. The connection and the seat may end before the window,
+    /// which is then out.
     WaylandOverlayWindow(std::unique_ptr<QWidget> content, WaylandConnection& connection,
                          WaylandSeat& seat, std::function<QRectF()> primaryGeometry);
     ~WaylandOverlayWindow() override;

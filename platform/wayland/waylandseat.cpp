@@ -68,12 +68,18 @@ void WaylandSeat::leave() {
     Q_EMIT left();
 }
 
+void WaylandSeat::endTouch() {
+    Q_EMIT touchEnded();
+    m_lastPress.reset();
+}
+
 void WaylandSeat::press(std::uint32_t serial, bool isPressed) {
     if (isPressed) {
         m_lastPress = serial;
         Q_EMIT pressed();
     } else {
-        Q_EMIT released();
+        Q_EMIT released(); // a click, which may ask for the press
+        m_lastPress.reset();
     }
 }
 
@@ -152,7 +158,7 @@ void WaylandSeat::bindTouch() {
             [](void* data, wl_touch*, std::uint32_t, std::uint32_t, std::int32_t finger) {
                 if (seat(data).m_finger == finger) {
                     seat(data).m_finger.reset();
-                    Q_EMIT seat(data).touchEnded();
+                    seat(data).endTouch();
                 }
             },
         .motion =

@@ -28,13 +28,15 @@ public:
     /// Shows this cursor until the pointer leaves its surface.
     void showCursor(Qt::CursorShape shape, double scale);
 
-    /// The number of the last press or touch, by which the compositor recognises it.
+    /// The number of the present press or touch, by which the compositor recognises it; still there
+    /// while its end is signalled.
     [[nodiscard]] std::optional<std::uint32_t> lastPress() const { return m_lastPress; }
 
     // The compositor's events.
     void enter(std::uint32_t serial, wl_surface* surface, QPointF position);
     void leave();
     void press(std::uint32_t serial, bool isPressed);
+    void endTouch();
 
 Q_SIGNALS:
     // Positions are in points of the surface that the pointer or finger is on.

@@ -74,6 +74,7 @@ struct StandInCompositor::State final {
     wl_resource* pointer = nullptr;
     wl_resource* touch = nullptr;
     std::uint32_t serial = 0;
+    int requests = 0;
 
     void write(const QString& what) { owner.log << what; }
     [[nodiscard]] Surface* capsules() const {
@@ -556,6 +557,12 @@ StandInCompositor::StandInCompositor(const StandInManners& manners,
         found->client = static_cast<wl_client*>(client);
         found->write(QStringLiteral("client"));
     };
+    wl_display_add_protocol_logger(
+        state.display,
+        [](void* data, wl_protocol_logger_type type, const wl_protocol_logger_message*) {
+            static_cast<State*>(data)->requests += type == WL_PROTOCOL_LOGGER_REQUEST ? 1 : 0;
+        },
+        &state);
     wl_display_add_client_created_listener(state.display, &state.arrival);
     state.notifier =
         std::make_unique<QSocketNotifier>(wl_event_loop_get_fd(state.loop), QSocketNotifier::Read);
@@ -652,6 +659,10 @@ const QRegion& StandInCompositor::inputRegion() const {
 
 int StandInCompositor::buffersInUse() const {
     return static_cast<int>(m_state->buffersInUse.size());
+}
+
+int StandInCompositor::requests() const {
+    return m_state->requests;
 }
 
 QString StandInCompositor::layer() const {

@@ -11,7 +11,6 @@
 
 struct wl_client;
 struct wl_display;
-struct wl_event_source;
 struct wl_global;
 struct wl_resource;
 
@@ -78,6 +77,8 @@ public:
     /// Buffers that were shown and not given back.
     [[nodiscard]] int buffersInUse() const;
     [[nodiscard]] QString layer() const;
+    /// All requests so far, of any kind.
+    [[nodiscard]] int requests() const;
 
     struct State;
 

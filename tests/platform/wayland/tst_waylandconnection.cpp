@@ -109,14 +109,6 @@ private Q_SLOTS:
         f.connection.reconnect();
         QTRY_COMPARE(lost.size(), 2);
     }
-
-    void nothingWakesItAtRest() {
-        WaylandFixture f;
-        QVERIFY(f.show());
-        f.synchronise();
-        f.synchronise();
-        QCOMPARE(f.compositor.log, QStringList());
-    }
 };
 
 BRIMLET_TEST(TestWaylandConnection, QApplication)

@@ -93,8 +93,8 @@ struct WaylandFixture {
     [[nodiscard]] bool sees(const QString& line) {
         return QTest::qWaitFor([&] { return compositor.log.contains(line); }, kPatience);
     }
-    /// Returns when the stand-in has handled all that was sent until now: the answer to a request
-    /// of the window's that comes last.
+    /// Returns when both sides have handled what the other one had sent, and what follows from
+    /// that: both are in this thread, and a socket's bytes are there as soon as they are sent.
     void synchronise() {
         compositor.log.clear();
         for (int i = 0; i < 50; ++i) {
