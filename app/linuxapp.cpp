@@ -53,8 +53,8 @@ bool isWithoutX = false;
 
 void sayThatXIsMissing() {
     std::fprintf(stderr,
-                 "brimlet: There is no X server at DISPLAY=%s. Start it from a desktop; under "
-                 "Wayland that needs XWayland.\n",
+                 "brimlet: There is no X server at DISPLAY=%s and no Wayland compositor with a "
+                 "layer shell. Start it from a desktop; in GNOME that needs XWayland.\n",
                  qgetenv("DISPLAY").constData());
 }
 

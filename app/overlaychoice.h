@@ -6,6 +6,7 @@ namespace brimlet {
 
 /// What decides how the overlay's window is made on Linux.
 struct OverlayFacts final {
+    bool hasXServer = false;
     bool isWaylandDisplaySet = false;
     bool isLibraryLoaded = false; ///< libwayland-client
     bool isConnected = false;     ///< The compositor has answered.
@@ -15,7 +16,8 @@ struct OverlayFacts final {
 
 /// The overlay's window, and one line that says why.
 struct OverlayChoice final {
-    bool isNative = false; ///< A surface of the Wayland compositor; otherwise a window on X11.
+    bool isNative =
+        false; ///< A surface of the Wayland compositor; otherwise a window on X11 or none.
     QString reason;
 };
 

@@ -4,6 +4,8 @@
 #include "platform/wayland/waylandlibrary.h"
 #include "platform/wayland/waylandoutputs.h"
 
+#include <QGuiApplication>
+
 #include <chrono>
 #include <utility>
 
@@ -12,6 +14,7 @@ namespace {
 
 OverlayChoice connectAndChoose(WaylandConnection& connection) {
     OverlayFacts facts;
+    facts.hasXServer = QGuiApplication::platformName() == QStringLiteral("xcb");
     facts.isWaylandDisplaySet = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
     if (facts.isWaylandDisplaySet) {
         facts.isLibraryLoaded = loadWaylandLibrary();

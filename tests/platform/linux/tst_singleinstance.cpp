@@ -519,8 +519,9 @@ private Q_SLOTS:
         Start start(m_environment);
         QCOMPARE(start.exitCode(), 1);
         QCOMPARE(start.complaints(),
-                 QStringLiteral("brimlet: There is no X server at DISPLAY=%1. Start it from a "
-                                "desktop; under Wayland that needs XWayland.\n")
+                 QStringLiteral("brimlet: There is no X server at DISPLAY=%1 and no Wayland "
+                                "compositor with a layer shell. Start it from a desktop; in GNOME "
+                                "that needs XWayland.\n")
                      .arg(display));
     }
 };

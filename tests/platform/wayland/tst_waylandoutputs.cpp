@@ -105,7 +105,5 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(StandInOutput)
-
 BRIMLET_TEST(TestWaylandOutputs, QApplication)
 #include "tst_waylandoutputs.moc"
