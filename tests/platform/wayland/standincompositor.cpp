@@ -75,6 +75,7 @@ struct StandInCompositor::State final {
     wl_resource* touch = nullptr;
     std::uint32_t serial = 0;
     int requests = 0;
+    wl_protocol_logger* logger = nullptr;
 
     void write(const QString& what) { owner.log << what; }
     [[nodiscard]] Surface* capsules() const {
@@ -557,7 +558,7 @@ StandInCompositor::StandInCompositor(const StandInManners& manners,
         found->client = static_cast<wl_client*>(client);
         found->write(QStringLiteral("client"));
     };
-    wl_display_add_protocol_logger(
+    state.logger = wl_display_add_protocol_logger(
         state.display,
         [](void* data, wl_protocol_logger_type type, const wl_protocol_logger_message*) {
             static_cast<State*>(data)->requests += type == WL_PROTOCOL_LOGGER_REQUEST ? 1 : 0;
@@ -574,6 +575,7 @@ StandInCompositor::StandInCompositor(const StandInManners& manners,
 
 StandInCompositor::~StandInCompositor() {
     wl_display_destroy_clients(m_state->display);
+    wl_protocol_logger_destroy(m_state->logger);
     wl_display_destroy(m_state->display);
     qputenv("XDG_RUNTIME_DIR", m_state->folderBefore);
     if (m_state->displayBefore.isNull()) {
