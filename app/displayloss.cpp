@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <optional>
 #include <thread>
 
 #include <linux/close_range.h>
@@ -76,6 +77,16 @@ void restartAtLastWords(QtMsgType type, const QMessageLogContext& context, const
     running.otherMessages(type, context, message);
 }
 
+/// The pause of the run that a loss has ended; absent at any other start.
+std::optional<Clock::TimePoint> takePauseBeforeDisplayLoss() {
+    const qint64 milliseconds = qgetenv(kVariable).toLongLong();
+    qunsetenv(kVariable);
+    if (milliseconds <= 0) {
+        return std::nullopt;
+    }
+    return Clock::TimePoint(std::chrono::milliseconds(milliseconds));
+}
+
 } // namespace
 
 bool isStartAfterDisplayLoss() {
@@ -93,16 +104,10 @@ bool awaitDisplay() {
     return true;
 }
 
-std::optional<Clock::TimePoint> takePauseBeforeDisplayLoss() {
-    const qint64 milliseconds = qgetenv(kVariable).toLongLong();
-    qunsetenv(kVariable);
-    if (milliseconds <= 0) {
-        return std::nullopt;
-    }
-    return Clock::TimePoint(std::chrono::milliseconds(milliseconds));
-}
-
 int runAcrossDisplayLoss(BrimletApp& app, std::vector<std::string> arguments) {
+    if (const auto pause = takePauseBeforeDisplayLoss()) {
+        app.store()->continuePause(*pause);
+    }
     if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
         return app.run();
     }

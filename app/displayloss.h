@@ -1,8 +1,5 @@
 #pragma once
 
-#include "platform/clock.h"
-
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,12 +19,10 @@ class BrimletApp;
 /// compositor. Call it before the application object is created.
 [[nodiscard]] bool awaitDisplay();
 
-/// The pause that the host had asked for before such a start; absent at any other start. Removes
-/// all traces of the loss from the environment.
-[[nodiscard]] std::optional<Clock::TimePoint> takePauseBeforeDisplayLoss();
-
-/// Runs the application until it quits and returns its exit code. Where WAYLAND_DISPLAY is set and
-/// Qt ends the process meanwhile, it starts again with these arguments, the program's name first.
+/// Runs the application until it quits and returns its exit code. After a loss it goes on with the
+/// pause that the host had asked for, and removes all traces of the loss from the environment.
+/// Where WAYLAND_DISPLAY is set and Qt ends the process meanwhile, it starts again with these
+/// arguments, the program's name first.
 [[nodiscard]] int runAcrossDisplayLoss(BrimletApp& app, std::vector<std::string> arguments);
 
 } // namespace brimlet

@@ -42,9 +42,6 @@ int main(int argc, char* argv[]) {
          makeX11MenuWindow},
         commandLine.reason);
     handleRequests(instance, app);
-    if (const auto pause = takePauseBeforeDisplayLoss()) {
-        app.store()->continuePause(*pause);
-    }
     followDesktop(*app.store(), desktop);
     return runAcrossDisplayLoss(app, {argv[0], "--autostart"});
 }

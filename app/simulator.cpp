@@ -101,9 +101,6 @@ int main(int argc, char* argv[]) {
     if (commandLine.isConsoleWanted) {
         console = std::make_unique<SimulatorConsole>(app, cachesFolder, reduceMotion);
     }
-    if (const auto pause = takePauseBeforeDisplayLoss()) {
-        app.store()->continuePause(*pause);
-    }
     followDesktop(*app.store(), real);
     return runAcrossDisplayLoss(app, {argv, argv + argc});
 }

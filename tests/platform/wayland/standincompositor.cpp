@@ -71,6 +71,7 @@ struct StandInCompositor::State final {
     wl_resource* layerSurface = nullptr;
     QString layer;
     wl_resource* popup = nullptr; ///< With the capsules.
+    wl_resource* windows = nullptr;
     wl_resource* pointer = nullptr;
     wl_resource* touch = nullptr;
     std::uint32_t serial = 0;
@@ -369,7 +370,8 @@ const struct xdg_wm_base_interface kWindows {
                  });
         },
     .get_xdg_surface =
-        [](wl_client* client, wl_resource*, std::uint32_t id, wl_resource* surface) {
+        [](wl_client* client, wl_resource* windows, std::uint32_t id, wl_resource* surface) {
+            stateOf(windows).windows = windows;
             make(client, xdg_surface_interface, 1, id, &kXdgSurface, &surfaceOf(surface));
         },
     .pong = [](wl_client*, wl_resource* windows, std::uint32_t) {
@@ -588,6 +590,11 @@ StandInCompositor::~StandInCompositor() {
 void StandInCompositor::disconnectClient() {
     wl_client_destroy(m_state->client);
     m_state->client = nullptr;
+}
+
+void StandInCompositor::ping() {
+    xdg_wm_base_send_ping(m_state->windows, ++m_state->serial);
+    m_state->flush();
 }
 
 void StandInCompositor::closeLayerSurface() {

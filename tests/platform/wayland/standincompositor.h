@@ -57,6 +57,8 @@ public:
     /// Ends the connection, as a compositor that dies; the socket stays.
     void disconnectClient();
 
+    /// Asks the client for a sign of life, which it writes down as "pong".
+    void ping();
     void closeLayerSurface();
     void endPopup();
     /// Answers the pending frame callback.

@@ -95,6 +95,13 @@ private Q_SLOTS:
         }
     }
 
+    void aPingIsAnswered() {
+        WaylandFixture f;
+        QVERIFY(f.show());
+        f.compositor.ping();
+        QVERIFY(f.sees(QStringLiteral("pong")));
+    }
+
     void refusedMemoryLosesTheConnectionAndNothingElse() {
         WaylandFixture f({.refusesPools = true});
         const QSignalSpy lost(&f.connection, &WaylandConnection::lost);
