@@ -69,6 +69,18 @@ private Q_SLOTS:
         QCOMPARE(program->endBySignal(SIGTERM), 0);
         QCOMPARE(program.protocolErrors(), QByteArrayList());
     }
+
+    // Although every other start is unpaused.
+    void aPauseGoesOn() {
+        const PlacementProcess service;
+        Program program(service);
+        QCOMPARE(program->ask("pause").value(QStringLiteral("ok")).toBool(), true);
+        QVERIFY(desktop::crashCompositor());
+        QVERIFY(rests(program->pid()));
+        QVERIFY(desktop::startCompositor());
+        QVERIFY(program->state().value(QStringLiteral("isPaused")).toBool());
+        QCOMPARE(program->endBySignal(SIGTERM), 0);
+    }
 };
 
 BRIMLET_TEST(TestWaylandRestart, QCoreApplication)
