@@ -1,9 +1,9 @@
 #include "platform/linux/x11menuwindow.h"
 
 #include "platform/linux/x11.h"
+#include "platform/linux/x11menuscreens.h"
 #include "platform/linux/x11watch.h"
 #include "platform/qt/desktopgeometry.h"
-#include "platform/qt/desktopscreens.h"
 #include "platform/qt/menuplacement.h"
 
 #include <QGuiApplication>
@@ -82,7 +82,7 @@ ObserverToken X11MenuWindow::observeDismissals(std::function<void()> dismissed) 
 }
 
 void X11MenuWindow::fit() {
-    if (const auto frame = menuFrame(m_content->sizeHint(), m_item, menuScreens())) {
+    if (const auto frame = menuFrame(m_content->sizeHint(), m_item, x11MenuScreens())) {
         m_content->resize(frame->size());
         m_frame = *frame;
         m_isFrameRestored = false;

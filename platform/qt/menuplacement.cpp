@@ -36,6 +36,12 @@ QPoint trayCorner(const MenuScreen& screen, const Positions& x, const Positions&
 
 } // namespace
 
+bool isOnBar(QPoint point, const std::vector<MenuScreen>& screens) {
+    return std::any_of(screens.begin(), screens.end(), [&](const MenuScreen& screen) {
+        return screen.geometry.contains(point) && !screen.available.contains(point);
+    });
+}
+
 QPoint menuOrigin(QSize panel, const std::optional<QRect>& item, const MenuScreen& screen) {
     const QRect& available = screen.available;
     const Positions x(panel.width(), available.x(), available.width());

@@ -15,6 +15,9 @@ struct MenuScreen final {
     QRect available; ///< Without the areas reserved by desktop bars.
 };
 
+/// Whether the point, in Qt's space, is on a screen where a bar has reserved the area.
+[[nodiscard]] bool isOnBar(QPoint point, const std::vector<MenuScreen>& screens);
+
 /// The panel's top-left corner, in Qt's space: below the status item in the upper half of the
 /// available area, above it in the lower half. When the item's place is unknown, it is the corner
 /// where trays usually are: at the right end of a bar at the top, or else at the bottom; at the

@@ -155,6 +155,30 @@ private Q_SLOTS:
         QTEST(*frame, "frame");
     }
 
+    void aPointIsOnABarWhereOneHasReservedTheArea_data() {
+        QTest::addColumn<QPoint>("point");
+        QTest::addColumn<bool>("isOn");
+        QTest::newRow("bar at the top of the first screen") << QPoint(1400, 12) << true;
+        QTest::newRow("its last row") << QPoint(0, 23) << true;
+        QTest::newRow("the row below it") << QPoint(0, 24) << false;
+        QTest::newRow("free bottom of the first screen") << QPoint(1400, 981) << false;
+        QTest::newRow("bar at the bottom of the second") << QPoint(-10, 870) << true;
+        QTest::newRow("the row above it") << QPoint(-10, 859) << false;
+        QTest::newRow("the middle of the second") << QPoint(-900, 300) << false;
+        QTest::newRow("on no screen") << QPoint(5000, 12) << false;
+        QTest::newRow("beside the bar, on no screen") << QPoint(-10, 890) << false;
+        QTest::newRow("a third screen without bars") << QPoint(1600, 2) << false;
+    }
+    void aPointIsOnABarWhereOneHasReservedTheArea() {
+        QFETCH(QPoint, point);
+        const std::vector<MenuScreen> screens{
+            {.geometry = {0, 0, 1512, 982}, .available = {0, 24, 1512, 958}},
+            {.geometry = {-1920, -200, 1920, 1080}, .available = {-1920, -200, 1920, 1060}},
+            {.geometry = {1512, 0, 1920, 1080}, .available = {1512, 0, 1920, 1080}}};
+        QTEST(isOnBar(point, screens), "isOn");
+        QVERIFY(!isOnBar(point, {}));
+    }
+
     void withoutAScreenThereIsNoPlace() { QVERIFY(!menuFrame(kPanel, std::nullopt, {})); }
 };
 
