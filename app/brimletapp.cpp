@@ -23,6 +23,7 @@ BrimletApp::BrimletApp(const HostPorts& host, const OverlayPorts& overlay, const
     QObject::connect(m_store.get(), &HostStore::overlayNeedsRender, &m_appDelegate, render,
                      Qt::DirectConnection);
     host.screens.observeChanges(render);
+    menu.statusItem.observeMenu([this](InstanceRequest request) { handle(request); });
 }
 
 int BrimletApp::run() {

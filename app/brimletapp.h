@@ -22,7 +22,7 @@ public:
     /// the exit code.
     [[nodiscard]] int run();
 
-    /// Does what another process asked of this one.
+    /// Does what another process or the status item's menu asked of this one.
     void handle(InstanceRequest request);
 
     [[nodiscard]] const std::shared_ptr<HostStore>& store() const { return m_store; }

@@ -4,6 +4,7 @@
 #include "app/displayloss.h"
 #include "platform/linux/singleinstance.h"
 #include "platform/linux/startupmemory.h"
+#include "platform/linux/startupnotification.h"
 #include "platform/linux/unresponsivebuses.h"
 #include "platform/linux/x11.h"
 #include "platform/linux/x11menuwindow.h"
@@ -47,6 +48,9 @@ void restoreEnvironment() {
         }
     }
 }
+
+/// What the desktop expects this process to report at its start.
+QByteArray startupId;
 
 /// No X server was there at the start, so Qt uses another platform.
 bool isWithoutX = false;
@@ -149,6 +153,7 @@ bool prepareLinuxApplication() {
             return false;
         }
     }
+    startupId = takeStartupId();
     disableUnresponsiveBuses();
     QApplication::setStyle(QStringLiteral("Fusion"));
     // No shared memory: with it each paint waits until the X server has read the previous one.
@@ -160,6 +165,8 @@ bool prepareLinuxApplication() {
 void configureLinuxApplication() {
     restoreEnvironment();
     configureApplication();
+    // No window is sure to come: the program may stay in the tray, or run already.
+    completeStartup(startupId);
     // The autostart entry starts the program in the next session; the session manager must not
     // start it as well.
     QObject::connect(qApp, &QGuiApplication::saveStateRequest, qApp, [](QSessionManager& manager) {

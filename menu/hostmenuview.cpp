@@ -105,6 +105,7 @@ void HostMenuView::buildLayout() {
 void HostMenuView::buildActions() {
     connect(m_agree, &QAbstractButton::clicked, this, [this] { startTask(m_store->agree()); });
     connect(m_saveToken, &QAbstractButton::clicked, this, &HostMenuView::saveToken);
+    connect(m_draftToken, &QLineEdit::returnPressed, this, &HostMenuView::saveToken);
     connect(m_pause, &QAbstractButton::clicked, this, [this] { m_store->pause24h(); });
     connect(m_quit, &QAbstractButton::clicked, this, &HostMenuView::quitRequested);
 }

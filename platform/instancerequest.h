@@ -2,7 +2,8 @@
 
 namespace brimlet {
 
-/// What the desktop and other processes of the program can ask the running one to do.
+/// What the status item's menu, the desktop and other processes of the program can ask the running
+/// one to do.
 enum class InstanceRequest {
     Open,  ///< Open the panel.
     Pause, ///< Pause ads for 24 hours.

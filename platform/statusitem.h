@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/instancerequest.h"
 #include "platform/observertoken.h"
 #include "platform/rect.h"
 
@@ -30,6 +31,9 @@ public:
     /// Calls `pressed` on each click with the place of the item or the click, in global points, if
     /// that is known.
     virtual ObserverToken observePresses(std::function<void(std::optional<Rect>)> pressed) = 0;
+
+    /// Calls `chosen` when the user chooses an entry of the item's menu, if it has one.
+    virtual ObserverToken observeMenu(std::function<void(InstanceRequest)> chosen) = 0;
 };
 
 } // namespace brimlet

@@ -1,5 +1,7 @@
 #include "platform/linux/freedesktopapplication.h"
 
+#include "platform/linux/startupnotification.h"
+
 #include <utility>
 
 namespace brimlet {
@@ -9,17 +11,18 @@ FreedesktopApplication::FreedesktopApplication(QObject* object,
     : QDBusAbstractAdaptor(object)
     , m_requested(std::move(requested)) {}
 
-void FreedesktopApplication::Activate(const QVariantMap& /*platformData*/) {
+void FreedesktopApplication::Activate(const QVariantMap& platformData) {
+    completeStartup(startupIdIn(platformData));
     request(InstanceRequest::Open);
 }
 
-void FreedesktopApplication::Open(const QStringList& /*uris*/,
-                                  const QVariantMap& /*platformData*/) {
-    request(InstanceRequest::Open);
+void FreedesktopApplication::Open(const QStringList& /*uris*/, const QVariantMap& platformData) {
+    Activate(platformData);
 }
 
 void FreedesktopApplication::ActivateAction(const QString& name, const QVariantList& /*parameter*/,
-                                            const QVariantMap& /*platformData*/) {
+                                            const QVariantMap& platformData) {
+    completeStartup(startupIdIn(platformData));
     if (name == QLatin1StringView("pause")) {
         request(InstanceRequest::Pause);
     } else if (name == QLatin1StringView("quit")) {

@@ -1,8 +1,12 @@
 #include "platform/linux/traystatusitem.h"
 
 #include "platform/linux/laptopsymbol.h"
+#include "platform/linux/notifierclicks.h"
+#include "platform/linux/startupnotification.h"
+#include "platform/linux/x11menuscreens.h"
 #include "platform/qt/desktopgeometry.h"
 #include "platform/qt/desktopscreens.h"
+#include "platform/qt/menuplacement.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -13,13 +17,16 @@
 namespace brimlet {
 namespace {
 
-/// The place of a click, taken from the pointer. Absent under Wayland, where the pointer's position
-/// is known only over the program's own windows.
-std::optional<Rect> pointerPlace() {
-    if (qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) {
-        return std::nullopt;
-    }
-    return fromQt(QRectF(QCursor::pos(), QSizeF(1, 1)), primaryGeometry());
+/// The pointer's position in Qt's space. Absent under Wayland, where it is known only over the
+/// program's own windows.
+std::optional<QPoint> pointerPosition() {
+    return qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ? std::nullopt
+                                                        : std::optional(QCursor::pos());
+}
+
+std::optional<Rect> placeOf(const std::optional<QPoint>& point) {
+    return point ? std::optional(fromQt(QRectF(*point, QSizeF(1, 1)), primaryGeometry()))
+                 : std::nullopt;
 }
 
 /// The widget with which Qt draws the icon in an XEmbed tray; null with a StatusNotifier tray.
@@ -40,9 +47,28 @@ TrayStatusItem::TrayStatusItem() {
     connect(&m_watch, &TrayWatch::found, this, &TrayStatusItem::showIcon);
 }
 
+void TrayStatusItem::fillMenu() {
+    m_menu = std::make_unique<QMenu>();
+    const auto add = [this](const QString& text, InstanceRequest request) {
+        m_menu->addAction(text, this, [this, request] {
+            completeStartup(takeStartupId());
+            for (const auto& chosen : m_menuObservers) {
+                chosen(request);
+            }
+        });
+    };
+    add(tr("Open"), InstanceRequest::Open);
+    add(tr("Pause ads 24h"), InstanceRequest::Pause);
+    m_menu->addSeparator();
+    add(tr("Quit"), InstanceRequest::Quit);
+}
+
 void TrayStatusItem::showIcon() {
     m_icon = std::make_unique<QSystemTrayIcon>(laptopSymbol());
     m_icon->setToolTip(m_toolTip);
+    fillMenu();
+    m_icon->setContextMenu(m_menu.get());
+    recordNotifierClicks();
     connect(m_icon.get(), &QSystemTrayIcon::activated, this, &TrayStatusItem::pressed);
     m_icon->show();
     if (QWidget* const widget = iconWidget()) {
@@ -52,7 +78,11 @@ void TrayStatusItem::showIcon() {
 
 std::optional<Rect> TrayStatusItem::place() const {
     const QWidget* const widget = m_icon ? iconWidget() : nullptr;
-    const QWindow* const window = widget == nullptr ? nullptr : widget->windowHandle();
+    if (widget == nullptr) {
+        const bool isKnown = m_lastClick && isOnBar(*m_lastClick, x11MenuScreens());
+        return isKnown ? placeOf(m_lastClick) : std::nullopt;
+    }
+    const QWindow* const window = widget->windowHandle();
     // Only the tray shows the window.
     if (window == nullptr || !window->isExposed()) {
         return std::nullopt;
@@ -81,12 +111,20 @@ ObserverToken TrayStatusItem::observePresses(std::function<void(std::optional<Re
     return ObserverToken{m_observers.size()};
 }
 
+ObserverToken TrayStatusItem::observeMenu(std::function<void(InstanceRequest)> chosen) {
+    m_menuObservers.push_back(std::move(chosen));
+    return ObserverToken{m_menuObservers.size()};
+}
+
 void TrayStatusItem::pressed(QSystemTrayIcon::ActivationReason reason) {
+    completeStartup(takeStartupId());
+    const bool isMenuOpen = reason == QSystemTrayIcon::Context && iconWidget() != nullptr;
     // A double click follows a click that has been reported already.
-    if (reason == QSystemTrayIcon::DoubleClick) {
+    if (reason == QSystemTrayIcon::DoubleClick || isMenuOpen) {
         return;
     }
-    const std::optional<Rect> where = place() ? place() : pointerPlace();
+    m_lastClick = clickOnItem(pointerPosition(), takeNotifierClick(), x11MenuScreens());
+    const std::optional<Rect> where = iconWidget() == nullptr ? placeOf(m_lastClick) : place();
     for (const auto& observer : m_observers) {
         observer(where);
     }

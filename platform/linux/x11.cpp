@@ -19,12 +19,6 @@ xcb_connection_t* connection() {
     return xcbConnectionOfQt();
 }
 
-xcb_atom_t atomNamed(xcb_connection_t* x, std::string_view name) {
-    const auto cookie = xcb_intern_atom(x, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const XcbOwned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(x, cookie, nullptr));
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
 // The selections of screen 0. Today's desktops use no other screen.
 
 xcb_atom_t compositorSelection(xcb_connection_t* x) {
@@ -35,10 +29,6 @@ xcb_atom_t compositorSelection(xcb_connection_t* x) {
 xcb_atom_t traySelection(xcb_connection_t* x) {
     static const xcb_atom_t atom = atomNamed(x, "_NET_SYSTEM_TRAY_S0");
     return atom;
-}
-
-xcb_window_t rootOf(xcb_connection_t* x) {
-    return xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
 }
 
 /// From the lowest to the topmost.
@@ -233,23 +223,6 @@ void raiseAboveManagedWindows(WId id) {
 bool hasCompositor() {
     xcb_connection_t* const x = connection();
     return x == nullptr || hasOwner(x, compositorSelection(x));
-}
-
-void activate(WId window) {
-    xcb_connection_t* const x = connection();
-    if (x == nullptr) {
-        return;
-    }
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = static_cast<xcb_window_t>(window);
-    message.type = atomNamed(x, "_NET_ACTIVE_WINDOW");
-    message.data.data32[0] = 2; // source indication: a direct user action
-    xcb_send_event(x, 0, rootOf(x),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                   reinterpret_cast<const char*>(&message)); // NOLINT(*-reinterpret-cast): X's way
-    xcb_flush(x);
 }
 
 bool hasSystemTray() {

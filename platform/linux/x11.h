@@ -57,10 +57,6 @@ void raiseAboveManagedWindows(WId window);
 /// round trip to the X server; X11Watch answers without one.
 [[nodiscard]] bool hasCompositor();
 
-/// Asks the window manager to give the window the keyboard focus, as a direct user action, which
-/// window managers follow even when another program was used last.
-void activate(WId window);
-
 /// Whether an XEmbed tray is running. Costs a round trip to the X server.
 [[nodiscard]] bool hasSystemTray();
 

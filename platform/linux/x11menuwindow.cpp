@@ -1,6 +1,7 @@
 #include "platform/linux/x11menuwindow.h"
 
-#include "platform/linux/x11.h"
+#include "platform/linux/laptopsymbol.h"
+#include "platform/linux/windowmanager.h"
 #include "platform/linux/x11menuscreens.h"
 #include "platform/linux/x11watch.h"
 #include "platform/qt/desktopgeometry.h"
@@ -16,11 +17,13 @@ namespace brimlet {
 
 X11MenuWindow::X11MenuWindow(std::unique_ptr<QWidget> content,
                              std::function<QRectF()> primaryGeometry)
-    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
+    // Not a tool window, which Qt declares transient for a window that window managers do not know.
+    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint)
     , m_content(content.release())
     , m_primaryGeometry(std::move(primaryGeometry)) {
     setAttribute(Qt::WA_TranslucentBackground);
     setWindowTitle(QStringLiteral("Brimlet panel"));
+    setWindowIcon(laptopSymbol());
     m_content->setParent(this);
     // While it activates the window, a busy window manager may take the keyboard away for a moment.
     constexpr std::chrono::milliseconds kDismissalDelay{100};
@@ -48,6 +51,7 @@ void X11MenuWindow::present(const std::optional<Rect>& item) {
         m_item = item ? std::optional(toQtRect(*item)) : std::nullopt;
         // Focus starts before the first control, so that no key press activates one by accident.
         m_content->setFocus();
+        x11::declareAsPanel(winId());
     }
     m_isRound = X11Watch::shared().hasCompositor();
     show();

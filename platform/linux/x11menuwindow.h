@@ -13,9 +13,9 @@
 
 namespace brimlet {
 
-/// The menu-bar panel's window under X11. It is a tool window and not a popup, because a popup
-/// would swallow the click that closes it. Its background has the content's window colour; its
-/// corners are round while a compositor runs.
+/// The menu-bar panel's window under X11. It is a window of its own and not a popup, because a
+/// popup would swallow the click that closes it. Its background has the content's window colour;
+/// its corners are round while a compositor runs.
 class X11MenuWindow final : public QWidget, public MenuWindow {
     Q_OBJECT
 

@@ -33,7 +33,7 @@ X11Watch::X11Watch() {
         m_connection.reset();
         return;
     }
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(x)).data->root;
+    const xcb_window_t root = rootOf(x);
     const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(x, root, XCB_CW_EVENT_MASK, &events);
 

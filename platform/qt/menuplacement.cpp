@@ -42,6 +42,17 @@ bool isOnBar(QPoint point, const std::vector<MenuScreen>& screens) {
     });
 }
 
+std::optional<QPoint> clickOnItem(const std::optional<QPoint>& pointer,
+                                  const std::optional<QPoint>& reported,
+                                  const std::vector<MenuScreen>& screens) {
+    for (const auto& point : {pointer, reported}) {
+        if (point && isOnBar(*point, screens)) {
+            return point;
+        }
+    }
+    return pointer;
+}
+
 QPoint menuOrigin(QSize panel, const std::optional<QRect>& item, const MenuScreen& screen) {
     const QRect& available = screen.available;
     const Positions x(panel.width(), available.x(), available.width());

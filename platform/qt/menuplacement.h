@@ -18,6 +18,13 @@ struct MenuScreen final {
 /// Whether the point, in Qt's space, is on a screen where a bar has reserved the area.
 [[nodiscard]] bool isOnBar(QPoint point, const std::vector<MenuScreen>& screens);
 
+/// Where the status item was clicked, in Qt's space: the pointer's position, or the one that the
+/// tray reported, whichever is on a bar. If neither is, the item may be on a bar that reserves
+/// nothing: the pointer's position, which is absent under Wayland.
+[[nodiscard]] std::optional<QPoint> clickOnItem(const std::optional<QPoint>& pointer,
+                                                const std::optional<QPoint>& reported,
+                                                const std::vector<MenuScreen>& screens);
+
 /// The panel's top-left corner, in Qt's space: below the status item in the upper half of the
 /// available area, above it in the lower half. When the item's place is unknown, it is the corner
 /// where trays usually are: at the right end of a bar at the top, or else at the bottom; at the

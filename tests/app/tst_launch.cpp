@@ -99,7 +99,16 @@ private Q_SLOTS:
         m_statusItem.press();
         QVERIFY(m_menuStore == m_app->store());
         QVERIFY(m_window.isShown);
-        m_menuStore->pause24h();
+    }
+
+    void theItemsMenuOpensAndPauses() {
+        QVERIFY(m_menu.isPresented);
+        m_menu.window->dismiss();
+        m_statusItem.choose(InstanceRequest::Open); // at once: no click that closed it
+        QVERIFY(m_menu.isPresented);
+        QVERIFY(!m_app->store()->pausedUntil());
+        m_statusItem.choose(InstanceRequest::Pause);
+        QVERIFY(m_app->store()->pausedUntil());
         QVERIFY(!m_window.isShown);
     }
 };

@@ -67,11 +67,42 @@ class TestMenuByMouse final : public QObject {
             askTray("Activate", {1400 * scale(), 970 * scale()});
             return;
         }
+        clickIcon(program, QStringLiteral("1"));
+    }
+    /// Clicks the icon in an XEmbed tray.
+    void clickIcon(const SimulatorProcess& program, const QString& button) {
         std::optional<ClientWindow> icon;
         QTRY_VERIFY_WITH_TIMEOUT((icon = iconOf(program)), kPatience);
         // On alternating sides of the icon: two clicks at one place may count as a double click.
         m_isLeftNext = !m_isLeftNext;
-        click(icon->geometry.center() + QPoint(m_isLeftNext ? -7 : 7, 0) * scale());
+        moveTo(icon->geometry.center() + QPoint(m_isLeftNext ? -7 : 7, 0) * scale());
+        xdotool({QStringLiteral("click"), button});
+    }
+    /// Chooses the entry of the item's menu, the `index`th of Open, Pause and Quit.
+    void chooseFromMenu(const SimulatorProcess& program, int index) {
+        if (hasNotifierTray()) {
+            constexpr std::array kLabels{"Open", "Pause ads 24h", "Quit"};
+            askTray("Choose", {QString::fromLatin1(kLabels.at(static_cast<std::size_t>(index)))});
+            return;
+        }
+        clickIcon(program, QStringLiteral("3"));
+        QTRY_VERIFY_WITH_TIMEOUT(menuOf(program), kPatience);
+        for (int i = 0; i <= index; ++i) {
+            key("Down");
+        }
+        key("Return");
+    }
+    /// The item's menu, which the program shows itself in an XEmbed tray.
+    [[nodiscard]] std::optional<ClientWindow> menuOf(const SimulatorProcess& program) const {
+        for (const ClientWindow& window : m_x.windowsOf(program.pid())) {
+            const QSize size = window.geometry.size() / scale();
+            // Wider than the icon, and higher than the capsules.
+            if (window.isViewable && size.width() > 60 && size.height() > 60 &&
+                window.title != QStringLiteral("Brimlet panel")) {
+                return window;
+            }
+        }
+        return std::nullopt;
     }
     /// Clicks the panel `up` points above its lower edge, in the middle.
     void clickPanel(const SimulatorProcess& program, int up) {
@@ -164,6 +195,45 @@ private Q_SLOTS:
         clickPanel(program, kPause);
         QTRY_VERIFY_WITH_TIMEOUT(!program.isPanelShown(), kPatience);
         clickPanel(program, kQuit);
+        QCOMPARE(program.exitCode(), 0);
+    }
+
+    void returnInTheFieldSavesTheToken() {
+        const PlacementProcess service;
+        SimulatorProcess program(
+            {{QStringLiteral("infoDictionary"),
+              QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}}});
+        QTRY_VERIFY_WITH_TIMEOUT(program.isPanelShown(), kPatience);
+        clickItem(program);
+        awaitPanel(program);
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.focus(), panelOf(program).value_or(ClientWindow()).id,
+                                  kPatience);
+        clickPanel(program, kField);
+        type("demo-host-token");
+        QCOMPARE(program.state().value(QStringLiteral("hasToken")).toBool(), false);
+        key("Return");
+        QTRY_COMPARE_WITH_TIMEOUT(program.state().value(QStringLiteral("hasToken")).toBool(), true,
+                                  kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            service.requestLines().contains(QStringLiteral("POST /api/host/heartbeat")), kPatience);
+    }
+
+    void theItemsMenuOpensPausesAndQuits() {
+        const PlacementProcess service;
+        SimulatorProcess program(
+            {{QStringLiteral("infoDictionary"),
+              QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}}});
+        QTRY_VERIFY_WITH_TIMEOUT(program.isPanelShown(), kPatience);
+        chooseFromMenu(program, 0);
+        awaitPanel(program);
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.focus(), panelOf(program).value_or(ClientWindow()).id,
+                                  kPatience);
+        key("Escape");
+        QTRY_VERIFY_WITH_TIMEOUT(!panelOf(program), kPatience);
+        chooseFromMenu(program, 1);
+        QTRY_VERIFY_WITH_TIMEOUT(!program.isPanelShown(), kPatience);
+        QVERIFY(program.statusLine().startsWith(QStringLiteral("Paused 24h.")));
+        chooseFromMenu(program, 2);
         QCOMPARE(program.exitCode(), 0);
     }
 

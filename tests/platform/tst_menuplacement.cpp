@@ -5,11 +5,13 @@
 
 using namespace brimlet;
 
+Q_DECLARE_METATYPE(std::optional<QPoint>)
 Q_DECLARE_METATYPE(std::optional<QRect>)
 
 namespace {
 
 using Item = std::optional<QRect>;
+using Point = std::optional<QPoint>;
 
 constexpr QSize kPanel(340, 500);
 
@@ -177,6 +179,32 @@ private Q_SLOTS:
             {.geometry = {1512, 0, 1920, 1080}, .available = {1512, 0, 1920, 1080}}};
         QTEST(isOnBar(point, screens), "isOn");
         QVERIFY(!isOnBar(point, {}));
+    }
+
+    void aClickOnTheItemIsOnABarIfAnyPositionIs_data() {
+        QTest::addColumn<Point>("pointer");
+        QTest::addColumn<Point>("reported");
+        QTest::addColumn<Point>("click");
+        const QPoint onBar(1400, 970);
+        const QPoint alsoOnBar(700, 960);
+        const QPoint elsewhere(300, 13);
+        QTest::newRow("pointer and tray agree") << Point(onBar) << Point(onBar) << Point(onBar);
+        QTest::newRow("pointer first") << Point(onBar) << Point(alsoOnBar) << Point(onBar);
+        QTest::newRow("pressed with the keyboard")
+            << Point(elsewhere) << Point(onBar) << Point(onBar);
+        QTest::newRow("a bar that hides itself")
+            << Point(elsewhere) << Point(QPoint(5, 5)) << Point(elsewhere);
+        QTest::newRow("on Wayland") << Point() << Point(onBar) << Point(onBar);
+        QTest::newRow("on Wayland in the tray's own coordinates")
+            << Point() << Point(elsewhere) << Point();
+        QTest::newRow("a tray without positions") << Point(onBar) << Point() << Point(onBar);
+        QTest::newRow("no position at all") << Point() << Point() << Point();
+    }
+    void aClickOnTheItemIsOnABarIfAnyPositionIs() {
+        QFETCH(Point, pointer);
+        QFETCH(Point, reported);
+        const MenuScreen screen{QRect(0, 0, 1512, 982), QRect(0, 0, 1512, 954)};
+        QTEST(clickOnItem(pointer, reported, {screen}), "click");
     }
 
     void withoutAScreenThereIsNoPlace() { QVERIFY(!menuFrame(kPanel, std::nullopt, {})); }

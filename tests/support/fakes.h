@@ -229,6 +229,10 @@ public:
         m_pressed.push_back(std::move(pressed));
         return ObserverToken{m_pressed.size()};
     }
+    ObserverToken observeMenu(std::function<void(InstanceRequest)> chosen) override {
+        choose = std::move(chosen);
+        return ObserverToken{1};
+    }
 
     /// The tray takes the item, or moves it.
     void moveTo(const Rect& place) {
@@ -245,6 +249,8 @@ public:
     std::optional<Rect> itsPlace = Rect{1400, 950, 24, 24};
     /// All that were set, in order.
     QStringList toolTips;
+    /// Chooses an entry of its menu, once observed.
+    std::function<void(InstanceRequest)> choose;
 
 private:
     std::vector<std::function<void(std::optional<Rect>)>> m_pressed;

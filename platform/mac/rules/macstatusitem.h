@@ -22,6 +22,9 @@ public:
     ObserverToken observePlace(std::function<void()> /*changed*/) override { return {}; }
     void setToolTip(const QString& text) override { m_icon.setToolTip(text); }
     ObserverToken observePresses(std::function<void(std::optional<Rect>)> pressed) override;
+    ObserverToken observeMenu(std::function<void(InstanceRequest)> /*chosen*/) override {
+        return {};
+    }
 
 private:
     QSystemTrayIcon m_icon;

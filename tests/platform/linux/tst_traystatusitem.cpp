@@ -1,5 +1,6 @@
 #include "platform/linux/traystatusitem.h"
 #include "platform/linux/x11.h"
+#include "platform/linux/x11menuscreens.h"
 #include "platform/qt/desktopgeometry.h"
 #include "platform/qt/desktopscreens.h"
 #include "tests/platform/linux/busservice.h"
@@ -14,8 +15,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QMenu>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QTemporaryDir>
+#include <QWindow>
 
 #include <csignal>
 
@@ -100,6 +104,7 @@ class TestTrayStatusItem final : public QObject {
     std::unique_ptr<TrayStatusItem> m_item;
     std::unique_ptr<Tray> m_tray;
     QList<std::optional<Rect>> m_presses;
+    QList<InstanceRequest> m_requests;
     QElapsedTimer m_lastClick;
 
     [[nodiscard]] bool isNotifier() const { return m_kind == notifier; }
@@ -168,6 +173,7 @@ private Q_SLOTS:
         QVERIFY(QDBusConnection::sessionBus().isConnected());
         m_item = std::make_unique<TrayStatusItem>();
         m_item->observePresses([this](const std::optional<Rect>& place) { m_presses << place; });
+        m_item->observeMenu([this](InstanceRequest request) { m_requests << request; });
         m_item->setToolTip(QStringLiteral("Before the tray"));
     }
 
@@ -200,7 +206,10 @@ private Q_SLOTS:
         QTest::addColumn<QString>("button");
         QTest::newRow("left") << QStringLiteral("1");
         QTest::newRow("middle") << QStringLiteral("2");
-        QTest::newRow("right") << QStringLiteral("3");
+        if (isNotifier()) {
+            // Only trays that cannot show the menu report this click.
+            QTest::newRow("right") << QStringLiteral("3");
+        }
     }
     void eachClickIsOnePressWithItsPlace() {
         QFETCH(QString, button);
@@ -229,15 +238,79 @@ private Q_SLOTS:
         QCOMPARE(m_presses.size(), 1);
     }
 
-    void underWaylandThePointersPlaceIsUnknown() {
+    void aRightClickShowsTheMenu() {
+        if (isNotifier()) {
+            QSKIP("StatusNotifier trays show the menu themselves");
+        }
+        pressWith(QStringLiteral("3"));
+        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activePopupWidget() != nullptr, kPatience);
+        const auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        QVERIFY(menu);
+        QCOMPARE(menu->actions().size(), 4);
+        QTRY_VERIFY_WITH_TIMEOUT(menu->windowHandle()->isExposed(), kPatience);
+        m_requests.clear();
+        key("Down");
+        key("Return");
+        QTRY_COMPARE_WITH_TIMEOUT(m_requests, QList{InstanceRequest::Open}, kPatience);
+        QVERIFY(m_presses.isEmpty());
+    }
+
+    void theTrayShowsTheMenuAndReportsTheChoice_data() {
+        QTest::addColumn<QString>("label");
+        QTest::addColumn<InstanceRequest>("request");
+        QTest::newRow("open") << QStringLiteral("Open") << InstanceRequest::Open;
+        QTest::newRow("pause") << QStringLiteral("Pause ads 24h") << InstanceRequest::Pause;
+        QTest::newRow("quit") << QStringLiteral("Quit") << InstanceRequest::Quit;
+    }
+    void theTrayShowsTheMenuAndReportsTheChoice() {
+        if (!isNotifier()) {
+            QSKIP("in XEmbed trays this process shows the menu itself");
+        }
+        QFETCH(QString, label);
+        QFETCH(InstanceRequest, request);
+        const QDBusMessage menu = ask("Menu");
+        QCOMPARE(menu.arguments().value(0).toString(),
+                 QStringLiteral("Open\nPause ads 24h\n-\nQuit"));
+        m_requests.clear();
+        m_presses.clear();
+        QCOMPARE(ask("Choose", {label}).type(), QDBusMessage::ReplyMessage);
+        QTRY_COMPARE_WITH_TIMEOUT(m_requests, QList{request}, kPatience);
+        QVERIFY(m_presses.isEmpty());
+    }
+
+    void onWaylandTheTraysPositionCountsIfABarIsThere() {
         if (!isNotifier()) {
             QSKIP("there are no XEmbed trays under Wayland");
         }
         QVERIFY(qputenv("WAYLAND_DISPLAY", "wayland-0"));
-        pressWith(QStringLiteral("1"));
+        const auto restore = qScopeGuard([] { qunsetenv("WAYLAND_DISPLAY"); });
+        pressWith(QStringLiteral("1")); // at a place without a bar
         QTRY_COMPARE_WITH_TIMEOUT(m_presses.size(), 1, kPatience);
         QVERIFY(!m_presses.constFirst());
-        QVERIFY(qunsetenv("WAYLAND_DISPLAY"));
+        {
+            const Tray bar(xembed); // reserves the lower edge
+            QTRY_VERIFY_WITH_TIMEOUT(isOnBar(kBar.center(), x11MenuScreens()), kPatience);
+            m_presses.clear();
+            const QPoint at = kBar.center();
+            QCOMPARE(ask("Activate", {at.x(), at.y()}).type(), QDBusMessage::ReplyMessage);
+            QTRY_COMPARE_WITH_TIMEOUT(m_presses.size(), 1, kPatience);
+            QCOMPARE(placeOf(m_presses.constFirst()), QRect(at, QSize(1, 1)));
+            // A second start opens the panel there.
+            QCOMPARE(placeOf(m_item->place()), QRect(at, QSize(1, 1)));
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(!isOnBar(kBar.center(), x11MenuScreens()), kPatience);
+        QVERIFY(!m_item->place());
+    }
+
+    void theTokenOfAClickIsUsedUp() {
+        if (!isNotifier()) {
+            QSKIP("only StatusNotifier trays give one");
+        }
+        QCOMPARE(ask("ProvideXdgActivationToken", {QStringLiteral("of-the-click")}).type(),
+                 QDBusMessage::ReplyMessage);
+        pressWith(QStringLiteral("1"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_presses.size(), 1, kPatience);
+        QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN")); // no browser inherits it
     }
 
     void theTrayKnowsItsToolTip() {
@@ -264,6 +337,8 @@ private Q_SLOTS:
             QCOMPARE(itsItem.value(QStringLiteral("Category")).toString(),
                      QStringLiteral("ApplicationStatus"));
             QCOMPARE(itsItem.value(QStringLiteral("ItemIsMenu")).toBool(), false);
+            QVERIFY(itsItem.value(QStringLiteral("Menu")).toString() !=
+                    QStringLiteral("/NO_DBUSMENU"));
             const QTemporaryDir folder;
             const QString file = folder.filePath(QStringLiteral("icon.png"));
             QCOMPARE(ask("SaveIcon", {file}).type(), QDBusMessage::ReplyMessage);

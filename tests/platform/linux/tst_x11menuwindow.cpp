@@ -3,6 +3,7 @@
 #include "platform/qt/desktopgeometry.h"
 #include "platform/qt/desktopscreens.h"
 #include "tests/support/pointer.h"
+#include "tests/support/rootmessages.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
@@ -15,6 +16,9 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QWindow>
+
+#include <array>
+#include <cstring>
 
 using namespace brimlet;
 
@@ -64,6 +68,14 @@ protected:
         clicks << event->globalPosition().toPoint();
     }
 };
+
+/// The window's properties of these names, as xprop prints them.
+[[nodiscard]] QByteArray propertiesOf(WId window, const QStringList& names) {
+    QProcess xprop;
+    xprop.start(QStringLiteral("xprop"),
+                QStringList{QStringLiteral("-id"), QString::number(window)} + names);
+    return xprop.waitForFinished() ? xprop.readAllStandardOutput() : QByteArray();
+}
 
 /// Converts the status item's place from Qt's space.
 [[nodiscard]] std::optional<Rect> itemAt(const QRect& place) {
@@ -315,11 +327,30 @@ private Q_SLOTS:
         QVERIFY(m_window->isPresented());
     }
 
+    void windowManagersAndBarsKnowWhatItIs() {
+        for (int time = 0; time < 2; ++time) { // each time it has another native window
+            present(itemAt(QRect(700, 0, 24, 24)));
+            const QByteArray properties = propertiesOf(
+                m_window->winId(),
+                {QStringLiteral("_NET_WM_STATE"), QStringLiteral("_NET_WM_WINDOW_TYPE"),
+                 QStringLiteral("WM_TRANSIENT_FOR"), QStringLiteral("_NET_WM_ICON")});
+            QVERIFY2(properties.contains("_NET_WM_STATE_SKIP_TASKBAR"), properties);
+            QVERIFY2(properties.contains("_NET_WM_STATE_SKIP_PAGER"), properties);
+            QVERIFY2(properties.contains("_NET_WM_STATE_ABOVE"), properties);
+            QVERIFY2(!properties.contains("_NET_WM_STATE_STAYS_ON_TOP"), properties); // KDE's own
+            QVERIFY2(properties.contains("= _NET_WM_WINDOW_TYPE_UTILITY\n"), properties);
+            QVERIFY2(properties.contains("WM_TRANSIENT_FOR:  not found"), properties);
+            QVERIFY2(properties.contains("_NET_WM_ICON(CARDINAL)"), properties);
+            m_window->dismiss();
+        }
+    }
+
     void presentedAgainItComesToTheFrontWhereItIs() {
         present(itemAt(QRect(700, 0, 24, 24)));
         QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(542, 30, 340, 400), kPatience);
         Other other(QRect(400, 0, 600, 600));
-        other.setWindowFlag(Qt::WindowStaysOnTopHint);
+        // The panel stays above the ordinary windows of its own process.
+        other.setWindowFlags(other.windowFlags() | Qt::Tool | Qt::WindowStaysOnTopHint);
         other.setAttribute(Qt::WA_ShowWithoutActivating);
         other.show();
         other.raise();
@@ -331,6 +362,22 @@ private Q_SLOTS:
         m_content->setHint(QSize(340, 500));
         QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(542, 30, 340, 500), kPatience);
         QCOMPARE(m_dismissals, 0);
+    }
+
+    void itAsksForTheKeyboardAtThePresentTime() {
+        RootMessages messages;
+        present(std::nullopt);
+        QByteArrayList requests;
+        const auto hasAsked = [&] {
+            requests += messages.take({"_NET_ACTIVE_WINDOW"});
+            return !requests.isEmpty();
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(hasAsked(), kPatience);
+        // The last one: Qt sends one of its own before, with the time of the last event.
+        std::array<std::uint32_t, 2> sourceAndTime{};
+        std::memcpy(sourceAndTime.data(), requests.constLast().constData(), sizeof sourceAndTime);
+        QCOMPARE(sourceAndTime[0], 2U);
+        QVERIFY(sourceAndTime[1] != XCB_TIME_CURRENT_TIME);
     }
 
     void itTakesTheKeyboardFromAnotherProgramAndReturnsIt() {

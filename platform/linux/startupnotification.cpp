@@ -1,0 +1,36 @@
+#include "platform/linux/startupnotification.h"
+
+#include "platform/linux/windowmanager.h"
+
+namespace brimlet {
+namespace {
+
+QByteArray taken(const char* variable) {
+    const QByteArray value = qgetenv(variable);
+    qunsetenv(variable);
+    return value;
+}
+
+} // namespace
+
+QByteArray takeStartupId() {
+    const QByteArray token = taken("XDG_ACTIVATION_TOKEN");
+    const QByteArray id = taken("DESKTOP_STARTUP_ID");
+    return id.isEmpty() ? token : id;
+}
+
+QByteArray startupIdIn(const QVariantMap& platformData) {
+    const QString id = platformData.value(QStringLiteral("desktop-startup-id")).toString();
+    return (id.isEmpty() ? platformData.value(QStringLiteral("activation-token")).toString() : id)
+        .toUtf8();
+}
+
+void completeStartup(const QByteArray& id) {
+    if (!id.isEmpty()) {
+        QByteArray quoted = id;
+        quoted.replace('\\', "\\\\").replace('"', "\\\"");
+        x11::broadcastStartupInfo("remove: ID=\"" + quoted + '"');
+    }
+}
+
+} // namespace brimlet

@@ -1,0 +1,106 @@
+#include "platform/linux/windowmanager.h"
+
+#include "platform/linux/xcbowners.h"
+
+#include <xcb/xcb.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+#include <vector>
+
+namespace brimlet::x11 {
+namespace {
+
+/// A window that is never shown, of which this connection gets the events.
+xcb_window_t invisibleWindow(xcb_connection_t* x, std::uint32_t events) {
+    const xcb_window_t window = xcb_generate_id(x);
+    xcb_create_window(x, 0, window, rootOf(x), -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
+    return window;
+}
+
+/// The X server's present time in milliseconds. Servers report it only in events, and on Qt's
+/// connection Qt would take the event.
+xcb_timestamp_t serverTime() {
+    const XcbConnection owner(xcb_connect(nullptr, nullptr));
+    xcb_connection_t* const x = owner.get();
+    if (xcb_connection_has_error(x) != 0) {
+        return XCB_TIME_CURRENT_TIME;
+    }
+    const xcb_window_t window = invisibleWindow(x, XCB_EVENT_MASK_PROPERTY_CHANGE);
+    xcb_change_property(x, XCB_PROP_MODE_APPEND, window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0,
+                        nullptr);
+    xcb_flush(x);
+    const XcbOwned<xcb_generic_event_t> event(xcb_wait_for_event(x));
+    if (!event || event->response_type != XCB_PROPERTY_NOTIFY) {
+        return XCB_TIME_CURRENT_TIME;
+    }
+    // NOLINTNEXTLINE(*-reinterpret-cast): X's way
+    return reinterpret_cast<const xcb_property_notify_event_t*>(event.get())->time;
+}
+
+} // namespace
+
+void declareAsPanel(WId id) {
+    xcb_connection_t* const x = xcbConnectionOfQt();
+    if (x == nullptr) {
+        return;
+    }
+    const auto set = [&](std::string_view property, const std::vector<xcb_atom_t>& atoms) {
+        xcb_change_property(x, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(id),
+                            atomNamed(x, property), XCB_ATOM_ATOM, 32,
+                            static_cast<std::uint32_t>(atoms.size()), atoms.data());
+    };
+    set("_NET_WM_WINDOW_TYPE", {atomNamed(x, "_NET_WM_WINDOW_TYPE_UTILITY")});
+    // Qt keeps these when it shows the window. With its own hint for windows on top it would add a
+    // state of KDE's, which other window managers complain about.
+    set("_NET_WM_STATE",
+        {atomNamed(x, "_NET_WM_STATE_ABOVE"), atomNamed(x, "_NET_WM_STATE_SKIP_TASKBAR"),
+         atomNamed(x, "_NET_WM_STATE_SKIP_PAGER")});
+}
+
+void activate(WId window) {
+    xcb_connection_t* const x = xcbConnectionOfQt();
+    if (x == nullptr) {
+        return;
+    }
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = static_cast<xcb_window_t>(window);
+    message.type = atomNamed(x, "_NET_ACTIVE_WINDOW");
+    message.data.data32[0] = 2; // source indication: a direct user action
+    message.data.data32[1] = serverTime();
+    xcb_send_event(x, 0, rootOf(x),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&message)); // NOLINT(*-reinterpret-cast): X's way
+    xcb_flush(x);
+}
+
+void broadcastStartupInfo(const QByteArray& text) {
+    xcb_connection_t* const x = xcbConnectionOfQt();
+    if (x == nullptr) {
+        return;
+    }
+    const xcb_window_t sender = invisibleWindow(x, 0);
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 8;
+    message.window = sender;
+    message.type = atomNamed(x, "_NET_STARTUP_INFO_BEGIN");
+    // In pieces of 20 bytes, the last of which ends with a null byte.
+    constexpr qsizetype kPiece = sizeof message.data.data8;
+    for (qsizetype from = 0; from <= text.size(); from += kPiece) {
+        std::fill(std::begin(message.data.data8), std::end(message.data.data8), 0);
+        const QByteArray piece = text.mid(from, kPiece);
+        std::copy(piece.begin(), piece.end(), std::begin(message.data.data8));
+        xcb_send_event(x, 0, rootOf(x), XCB_EVENT_MASK_PROPERTY_CHANGE,
+                       reinterpret_cast<const char*>(&message)); // NOLINT(*-reinterpret-cast)
+        message.type = atomNamed(x, "_NET_STARTUP_INFO");
+    }
+    xcb_destroy_window(x, sender);
+    xcb_flush(x);
+}
+
+} // namespace brimlet::x11

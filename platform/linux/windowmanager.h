@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QByteArray>
+#include <QtGui/qwindowdefs.h>
+
+namespace brimlet::x11 {
+
+// Requests to the window manager that Qt does not offer, on Qt's connection and the main thread. On
+// other Qt platforms than X11 they do nothing.
+
+/// Declares the window a panel of the program, which stays above others and which bars and pagers
+/// do not list. Call it before each time the window is shown.
+void declareAsPanel(WId window);
+
+/// Asks the window manager to give the window the keyboard focus, as a direct user action at the
+/// present time, which window managers follow even when another program was used last. Takes round
+/// trips to the X server.
+void activate(WId window);
+
+/// Sends a message of the start-up notification protocol to the window manager and other programs.
+void broadcastStartupInfo(const QByteArray& message);
+
+} // namespace brimlet::x11
