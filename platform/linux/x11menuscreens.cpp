@@ -1,11 +1,30 @@
 #include "platform/linux/x11menuscreens.h"
 
-#include "platform/qt/desktopscreens.h"
+#include "platform/linux/x11.h"
+
+#include <QGuiApplication>
+#include <QScreen>
 
 namespace brimlet {
 
 std::vector<MenuScreen> x11MenuScreens() {
-    return menuScreens();
+    const auto screens = QGuiApplication::screens();
+    const ReservedAreas areas = x11::reservedAreas();
+    std::vector<MenuScreen> menuScreens;
+    for (const QScreen* const screen : screens) {
+        // Qt keeps the corner of a screen where it is in pixels, and scales what is on the screen.
+        const QRect geometry = screen->geometry();
+        const double scale = screen->devicePixelRatio();
+        const QRect pixels(geometry.topLeft(), (QSizeF(geometry.size()) * scale).toSize());
+        const QRect free = freeArea(pixels, screens.size() == 1, areas);
+        const auto points = [&](QPoint corner) {
+            return geometry.topLeft() + (corner - geometry.topLeft()) / scale;
+        };
+        const QRect available(points(free.topLeft()),
+                              points(free.bottomRight() + QPoint(1, 1)) - QPoint(1, 1));
+        menuScreens.push_back({geometry, available & geometry});
+    }
+    return menuScreens;
 }
 
 } // namespace brimlet

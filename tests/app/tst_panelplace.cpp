@@ -5,6 +5,8 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QProcess>
+#include <QScopeGuard>
 #include <QTest>
 
 #include <csignal>
@@ -17,6 +19,10 @@ constexpr int kPatience = 15'000;
 
 int scale() {
     return qMax(1, qEnvironmentVariableIntValue("QT_SCALE_FACTOR"));
+}
+
+void xrandr(const QStringList& arguments) {
+    QCOMPARE(QProcess::execute(QStringLiteral("xrandr"), arguments), 0);
 }
 
 /// A tray program, stopped and continued by a test. It ends with this.
@@ -137,6 +143,34 @@ private Q_SLOTS:
         QVERIFY(free.top() > 6);
         QTRY_COMPARE_WITH_TIMEOUT(panelOf(program).top(), free.top(), kPatience);
         QVERIFY(free.contains(panelOf(program)));
+    }
+
+    void besideAnotherScreenItIsInTheCornerAtTheBarToo() {
+        const auto half = [](const QString& left) {
+            const int width = kScreen.width() * scale() / 2;
+            return QStringLiteral("%1/150x%2/196+%3+0")
+                .arg(width)
+                .arg(kScreen.height() * scale())
+                .arg(left);
+        };
+        const QString middle = QString::number(kScreen.width() * scale() / 2);
+        xrandr({QStringLiteral("--delmonitor"), QStringLiteral("eDP-1"),
+                QStringLiteral("--setmonitor"), QStringLiteral("eDP-1"), half(QStringLiteral("0")),
+                QStringLiteral("screen"), QStringLiteral("--setmonitor"), QStringLiteral("HDMI-1"),
+                half(middle), QStringLiteral("none")});
+        const auto restore = qScopeGuard([] {
+            xrandr({QStringLiteral("--delmonitor"), QStringLiteral("HDMI-1"),
+                    QStringLiteral("--delmonitor"), QStringLiteral("eDP-1"),
+                    QStringLiteral("--setmonitor"), QStringLiteral("eDP-1"), QStringLiteral("auto"),
+                    QStringLiteral("screen")});
+        });
+        const Tray items({QStringLiteral("notifier")});
+        const Tray tray({QStringLiteral("xembed"), QStringLiteral("bottom right")});
+        awaitBar();
+        SimulatorProcess program({});
+        (void)program.ask("open");
+        const QRect free = QRect(0, 0, 756, workArea().height()).adjusted(6, 6, -6, -6);
+        QTRY_COMPARE_WITH_TIMEOUT(panelOf(program).bottomRight(), free.bottomRight(), kPatience);
     }
 
     void aTrayWithoutPlacesHasItInTheCornerAtTheBar_data() {
