@@ -7,7 +7,8 @@
 #include "platform/qt/desktopgeometry.h"
 #include "platform/qt/menuplacement.h"
 
-#include <QGuiApplication>
+#include <QApplication>
+#include <QCursor>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>
@@ -30,6 +31,7 @@ X11MenuWindow::X11MenuWindow(std::unique_ptr<QWidget> content,
     m_dismissal.setInterval(kDismissalDelay);
     m_dismissal.setSingleShot(true);
     connect(&m_dismissal, &QTimer::timeout, this, &X11MenuWindow::dismiss);
+    watchOutside();
     connect(qGuiApp, &QGuiApplication::screenAdded, this, &X11MenuWindow::followScreen);
     for (QScreen* const screen : QGuiApplication::screens()) {
         followScreen(screen);
@@ -103,6 +105,24 @@ void X11MenuWindow::restoreFrame() {
     }
 }
 
+void X11MenuWindow::watchOutside() {
+    connect(&m_outside, &OutsideWatch::workAreaChanged, this, &X11MenuWindow::fit);
+    connect(&m_outside, &OutsideWatch::pressed, this,
+            [this] { m_isPressedOutside = isPointerOutside(); });
+    // Bars report a click on the status item when the button is released. A panel that closes
+    // earlier would take a long click for a new one.
+    connect(&m_outside, &OutsideWatch::released, this, [this] {
+        if (m_isPressedOutside) {
+            QMetaObject::invokeMethod(this, &X11MenuWindow::dismiss, Qt::QueuedConnection);
+        }
+    });
+}
+
+/// A click beside an open menu of the panel's own only closes that.
+bool X11MenuWindow::isPointerOutside() const {
+    return QApplication::activePopupWidget() == nullptr && !geometry().contains(QCursor::pos());
+}
+
 bool X11MenuWindow::event(QEvent* event) {
     if (event->type() == QEvent::WindowDeactivate) {
         m_dismissal.start();
@@ -127,11 +147,14 @@ void X11MenuWindow::paintEvent(QPaintEvent* /*event*/) {
 
 void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
     fit(); // the content has updated its size hint by now
+    m_isPressedOutside = false;
+    m_outside.setActive(true);
 }
 
 void X11MenuWindow::hideEvent(QHideEvent* event) {
     m_dismissal.stop();
     if (!event->spontaneous()) {
+        m_outside.setActive(false);
         m_dismissals.notify();
         // Queued, because this may run inside an event of the native window.
         QMetaObject::invokeMethod(this, &X11MenuWindow::destroyNativeWindow, Qt::QueuedConnection);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/outsidewatch.h"
 #include "platform/menuwindow.h"
 #include "platform/observers.h"
 #include "platform/onceperturn.h"
@@ -43,9 +44,12 @@ private:
     /// state correct: Qt notices only after a delay that a hidden window has lost the keyboard, and
     /// a native window that is shown again before that gets no further activation events.
     void destroyNativeWindow();
-    /// Resizes to the content's size hint and moves to the place beside the status item.
     void followScreen(QScreen* screen);
+    /// Resizes to the content's size hint and moves to the place beside the status item.
     void fit();
+    /// Closes the panel at clicks that take the keyboard from no window, as on an empty desktop.
+    void watchOutside();
+    [[nodiscard]] bool isPointerOutside() const;
     /// Requests the last frame again if the window has another one. The window manager's report of
     /// an earlier frame may arrive after a newer one was requested, and Qt then takes it for the
     /// present frame and drops a later request for the same. At most once for each frame, so that a
@@ -59,6 +63,8 @@ private:
     bool m_isFrameRestored = false;
     OncePerTurn m_restoreFrame{[this] { restoreFrame(); }};
     bool m_isRound = true;
+    OutsideWatch m_outside; ///< Active while it is shown.
+    bool m_isPressedOutside = false;
     QTimer m_dismissal; ///< Runs while another window has the keyboard; dismisses the panel.
     Observers m_dismissals;
 };
