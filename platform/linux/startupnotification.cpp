@@ -26,7 +26,9 @@ QByteArray startupIdIn(const QVariantMap& platformData) {
 }
 
 void completeStartup(const QByteArray& id) {
-    if (!id.isEmpty()) {
+    // The longest are names of programs and hosts with three numbers.
+    constexpr qsizetype kLongest = 1024;
+    if (!id.isEmpty() && id.size() <= kLongest) {
         QByteArray quoted = id;
         quoted.replace('\\', "\\\\").replace('"', "\\\"");
         x11::broadcastStartupInfo("remove: ID=\"" + quoted + '"');

@@ -18,8 +18,8 @@ namespace brimlet {
 /// The id in a call of the desktop's Application interface; empty without one.
 [[nodiscard]] QByteArray startupIdIn(const QVariantMap& platformData);
 
-/// Reports to the window manager that nothing more is to be expected. Does nothing with an empty
-/// id, and on other Qt platforms than X11.
+/// Reports to the window manager that nothing more is to be expected. Does nothing with an empty id
+/// or one of more than 1024 bytes, and on other Qt platforms than X11.
 void completeStartup(const QByteArray& id);
 
 } // namespace brimlet

@@ -89,8 +89,9 @@ private Q_SLOTS:
         QTEST(receivedText(), "message");
     }
 
-    void withoutAnIdNothingIsReported() {
+    void withoutAUsableIdNothingIsReported() {
         completeStartup({});
+        completeStartup(QByteArray(1025, 'x'));
         completeStartup("after it");
         QCOMPARE(receivedText(), QByteArray("remove: ID=\"after it\""));
     }
