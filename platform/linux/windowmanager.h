@@ -1,6 +1,9 @@
 #pragma once
 
+#include "platform/linux/reservedareas.h"
+
 #include <QByteArray>
+#include <QString>
 #include <QtGui/qwindowdefs.h>
 
 namespace brimlet::x11 {
@@ -19,5 +22,12 @@ void activate(WId window);
 
 /// Sends a message of the start-up notification protocol to the window manager and other programs.
 void broadcastStartupInfo(const QByteArray& message);
+
+/// The name that the window manager gives itself; empty without one. Takes three round trips.
+[[nodiscard]] QString windowManagerName();
+
+/// What bars reserve, by the properties of the root window and of the managed windows. Takes three
+/// round trips to the X server.
+[[nodiscard]] ReservedAreas reservedAreas();
 
 } // namespace brimlet::x11

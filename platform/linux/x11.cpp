@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <span>
-#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -87,31 +86,6 @@ QRect geometryFrom(xcb_connection_t* x, xcb_get_geometry_cookie_t cookie) {
     return reply ? QRect(reply->x, reply->y, reply->width + 2 * reply->border_width,
                          reply->height + 2 * reply->border_width)
                  : QRect();
-}
-
-/// Its 32-bit numbers; empty when it is not set.
-std::vector<int> numbersFrom(xcb_connection_t* x, xcb_get_property_cookie_t cookie) {
-    const XcbOwned<xcb_get_property_reply_t> reply(xcb_get_property_reply(x, cookie, nullptr));
-    if (!reply || reply->format != 32) {
-        return {};
-    }
-    const std::span numbers(static_cast<const std::int32_t*>(xcb_get_property_value(reply.get())),
-                            reply->value_len);
-    return {numbers.begin(), numbers.end()};
-}
-
-xcb_get_property_cookie_t askFor(xcb_connection_t* x, xcb_window_t window, xcb_atom_t property) {
-    constexpr std::uint32_t kMostNumbers = 4096;
-    return xcb_get_property(x, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, kMostNumbers);
-}
-
-/// Four numbers each.
-std::vector<QRect> rectsFrom(const std::vector<int>& numbers) {
-    std::vector<QRect> rects;
-    for (std::size_t i = 0; i + 4 <= numbers.size(); i += 4) {
-        rects.emplace_back(numbers[i], numbers[i + 1], numbers[i + 2], numbers[i + 3]);
-    }
-    return rects;
 }
 
 enum class Cover { None, Managed, Unmanaged };
@@ -249,51 +223,6 @@ void raiseAboveManagedWindows(WId id) {
 bool hasCompositor() {
     xcb_connection_t* const x = connection();
     return x == nullptr || hasOwner(x, compositorSelection(x));
-}
-
-ReservedAreas reservedAreas() {
-    xcb_connection_t* const x = connection();
-    if (x == nullptr) {
-        return {};
-    }
-    static const xcb_atom_t workArea = atomNamed(x, "_NET_WORKAREA");
-    static const xcb_atom_t desktop = atomNamed(x, "_NET_CURRENT_DESKTOP");
-    static const xcb_atom_t clients = atomNamed(x, "_NET_CLIENT_LIST");
-    static const xcb_atom_t strut = atomNamed(x, "_NET_WM_STRUT_PARTIAL");
-    const xcb_screen_t& screen = *xcb_setup_roots_iterator(xcb_get_setup(x)).data;
-    const auto desktopCookie = askFor(x, screen.root, desktop);
-    const auto workAreaCookie = askFor(x, screen.root, workArea);
-    const auto clientsCookie = askFor(x, screen.root, clients);
-    const XcbOwned<xcb_get_geometry_reply_t> root(
-        xcb_get_geometry_reply(x, xcb_get_geometry(x, screen.root), nullptr));
-    const auto desktops = numbersFrom(x, desktopCookie);
-    const auto workAreas = rectsFrom(numbersFrom(x, workAreaCookie));
-    const auto windows = numbersFrom(x, clientsCookie);
-
-    const int current = desktops.empty() ? 0 : desktops.front();
-    const std::string monitors = "_GTK_WORKAREAS_D" + std::to_string(current);
-    const auto monitorsCookie = askFor(x, screen.root, atomNamed(x, monitors));
-    std::vector<xcb_get_property_cookie_t> strutCookies;
-    for (const int window : windows) {
-        strutCookies.push_back(askFor(x, static_cast<xcb_window_t>(window), strut));
-    }
-    ReservedAreas areas;
-    areas.root = root ? QSize(root->width, root->height) : QSize();
-    // One for each desktop, or for all.
-    if (!workAreas.empty()) {
-        const auto index = static_cast<std::size_t>(current);
-        areas.workArea = workAreas[index < workAreas.size() ? index : 0];
-    }
-    areas.monitorWorkAreas = rectsFrom(numbersFrom(x, monitorsCookie));
-    for (const xcb_get_property_cookie_t cookie : strutCookies) {
-        const auto numbers = numbersFrom(x, cookie);
-        Strut each{};
-        if (numbers.size() == each.size()) {
-            std::copy(numbers.begin(), numbers.end(), each.begin());
-            areas.struts.push_back(each);
-        }
-    }
-    return areas;
 }
 
 bool hasSystemTray() {

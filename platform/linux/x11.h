@@ -1,7 +1,5 @@
 #pragma once
 
-#include "platform/linux/reservedareas.h"
-
 #include <QRegion>
 #include <QString>
 #include <QStringList>
@@ -58,10 +56,6 @@ void raiseAboveManagedWindows(WId window);
 /// Whether a compositor runs, which blends transparent windows with what is behind them. Costs a
 /// round trip to the X server; X11Watch answers without one.
 [[nodiscard]] bool hasCompositor();
-
-/// What bars reserve, by the properties of the root window and of the managed windows. Takes three
-/// round trips to the X server.
-[[nodiscard]] ReservedAreas reservedAreas();
 
 /// Whether an XEmbed tray is running. Costs a round trip to the X server.
 [[nodiscard]] bool hasSystemTray();

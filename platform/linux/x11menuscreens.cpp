@@ -1,15 +1,18 @@
 #include "platform/linux/x11menuscreens.h"
 
-#include "platform/linux/x11.h"
+#include "platform/linux/windowmanager.h"
 
 #include <QGuiApplication>
 #include <QScreen>
 
 namespace brimlet {
 
-std::vector<MenuScreen> x11MenuScreens() {
+std::vector<MenuScreen> x11MenuScreens(const std::vector<QRect>& monitorAreas) {
     const auto screens = QGuiApplication::screens();
-    const ReservedAreas areas = x11::reservedAreas();
+    ReservedAreas areas = x11::reservedAreas();
+    if (!monitorAreas.empty()) {
+        areas.monitorWorkAreas = monitorAreas;
+    }
     std::vector<MenuScreen> menuScreens;
     for (const QScreen* const screen : screens) {
         // Qt keeps the corner of a screen where it is in pixels, and scales what is on the screen.
@@ -25,6 +28,15 @@ std::vector<MenuScreen> x11MenuScreens() {
         menuScreens.push_back({geometry, available & geometry});
     }
     return menuScreens;
+}
+
+QPoint toX11Pixels(QPoint position) {
+    const QScreen* const screen = QGuiApplication::screenAt(position);
+    if (screen == nullptr) {
+        return position;
+    }
+    const QPoint corner = screen->geometry().topLeft();
+    return corner + (QPointF(position - corner) * screen->devicePixelRatio()).toPoint();
 }
 
 } // namespace brimlet

@@ -31,6 +31,7 @@ X11MenuWindow::X11MenuWindow(std::unique_ptr<QWidget> content,
     m_dismissal.setInterval(kDismissalDelay);
     m_dismissal.setSingleShot(true);
     connect(&m_dismissal, &QTimer::timeout, this, &X11MenuWindow::dismiss);
+    watchSway();
     watchOutside();
     connect(qGuiApp, &QGuiApplication::screenAdded, this, &X11MenuWindow::followScreen);
     for (QScreen* const screen : QGuiApplication::screens()) {
@@ -88,20 +89,44 @@ ObserverToken X11MenuWindow::observeDismissals(std::function<void()> dismissed) 
 }
 
 void X11MenuWindow::fit() {
-    if (const auto frame = menuFrame(m_content->sizeHint(), m_item, x11MenuScreens())) {
+    const auto screens = x11MenuScreens(m_sway ? m_sway->areas() : std::vector<QRect>());
+    if (const auto frame = menuFrame(m_content->sizeHint(), m_item, screens)) {
         m_content->resize(frame->size());
         m_frame = *frame;
         m_isFrameRestored = false;
         setGeometry(*frame);
+        placeBySway();
     }
 }
 
 void X11MenuWindow::restoreFrame() {
     if (isVisible() && geometry() != m_frame && !m_isFrameRestored) {
         m_isFrameRestored = true;
+        if (m_sway && size() == m_frame.size()) {
+            placeBySway(); // sway would centre the window again at a request to the X server
+            return;
+        }
         // The native window's, which may still differ from the widget's: that one would request
         // only what differs from its own.
         windowHandle()->setGeometry(m_frame);
+    }
+}
+
+void X11MenuWindow::watchSway() {
+    const QString socket = qEnvironmentVariable("SWAYSOCK");
+    if (!socket.isEmpty() && x11::windowManagerName() == QStringLiteral("wlroots wm")) {
+        m_sway.emplace(socket);
+        connect(&*m_sway, &SwayDesktop::areasChanged, this, [this] {
+            if (isVisible()) {
+                fit();
+            }
+        });
+    }
+}
+
+void X11MenuWindow::placeBySway() {
+    if (m_sway && isVisible()) {
+        m_sway->move(windowTitle(), toX11Pixels(m_frame.topLeft()));
     }
 }
 
@@ -147,6 +172,9 @@ void X11MenuWindow::paintEvent(QPaintEvent* /*event*/) {
 
 void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
     fit(); // the content has updated its size hint by now
+    if (m_sway) {
+        m_sway->requestAreas();
+    }
     m_isPressedOutside = false;
     m_outside.setActive(true);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/outsidewatch.h"
+#include "platform/linux/swaydesktop.h"
 #include "platform/menuwindow.h"
 #include "platform/observers.h"
 #include "platform/onceperturn.h"
@@ -47,6 +48,9 @@ private:
     void followScreen(QScreen* screen);
     /// Resizes to the content's size hint and moves to the place beside the status item.
     void fit();
+    void watchSway();
+    /// Where the window manager does not let the window place itself.
+    void placeBySway();
     /// Closes the panel at clicks that take the keyboard from no window, as on an empty desktop.
     void watchOutside();
     [[nodiscard]] bool isPointerOutside() const;
@@ -63,7 +67,8 @@ private:
     bool m_isFrameRestored = false;
     OncePerTurn m_restoreFrame{[this] { restoreFrame(); }};
     bool m_isRound = true;
-    OutsideWatch m_outside; ///< Active while it is shown.
+    std::optional<SwayDesktop> m_sway; ///< Absent elsewhere.
+    OutsideWatch m_outside;            ///< Active while it is shown.
     bool m_isPressedOutside = false;
     QTimer m_dismissal; ///< Runs while another window has the keyboard; dismisses the panel.
     Observers m_dismissals;
