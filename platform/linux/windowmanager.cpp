@@ -87,6 +87,13 @@ void declareAsPanel(WId id) {
          atomNamed(x, "_NET_WM_STATE_SKIP_PAGER")});
 }
 
+void removeParentHint(WId window) {
+    if (xcb_connection_t* const x = xcbConnectionOfQt()) {
+        xcb_delete_property(x, static_cast<xcb_window_t>(window), XCB_ATOM_WM_TRANSIENT_FOR);
+        xcb_flush(x);
+    }
+}
+
 void activate(WId window) {
     xcb_connection_t* const x = xcbConnectionOfQt();
     if (x == nullptr) {

@@ -15,6 +15,10 @@ namespace brimlet::x11 {
 /// do not list. Call it before each time the window is shown.
 void declareAsPanel(WId window);
 
+/// Removes the parent that Qt names for a tooltip's window each time it shows it: a helper window,
+/// which window managers warn about.
+void removeParentHint(WId window);
+
 /// Asks the window manager to give the window the keyboard focus, as a direct user action at the
 /// present time, which window managers follow even when another program was used last. Takes round
 /// trips to the X server.

@@ -1,5 +1,6 @@
 #include "platform/linux/x11overlaywindow.h"
 
+#include "platform/linux/windowmanager.h"
 #include "platform/linux/x11.h"
 #include "platform/linux/x11watch.h"
 #include "platform/qt/contentpainting.h"
@@ -48,6 +49,7 @@ void X11OverlayWindow::bringForward() {
         x11::raiseAboveManagedWindows(internalWinId());
     } else {
         show();
+        x11::removeParentHint(internalWinId());
     }
 }
 

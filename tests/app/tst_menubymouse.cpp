@@ -1,6 +1,7 @@
 #include "tests/support/pointer.h"
 #include "tests/support/processes.h"
 #include "tests/support/testprogram.h"
+#include "tests/support/windowproperties.h"
 #include "tests/support/xserver.h"
 
 #include <QApplication>
@@ -149,11 +150,7 @@ private Q_SLOTS:
         std::optional<ClientWindow> icon;
         QTRY_VERIFY_WITH_TIMEOUT((icon = iconOf(program)), kPatience);
         QCOMPARE(icon->title, QStringLiteral("Brimlet"));
-        QProcess properties;
-        properties.start(QStringLiteral("xprop"), {QStringLiteral("-id"), QString::number(icon->id),
-                                                   QStringLiteral("WM_CLASS")});
-        QVERIFY(properties.waitForFinished());
-        QCOMPARE(properties.readAllStandardOutput(),
+        QCOMPARE(propertiesOf(icon->id, {QStringLiteral("WM_CLASS")}),
                  QByteArray("WM_CLASS(STRING) = \"brimlet-simulator\", \"Brimlet\"\n"));
     }
 

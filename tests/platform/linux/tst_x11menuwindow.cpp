@@ -6,6 +6,7 @@
 #include "tests/support/rootmessages.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
+#include "tests/support/windowproperties.h"
 #include "tests/support/xserver.h"
 
 #include <QApplication>
@@ -68,14 +69,6 @@ protected:
         clicks << event->globalPosition().toPoint();
     }
 };
-
-/// The window's properties of these names, as xprop prints them.
-[[nodiscard]] QByteArray propertiesOf(WId window, const QStringList& names) {
-    QProcess xprop;
-    xprop.start(QStringLiteral("xprop"),
-                QStringList{QStringLiteral("-id"), QString::number(window)} + names);
-    return xprop.waitForFinished() ? xprop.readAllStandardOutput() : QByteArray();
-}
 
 /// Converts the status item's place from Qt's space.
 [[nodiscard]] std::optional<Rect> itemAt(const QRect& place) {

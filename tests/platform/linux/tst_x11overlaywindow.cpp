@@ -1,6 +1,7 @@
 #include "platform/linux/x11overlaywindow.h"
 #include "platform/linux/x11watch.h"
 #include "tests/support/testprogram.h"
+#include "tests/support/windowproperties.h"
 #include "tests/support/xserver.h"
 
 #include <QApplication>
@@ -227,6 +228,17 @@ private Q_SLOTS:
                      }
                  }),
                  0U);
+    }
+
+    void itNamesNoParent() {
+        const auto window = makeWindow();
+        for (int time = 0; time < 2; ++time) {
+            QVERIFY(isAtRest(*window));
+            QVERIFY(propertiesOf(idOf(*window), {QStringLiteral("WM_TRANSIENT_FOR")})
+                        .endsWith("not found.\n"));
+            window->orderOut();
+            window->orderFrontRegardless();
+        }
     }
 
     void changedRegionsAreSent() {
