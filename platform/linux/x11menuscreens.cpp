@@ -3,6 +3,7 @@
 #include "platform/linux/windowmanager.h"
 
 #include <QGuiApplication>
+#include <QLocale>
 #include <QScreen>
 
 namespace brimlet {
@@ -13,6 +14,7 @@ std::vector<MenuScreen> x11MenuScreens(const std::vector<QRect>& monitorAreas) {
     if (!monitorAreas.empty()) {
         areas.monitorWorkAreas = monitorAreas;
     }
+    const bool isRightToLeft = QLocale::system().textDirection() == Qt::RightToLeft;
     std::vector<MenuScreen> menuScreens;
     for (const QScreen* const screen : screens) {
         // Qt keeps the corner of a screen where it is in pixels, and scales what is on the screen.
@@ -25,7 +27,7 @@ std::vector<MenuScreen> x11MenuScreens(const std::vector<QRect>& monitorAreas) {
         };
         const QRect available(points(free.topLeft()),
                               points(free.bottomRight() + QPoint(1, 1)) - QPoint(1, 1));
-        menuScreens.push_back({geometry, available & geometry});
+        menuScreens.push_back({geometry, available & geometry, isRightToLeft});
     }
     return menuScreens;
 }

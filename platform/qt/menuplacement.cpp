@@ -30,7 +30,8 @@ QPoint trayCorner(const MenuScreen& screen, const Positions& x, const Positions&
     const bool isBarAtLeft = available.left() > whole.left();
     const bool isBarAtRight = available.right() < whole.right();
     const bool isLow = !isBarAtTop && (isBarAtBottom || isBarAtLeft || isBarAtRight);
-    const bool isLeft = !isBarAtTop && !isBarAtBottom && isBarAtLeft;
+    const bool isAtSide = !isBarAtTop && !isBarAtBottom && (isBarAtLeft || isBarAtRight);
+    const bool isLeft = isAtSide ? isBarAtLeft : screen.isRightToLeft;
     return {isLeft ? x.first : x.last, isLow ? y.last : y.first};
 }
 

@@ -124,6 +124,21 @@ private Q_SLOTS:
         }
     }
 
+    void rightToLeftTheTraysAreAtTheLeft_data() {
+        QTest::addColumn<QRect>("available");
+        QTest::addColumn<QPoint>("origin");
+        QTest::newRow("no bar") << QRect(0, 0, 1512, 982) << QPoint(6, 6);
+        QTest::newRow("top") << QRect(0, 24, 1512, 958) << QPoint(6, 30);
+        QTest::newRow("bottom") << QRect(0, 0, 1512, 954) << QPoint(6, 448);
+        QTest::newRow("left") << QRect(48, 0, 1464, 982) << QPoint(54, 476);
+        QTest::newRow("right") << QRect(0, 0, 1464, 982) << QPoint(1118, 476);
+    }
+    void rightToLeftTheTraysAreAtTheLeft() {
+        QFETCH(QRect, available);
+        QTEST(menuOrigin(kPanel, std::nullopt, {QRect(0, 0, 1512, 982), available, true}),
+              "origin");
+    }
+
     void thePanelIsOnTheItemsScreen_data() {
         QTest::addColumn<QSize>("wish");
         QTest::addColumn<Item>("item");
