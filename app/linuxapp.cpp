@@ -153,7 +153,9 @@ bool prepareLinuxApplication() {
             return false;
         }
     }
-    startupId = takeStartupId();
+    if (!isWithoutX) {
+        startupId = takeStartupId(); // else Qt uses it for the first window
+    }
     disableUnresponsiveBuses();
     QApplication::setStyle(QStringLiteral("Fusion"));
     // No shared memory: with it each paint waits until the X server has read the previous one.

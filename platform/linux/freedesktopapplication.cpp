@@ -12,8 +12,7 @@ FreedesktopApplication::FreedesktopApplication(QObject* object,
     , m_requested(std::move(requested)) {}
 
 void FreedesktopApplication::Activate(const QVariantMap& platformData) {
-    completeStartup(startupIdIn(platformData));
-    request(InstanceRequest::Open);
+    request(InstanceRequest::Open, platformData);
 }
 
 void FreedesktopApplication::Open(const QStringList& /*uris*/, const QVariantMap& platformData) {
@@ -22,17 +21,20 @@ void FreedesktopApplication::Open(const QStringList& /*uris*/, const QVariantMap
 
 void FreedesktopApplication::ActivateAction(const QString& name, const QVariantList& /*parameter*/,
                                             const QVariantMap& platformData) {
-    completeStartup(startupIdIn(platformData));
     if (name == QLatin1StringView("pause")) {
-        request(InstanceRequest::Pause);
+        request(InstanceRequest::Pause, platformData);
     } else if (name == QLatin1StringView("quit")) {
-        request(InstanceRequest::Quit);
+        request(InstanceRequest::Quit, platformData);
     }
 }
 
-void FreedesktopApplication::request(InstanceRequest request) {
-    QMetaObject::invokeMethod(
-        this, [this, request] { m_requested(request); }, Qt::QueuedConnection);
+void FreedesktopApplication::request(InstanceRequest request, const QVariantMap& platformData) {
+    const auto carryOut = [this, request, id = startupIdIn(platformData)] {
+        leaveStartupId(id);
+        m_requested(request);
+        completeStartup(takeStartupId());
+    };
+    QMetaObject::invokeMethod(this, carryOut, Qt::QueuedConnection);
 }
 
 } // namespace brimlet

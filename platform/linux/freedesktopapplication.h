@@ -30,7 +30,7 @@ public Q_SLOTS:
                         const QVariantMap& platformData);
 
 private:
-    void request(InstanceRequest request);
+    void request(InstanceRequest request, const QVariantMap& platformData);
 
     std::function<void(InstanceRequest)> m_requested;
 };

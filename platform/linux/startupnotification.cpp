@@ -19,6 +19,12 @@ QByteArray takeStartupId() {
     return id.isEmpty() ? token : id;
 }
 
+void leaveStartupId(const QByteArray& id) {
+    if (!id.isEmpty()) {
+        qputenv("XDG_ACTIVATION_TOKEN", id);
+    }
+}
+
 QByteArray startupIdIn(const QVariantMap& platformData) {
     const QString id = platformData.value(QStringLiteral("desktop-startup-id")).toString();
     return (id.isEmpty() ? platformData.value(QStringLiteral("activation-token")).toString() : id)

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
 #include <QVariantMap>
 
 namespace brimlet {
@@ -10,10 +9,13 @@ namespace brimlet {
 // to act, until it reports that it has done so. They identify what they wait for by an id, which on
 // Wayland is also the activation token. Main thread only.
 
-/// Removes the id from the environment, so that Qt and programs started by this one do not take it
-/// for theirs, and returns it; empty without one. Qt leaves the token of a click on the status item
-/// there.
+/// Removes the id from the environment, so that programs started by this one do not take it for
+/// theirs, and returns it; empty without one. Qt leaves the token of a click on the status item
+/// there, and on Wayland takes it from there when it activates a window.
 [[nodiscard]] QByteArray takeStartupId();
+
+/// Puts the id where `takeStartupId()` and Qt find it, unless it is empty.
+void leaveStartupId(const QByteArray& id);
 
 /// The id in a call of the desktop's Application interface; empty without one.
 [[nodiscard]] QByteArray startupIdIn(const QVariantMap& platformData);

@@ -51,10 +51,10 @@ void TrayStatusItem::fillMenu() {
     m_menu = std::make_unique<QMenu>();
     const auto add = [this](const QString& text, InstanceRequest request) {
         m_menu->addAction(text, this, [this, request] {
-            completeStartup(takeStartupId());
             for (const auto& chosen : m_menuObservers) {
                 chosen(request);
             }
+            completeStartup(takeStartupId());
         });
     };
     add(tr("Open"), InstanceRequest::Open);
@@ -117,17 +117,20 @@ ObserverToken TrayStatusItem::observeMenu(std::function<void(InstanceRequest)> c
 }
 
 void TrayStatusItem::pressed(QSystemTrayIcon::ActivationReason reason) {
-    completeStartup(takeStartupId());
-    const bool isMenuOpen = reason == QSystemTrayIcon::Context && iconWidget() != nullptr;
+    const bool isNotifier = iconWidget() == nullptr;
+    const bool isMenuOpen = reason == QSystemTrayIcon::Context && !isNotifier;
     // A double click follows a click that has been reported already.
     if (reason == QSystemTrayIcon::DoubleClick || isMenuOpen) {
         return;
     }
-    m_lastClick = clickOnItem(pointerPosition(), takeNotifierClick(), x11MenuScreens());
-    const std::optional<Rect> where = iconWidget() == nullptr ? placeOf(m_lastClick) : place();
+    if (isNotifier) {
+        m_lastClick = clickOnItem(pointerPosition(), takeNotifierClick(), x11MenuScreens());
+    }
+    const std::optional<Rect> where = isNotifier ? placeOf(m_lastClick) : place();
     for (const auto& observer : m_observers) {
         observer(where);
     }
+    completeStartup(takeStartupId());
 }
 
 } // namespace brimlet

@@ -58,11 +58,18 @@ xcb_get_property_cookie_t askFor(xcb_connection_t* x, xcb_window_t window, xcb_a
     return xcb_get_property(x, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, kMostNumbers);
 }
 
+/// Limited to what X can express, since any program may set any number.
+int coordinate(int number) {
+    constexpr int kLargest = 32767;
+    return std::clamp(number, -kLargest, kLargest);
+}
+
 /// Four numbers each.
 std::vector<QRect> rectsFrom(const std::vector<int>& numbers) {
     std::vector<QRect> rects;
     for (std::size_t i = 0; i + 4 <= numbers.size(); i += 4) {
-        rects.emplace_back(numbers[i], numbers[i + 1], numbers[i + 2], numbers[i + 3]);
+        rects.emplace_back(coordinate(numbers[i]), coordinate(numbers[i + 1]),
+                           coordinate(numbers[i + 2]), coordinate(numbers[i + 3]));
     }
     return rects;
 }
@@ -74,17 +81,21 @@ void declareAsPanel(WId id) {
     if (x == nullptr) {
         return;
     }
-    const auto set = [&](std::string_view property, const std::vector<xcb_atom_t>& atoms) {
-        xcb_change_property(x, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(id),
-                            atomNamed(x, property), XCB_ATOM_ATOM, 32,
-                            static_cast<std::uint32_t>(atoms.size()), atoms.data());
+    static const xcb_atom_t type = atomNamed(x, "_NET_WM_WINDOW_TYPE");
+    static const xcb_atom_t state = atomNamed(x, "_NET_WM_STATE");
+    static const std::vector<xcb_atom_t> types{atomNamed(x, "_NET_WM_WINDOW_TYPE_UTILITY")};
+    static const std::vector<xcb_atom_t> states{atomNamed(x, "_NET_WM_STATE_ABOVE"),
+                                                atomNamed(x, "_NET_WM_STATE_SKIP_TASKBAR"),
+                                                atomNamed(x, "_NET_WM_STATE_SKIP_PAGER")};
+    const auto set = [&](xcb_atom_t property, const std::vector<xcb_atom_t>& atoms) {
+        xcb_change_property(x, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(id), property,
+                            XCB_ATOM_ATOM, 32, static_cast<std::uint32_t>(atoms.size()),
+                            atoms.data());
     };
-    set("_NET_WM_WINDOW_TYPE", {atomNamed(x, "_NET_WM_WINDOW_TYPE_UTILITY")});
+    set(type, types);
     // Qt keeps these when it shows the window. With its own hint for windows on top it would add a
-    // state of KDE's, which other window managers complain about.
-    set("_NET_WM_STATE",
-        {atomNamed(x, "_NET_WM_STATE_ABOVE"), atomNamed(x, "_NET_WM_STATE_SKIP_TASKBAR"),
-         atomNamed(x, "_NET_WM_STATE_SKIP_PAGER")});
+    // state of KDE's, which xfwm4 warns about.
+    set(state, states);
 }
 
 void removeParentHint(WId window) {
@@ -193,7 +204,7 @@ ReservedAreas reservedAreas() {
         const auto numbers = numbersFrom(x, cookie);
         Strut each{};
         if (numbers.size() == each.size()) {
-            std::copy(numbers.begin(), numbers.end(), each.begin());
+            std::transform(numbers.begin(), numbers.end(), each.begin(), coordinate);
             areas.struts.push_back(each);
         }
     }

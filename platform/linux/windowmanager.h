@@ -27,7 +27,8 @@ void activate(WId window);
 /// Sends a message of the start-up notification protocol to the window manager and other programs.
 void broadcastStartupInfo(const QByteArray& message);
 
-/// The name that the window manager gives itself; empty without one. Takes three round trips.
+/// The name that the window manager gives itself; empty without one. Takes round
+/// trips to the X server.
 [[nodiscard]] QString windowManagerName();
 
 /// What bars reserve, by the properties of the root window and of the managed windows. Takes three

@@ -46,12 +46,11 @@ bool isOnBar(QPoint point, const std::vector<MenuScreen>& screens) {
 std::optional<QPoint> clickOnItem(const std::optional<QPoint>& pointer,
                                   const std::optional<QPoint>& reported,
                                   const std::vector<MenuScreen>& screens) {
-    for (const auto& point : {pointer, reported}) {
-        if (point && isOnBar(*point, screens)) {
-            return point;
-        }
+    if (pointer && isOnBar(*pointer, screens)) {
+        return pointer;
     }
-    return pointer;
+    const bool isKnown = reported && *reported != QPoint();
+    return isKnown && isOnBar(*reported, screens) ? reported : pointer;
 }
 
 QPoint menuOrigin(QSize panel, const std::optional<QRect>& item, const MenuScreen& screen) {

@@ -213,12 +213,14 @@ private Q_SLOTS:
         QTest::newRow("on Wayland in the tray's own coordinates")
             << Point() << Point(elsewhere) << Point();
         QTest::newRow("a tray without positions") << Point(onBar) << Point() << Point(onBar);
+        QTest::newRow("a tray that reports none") << Point() << Point(QPoint()) << Point();
         QTest::newRow("no position at all") << Point() << Point() << Point();
     }
     void aClickOnTheItemIsOnABarIfAnyPositionIs() {
         QFETCH(Point, pointer);
         QFETCH(Point, reported);
-        const MenuScreen screen{QRect(0, 0, 1512, 982), QRect(0, 0, 1512, 954)};
+        // Bars at the top and the bottom.
+        const MenuScreen screen{QRect(0, 0, 1512, 982), QRect(0, 2, 1512, 952)};
         QTEST(clickOnItem(pointer, reported, {screen}), "click");
     }
 

@@ -37,7 +37,23 @@ public:
         return found;
     }
 
+    /// The messages of the start-up notification protocol since the previous call, oldest first.
+    [[nodiscard]] QByteArrayList takeStartupInfo() {
+        for (const QByteArray& piece : take({"_NET_STARTUP_INFO_BEGIN", "_NET_STARTUP_INFO"})) {
+            m_startupInfo += piece;
+        }
+        QByteArrayList messages;
+        for (auto end = m_startupInfo.indexOf('\0'); end >= 0; end = m_startupInfo.indexOf('\0')) {
+            if (end > 0) { // the rest of the piece before is null bytes, too
+                messages << m_startupInfo.first(end);
+            }
+            m_startupInfo.remove(0, end + 1);
+        }
+        return messages;
+    }
+
 private:
+    QByteArray m_startupInfo; ///< Not complete yet.
     XcbConnection m_x{xcb_connect(nullptr, nullptr)};
 };
 

@@ -22,6 +22,7 @@ public:
     ObserverToken observePlace(std::function<void()> /*changed*/) override { return {}; }
     void setToolTip(const QString& text) override { m_icon.setToolTip(text); }
     ObserverToken observePresses(std::function<void(std::optional<Rect>)> pressed) override;
+    /// Never calls it: there is no menu.
     ObserverToken observeMenu(std::function<void(InstanceRequest)> /*chosen*/) override {
         return {};
     }

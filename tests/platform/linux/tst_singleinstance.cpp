@@ -1,4 +1,5 @@
 #include "tests/support/pointer.h"
+#include "tests/support/rootmessages.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
@@ -322,6 +323,29 @@ private Q_SLOTS:
         QCOMPARE(call(QStringLiteral("deleteLater"), {}).type(), QDBusMessage::ErrorMessage);
         QVERIFY(first.isRunning());
         QVERIFY(!panel(first));
+    }
+
+    void startsAndCallsAreReportedAsFinished() {
+        RootMessages messages;
+        QByteArrayList reports;
+        const auto isReported = [&](const char* id) {
+            reports += messages.takeStartupInfo();
+            return reports.contains("remove: ID=\"" + QByteArray(id) + '"');
+        };
+        m_environment.insert(QStringLiteral("DESKTOP_STARTUP_ID"), QStringLiteral("first_TIME1"));
+        Start first(m_environment);
+        QTRY_VERIFY_WITH_TIMEOUT(isUp(first), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(isReported("first_TIME1"), kPatience);
+        QVERIFY(!panel(first)); // no window was needed
+        m_environment.insert(QStringLiteral("DESKTOP_STARTUP_ID"), QStringLiteral("second_TIME2"));
+        Start second(m_environment);
+        QCOMPARE(second.exitCode(), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(isReported("second_TIME2"), kPatience);
+        const QVariantMap data{
+            {QStringLiteral("desktop-startup-id"), QStringLiteral("third_TIME3")}};
+        QCOMPARE(call(QStringLiteral("Activate"), {data}).type(), QDBusMessage::ReplyMessage);
+        QTRY_VERIFY_WITH_TIMEOUT(isReported("third_TIME3"), kPatience);
+        m_environment.remove(QStringLiteral("DESKTOP_STARTUP_ID"));
     }
 
     void theObjectHasTheDesktopsInterfaceAndNoOther() {

@@ -13,18 +13,14 @@ class TestStartupNotification final : public QObject {
 
     RootMessages m_messages;
 
-    /// The text of the next message, put together from its pieces.
     [[nodiscard]] QByteArray receivedText() {
-        QByteArray text;
-        const auto isComplete = [&] {
-            for (const QByteArray& piece :
-                 m_messages.take({"_NET_STARTUP_INFO_BEGIN", "_NET_STARTUP_INFO"})) {
-                text += piece;
-            }
-            return text.contains('\0');
+        QByteArrayList texts;
+        const auto isReceived = [&] {
+            texts += m_messages.takeStartupInfo();
+            return !texts.isEmpty();
         };
-        [&] { QTRY_VERIFY(isComplete()); }();
-        return text.left(text.indexOf('\0'));
+        [&] { QTRY_VERIFY(isReceived()); }();
+        return texts.join(" and ");
     }
 
 private Q_SLOTS:
@@ -49,6 +45,14 @@ private Q_SLOTS:
         QTEST(takeStartupId(), "taken");
         QVERIFY(!qEnvironmentVariableIsSet("DESKTOP_STARTUP_ID"));
         QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+    }
+
+    void anIdIsLeftForQt() {
+        leaveStartupId({});
+        QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN"));
+        leaveStartupId("t");
+        QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), QByteArray("t"));
+        QCOMPARE(takeStartupId(), QByteArray("t"));
     }
 
     void theDesktopsCallHoldsTheId_data() {

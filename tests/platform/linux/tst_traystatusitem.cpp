@@ -308,6 +308,7 @@ private Q_SLOTS:
         }
         QCOMPARE(ask("ProvideXdgActivationToken", {QStringLiteral("of-the-click")}).type(),
                  QDBusMessage::ReplyMessage);
+        QCOMPARE(qgetenv("XDG_ACTIVATION_TOKEN"), QByteArray("of-the-click")); // Qt leaves it there
         pressWith(QStringLiteral("1"));
         QTRY_COMPARE_WITH_TIMEOUT(m_presses.size(), 1, kPatience);
         QVERIFY(!qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN")); // no browser inherits it

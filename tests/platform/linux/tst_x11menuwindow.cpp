@@ -360,17 +360,18 @@ private Q_SLOTS:
     void itAsksForTheKeyboardAtThePresentTime() {
         RootMessages messages;
         present(std::nullopt);
-        QByteArrayList requests;
-        const auto hasAsked = [&] {
-            requests += messages.take({"_NET_ACTIVE_WINDOW"});
-            return !requests.isEmpty();
+        // Qt sends a request of its own, too, as an application and with the time of the last
+        // event.
+        std::uint32_t time = XCB_TIME_CURRENT_TIME;
+        const auto hasAskedAsTheUser = [&] {
+            for (const QByteArray& request : messages.take({"_NET_ACTIVE_WINDOW"})) {
+                std::array<std::uint32_t, 2> sourceAndTime{};
+                std::memcpy(sourceAndTime.data(), request.constData(), sizeof sourceAndTime);
+                time = sourceAndTime[0] == 2 ? sourceAndTime[1] : time;
+            }
+            return time != XCB_TIME_CURRENT_TIME;
         };
-        QTRY_VERIFY_WITH_TIMEOUT(hasAsked(), kPatience);
-        // The last one: Qt sends one of its own before, with the time of the last event.
-        std::array<std::uint32_t, 2> sourceAndTime{};
-        std::memcpy(sourceAndTime.data(), requests.constLast().constData(), sizeof sourceAndTime);
-        QCOMPARE(sourceAndTime[0], 2U);
-        QVERIFY(sourceAndTime[1] != XCB_TIME_CURRENT_TIME);
+        QTRY_VERIFY_WITH_TIMEOUT(hasAskedAsTheUser(), kPatience);
     }
 
     void itTakesTheKeyboardFromAnotherProgramAndReturnsIt() {
