@@ -1,6 +1,9 @@
 #include "platform/linux/outsidewatch.h"
 
+#include "platform/linux/windowmanager.h"
 #include "platform/linux/xcbowners.h"
+
+#include <utility>
 
 #include <xcb/xinput.h>
 
@@ -17,11 +20,12 @@ bool isWheel(std::uint32_t button) {
 } // namespace
 
 void OutsideWatch::setActive(bool isActive) {
-    xcb_connection_t* const x = xcbConnectionOfQt();
-    if (x == nullptr || m_isActive == isActive) {
+    xcb_connection_t* const x = m_isActive == isActive ? nullptr : xcbConnectionOfQt();
+    if (x == nullptr) {
         return;
     }
     m_isActive = isActive;
+    m_isClick = false;
     if (isActive) {
         m_workArea = atomNamed(x, "_NET_WORKAREA");
         qGuiApp->installNativeEventFilter(this);
@@ -60,17 +64,36 @@ bool OutsideWatch::nativeEventFilter(const QByteArray& /*type*/, void* message,
         }
         return false;
     }
-    const auto* const raw = static_cast<const xcb_input_raw_button_press_event_t*>(message);
-    if (kind != XCB_GE_GENERIC || m_inputExtension == 0 || raw->extension != m_inputExtension) {
-        return false;
+    if (kind == XCB_KEY_PRESS || kind == XCB_BUTTON_PRESS) {
+        m_isClick = false;
+    } else if (kind == XCB_GE_GENERIC && m_inputExtension != 0 &&
+               static_cast<const xcb_ge_generic_event_t*>(message)->extension == m_inputExtension) {
+        handleInput(message);
     }
-    if (raw->event_type == XCB_INPUT_RAW_BUTTON_PRESS && !isWheel(raw->detail)) {
-        Q_EMIT pressed();
-    } else if (raw->event_type == XCB_INPUT_RAW_BUTTON_RELEASE && !isWheel(raw->detail)) {
-        Q_EMIT released();
+    return false;
+}
+
+void OutsideWatch::handleInput(const void* event) {
+    const auto* const input = static_cast<const xcb_input_raw_button_press_event_t*>(event);
+    switch (input->event_type) {
+    case XCB_INPUT_RAW_BUTTON_PRESS:
+        if (!isWheel(input->detail)) {
+            m_isClick = x11::isPointerOnDesktopOrBar();
+        }
+        break;
+    case XCB_INPUT_BUTTON_PRESS: // on a window of this program; comes after the raw event
+        m_isClick = false;
+        break;
+    case XCB_INPUT_RAW_BUTTON_RELEASE:
+        // Trays report a click on the status item at its end, too. A panel that closed earlier
+        // would take a long one for a new click.
+        if (!isWheel(input->detail) && std::exchange(m_isClick, false)) {
+            Q_EMIT clicked();
+        }
+        break;
+    default:
+        break;
     }
-    return raw->event_type == XCB_INPUT_RAW_BUTTON_PRESS ||
-           raw->event_type == XCB_INPUT_RAW_BUTTON_RELEASE;
 }
 
 } // namespace brimlet

@@ -47,7 +47,7 @@ QRect freeArea(const QRect& monitor, bool isOnlyMonitor, const ReservedAreas& ar
         return *own;
     }
     QRect free = monitor;
-    if (isOnlyMonitor || areas.struts.empty()) {
+    if (areas.struts.empty() || (isOnlyMonitor && !areas.workArea.isEmpty())) {
         free = areas.workArea.intersects(monitor) ? areas.workArea & monitor : monitor;
     } else {
         for (const Strut& strut : areas.struts) {

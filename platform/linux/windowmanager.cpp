@@ -58,6 +58,34 @@ xcb_get_property_cookie_t askFor(xcb_connection_t* x, xcb_window_t window, xcb_a
     return xcb_get_property(x, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, kMostNumbers);
 }
 
+bool hasProperty(xcb_connection_t* x, xcb_window_t window, xcb_atom_t property) {
+    const XcbOwned<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(x, askFor(x, window, property), nullptr));
+    return reply && reply->type != XCB_ATOM_NONE;
+}
+
+/// The client under the pointer, which may be inside a frame of the window manager; without one the
+/// top-level window, or none.
+xcb_window_t pointedWindow(xcb_connection_t* x) {
+    static const xcb_atom_t state = atomNamed(x, "WM_STATE"); // of managed windows
+    xcb_window_t topLevel = XCB_WINDOW_NONE;
+    xcb_window_t window = rootOf(x);
+    constexpr int kDeepestClient = 3;
+    for (int depth = 0; depth < kDeepestClient; ++depth) {
+        const XcbOwned<xcb_query_pointer_reply_t> pointer(
+            xcb_query_pointer_reply(x, xcb_query_pointer(x, window), nullptr));
+        window = pointer ? pointer->child : xcb_window_t{XCB_WINDOW_NONE};
+        if (window == XCB_WINDOW_NONE) {
+            break;
+        }
+        if (hasProperty(x, window, state)) {
+            return window;
+        }
+        topLevel = depth == 0 ? window : topLevel;
+    }
+    return topLevel;
+}
+
 /// Limited to what X can express, since any program may set any number.
 int coordinate(int number) {
     constexpr int kLargest = 32767;
@@ -166,6 +194,23 @@ QString windowManagerName() {
                 : QString();
 }
 
+bool isPointerOnDesktopOrBar() {
+    xcb_connection_t* const x = xcbConnectionOfQt();
+    if (x == nullptr) {
+        return false;
+    }
+    static const xcb_atom_t type = atomNamed(x, "_NET_WM_WINDOW_TYPE");
+    static const xcb_atom_t desktop = atomNamed(x, "_NET_WM_WINDOW_TYPE_DESKTOP");
+    static const xcb_atom_t dock = atomNamed(x, "_NET_WM_WINDOW_TYPE_DOCK");
+    const xcb_window_t window = pointedWindow(x);
+    const auto types =
+        window == XCB_WINDOW_NONE ? std::vector<int>() : numbersFrom(x, askFor(x, window, type));
+    return window == XCB_WINDOW_NONE || std::any_of(types.begin(), types.end(), [](int each) {
+               const auto atom = static_cast<xcb_atom_t>(each);
+               return atom == desktop || atom == dock;
+           });
+}
+
 ReservedAreas reservedAreas() {
     xcb_connection_t* const x = xcbConnectionOfQt();
     if (x == nullptr) {
@@ -189,6 +234,7 @@ ReservedAreas reservedAreas() {
     const std::string monitors = "_GTK_WORKAREAS_D" + std::to_string(current);
     const auto monitorsCookie = askFor(x, screen.root, atomNamed(x, monitors));
     std::vector<xcb_get_property_cookie_t> strutCookies;
+    strutCookies.reserve(windows.size());
     for (const int window : windows) {
         strutCookies.push_back(askFor(x, static_cast<xcb_window_t>(window), strut));
     }

@@ -31,6 +31,10 @@ void broadcastStartupInfo(const QByteArray& message);
 /// trips to the X server.
 [[nodiscard]] QString windowManagerName();
 
+/// Whether the pointer is on no window, on the one with the desktop's icons, or on a bar. Takes
+/// round trips to the X server.
+[[nodiscard]] bool isPointerOnDesktopOrBar();
+
 /// What bars reserve, by the properties of the root window and of the managed windows. Takes three
 /// round trips to the X server.
 [[nodiscard]] ReservedAreas reservedAreas();

@@ -132,20 +132,12 @@ void X11MenuWindow::placeBySway() {
 
 void X11MenuWindow::watchOutside() {
     connect(&m_outside, &OutsideWatch::workAreaChanged, this, &X11MenuWindow::fit);
-    connect(&m_outside, &OutsideWatch::pressed, this,
-            [this] { m_isPressedOutside = isPointerOutside(); });
-    // Bars report a click on the status item when the button is released. A panel that closes
-    // earlier would take a long click for a new one.
-    connect(&m_outside, &OutsideWatch::released, this, [this] {
-        if (m_isPressedOutside) {
+    connect(&m_outside, &OutsideWatch::clicked, this, [this] {
+        // A click beside an open menu of the panel's own only closes that.
+        if (QApplication::activePopupWidget() == nullptr) {
             QMetaObject::invokeMethod(this, &X11MenuWindow::dismiss, Qt::QueuedConnection);
         }
     });
-}
-
-/// A click beside an open menu of the panel's own only closes that.
-bool X11MenuWindow::isPointerOutside() const {
-    return QApplication::activePopupWidget() == nullptr && !geometry().contains(QCursor::pos());
 }
 
 bool X11MenuWindow::event(QEvent* event) {
@@ -175,7 +167,6 @@ void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
     if (m_sway) {
         m_sway->requestAreas();
     }
-    m_isPressedOutside = false;
     m_outside.setActive(true);
 }
 

@@ -53,7 +53,6 @@ private:
     void placeBySway();
     /// Closes the panel at clicks that take the keyboard from no window, as on an empty desktop.
     void watchOutside();
-    [[nodiscard]] bool isPointerOutside() const;
     /// Requests the last frame again if the window has another one. The window manager's report of
     /// an earlier frame may arrive after a newer one was requested, and Qt then takes it for the
     /// present frame and drops a later request for the same. At most once for each frame, so that a
@@ -69,7 +68,6 @@ private:
     bool m_isRound = true;
     std::optional<SwayDesktop> m_sway; ///< Absent elsewhere.
     OutsideWatch m_outside;            ///< Active while it is shown.
-    bool m_isPressedOutside = false;
     QTimer m_dismissal; ///< Runs while another window has the keyboard; dismisses the panel.
     Observers m_dismissals;
 };

@@ -5,6 +5,8 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QGuiApplication>
+#include <QRasterWindow>
 #include <QTest>
 
 #include <algorithm>
@@ -77,11 +79,18 @@ private Q_SLOTS:
         // The wheel is no click.
         xdotool({QStringLiteral("click"), QStringLiteral("4"), QStringLiteral("click"),
                  QStringLiteral("5")});
+        QVERIFY(panelOf(program));
         // Nor is one that begins on the panel.
         moveTo(panelOf(program)->geometry.topLeft() + QPoint(160, 20) * scale());
         xdotool({QStringLiteral("mousedown"), QStringLiteral("1")});
         moveTo(QPoint(300, 600) * scale());
         xdotool({QStringLiteral("mouseup"), QStringLiteral("1")});
+        QVERIFY(panelOf(program));
+        // One that presses a key is an on-screen keyboard's.
+        xdotool({QStringLiteral("mousedown"), QStringLiteral("1"), QStringLiteral("key"),
+                 QStringLiteral("a"), QStringLiteral("mouseup"), QStringLiteral("1")});
+        QVERIFY(program.state().value(QStringLiteral("isMenuOpen")).toBool());
+        QVERIFY(panelOf(program));
         // One beside the token field's menu only closes that.
         const auto shown = [&] {
             const auto windows = m_x.windowsOf(program.pid());
@@ -97,6 +106,28 @@ private Q_SLOTS:
         QVERIFY(panelOf(program));
 
         clickWith(button, QPoint(300, 600) * scale());
+        QTRY_VERIFY_WITH_TIMEOUT(!panelOf(program), kPatience);
+    }
+
+    void aClickOnAWindowWithoutTheKeyboardLeavesItOpen() {
+        // As those of on-screen keyboards and of input methods are.
+        QRasterWindow keys;
+        keys.setFlags(Qt::Window | Qt::BypassWindowManagerHint | Qt::WindowDoesNotAcceptFocus);
+        keys.setGeometry(100, 400, 300, 200);
+        keys.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&keys));
+        const PlacementProcess service;
+        SimulatorProcess program(
+            {{QStringLiteral("infoDictionary"),
+              QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}}});
+        QTRY_VERIFY_WITH_TIMEOUT(program.isPanelShown(), kPatience);
+        QCOMPARE(program.startAgain(), 0);
+        awaitPanel(program);
+        click(QPoint(250, 500) * scale());
+        QVERIFY(program.state().value(QStringLiteral("isMenuOpen")).toBool());
+        QVERIFY(panelOf(program));
+        keys.hide();
+        click(QPoint(250, 500) * scale());
         QTRY_VERIFY_WITH_TIMEOUT(!panelOf(program), kPatience);
     }
 
@@ -118,5 +149,5 @@ private Q_SLOTS:
     }
 };
 
-BRIMLET_TEST(TestOutsideClick, QCoreApplication)
+BRIMLET_TEST(TestOutsideClick, QGuiApplication)
 #include "tst_outsideclick.moc"

@@ -93,6 +93,25 @@ private Q_SLOTS:
         QCOMPARE(freeArea(monitor, true, {monitor.size(), {}, {}, {}}), monitor);
         QCOMPARE(freeArea(monitor, true, {monitor.size(), {0, 982, 1512, 100}, {}, {}}), monitor);
     }
+
+    void theOnlyMonitorLosesWhatIsKnown_data() {
+        QTest::addColumn<ReservedAreas>("areas");
+        QTest::addColumn<QRect>("free");
+        const Strut bottom{0, 0, 0, 28, 0, 0, 0, 0, 0, 0, 0, 1511};
+        QTest::newRow("nothing") << ReservedAreas{{1512, 982}, {}, {}, {}}
+                                 << QRect(0, 0, 1512, 982);
+        QTest::newRow("a work area")
+            << ReservedAreas{{1512, 982}, {0, 24, 1512, 958}, {}, {}} << QRect(0, 24, 1512, 958);
+        QTest::newRow("a strut alone")
+            << ReservedAreas{{1512, 982}, {}, {}, {bottom}} << QRect(0, 0, 1512, 954);
+        QTest::newRow("both: the work area")
+            << ReservedAreas{{1512, 982}, {0, 24, 1512, 958}, {}, {bottom}}
+            << QRect(0, 24, 1512, 958);
+    }
+    void theOnlyMonitorLosesWhatIsKnown() {
+        QFETCH(ReservedAreas, areas);
+        QTEST(freeArea(QRect(0, 0, 1512, 982), true, areas), "free");
+    }
 };
 
 BRIMLET_TEST(TestReservedAreas, brimlet::NoApplication)
