@@ -5,6 +5,7 @@
 #include <xcb/xcb.h>
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <span>
 #include <string>
@@ -64,6 +65,16 @@ bool hasProperty(xcb_connection_t* x, xcb_window_t window, xcb_atom_t property) 
     return reply && reply->type != XCB_ATOM_NONE;
 }
 
+void setAtoms(xcb_connection_t* x, WId window, xcb_atom_t property,
+              const std::vector<xcb_atom_t>& atoms) {
+    xcb_change_property(x, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window), property,
+                        XCB_ATOM_ATOM, 32, static_cast<std::uint32_t>(atoms.size()), atoms.data());
+}
+
+void setType(xcb_connection_t* x, WId window, std::string_view type) {
+    setAtoms(x, window, atomNamed(x, "_NET_WM_WINDOW_TYPE"), {atomNamed(x, type)});
+}
+
 /// The client under the pointer, which may be inside a frame of the window manager; without one the
 /// top-level window, or none.
 xcb_window_t pointedWindow(xcb_connection_t* x) {
@@ -104,26 +115,30 @@ std::vector<QRect> rectsFrom(const std::vector<int>& numbers) {
 
 } // namespace
 
-void declareAsPanel(WId id) {
+void declareAsPanel(WId window) {
     xcb_connection_t* const x = xcbConnectionOfQt();
     if (x == nullptr) {
         return;
     }
-    static const xcb_atom_t type = atomNamed(x, "_NET_WM_WINDOW_TYPE");
     static const xcb_atom_t state = atomNamed(x, "_NET_WM_STATE");
-    static const std::vector<xcb_atom_t> types{atomNamed(x, "_NET_WM_WINDOW_TYPE_UTILITY")};
     static const std::vector<xcb_atom_t> states{atomNamed(x, "_NET_WM_STATE_ABOVE"),
                                                 atomNamed(x, "_NET_WM_STATE_SKIP_TASKBAR"),
                                                 atomNamed(x, "_NET_WM_STATE_SKIP_PAGER")};
-    const auto set = [&](xcb_atom_t property, const std::vector<xcb_atom_t>& atoms) {
-        xcb_change_property(x, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(id), property,
-                            XCB_ATOM_ATOM, 32, static_cast<std::uint32_t>(atoms.size()),
-                            atoms.data());
-    };
-    set(type, types);
+    setType(x, window, "_NET_WM_WINDOW_TYPE_UTILITY");
     // Qt keeps these when it shows the window. With its own hint for windows on top it would add a
     // state of KDE's, which xfwm4 warns about.
-    set(state, states);
+    setAtoms(x, window, state, states);
+}
+
+void declareAsDesktop(WId window) {
+    if (xcb_connection_t* const x = xcbConnectionOfQt()) {
+        setType(x, window, "_NET_WM_WINDOW_TYPE_DESKTOP");
+        // Of WM_HINTS only the part that says whether the window wants the keyboard.
+        constexpr std::uint32_t kHasInput = 1;
+        constexpr std::array<std::uint32_t, 9> kHints{kHasInput, 0};
+        xcb_change_property(x, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window),
+                            XCB_ATOM_WM_HINTS, XCB_ATOM_WM_HINTS, 32, kHints.size(), kHints.data());
+    }
 }
 
 void removeParentHint(WId window) {

@@ -15,6 +15,10 @@ namespace brimlet::x11 {
 /// do not list. Call it before each time the window is shown.
 void declareAsPanel(WId window);
 
+/// Declares the window the desktop's, which is below all others and takes no keyboard. Call it
+/// before the window is shown.
+void declareAsDesktop(WId window);
+
 /// Removes the parent that Qt names for a tooltip's window each time it shows it: a helper window,
 /// which window managers warn about.
 void removeParentHint(WId window);

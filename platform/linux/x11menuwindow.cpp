@@ -168,12 +168,14 @@ void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
         m_sway->requestAreas();
     }
     m_outside.setActive(true);
+    m_desktop.show();
 }
 
 void X11MenuWindow::hideEvent(QHideEvent* event) {
     m_dismissal.stop();
     if (!event->spontaneous()) {
         m_outside.setActive(false);
+        m_desktop.hide();
         m_dismissals.notify();
         // Queued, because this may run inside an event of the native window.
         QMetaObject::invokeMethod(this, &X11MenuWindow::destroyNativeWindow, Qt::QueuedConnection);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/desktopcover.h"
 #include "platform/linux/outsidewatch.h"
 #include "platform/linux/swaydesktop.h"
 #include "platform/menuwindow.h"
@@ -67,6 +68,7 @@ private:
     OncePerTurn m_restoreFrame{[this] { restoreFrame(); }};
     bool m_isRound = true;
     std::optional<SwayDesktop> m_sway; ///< Absent elsewhere.
+    DesktopCover m_desktop;            ///< Shown while it is.
     OutsideWatch m_outside;            ///< Active while it is shown.
     QTimer m_dismissal; ///< Runs while another window has the keyboard; dismisses the panel.
     Observers m_dismissals;

@@ -170,6 +170,26 @@ private Q_SLOTS:
             QTRY_COMPARE_WITH_TIMEOUT(film.clicks, beside, kPatience);
         }
     }
+
+    void aClickOnTheEmptyDesktopClosesThePanel() {
+        const PlacementProcess service;
+        SimulatorProcess program({{QStringLiteral("infoDictionary"),
+                                   QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}},
+                                  {QStringLiteral("drawNotch"), false}});
+        const XServer x;
+        const auto panel = [&] {
+            const auto window = x.shownWindow(program.pid(), QStringLiteral("Brimlet panel"));
+            return window ? window->geometry : QRect();
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(program.isPanelShown(), kPatience);
+        QCOMPARE(program.startAgain(), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(panel().isValid(), kPatience);
+        MutterPointer pointer;
+        pointer.click(panel().center());
+        QVERIFY(program.state().value(QStringLiteral("isMenuOpen")).toBool());
+        // Once the compositor shows the window that takes the click.
+        QTRY_VERIFY_WITH_TIMEOUT((pointer.click({200, 700}), panel().isNull()), kPatience);
+    }
 };
 
 BRIMLET_TEST(TestWithoutLayerShell, WaylandApplication)
