@@ -7,6 +7,18 @@
 #include <QScreen>
 
 namespace brimlet {
+namespace {
+
+/// Whether bars have their tray at the left end: in languages from right to left, in GNOME and
+/// MATE. Xfce's and LXQt's bars were not seen to mirror, nor was Plasma's.
+bool areBarsMirrored() {
+    const QStringList desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':');
+    const bool isMirroring =
+        desktop.contains(QStringLiteral("GNOME")) || desktop.contains(QStringLiteral("MATE"));
+    return isMirroring && QLocale::system().textDirection() == Qt::RightToLeft;
+}
+
+} // namespace
 
 std::vector<MenuScreen> x11MenuScreens(const std::vector<QRect>& monitorAreas) {
     const auto screens = QGuiApplication::screens();
@@ -14,7 +26,7 @@ std::vector<MenuScreen> x11MenuScreens(const std::vector<QRect>& monitorAreas) {
     if (!monitorAreas.empty()) {
         areas.monitorWorkAreas = monitorAreas;
     }
-    const bool isRightToLeft = QLocale::system().textDirection() == Qt::RightToLeft;
+    const bool isMirrored = areBarsMirrored();
     std::vector<MenuScreen> menuScreens;
     for (const QScreen* const screen : screens) {
         // Qt keeps the corner of a screen where it is in pixels, and scales what is on the screen.
@@ -27,7 +39,7 @@ std::vector<MenuScreen> x11MenuScreens(const std::vector<QRect>& monitorAreas) {
         };
         const QRect available(points(free.topLeft()),
                               points(free.bottomRight() + QPoint(1, 1)) - QPoint(1, 1));
-        menuScreens.push_back({geometry, available & geometry, isRightToLeft});
+        menuScreens.push_back({geometry, available & geometry, isMirrored});
     }
     return menuScreens;
 }

@@ -31,7 +31,7 @@ QPoint trayCorner(const MenuScreen& screen, const Positions& x, const Positions&
     const bool isBarAtRight = available.right() < whole.right();
     const bool isLow = !isBarAtTop && (isBarAtBottom || isBarAtLeft || isBarAtRight);
     const bool isAtSide = !isBarAtTop && !isBarAtBottom && (isBarAtLeft || isBarAtRight);
-    const bool isLeft = isAtSide ? isBarAtLeft : screen.isRightToLeft;
+    const bool isLeft = isAtSide ? isBarAtLeft : screen.isMirrored;
     return {isLeft ? x.first : x.last, isLow ? y.last : y.first};
 }
 

@@ -12,9 +12,8 @@ namespace brimlet {
 /// A screen on which the panel may open, in Qt's space.
 struct MenuScreen final {
     QRect geometry;
-    QRect available; ///< Without the areas reserved by desktop bars.
-    /// The desktop's language is, so bars have their tray at the left end.
-    bool isRightToLeft = false;
+    QRect available;         ///< Without the areas reserved by desktop bars.
+    bool isMirrored = false; ///< Bars have their tray at the left end.
 };
 
 /// Whether the point, in Qt's space, is on a screen where a bar has reserved the area.
@@ -30,8 +29,8 @@ struct MenuScreen final {
 /// The panel's top-left corner, in Qt's space: below the status item in the upper half of the
 /// available area, above it in the lower half. When the item's place is unknown, it is the corner
 /// where trays usually are: at the right end of a bar at the top, or else at the bottom; at the
-/// lower end of a bar at a side; at the top right without a bar; left for right in desktops of
-/// languages from right to left. The panel stays inside the
+/// lower end of a bar at a side; at the top right without a bar; left for right on a mirrored
+/// screen. The panel stays inside the
 /// available area and, if it fits, six points away from its edges.
 [[nodiscard]] QPoint menuOrigin(QSize panel, const std::optional<QRect>& item,
                                 const MenuScreen& screen);

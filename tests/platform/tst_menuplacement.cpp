@@ -124,7 +124,7 @@ private Q_SLOTS:
         }
     }
 
-    void rightToLeftTheTraysAreAtTheLeft_data() {
+    void onAMirroredScreenTheTraysAreAtTheLeft_data() {
         QTest::addColumn<QRect>("available");
         QTest::addColumn<QPoint>("origin");
         QTest::newRow("no bar") << QRect(0, 0, 1512, 982) << QPoint(6, 6);
@@ -133,7 +133,7 @@ private Q_SLOTS:
         QTest::newRow("left") << QRect(48, 0, 1464, 982) << QPoint(54, 476);
         QTest::newRow("right") << QRect(0, 0, 1464, 982) << QPoint(1118, 476);
     }
-    void rightToLeftTheTraysAreAtTheLeft() {
+    void onAMirroredScreenTheTraysAreAtTheLeft() {
         QFETCH(QRect, available);
         QTEST(menuOrigin(kPanel, std::nullopt, {QRect(0, 0, 1512, 982), available, true}),
               "origin");
