@@ -30,8 +30,8 @@ struct MenuScreen final {
 /// available area, above it in the lower half. When the item's place is unknown, it is the corner
 /// where trays usually are: at the right end of a bar at the top, or else at the bottom; at the
 /// lower end of a bar at a side; at the top right without a bar; left for right on a mirrored
-/// screen. The panel stays inside the
-/// available area and, if it fits, six points away from its edges.
+/// screen. The panel stays inside the available area and, if it fits, six points away from its
+/// edges.
 [[nodiscard]] QPoint menuOrigin(QSize panel, const std::optional<QRect>& item,
                                 const MenuScreen& screen);
 
