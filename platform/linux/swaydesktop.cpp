@@ -135,6 +135,9 @@ void SwayDesktop::readReplies() {
 }
 
 void SwayDesktop::handleReply(std::uint32_t type, const QByteArray& payload) {
+    if (type == kRunCommand && !QJsonDocument::fromJson(payload)[0][u"success"].toBool()) {
+        Q_EMIT moveRefused();
+    }
     if (type != kGetWorkspaces) {
         return;
     }

@@ -33,6 +33,8 @@ public:
 Q_SIGNALS:
     /// The answer differs from the last one.
     void areasChanged();
+    /// Sway has no such window, or not yet: it learns of one only when that is painted.
+    void moveRefused();
 
 private:
     void send(std::uint32_t type, const QByteArray& payload);

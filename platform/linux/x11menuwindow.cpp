@@ -94,18 +94,24 @@ void X11MenuWindow::fit() {
         m_content->resize(frame->size());
         m_frame = *frame;
         m_isFrameRestored = false;
-        setGeometry(*frame);
+        m_swayTries = kSwayTries;
+        if (!m_sway) {
+            setGeometry(*frame);
+        } else if (size() != frame->size()) {
+            resize(frame->size());
+        }
         placeBySway();
     }
 }
 
 void X11MenuWindow::restoreFrame() {
-    if (isVisible() && geometry() != m_frame && !m_isFrameRestored) {
+    if (!isVisible() || geometry() == m_frame) {
+        return;
+    }
+    if (m_sway && size() == m_frame.size()) {
+        placeBySway();
+    } else if (!m_isFrameRestored) {
         m_isFrameRestored = true;
-        if (m_sway && size() == m_frame.size()) {
-            placeBySway(); // sway would centre the window again at a request to the X server
-            return;
-        }
         // The native window's, which may still differ from the widget's: that one would request
         // only what differs from its own.
         windowHandle()->setGeometry(m_frame);
@@ -121,11 +127,20 @@ void X11MenuWindow::watchSway() {
                 fit();
             }
         });
+        constexpr std::chrono::milliseconds kUntilPainted{20};
+        m_swayRetry.setInterval(kUntilPainted);
+        m_swayRetry.setSingleShot(true);
+        connect(&*m_sway, &SwayDesktop::moveRefused, this, [this] { m_swayRetry.start(); });
+        connect(&m_swayRetry, &QTimer::timeout, this, &X11MenuWindow::placeBySway);
     }
 }
 
+/// Sway centres the window at each request for another place or size, even one that reaches it
+/// after the move, since the X server passes that on later. So no place is requested from the X
+/// server.
 void X11MenuWindow::placeBySway() {
-    if (m_sway && isVisible()) {
+    if (m_sway && isVisible() && m_swayTries > 0) {
+        --m_swayTries;
         m_sway->move(windowTitle(), toX11Pixels(m_frame.topLeft()));
     }
 }
@@ -173,6 +188,7 @@ void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
 
 void X11MenuWindow::hideEvent(QHideEvent* event) {
     m_dismissal.stop();
+    m_swayRetry.stop();
     if (!event->spontaneous()) {
         m_outside.setActive(false);
         m_desktop.hide();

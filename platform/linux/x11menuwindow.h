@@ -68,9 +68,14 @@ private:
     OncePerTurn m_restoreFrame{[this] { restoreFrame(); }};
     bool m_isRound = true;
     std::optional<SwayDesktop> m_sway; ///< Absent elsewhere.
-    DesktopCover m_desktop;            ///< Shown while it is.
-    OutsideWatch m_outside;            ///< Active while it is shown.
-    QTimer m_dismissal; ///< Runs while another window has the keyboard; dismisses the panel.
+    /// For each frame: sway centres the window when it is painted and at each change of its size,
+    /// which may be after the move. Limited, so that the user may move the panel.
+    static constexpr int kSwayTries = 20;
+    int m_swayTries = 0;
+    QTimer m_swayRetry;
+    DesktopCover m_desktop; ///< Shown while it is.
+    OutsideWatch m_outside; ///< Active while it is shown.
+    QTimer m_dismissal;     ///< Runs while another window has the keyboard; dismisses the panel.
     Observers m_dismissals;
 };
 

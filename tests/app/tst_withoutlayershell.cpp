@@ -1,9 +1,9 @@
+#include "tests/app/waylandapplication.h"
 #include "tests/support/processes.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
-#include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
@@ -20,22 +20,6 @@ namespace {
 constexpr int kPatience = 15'000;
 const QString kLeftPage = QStringLiteral("https://left.test/");
 const QString kRightPage = QStringLiteral("https://right.test/page");
-
-/// Makes the test itself a program of the Wayland desktop, but not those that it starts.
-class WaylandApplication final : public QApplication {
-public:
-    WaylandApplication(int& argc, char** argv)
-        : QApplication(onWayland(argc), argv) {
-        qunsetenv("QT_QPA_PLATFORM");
-    }
-
-private:
-    static int& onWayland(int& argc) {
-        qputenv("QT_QPA_PLATFORM", "wayland");
-        qputenv("QT_WAYLAND_DISABLE_WINDOWDECORATION", "1"); // which would load OpenGL
-        return argc;
-    }
-};
 
 /// Mutter's pointer, over the session bus. Positions are in points of a screen with one output.
 class MutterPointer final {

@@ -145,6 +145,12 @@ private Q_SLOTS:
                                 "-320 px 388 px")
                      .arg(QCoreApplication::applicationPid())
                      .toUtf8());
+        const QSignalSpy refusals(&desktop, &SwayDesktop::moveRefused);
+        sway.send(reply(kCommand, R"([{"success": true}])") + reply(kWorkspaces, kTwoOutputs));
+        QTRY_COMPARE_WITH_TIMEOUT(desktop.areas(), kTwoAreas, kPatience);
+        QCOMPARE(refusals.size(), 0);
+        sway.send(reply(kCommand, R"([{"success": false, "error": "No matching node."}])"));
+        QTRY_COMPARE_WITH_TIMEOUT(refusals.size(), 1, kPatience);
     }
 
     void repliesMayComeInPieces() {

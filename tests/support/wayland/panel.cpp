@@ -10,7 +10,7 @@
 
 namespace brimlet::desktop {
 
-Panel::Panel(int height, const QColor& colour, Space space)
+Panel::Panel(int height, const QColor& colour, Space space, Edge edge)
     : m_colour(colour) {
     auto* const compositor = m_connection.bind<wl_compositor>(wl_compositor_interface, 1);
     auto* const shell = m_connection.bind<zwlr_layer_shell_v1>(zwlr_layer_shell_v1_interface, 1);
@@ -25,9 +25,10 @@ Panel::Panel(int height, const QColor& colour, Space space)
             shell, part.surface, output, ZWLR_LAYER_SHELL_V1_LAYER_TOP, "panel");
         zwlr_layer_surface_v1_add_listener(layer, &kListener, &part);
         zwlr_layer_surface_v1_set_size(layer, 0, static_cast<std::uint32_t>(height));
-        zwlr_layer_surface_v1_set_anchor(layer, ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP |
-                                                    ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT |
-                                                    ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT);
+        zwlr_layer_surface_v1_set_anchor(
+            layer, (edge == Edge::Top ? ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP
+                                      : ZWLR_LAYER_SURFACE_V1_ANCHOR_BOTTOM) |
+                       ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT | ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT);
         zwlr_layer_surface_v1_set_exclusive_zone(layer, space == Space::Reserved ? height : 0);
         wl_surface_commit(part.surface);
     }

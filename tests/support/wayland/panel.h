@@ -11,14 +11,15 @@ struct zwlr_layer_surface_v1;
 
 namespace brimlet::desktop {
 
-/// A panel of a desktop along the top edge of each output, in one colour.
+/// A panel of a desktop along an edge of each output, in one colour.
 class Panel final {
 public:
     enum class Space { Reserved, Shared };
+    enum class Edge { Top, Bottom };
 
     /// `height` is in points. Other windows are placed beside it if it reserves its space. Returns
     /// when it is on the screen.
-    Panel(int height, const QColor& colour, Space space);
+    Panel(int height, const QColor& colour, Space space, Edge edge = Edge::Top);
 
 private:
     struct Part final {
