@@ -34,7 +34,7 @@ std::uint32_t keyCode(char character) {
         std::uint32_t first;
     };
     for (const Row& row : {Row{"1234567890", KEY_1}, Row{"qwertyuiop", KEY_Q},
-                           Row{"asdfghjkl", KEY_A}, Row{"zxcvbnm", KEY_Z}}) {
+                           Row{"asdfghjkl", KEY_A}, Row{"zxcvbnm", KEY_Z}, Row{"-", KEY_MINUS}}) {
         if (const auto at = row.characters.find(character); at != std::string_view::npos) {
             return row.first + static_cast<std::uint32_t>(at);
         }
@@ -92,12 +92,12 @@ void Seat::moveTo(QPointF position) {
     m_connection.roundtrip();
 }
 
-void Seat::press() {
-    button(true);
+void Seat::press(Button which) {
+    button(which, true);
 }
 
-void Seat::release() {
-    button(false);
+void Seat::release(Button which) {
+    button(which, false);
 }
 
 void Seat::click(QPointF position) {
@@ -106,11 +106,12 @@ void Seat::click(QPointF position) {
     release();
 }
 
-void Seat::button(bool isPressed) {
+void Seat::button(Button which, bool isPressed) {
+    const std::uint32_t code = which == Button::Left ? BTN_LEFT : BTN_RIGHT;
     if (m_fake != nullptr) {
-        org_kde_kwin_fake_input_button(m_fake, BTN_LEFT, isPressed ? 1 : 0);
+        org_kde_kwin_fake_input_button(m_fake, code, isPressed ? 1 : 0);
     } else {
-        zwlr_virtual_pointer_v1_button(m_pointer, milliseconds(), BTN_LEFT, isPressed ? 1 : 0);
+        zwlr_virtual_pointer_v1_button(m_pointer, milliseconds(), code, isPressed ? 1 : 0);
         zwlr_virtual_pointer_v1_frame(m_pointer);
     }
     m_connection.roundtrip();
@@ -122,6 +123,12 @@ void Seat::type(const char* text) {
         key(code, true);
         key(code, false);
     }
+}
+
+void Seat::strike(Key which) {
+    const std::uint32_t code = which == Key::Escape ? KEY_ESC : KEY_ENTER;
+    key(code, true);
+    key(code, false);
 }
 
 void Seat::key(std::uint32_t code, bool isPressed) {

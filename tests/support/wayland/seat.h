@@ -17,19 +17,23 @@ class Seat final {
 public:
     Seat();
 
+    enum class Button { Left, Right };
+    enum class Key { Escape, Return };
+
     void moveTo(QPointF position);
-    void press();
-    void release();
+    void press(Button which = Button::Left);
+    void release(Button which = Button::Left);
     /// Moves there, presses and releases the left button.
     void click(QPointF position);
-    /// Types small letters and digits into the window with the keyboard focus.
+    /// Types small letters, digits and hyphens into the window with the keyboard focus.
     void type(const char* text);
+    void strike(Key which);
     /// Whether there is a touch screen; sway has none.
     [[nodiscard]] bool hasTouch() const { return m_fake != nullptr; }
     void tap(QPointF position);
 
 private:
-    void button(bool isPressed);
+    void button(Button which, bool isPressed);
     void key(std::uint32_t code, bool isPressed);
 
     Connection m_connection;
