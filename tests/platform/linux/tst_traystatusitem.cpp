@@ -397,7 +397,7 @@ private Q_SLOTS:
         QVERIFY(!m_item->place());
         m_tray->thaw();
         QTRY_VERIFY_WITH_TIMEOUT(isInTray(), kPatience);
-        QVERIFY(changes > 0);
+        QTRY_VERIFY_WITH_TIMEOUT(changes > 0, kPatience);
     }
 
     void cleanupTestCase() {
