@@ -42,6 +42,7 @@ class TestWaylandPanel final : public QObject {
     desktop::Seat m_seat;
     XServer m_x;
     std::optional<SimulatorProcess> m_program;
+    std::optional<OtherWindow> m_other;
 
     /// The panel's frame; null while it is not shown.
     [[nodiscard]] QRect frame() const {
@@ -62,6 +63,7 @@ private Q_SLOTS:
     void initTestCase() {
         QVERIFY2(m_x.isConnected(), "this test needs script/desktop-session");
         m_seat.moveTo(kElsewhere);
+        m_other.emplace();
         m_program.emplace(QJsonObject());
     }
     void cleanupTestCase() { QCOMPARE(m_program->endBySignal(SIGTERM), 0); }
@@ -76,7 +78,9 @@ private Q_SLOTS:
         using desktop::Panel;
         const Panel bar(kBar, Qt::gray, Panel::Space::Reserved,
                         isAtTop ? Panel::Edge::Top : Panel::Edge::Bottom);
-        OtherWindow other;
+        OtherWindow& other = *m_other;
+        other.clicks = 0;
+        other.typed.clear();
         QTRY_COMPARE_WITH_TIMEOUT(other.width(), kScreen.width(), kPatience);
         QTRY_VERIFY_WITH_TIMEOUT(other.isActive(), kPatience);
         open();
@@ -89,9 +93,7 @@ private Q_SLOTS:
             QTRY_COMPARE_WITH_TIMEOUT(frame().bottomRight(), free.bottomRight(), kPatience);
         }
         QTRY_VERIFY_WITH_TIMEOUT(!other.isActive() && hasKeyboard(), kPatience);
-        // The window below gets the click, and the keyboard with it. Sway looks for a new window
-        // below the pointer only when that moves.
-        m_seat.moveTo(kElsewhere + QPoint(20, 0));
+        // The window below gets the click, and the keyboard with it.
         m_seat.click(kElsewhere);
         QTRY_VERIFY_WITH_TIMEOUT(!frame().isValid(), kPatience);
         QTRY_COMPARE_WITH_TIMEOUT(other.clicks, 1, kPatience);
@@ -101,6 +103,10 @@ private Q_SLOTS:
     }
 
     void aClickOnTheEmptyDesktopClosesIt() {
+        if (desktop::is("kwin")) {
+            QSKIP("KWin alone has no desktop; Plasma's is a window");
+        }
+        m_other.reset();
         open();
         QTRY_VERIFY_WITH_TIMEOUT(hasKeyboard(), kPatience);
         m_seat.click(kElsewhere);
