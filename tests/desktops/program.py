@@ -2,14 +2,12 @@
 
 import json
 import os
-import signal
 import subprocess
-import time
 from pathlib import Path
 
 import gi
 
-from hands import Failure, call, output, wait_until
+from hands import Failure, call
 
 gi.require_version('Atspi', '2.0')
 from gi.repository import Atspi, GLib  # noqa: E402
@@ -31,10 +29,9 @@ def end(process):
 class Program:
     """The simulated program on the 14-inch machine, with a browser that only records."""
 
-    def __init__(self, programs, scratch, arguments=()):
+    def __init__(self, programs, scratch):
         self._programs = programs
         self._scratch = scratch
-        self._arguments = list(arguments)
         self.machine = scratch / 'machine.json'
         self.errors = scratch / 'program.err'
         self.protocol = scratch / 'protocol.log'
@@ -58,8 +55,7 @@ class Program:
         self.process = None
 
     def _command(self, *arguments):
-        return [self._programs / 'brimlet-simulator', '--machine', self.machine, *self._arguments,
-                *arguments]
+        return [self._programs / 'brimlet-simulator', '--machine', self.machine, *arguments]
 
     def start(self, is_traced=False):
         """Traced, it writes its Wayland protocol."""

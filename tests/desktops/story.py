@@ -124,11 +124,11 @@ class OtherWindow:
 
 
 class Story:
-    def __init__(self, desktop, programs, scratch, pictures, arguments):
+    def __init__(self, desktop, programs, scratch, pictures):
         self.desktop = desktop
         self.is_wayland = VERSIONS[desktop][2].startswith('Wayland')
         self.hands = hands.of(desktop, programs, float(os.environ.get('BRIMLET_SESSION_SCALE') or 1))
-        self.program = Program(programs, scratch, arguments)
+        self.program = Program(programs, scratch)
         self.pictures = pictures
         self.icon_box = None
         self.panels = set()  # the windows it has had
@@ -649,6 +649,8 @@ class Story:
     def protocol(self):
         if not self.is_wayland:
             return None, 'no Wayland'
+        if not self.program.protocol.exists():
+            return None, 'not traced'
         text = self.program.protocol.read_text(errors='replace')
         errors = re.findall(r'.*wl_display@1\.error.*', text)
         native = 'native overlay' if '.get_layer_surface(' in text else 'X11 overlay'
@@ -715,7 +717,6 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument('--bin', type=Path, required=True, metavar='FOLDER', help='the built programs')
     parser.add_argument('--only', nargs='*', help='names of rows\' functions')
-    parser.add_argument('--argument', action='append', default=[], help='for the program, e.g. -reverse')
     parser.add_argument('results', type=Path, help='a folder for results and pictures')
     options = parser.parse_args()
     desktop = os.environ['BRIMLET_SESSION_DESKTOP']
@@ -723,7 +724,7 @@ def main():
     if not wait_until(lambda: has_owner(name), 40):
         sys.exit(f'story: {desktop} has no {name}')
     with tempfile.TemporaryDirectory(prefix='brimlet-story.') as scratch:
-        story = Story(desktop, options.bin, Path(scratch), options.results, options.argument)
+        story = Story(desktop, options.bin, Path(scratch), options.results)
         try:
             seen = tell(story, options.only)
         finally:
