@@ -181,9 +181,12 @@ CONFIG
         --wayland-display wayland-0
     await screen grep 'Using public X11 display' "$logs/screen.log"
     await screen has_name org.gnome.Shell
+    await screen has_authority
     DISPLAY=$(sed -n 's/.*Using public X11 display \(:[0-9]*\).*/\1/p' "$logs/screen.log" | head -n 1)
     XAUTHORITY=$(find "$XDG_RUNTIME_DIR" -name '.mutter-Xwaylandauth.*' | head -n 1)
     export DISPLAY XAUTHORITY WAYLAND_DISPLAY=wayland-0 QT_QPA_PLATFORM=xcb
 }
+has_authority() { compgen -G "$XDG_RUNTIME_DIR/.mutter-Xwaylandauth.*"; }
+
 # Tells X programs the scale.
 start_gnome_shell() { keep settings /usr/libexec/gsd-xsettings; }

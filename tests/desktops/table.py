@@ -15,7 +15,7 @@ ORDER = ('xfce', 'lxqt', 'mate', 'sway', 'plasma', 'gnome')
 BEGIN, END = '<!-- table -->', '<!-- end of the table -->'
 WORDS = {True: 'yes', False: 'no', None: '–'}
 PICTURE = 756  # points of width
-COLOURS = 64
+COLOURS = 256
 
 
 def cell(row):
