@@ -6,6 +6,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <array>
+#include <cerrno>
 #include <cstring>
 #include <utility>
 

@@ -6,6 +6,7 @@
 #include <QRect>
 #include <QSocketNotifier>
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
