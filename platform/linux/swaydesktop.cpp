@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <utility>
 
@@ -56,7 +57,12 @@ std::vector<QRect> visibleAreas(const QByteArray& workspaces) {
 } // namespace
 
 SwayDesktop::SwayDesktop(QString path)
-    : m_path(std::move(path)) {}
+    : m_path(std::move(path)) {
+    constexpr std::chrono::milliseconds kUntilPainted{20};
+    m_retry.setInterval(kUntilPainted);
+    m_retry.setSingleShot(true);
+    connect(&m_retry, &QTimer::timeout, this, &SwayDesktop::placeAgain);
+}
 
 SwayDesktop::~SwayDesktop() {
     disconnectFromSway();
@@ -66,13 +72,28 @@ void SwayDesktop::requestAreas() {
     send(kGetWorkspaces, {});
 }
 
-void SwayDesktop::move(const QString& title, QPoint position) {
-    send(kRunCommand, QStringLiteral("[pid=%1 title=\"^%2$\"] move absolute position %3 px %4 px")
-                          .arg(QCoreApplication::applicationPid())
-                          .arg(title)
-                          .arg(position.x())
-                          .arg(position.y())
-                          .toUtf8());
+void SwayDesktop::place(const QString& title, QPoint position) {
+    constexpr int kMostMoves = 20;
+    m_movesLeft = kMostMoves;
+    m_move = QStringLiteral("[pid=%1 title=\"^%2$\"] move absolute position %3 px %4 px")
+                 .arg(QCoreApplication::applicationPid())
+                 .arg(title)
+                 .arg(position.x())
+                 .arg(position.y())
+                 .toUtf8();
+    placeAgain();
+}
+
+void SwayDesktop::placeAgain() {
+    if (m_movesLeft > 0) {
+        --m_movesLeft;
+        send(kRunCommand, m_move);
+    }
+}
+
+void SwayDesktop::stop() {
+    m_movesLeft = 0;
+    m_retry.stop();
 }
 
 void SwayDesktop::send(std::uint32_t type, const QByteArray& payload) {
@@ -138,7 +159,7 @@ void SwayDesktop::readReplies() {
 
 void SwayDesktop::handleReply(std::uint32_t type, const QByteArray& payload) {
     if (type == kRunCommand && !QJsonDocument::fromJson(payload)[0][u"success"].toBool()) {
-        Q_EMIT moveRefused();
+        m_retry.start();
     }
     if (type != kGetWorkspaces) {
         return;

@@ -5,6 +5,7 @@
 #include <QPoint>
 #include <QRect>
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include <cstdint>
 #include <memory>
@@ -28,14 +29,19 @@ public:
     void requestAreas();
     /// The last answer, in pixels of the X server; empty before the first.
     [[nodiscard]] const std::vector<QRect>& areas() const { return m_areas; }
-    /// Moves this process's window of that title to the position, in pixels of the X server.
-    void move(const QString& title, QPoint position);
+    /// Moves this process's window of that title to the position, in pixels of the X server. Tries
+    /// again while sway has no such window: it learns of one only when that is painted.
+    void place(const QString& title, QPoint position);
+    /// Repeats the last move, for sway centres the window at each change of its size and at each of
+    /// its own requests, even one that reaches sway after the move. At most twenty times with the
+    /// tries, so that the user may move the window.
+    void placeAgain();
+    /// Ends the tries.
+    void stop();
 
 Q_SIGNALS:
     /// The answer differs from the last one.
     void areasChanged();
-    /// Sway has no such window, or not yet: it learns of one only when that is painted.
-    void moveRefused();
 
 private:
     void send(std::uint32_t type, const QByteArray& payload);
@@ -49,6 +55,9 @@ private:
     std::unique_ptr<QSocketNotifier> m_readable;
     QByteArray m_received;
     std::vector<QRect> m_areas;
+    QByteArray m_move; ///< The last one's command.
+    int m_movesLeft = 0;
+    QTimer m_retry;
 };
 
 } // namespace brimlet

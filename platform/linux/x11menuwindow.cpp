@@ -94,13 +94,14 @@ void X11MenuWindow::fit() {
         m_content->resize(frame->size());
         m_frame = *frame;
         m_isFrameRestored = false;
-        m_swayTries = kSwayTries;
-        if (!m_sway) {
+        if (m_sway) {
+            resize(frame->size()); // sway would centre it at a request for a place, too
+            if (isVisible()) {
+                m_sway->place(windowTitle(), toX11Pixels(frame->topLeft()));
+            }
+        } else {
             setGeometry(*frame);
-        } else if (size() != frame->size()) {
-            resize(frame->size());
         }
-        placeBySway();
     }
 }
 
@@ -109,7 +110,7 @@ void X11MenuWindow::restoreFrame() {
         return;
     }
     if (m_sway && size() == m_frame.size()) {
-        placeBySway();
+        m_sway->placeAgain();
     } else if (!m_isFrameRestored) {
         m_isFrameRestored = true;
         // The native window's, which may still differ from the widget's: that one would request
@@ -127,21 +128,6 @@ void X11MenuWindow::watchSway() {
                 fit();
             }
         });
-        constexpr std::chrono::milliseconds kUntilPainted{20};
-        m_swayRetry.setInterval(kUntilPainted);
-        m_swayRetry.setSingleShot(true);
-        connect(&*m_sway, &SwayDesktop::moveRefused, this, [this] { m_swayRetry.start(); });
-        connect(&m_swayRetry, &QTimer::timeout, this, &X11MenuWindow::placeBySway);
-    }
-}
-
-/// Sway centres the window at each request for another place or size, even one that reaches it
-/// after the move, since the X server passes that on later. So no place is requested from the X
-/// server.
-void X11MenuWindow::placeBySway() {
-    if (m_sway && isVisible() && m_swayTries > 0) {
-        --m_swayTries;
-        m_sway->move(windowTitle(), toX11Pixels(m_frame.topLeft()));
     }
 }
 
@@ -188,7 +174,9 @@ void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
 
 void X11MenuWindow::hideEvent(QHideEvent* event) {
     m_dismissal.stop();
-    m_swayRetry.stop();
+    if (m_sway) {
+        m_sway->stop();
+    }
     if (!event->spontaneous()) {
         m_outside.setActive(false);
         m_desktop.hide();

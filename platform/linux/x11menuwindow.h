@@ -50,8 +50,6 @@ private:
     /// Resizes to the content's size hint and moves to the place beside the status item.
     void fit();
     void watchSway();
-    /// Where the window manager does not let the window place itself.
-    void placeBySway();
     /// Closes the panel at clicks that take the keyboard from no window, as on an empty desktop.
     void watchOutside();
     /// Requests the last frame again if the window has another one. The window manager's report of
@@ -68,14 +66,9 @@ private:
     OncePerTurn m_restoreFrame{[this] { restoreFrame(); }};
     bool m_isRound = true;
     std::optional<SwayDesktop> m_sway; ///< Absent elsewhere.
-    /// For each frame: sway centres the window when it is painted and at each change of its size,
-    /// which may be after the move. Limited, so that the user may move the panel.
-    static constexpr int kSwayTries = 20;
-    int m_swayTries = 0;
-    QTimer m_swayRetry;
-    DesktopCover m_desktop; ///< Shown while it is.
-    OutsideWatch m_outside; ///< Active while it is shown.
-    QTimer m_dismissal;     ///< Runs while another window has the keyboard; dismisses the panel.
+    DesktopCover m_desktop;            ///< Shown while it is.
+    OutsideWatch m_outside;            ///< Active while it is shown.
+    QTimer m_dismissal; ///< Runs while another window has the keyboard; dismisses the panel.
     Observers m_dismissals;
 };
 

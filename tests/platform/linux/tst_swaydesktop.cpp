@@ -62,6 +62,7 @@ public:
         std::memcpy(&length, head.constData() + 6, sizeof length);
         return QByteArray::number(head.at(10)) + ' ' + receive(length);
     }
+    [[nodiscard]] bool hasMessage() const { return isReadable(m_client, 0); }
     void send(const QByteArray& bytes) const {
         QCOMPARE(::send(m_client, bytes.constData(), static_cast<std::size_t>(bytes.size()), 0),
                  bytes.size());
@@ -79,9 +80,9 @@ public:
     }
 
 private:
-    static bool isReadable(int socket) {
+    static bool isReadable(int socket, int patience = kPatience) {
         pollfd descriptor{socket, POLLIN, 0};
-        return ::poll(&descriptor, 1, kPatience) > 0;
+        return ::poll(&descriptor, 1, patience) > 0;
     }
     [[nodiscard]] QByteArray receive(std::size_t length) const {
         QByteArray bytes(static_cast<qsizetype>(length), '\0');
@@ -139,18 +140,39 @@ private Q_SLOTS:
     void itMovesTheWindowOfThisProcess() {
         StandInSway sway;
         SwayDesktop desktop(sway.path());
-        desktop.move(QStringLiteral("Brimlet panel"), QPoint(-320, 388));
+        desktop.place(QStringLiteral("Brimlet panel"), QPoint(-320, 388));
         QCOMPARE(sway.message(),
                  QStringLiteral("0 [pid=%1 title=\"^Brimlet panel$\"] move absolute position "
                                 "-320 px 388 px")
                      .arg(QCoreApplication::applicationPid())
                      .toUtf8());
-        const QSignalSpy refusals(&desktop, &SwayDesktop::moveRefused);
         sway.send(reply(kCommand, R"([{"success": true}])") + reply(kWorkspaces, kTwoOutputs));
         QTRY_COMPARE_WITH_TIMEOUT(desktop.areas(), kTwoAreas, kPatience);
-        QCOMPARE(refusals.size(), 0);
-        sway.send(reply(kCommand, R"([{"success": false, "error": "No matching node."}])"));
-        QTRY_COMPARE_WITH_TIMEOUT(refusals.size(), 1, kPatience);
+        desktop.requestAreas();
+        QCOMPARE(sway.message(), QByteArray("1 ")); // and no other move before
+    }
+
+    void aRefusedMoveIsTriedAgainTwentyTimesInAll() {
+        StandInSway sway;
+        SwayDesktop desktop(sway.path());
+        desktop.place(QStringLiteral("Brimlet panel"), QPoint(1, 2));
+        const QByteArray first = sway.message();
+        for (int time = 1; time < 20; ++time) {
+            sway.send(reply(kCommand, R"([{"success": false, "error": "No matching node."}])"));
+            QTRY_VERIFY_WITH_TIMEOUT(sway.hasMessage(), kPatience); // our loop runs meanwhile
+            QCOMPARE(sway.message(), first);
+        }
+        desktop.placeAgain();
+        desktop.requestAreas();
+        QCOMPARE(sway.message(), QByteArray("1 "));
+        desktop.place(QStringLiteral("Brimlet panel"), QPoint(3, 4)); // counts anew
+        QVERIFY(sway.message().endsWith("3 px 4 px"));
+        desktop.placeAgain();
+        QVERIFY(sway.message().endsWith("3 px 4 px"));
+        desktop.stop();
+        desktop.placeAgain();
+        desktop.requestAreas();
+        QCOMPARE(sway.message(), QByteArray("1 "));
     }
 
     void repliesMayComeInPieces() {
@@ -221,7 +243,7 @@ private Q_SLOTS:
              {QString(), QStringLiteral("/nowhere/sway.sock"), QString(200, QLatin1Char('x'))}) {
             SwayDesktop desktop(path);
             desktop.requestAreas();
-            desktop.move(QStringLiteral("Brimlet panel"), {});
+            desktop.place(QStringLiteral("Brimlet panel"), {});
             QVERIFY(desktop.areas().empty());
         }
     }
