@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# The desktops of script/desktop-session, which sources this: what a user of Debian gets, except that where a
-# file of settings can say so bars have no clock or a still one, so that nothing but the tray changes in them.
+# The desktops of script/desktop-session, which sources this: what a user of Debian gets, except that bars
+# have no clock where a file of settings can say so, so that nothing but the tray changes in them.
 # shellcheck disable=SC2034,SC2154 # set by the script or for it
 
 # Which servers of the script the desktop takes. The rest is its own.
@@ -26,7 +26,7 @@ name_desktop() {
     case $desktop in
     xfce) XDG_CURRENT_DESKTOP=XFCE ;;
     lxqt) XDG_CURRENT_DESKTOP=LXQt ;;
-    mate) XDG_CURRENT_DESKTOP=MATE && export GSETTINGS_BACKEND=keyfile ;;
+    mate) XDG_CURRENT_DESKTOP=MATE && export GSETTINGS_BACKEND=memory ;;
     sway) XDG_CURRENT_DESKTOP=sway ;;
     plasma) XDG_CURRENT_DESKTOP=KDE && export KDE_FULL_SESSION=true KDE_SESSION_VERSION=5 ;;
     gnome) XDG_CURRENT_DESKTOP=GNOME && export GSETTINGS_BACKEND=keyfile ;;
@@ -131,13 +131,9 @@ CONFIG
 }
 
 start_mate_shell() {
-    mkdir -p "$XDG_CONFIG_HOME/glib-2.0/settings"
-    # A clock that stands still, since one that changes its width moves the tray.
-    cat >"$XDG_CONFIG_HOME/glib-2.0/settings/keyfile" <<CONFIG
-[org/mate/panel/objects/clock/prefs]
-format='custom'
-custom-format='Clock'
-CONFIG
+    # A clock whose text changes its width would move the tray. This font's digits are equally wide.
+    mkdir -p "$XDG_CONFIG_HOME/gtk-3.0"
+    printf '[Settings]\ngtk-font-name=DejaVu Sans 10\n' >"$XDG_CONFIG_HOME/gtk-3.0/settings.ini"
     keep wm marco --sm-disable --composite
     await wm has_window_manager
     keep panel mate-panel
