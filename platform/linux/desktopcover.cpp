@@ -10,9 +10,11 @@ namespace brimlet {
 namespace {
 
 bool isGnomeOnWayland() {
+    if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) {
+        return false; // without a round trip to the X server
+    }
     const QString name = x11::windowManagerName();
-    return qEnvironmentVariableIsSet("WAYLAND_DISPLAY") &&
-           (name == QLatin1StringView("GNOME Shell") || name == QLatin1StringView("Mutter"));
+    return name == QLatin1StringView("GNOME Shell") || name == QLatin1StringView("Mutter");
 }
 
 /// Of 32 bits, with which windows can be transparent; 0 without one.

@@ -8,7 +8,6 @@
 #include "platform/qt/menuplacement.h"
 
 #include <QApplication>
-#include <QCursor>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>

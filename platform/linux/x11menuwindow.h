@@ -66,8 +66,8 @@ private:
     OncePerTurn m_restoreFrame{[this] { restoreFrame(); }};
     bool m_isRound = true;
     std::optional<SwayDesktop> m_sway; ///< Absent elsewhere.
-    DesktopCover m_desktop;            ///< Shown while it is.
-    OutsideWatch m_outside;            ///< Active while it is shown.
+    DesktopCover m_desktop;            ///< Shown while the panel is.
+    OutsideWatch m_outside;            ///< Active while the panel is.
     QTimer m_dismissal; ///< Runs while another window has the keyboard; dismisses the panel.
     Observers m_dismissals;
 };
