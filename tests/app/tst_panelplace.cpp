@@ -72,9 +72,14 @@ class TestPanelPlace final : public QObject {
         return {pixels.topLeft() / scale(), pixels.size() / scale()};
     }
     [[nodiscard]] QRect workArea() const { return inPoints(m_x.workArea()); }
-    /// Waits until the bar has reserved its part of the screen.
+    /// Waits until the bar, as wide as the screen, has reserved its part. While monitors change,
+    /// the window manager reports narrower areas for a moment.
     void awaitBar() const {
-        QTRY_VERIFY_WITH_TIMEOUT(!workArea().isEmpty() && workArea() != kScreen, kPatience);
+        const auto isBarReserved = [&] {
+            const QRect area = workArea();
+            return area.width() == kScreen.width() && area.height() < kScreen.height();
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(isBarReserved(), kPatience);
     }
 
     static constexpr QRect kScreen{0, 0, 1512, 982};
