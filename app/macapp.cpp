@@ -2,19 +2,27 @@
 
 #include "overlay/notchpill.h"
 #include "overlay/pilltexts.h"
+#include "platform/mac/appkitpanels.h"
 #include "platform/mac/macmenuwindow.h"
-#include "platform/mac/macoverlaywindow.h"
 #include "platform/mac/macscreens.h"
+#include "platform/mac/macsecretstore.h"
+#include "platform/mac/macstatusitem.h"
 #include "platform/mac/reopening.h"
+#include "platform/mac/rules/macoverlaywindow.h"
 #include "platform/mac/rules/selftest.h"
 
 #include <QApplication>
+#include <QEventLoop>
+#include <QTimer>
 
+#include <chrono>
 #include <cstdio>
 #include <utility>
 
 namespace brimlet {
 namespace {
+
+const AppKitPanels kPanels;
 
 QString toolTipAt(const QWidget& overlay, QPoint where) {
     const auto* const pill = qobject_cast<const NotchPill*>(overlay.childAt(where));
@@ -37,17 +45,31 @@ void prepareMacApplication() {
 
 int runSelfTest() {
     const MacScreens screens;
-    const MacOverlayWindow overlay(std::make_unique<QWidget>(),
-                                   [](QPoint /*where*/) { return QString(); });
-    const SelfTest result = selfTest(overlay.facts(), screens);
+    const MacStatusItem statusItem;
+    MacSecretStore secrets;
+    MacOverlayWindow overlay(kPanels, std::make_unique<QWidget>(),
+                             [](QPoint /*where*/) { return QString(); });
+    const auto settle = [] {
+        QEventLoop wait;
+        QTimer::singleShot(std::chrono::milliseconds(500), &wait, &QEventLoop::quit);
+        wait.exec();
+    };
+    SelfTestFacts facts;
+    facts.clicks = tryClicks(overlay, screens, settle);
+    facts.panel = overlay.facts();
+    facts.clickPanels = overlay.clickFacts();
+    facts.statusItem = statusItem.place();
+    facts.keepsSecrets = keepsSecrets(secrets);
+    const SelfTest result = selfTest(facts, screens);
     std::fputs(result.report.toUtf8().constData(), stdout);
     return result.isPassed ? 0 : 1;
 }
 
 std::unique_ptr<OverlayWindow> makeMacOverlayWindow(std::unique_ptr<QWidget> content) {
     const auto* const overlay = content.get();
-    return std::make_unique<MacOverlayWindow>(
-        std::move(content), [overlay](QPoint where) { return toolTipAt(*overlay, where); });
+    return std::make_unique<MacOverlayWindow>(kPanels, std::move(content), [overlay](QPoint where) {
+        return toolTipAt(*overlay, where);
+    });
 }
 
 std::unique_ptr<MenuWindow> makeMacMenuWindow(std::unique_ptr<QWidget> content) {

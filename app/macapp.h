@@ -15,8 +15,9 @@ namespace brimlet {
 /// Fusion style.
 void prepareMacApplication();
 
-/// Prints the properties of the overlay panel and the screens; shows no window and contacts no
-/// other process. Returns the exit code: 0 if all are as required, else 1.
+/// Tries the overlay, which is empty for that, the status item and the keychain, with an item of
+/// its own, for about a second, and prints what it found. Contacts neither the running program nor
+/// the network. Returns the exit code: 0 if everything is as required, else 1.
 [[nodiscard]] int runSelfTest();
 
 [[nodiscard]] std::unique_ptr<OverlayWindow> makeMacOverlayWindow(std::unique_ptr<QWidget> content);

@@ -54,8 +54,10 @@ void MacMenuWindow::dismiss() {
     close();
     // This program has no menus, so the menu bar still belongs to the previously active program. It
     // is not activated in close(), which also runs when the user has just switched programs.
-    if (NSApp.active) {
-        [NSWorkspace.sharedWorkspace.menuBarOwningApplication activateWithOptions:0];
+    NSRunningApplication* const other = NSWorkspace.sharedWorkspace.menuBarOwningApplication;
+    if (NSApp.active && other != nil) {
+        [NSApp yieldActivationToApplication:other];
+        [other activateFromApplication:NSRunningApplication.currentApplication options:0];
     }
 }
 

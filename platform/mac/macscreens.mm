@@ -2,6 +2,7 @@
 
 #include "platform/mac/rules/screenfacts.h"
 
+#import "platform/mac/nativepanel.h"
 #import "platform/mac/onnotification.h"
 
 #import <AppKit/AppKit.h>
@@ -12,12 +13,8 @@
 namespace brimlet {
 namespace {
 
-Rect rectFrom(NSRect rect) {
-    return {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height};
-}
-
 std::optional<double> describedNumber(NSScreen* screen) {
-    id number = screen.deviceDescription[@"NSScreenNumber"];
+    id number = [screen.deviceDescription objectForKey:@"NSScreenNumber"];
     if (![number isKindOfClass:[NSNumber class]]) {
         return std::nullopt;
     }

@@ -5,6 +5,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <Security/Security.h>
 
+#include <array>
 #include <chrono>
 #include <memory>
 #include <type_traits>
@@ -32,21 +33,9 @@ static_assert(keychainstatus::kInteractionNotAllowed == errSecInteractionNotAllo
 static_assert(keychainstatus::kInteractionRequired == errSecInteractionRequired);
 
 CFStringRef native(KeychainKey key) {
-    switch (key) {
-    case KeychainKey::Class:
-        return kSecClass;
-    case KeychainKey::AttrService:
-        return kSecAttrService;
-    case KeychainKey::AttrAccount:
-        return kSecAttrAccount;
-    case KeychainKey::ValueData:
-        return kSecValueData;
-    case KeychainKey::ReturnData:
-        return kSecReturnData;
-    case KeychainKey::MatchLimit:
-        break;
-    }
-    return kSecMatchLimit;
+    const std::array constants{kSecClass,     kSecAttrService, kSecAttrAccount,
+                               kSecValueData, kSecReturnData,  kSecMatchLimit};
+    return constants.at(static_cast<std::size_t>(key));
 }
 
 struct Native final {

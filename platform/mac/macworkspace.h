@@ -11,7 +11,8 @@
 
 namespace brimlet {
 
-/// NSWorkspace: sleep and wake of the screens, and the default browser.
+/// NSWorkspace: sleep and wake of the screens, and the default browser. While it exists, App Nap
+/// does not delay the program's timers.
 class MacWorkspace final : public Workspace {
 public:
     MacWorkspace();
@@ -30,6 +31,7 @@ private:
     Observers m_wakeObservers;
     QScopeGuard<std::function<void()>> m_sleep;
     QScopeGuard<std::function<void()>> m_wake;
+    QScopeGuard<std::function<void()>> m_activity;
 };
 
 } // namespace brimlet

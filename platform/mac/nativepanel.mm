@@ -2,9 +2,7 @@
 
 #include <QWidget>
 
-@implementation BrimletPanel {
-    BOOL _takesKeyboard;
-}
+@implementation BrimletPanel
 
 - (instancetype)initTakingKeyboard:(BOOL)takesKeyboard {
     self = [super initWithContentRect:NSZeroRect
@@ -34,10 +32,6 @@
 @end
 
 namespace brimlet {
-
-NSRect nativeRect(const Rect& rect) {
-    return NSMakeRect(rect.x, rect.y, rect.width, rect.height);
-}
 
 NSView* viewOf(QWidget& widget) {
     return (__bridge NSView*)reinterpret_cast<void*>(widget.winId());

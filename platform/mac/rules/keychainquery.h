@@ -12,7 +12,8 @@
 
 namespace brimlet {
 
-/// Keys of a keychain query, named after the Security framework's constants without "kSec".
+/// Keys of a keychain query, named after the Security framework's constants without "kSec", in the
+/// order of the adapter's list of those.
 enum class KeychainKey { Class, AttrService, AttrAccount, ValueData, ReturnData, MatchLimit };
 
 /// Values that are constants of the Security framework.

@@ -24,8 +24,7 @@ QString line(const char* name, T found, T wanted) {
 
 } // namespace
 
-QStringList panelReport(const PanelFacts& found) {
-    const PanelFacts wanted;
+QStringList panelReport(const PanelFacts& found, const PanelFacts& wanted) {
     return {line("styleMask", found.styleMask, wanted.styleMask),
             line("collectionBehavior", found.collectionBehavior, wanted.collectionBehavior),
             line("level", found.level, wanted.level),

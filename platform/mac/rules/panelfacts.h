@@ -5,8 +5,8 @@
 
 namespace brimlet {
 
-/// Properties of the overlay's panel as AppKit reports them. The defaults are the wanted values;
-/// masks and levels are AppKit's.
+/// Properties of one of the overlay's panels as AppKit reports them. The defaults are those wanted
+/// of the panel for the content; masks and levels are AppKit's.
 struct PanelFacts final {
     unsigned long styleMask = 0x80;          ///< Non-activating panel, nothing else.
     unsigned long collectionBehavior = 0x51; ///< All spaces, stationary, ignores window cycling.
@@ -25,8 +25,11 @@ struct PanelFacts final {
     bool operator==(const PanelFacts&) const = default;
 };
 
+/// What is wanted of a panel over a capsule.
+constexpr PanelFacts kClickPanelFacts{.ignoresMouseEvents = false};
+
 /// One line for each property, such as "level 25", followed by "  WRONG, should be ..." where it
 /// differs from the wanted value.
-[[nodiscard]] QStringList panelReport(const PanelFacts& found);
+[[nodiscard]] QStringList panelReport(const PanelFacts& found, const PanelFacts& wanted = {});
 
 } // namespace brimlet

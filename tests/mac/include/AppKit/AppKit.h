@@ -9,6 +9,7 @@
 extern "C" {
 extern const NSNotificationName NSApplicationDidChangeScreenParametersNotification;
 extern const NSNotificationName NSApplicationDidFinishLaunchingNotification;
+extern const NSNotificationName NSWindowDidMoveNotification;
 extern const NSNotificationName NSWindowDidResignKeyNotification;
 extern const NSNotificationName NSWorkspaceScreensDidSleepNotification; // macOS 10.6
 extern const NSNotificationName NSWorkspaceScreensDidWakeNotification;  // macOS 10.6
@@ -29,7 +30,9 @@ typedef NSString* NSDeviceDescriptionKey;
 typedef NSUInteger NSApplicationActivationOptions; // none of its constants is used
 
 @interface NSRunningApplication : NSObject
-- (BOOL)activateWithOptions:(NSApplicationActivationOptions)options;
+@property(class, readonly, strong) NSRunningApplication* currentApplication; // macOS 10.6
+- (BOOL)activateFromApplication:(NSRunningApplication*)application
+                        options:(NSApplicationActivationOptions)options; // macOS 14.0
 @end
 
 @interface NSWorkspaceOpenConfiguration : NSObject // macOS 10.15
@@ -57,24 +60,36 @@ typedef NSUInteger NSApplicationActivationOptions; // none of its constants is u
 - (void)set;
 @end
 
+typedef NS_OPTIONS(unsigned long long, NSEventMask) {
+    NSEventMaskLeftMouseDown = 1 << 1,
+    NSEventMaskRightMouseDown = 1 << 3,
+};
+
 @interface NSEvent : NSObject
-@property(readonly, strong) NSTrackingArea* trackingArea;
+@property(class, readonly) NSPoint mouseLocation;
+@property(readonly) NSPoint locationInWindow;
 @end
 
 @interface NSResponder : NSObject
+- (void)mouseDown:(NSEvent*)event;
+- (void)mouseUp:(NSEvent*)event;
+- (void)mouseMoved:(NSEvent*)event;
 - (void)mouseEntered:(NSEvent*)event;
 - (void)mouseExited:(NSEvent*)event;
 @end
 
 @interface NSApplication : NSResponder
 @property(getter=isActive, readonly) BOOL active;
+- (void)yieldActivationToApplication:(NSRunningApplication*)application; // macOS 14.0
 @end
 
 extern "C" NSApplication* NSApp;
 
 typedef NS_OPTIONS(NSUInteger, NSTrackingAreaOptions) {
     NSTrackingMouseEnteredAndExited = 0x01,
+    NSTrackingMouseMoved = 0x02,
     NSTrackingActiveAlways = 0x80,
+    NSTrackingInVisibleRect = 0x200,
 };
 
 @interface NSTrackingArea : NSObject
@@ -99,16 +114,17 @@ typedef NS_OPTIONS(NSUInteger, NSAutoresizingMaskOptions) {
 
 @interface NSView : NSResponder
 - (instancetype)initWithFrame:(NSRect)frameRect;
-@property(getter=isFlipped, readonly) BOOL flipped;
+@property NSRect bounds;
 @property(readonly, assign) NSWindow* window;
 @property NSAutoresizingMaskOptions autoresizingMask;
 - (void)addSubview:(NSView*)view;
 - (void)removeFromSuperview;
-- (NSPoint)convertPoint:(NSPoint)point fromView:(NSView*)view;
+- (void)setFrameSize:(NSSize)newSize;
+- (BOOL)acceptsFirstMouse:(NSEvent*)event;
 - (void)addTrackingArea:(NSTrackingArea*)trackingArea;
-- (void)removeTrackingArea:(NSTrackingArea*)trackingArea;
 - (NSToolTipTag)addToolTipRect:(NSRect)rect owner:(id)owner userData:(void*)data;
 - (void)removeAllToolTips;
+@property(copy) NSString* toolTip;
 @end
 
 typedef NS_OPTIONS(NSUInteger, NSWindowStyleMask) {
@@ -136,9 +152,11 @@ extern "C" const NSWindowLevel NSStatusWindowLevel; // 25
                             backing:(NSBackingStoreType)backingStoreType
                               defer:(BOOL)flag;
 @property NSWindowStyleMask styleMask;
++ (NSInteger)windowNumberAtPoint:(NSPoint)point
+     belowWindowWithWindowNumber:(NSInteger)windowNumber; // macOS 10.6
+@property(readonly) NSInteger windowNumber;
 @property(readonly) NSRect frame;
-@property(getter=isVisible, readonly) BOOL visible;
-@property(readonly) NSPoint mouseLocationOutsideOfEventStream;
+- (NSPoint)convertPointToScreen:(NSPoint)point; // macOS 10.12
 @property NSWindowLevel level;
 @property NSWindowCollectionBehavior collectionBehavior;
 @property(strong) NSColor* backgroundColor;
@@ -162,4 +180,35 @@ extern "C" const NSWindowLevel NSStatusWindowLevel; // 25
 
 @interface NSPanel : NSWindow
 @property(getter=isFloatingPanel) BOOL floatingPanel;
+@end
+
+@interface NSImage : NSObject
++ (instancetype)imageWithSystemSymbolName:(NSString*)name
+                 accessibilityDescription:(NSString*)description; // macOS 11.0
+- (void)setTemplate:(BOOL)isTemplate; // of a property whose name is a keyword of C++
+@end
+
+@interface NSControl : NSView
+@property(weak) id target;
+@property SEL action;
+- (NSInteger)sendActionOn:(NSEventMask)mask;
+@end
+
+@interface NSButton : NSControl
+@property(strong) NSImage* image;
+@end
+
+@interface NSStatusBarButton : NSButton // macOS 10.10
+@end
+
+extern "C" const CGFloat NSSquareStatusItemLength; // -2
+
+@interface NSStatusItem : NSObject
+@property(readonly, strong) NSStatusBarButton* button; // macOS 10.10
+@end
+
+@interface NSStatusBar : NSObject
+@property(class, readonly, strong) NSStatusBar* systemStatusBar;
+- (NSStatusItem*)statusItemWithLength:(CGFloat)length;
+- (void)removeStatusItem:(NSStatusItem*)item;
 @end

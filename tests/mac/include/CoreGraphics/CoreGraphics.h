@@ -27,4 +27,3 @@ using boolean_t = unsigned int;
 #endif
 
 extern "C" boolean_t CGDisplayIsBuiltin(CGDirectDisplayID display);
-extern "C" bool CGRectEqualToRect(CGRect rect1, CGRect rect2);

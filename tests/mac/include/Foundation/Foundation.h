@@ -30,6 +30,7 @@ using unichar = unsigned short;
 
 using NSRect = CGRect;
 using NSPoint = CGPoint;
+using NSSize = CGSize;
 struct NSRange {
     NSUInteger location;
     NSUInteger length;
@@ -37,6 +38,8 @@ struct NSRange {
 
 extern "C" const NSRect NSZeroRect;
 NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat w, CGFloat h);
+NSPoint NSMakePoint(CGFloat x, CGFloat y);
+BOOL NSEqualRects(NSRect aRect, NSRect bRect);
 NSRange NSMakeRange(NSUInteger loc, NSUInteger len);
 
 @class NSArray<ObjectType>, NSString, NSURL;
@@ -67,21 +70,14 @@ __attribute__((objc_root_class))
 @end
 
 @interface NSArray<__covariant ObjectType> : NSObject
-- (NSUInteger)indexOfObjectIdenticalTo:(ObjectType)anObject;
 // implied by for (... in ...)
 - (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
                                   objects:(id __unsafe_unretained[])buffer
                                     count:(NSUInteger)len;
 @end
 
-@interface NSMutableArray<ObjectType> : NSArray <ObjectType>
-- (void)addObject:(ObjectType)anObject;
-- (void)removeAllObjects;
-@end
-
 @interface NSDictionary<__covariant KeyType, __covariant ObjectType> : NSObject
-// implied by dictionary[key]
-- (ObjectType)objectForKeyedSubscript:(KeyType)key;
+- (ObjectType)objectForKey:(KeyType)key;
 @end
 
 @interface NSURL : NSObject
@@ -93,6 +89,17 @@ __attribute__((objc_root_class))
 @property(readonly, copy) NSString* bundlePath;
 @property(readonly, copy) NSString* bundleIdentifier;
 - (id)objectForInfoDictionaryKey:(NSString*)key;
+@end
+
+typedef NS_OPTIONS(unsigned long long, NSActivityOptions) {
+    NSActivityUserInitiatedAllowingIdleSystemSleep = 0x00FFFFFFULL & ~(1ULL << 20),
+};
+
+@interface NSProcessInfo : NSObject
+@property(class, readonly, strong) NSProcessInfo* processInfo;
+- (id<NSObject>)beginActivityWithOptions:(NSActivityOptions)options
+                                  reason:(NSString*)reason; // macOS 10.9
+- (void)endActivity:(id<NSObject>)activity;                 // macOS 10.9
 @end
 
 @interface NSOperationQueue : NSObject

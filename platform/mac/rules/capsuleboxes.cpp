@@ -1,10 +1,10 @@
-#include "platform/mac/rules/hoverboxes.h"
+#include "platform/mac/rules/capsuleboxes.h"
 
 #include <algorithm>
 
 namespace brimlet {
 
-std::vector<QRect> hoverBoxes(const QRegion& region) {
+std::vector<QRect> capsuleBoxes(const QRegion& region) {
     std::vector<QRect> parts(region.begin(), region.end());
     std::sort(parts.begin(), parts.end(),
               [](const QRect& one, const QRect& other) { return one.x() < other.x(); });
@@ -17,6 +17,15 @@ std::vector<QRect> hoverBoxes(const QRegion& region) {
         }
     }
     return boxes;
+}
+
+Rect boxInGlobal(const QRect& box, const Rect& frame) {
+    return {frame.x + box.x(), frame.y + frame.height - box.y() - box.height(),
+            static_cast<double>(box.width()), static_cast<double>(box.height())};
+}
+
+QPointF pointInContent(QPointF global, const Rect& frame) {
+    return {global.x() - frame.x, frame.y + frame.height - global.y()};
 }
 
 } // namespace brimlet
