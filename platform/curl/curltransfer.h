@@ -52,6 +52,7 @@ private:
         m_isReady = m_isReady && curl_easy_setopt(m_easy.get(), option, value) == CURLE_OK;
     }
     void setCommonOptions();
+    void setTrust();
     void setRequest(const HttpRequest& request);
     void setCallbacks();
     void addLine(const QByteArray& line);

@@ -56,20 +56,26 @@ void CurlTransfer::setCommonOptions() {
     set(CURLOPT_SSL_VERIFYPEER, 1L);
     set(CURLOPT_SSL_VERIFYHOST, 2L);
     set(CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2});
-    // From a folder OpenSSL reads only the certificate it needs; a file of all costs 9 MiB and 20
-    // ms per connection.
-    if (const QByteArray& folder = authoritiesFolder(); !folder.isEmpty()) {
-        set(CURLOPT_CAPATH, folder.constData());
-        set(CURLOPT_CAINFO, static_cast<const char*>(nullptr));
-    }
-    if (const QByteArray& moreAuthorities = m_context.moreAuthorities; !moreAuthorities.isEmpty()) {
-        const bool isFolder = QFileInfo(QFile::decodeName(moreAuthorities)).isDir();
-        set(isFolder ? CURLOPT_CAPATH : CURLOPT_CAINFO, moreAuthorities.constData());
-    }
+    setTrust();
     set(CURLOPT_HTTPAUTH, long{CURLAUTH_NONE});
     set(CURLOPT_NETRC, long{CURL_NETRC_IGNORED});
     set(CURLOPT_HEADEROPT, long{CURLHEADER_SEPARATE}); // keep our headers out of a proxy's CONNECT
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+}
+
+void CurlTransfer::setTrust() {
+    const QByteArray& more = m_context.moreAuthorities;
+    const TrustOptions trust = trustOptions(TrustStore::BRIMLET_TRUST_STORE, authoritiesFolder(),
+                                            more, QFileInfo(QFile::decodeName(more)).isDir());
+    set(CURLOPT_SSL_OPTIONS, trust.sslOptions);
+    if (!trust.folder.isEmpty()) {
+        set(CURLOPT_CAPATH, trust.folder.constData());
+    }
+    if (trust.isDefaultFileOff) {
+        set(CURLOPT_CAINFO, static_cast<const char*>(nullptr));
+    } else if (!trust.file.isEmpty()) {
+        set(CURLOPT_CAINFO, trust.file.constData());
+    }
 }
 
 void CurlTransfer::setRequest(const HttpRequest& request) {
