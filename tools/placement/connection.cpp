@@ -37,8 +37,10 @@ bool Connection::waitForRequest(std::chrono::milliseconds time) {
 }
 
 void Connection::waitUntilGone() {
-    std::array<pollfd, 2> entries{{{m_socket, POLLRDHUP, 0}, {m_stop.fd(), POLLIN, 0}}};
-    while (::poll(entries.data(), entries.size(), -1) < 0 && errno == EINTR) {
+    // What the client still sends is not answered.
+    constexpr std::chrono::milliseconds forever{-1};
+    std::array<char, 512> unread{};
+    while (waitFor(POLLIN, forever) && ::recv(m_socket, unread.data(), unread.size(), 0) > 0) {
     }
 }
 
@@ -84,7 +86,7 @@ ssize_t Connection::write(const char* data, size_t size) {
     if (!is_writable()) {
         return -1;
     }
-    return ::send(m_socket, data, size, MSG_NOSIGNAL);
+    return ::send(m_socket, data, size, 0); // the library ignores SIGPIPE
 }
 
 void Connection::get_remote_ip_and_port(std::string& ip, int& port) const {

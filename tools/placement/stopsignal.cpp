@@ -1,35 +1,37 @@
 #include "tools/placement/stopsignal.h"
 
-#include <cstdint>
 #include <cstdlib>
 
+#include <fcntl.h>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <unistd.h>
 
 namespace brimlet::placement {
 
-StopSignal::StopSignal()
-    : m_fd(::eventfd(0, EFD_CLOEXEC)) {
-    if (m_fd < 0) {
+StopSignal::StopSignal() {
+    if (::pipe(m_pipe.data()) != 0) {
         std::abort();
+    }
+    for (const int end : m_pipe) {
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
     }
 }
 
 StopSignal::~StopSignal() {
-    ::close(m_fd);
+    for (const int end : m_pipe) {
+        ::close(end);
+    }
 }
 
 void StopSignal::set() {
-    m_set.store(true);
-    const std::uint64_t one = 1;
-    // The write fails only when the counter would overflow, and then the eventfd is readable
-    // anyway.
-    [[maybe_unused]] const ssize_t written = ::write(m_fd, &one, sizeof one);
+    if (!m_set.exchange(true)) {
+        // Never read, so the other end stays readable. An empty pipe takes a byte.
+        [[maybe_unused]] const ssize_t written = ::write(m_pipe[1], "", 1);
+    }
 }
 
 void StopSignal::waitFor(std::chrono::milliseconds time) const {
-    pollfd entry{m_fd, POLLIN, 0};
+    pollfd entry{fd(), POLLIN, 0};
     const auto end = std::chrono::steady_clock::now() + time;
     for (auto left = time; left.count() > 0 && !isSet();
          left =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <chrono>
 
@@ -16,13 +17,13 @@ public:
 
     void set();
     [[nodiscard]] bool isSet() const { return m_set.load(); }
-    [[nodiscard]] int fd() const { return m_fd; }
+    [[nodiscard]] int fd() const { return m_pipe[0]; }
     /// Returns after the time, or as soon as the signal is set.
     void waitFor(std::chrono::milliseconds time) const;
 
 private:
     std::atomic<bool> m_set{false};
-    int m_fd = -1;
+    std::array<int, 2> m_pipe{-1, -1}; ///< The ends to read and to write.
 };
 
 } // namespace brimlet::placement
