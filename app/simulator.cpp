@@ -1,51 +1,41 @@
 #include "app/commandline.h"
 #include "app/displayloss.h"
 #include "app/linuxapp.h"
+#include "app/simulation.h"
 #include "app/simulatorconsole.h"
-#include "host/notch.h"
 #include "platform/linux/singleinstance.h"
-#include "platform/simulated/memorysecretstore.h"
-#include "platform/simulated/notchwindow.h"
-#include "platform/simulated/simulatedclock.h"
-#include "platform/simulated/simulatedhttpclient.h"
-#include "platform/simulated/simulatedports.h"
+#include "platform/linux/x11watch.h"
 
 #include <QApplication>
 
-#include <cstdio>
-#include <memory>
+#include <cstdint>
+#include <utility>
 
 namespace {
 
 using namespace brimlet;
 
-/// Places the painted notch where the described machine has one; none beside a native overlay,
-/// since its window is X11's and would take clicks there.
-void drawNotch(NotchWindow& window, const Machine& machine, const Screens& screens,
-               LinuxAdapters& real) {
-    const bool isDrawn = machine.drawNotch && !real.wayland.choice().isNative;
-    window.place(isDrawn ? notchOf(builtInScreen(screens)) : std::nullopt,
-                 simulatedPrimaryGeometry(machine, real.primaryGeometry()));
+/// Keeps the window above others, because nothing covers a real notch.
+void keepInFront(NotchWindow& notch, const HostStore& store) {
+    QObject::connect(&notch, &NotchWindow::placed, &notch, &QWidget::raise);
+    // Only after other windows were shown or raised. Those of this program count too, because the
+    // overlay raises itself. Raising this window changes the serial once more, which leads to one
+    // more raise without effect.
+    QObject::connect(&store, &HostStore::overlayNeedsRender, &notch,
+                     [&notch, last = std::uint64_t{0}]() mutable {
+                         const std::uint64_t serial = X11Watch::shared().stackingSerial();
+                         if (std::exchange(last, serial) != serial) {
+                             notch.raise();
+                         }
+                     });
 }
 
 } // namespace
 
 int main(int argc, char* argv[]) {
     CommandLine commandLine;
-    if (const auto exitCode =
-            readCommandLine(argumentsOf(argc, argv), Program::Simulator, commandLine)) {
+    if (const auto exitCode = readSimulatorCommandLine(argc, argv, commandLine)) {
         return *exitCode;
-    }
-    const auto say = [](const QString& complaint) {
-        std::fputs(qUtf8Printable(QStringLiteral("brimlet-simulator: %1\n").arg(complaint)),
-                   stderr);
-    };
-    // Checked before the application object is created, since without a display that ends the
-    // program with Qt's own message.
-    if (const QString complaint = MachineFile::errorIn(commandLine.machineFile);
-        !complaint.isEmpty()) {
-        say(complaint);
-        return 2;
     }
     if (!prepareLinuxApplication()) {
         return 1;
@@ -57,11 +47,8 @@ int main(int argc, char* argv[]) {
     if (const auto answer = instance.claim()) {
         return exitCodeOf(*answer);
     }
-
     MachineFile file(commandLine.machineFile);
-    QObject::connect(&file, &MachineFile::failed, &file, say);
-    if (const QString complaint = file.load(); !complaint.isEmpty()) {
-        say(complaint);
+    if (!loadMachine(file)) {
         return 2;
     }
 
@@ -69,38 +56,26 @@ int main(int argc, char* argv[]) {
     if (!real.canShowOverlay()) {
         return 1;
     }
-    SimulatedScreens screens(file, real.screens());
-    SimulatedWorkspace workspace(file, real.workspace);
-    MemorySecretStore memory;
-    SecretStore& secrets = file.machine().secretStore == MachineSecretStore::Memory
-                               ? static_cast<SecretStore&>(memory)
-                               : real.secrets;
-    SimulatedBundle bundle(file, real.bundle);
-    const SimulatedCachesFolder cachesFolder(file, real.cachesFolder);
-    SimulatedReduceMotion reduceMotion(file, real.reduceMotion);
-    SimulatedClock clock(real.clock, file.machine().speed);
-    SimulatedHttpClient http(std::move(real.http), file.machine().speed);
-
+    const auto primaryGeometry = [&] {
+        return simulatedPrimaryGeometry(file.machine(), real.primaryGeometry());
+    };
+    const SystemPorts realPorts{real.screens(),    real.workspace,
+                                real.secrets,      *real.http,
+                                real.bundle,       real.clock,
+                                real.cachesFolder, real.reduceMotion,
+                                real.statusItem,   real.overlayWindowFactory(primaryGeometry),
+                                makeX11MenuWindow};
+    SimulatedSystem simulated(file, realPorts, std::move(real.http));
+    const SystemPorts ports = simulated.ports();
     NotchWindow notch;
-    const auto redrawNotch = [&] { drawNotch(notch, file.machine(), screens, real); };
-    QObject::connect(&file, &MachineFile::changed, &notch, redrawNotch);
-    redrawNotch();
-
-    BrimletApp app =
-        makeApp({screens, workspace, secrets, http, bundle, clock, cachesFolder, reduceMotion,
-                 real.statusItem, real.overlayWindowFactory([&] {
-                     return simulatedPrimaryGeometry(file.machine(), real.primaryGeometry());
-                 }),
-                 makeX11MenuWindow});
+    BrimletApp app = makeApp(ports);
     handleRequests(instance, app);
-
-    QObject::connect(app.store().get(), &HostStore::overlayNeedsRender, &notch,
-                     &NotchWindow::bringForward);
-
-    std::unique_ptr<SimulatorConsole> console;
-    if (commandLine.isConsoleWanted) {
-        console = std::make_unique<SimulatorConsole>(app, cachesFolder, reduceMotion);
+    keepInFront(notch, *app.store());
+    // None beside a native overlay, since its window is X11's and would take clicks there.
+    if (!real.wayland.choice().isNative) {
+        followNotch(notch, file, ports.screens, primaryGeometry);
     }
+    const auto console = makeConsole(commandLine, app, ports);
     followDesktop(*app.store(), real);
     return runAcrossDisplayLoss(app, {argv, argv + argc});
 }

@@ -12,9 +12,9 @@ function(brimlet_xml_text variable text)
   set(${variable} "${text}" PARENT_SCOPE)
 endfunction()
 
-# brimlet_mac_info_plist(FILE EXECUTABLE): writes the list. The service root is in it only where one is
+# brimlet_mac_info_plist(FILE EXECUTABLE IDENTIFIER): writes the list. The service root is in it only where one is
 # configured; otherwise the program uses its default.
-function(brimlet_mac_info_plist file executable)
+function(brimlet_mac_info_plist file executable identifier)
   if(NOT CMAKE_OSX_DEPLOYMENT_TARGET)
     message(FATAL_ERROR "CMAKE_OSX_DEPLOYMENT_TARGET must say which macOS the application is for")
   endif()
@@ -28,11 +28,11 @@ function(brimlet_mac_info_plist file executable)
   configure_file(${BRIMLET_MAC_FOLDER}/Info.plist.in ${file} @ONLY)
 endfunction()
 
-# brimlet_mac_bundle(TARGET): makes build/…/bin/Brimlet.app. CMake gives a bundle and its program the same
-# name.
-function(brimlet_mac_bundle target)
-  set(folder ${CMAKE_CURRENT_BINARY_DIR}/bundle)
-  brimlet_mac_info_plist(${folder}/Info.plist Brimlet)
+# brimlet_mac_bundle(TARGET NAME IDENTIFIER): makes build/…/bin/NAME.app. CMake gives a bundle and its program
+# the same name.
+function(brimlet_mac_bundle target name identifier)
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/${name}.bundle)
+  brimlet_mac_info_plist(${folder}/Info.plist ${name} ${identifier})
 
   set(drawing ${BRIMLET_MAC_FOLDER}/../icons/app.brimlet.host.svg)
   add_custom_command(OUTPUT ${folder}/brimlet.icns
@@ -47,7 +47,7 @@ function(brimlet_mac_bundle target)
   # script/package-mac copies the libraries to this folder.
   set_target_properties(${target} PROPERTIES
     BUILD_RPATH @executable_path/../Frameworks
-    OUTPUT_NAME Brimlet
+    OUTPUT_NAME ${name}
     MACOSX_BUNDLE ON
     MACOSX_BUNDLE_INFO_PLIST ${folder}/Info.plist)
 endfunction()

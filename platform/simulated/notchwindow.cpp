@@ -1,13 +1,9 @@
 #include "platform/simulated/notchwindow.h"
 
-#include "platform/linux/x11watch.h"
-#include "platform/qt/desktopgeometry.h"
-
 #include <QPainter>
 #include <QPainterPath>
 
 #include <algorithm>
-#include <utility>
 
 namespace brimlet {
 
@@ -20,22 +16,14 @@ NotchWindow::NotchWindow()
     setWindowTitle(QStringLiteral("Simulated notch"));
 }
 
-void NotchWindow::place(const std::optional<Rect>& notch, const QRectF& primary) {
+void NotchWindow::place(const std::optional<QRect>& notch) {
     if (!notch) {
         hide();
         return;
     }
-    setGeometry(toQt(*notch, primary).toRect());
+    setGeometry(*notch);
     show();
-    raise();
-}
-
-void NotchWindow::bringForward() {
-    // Windows of this program count too, because the overlay raises itself. Raising this window
-    // changes the serial once more, which leads to one more raise without effect.
-    if (std::exchange(m_stackingSerial, X11Watch::shared().stackingSerial()) != m_stackingSerial) {
-        raise();
-    }
+    Q_EMIT placed();
 }
 
 void NotchWindow::paintEvent(QPaintEvent* /*event*/) {

@@ -2,9 +2,10 @@
 
 #include "platform/screens.h"
 
+#include <QRect>
 #include <QWidget>
 
-#include <cstdint>
+#include <optional>
 
 namespace brimlet {
 
@@ -15,18 +16,16 @@ class NotchWindow final : public QWidget {
 public:
     NotchWindow();
 
-    /// Shows the window at the notch's place in global points, or hides it when that is absent.
-    /// `primary` is the primary display's geometry in Qt's space.
-    void place(const std::optional<Rect>& notch, const QRectF& primary);
-    /// Raises the window above windows that were shown or raised since the last call, because
-    /// nothing covers a real notch.
-    void bringForward();
+    /// Shows the window at the notch's place in Qt's space, or hides it when that is absent.
+    /// Whether that is above other windows, differs between systems.
+    void place(const std::optional<QRect>& notch);
+
+Q_SIGNALS:
+    /// After the window was shown at a place.
+    void placed();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-
-private:
-    std::uint64_t m_stackingSerial = 0; ///< X11Watch's value when this window was last raised.
 };
 
 /// The notch, in global points: the gap between the auxiliary areas of the built-in screen, down to

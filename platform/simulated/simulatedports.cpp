@@ -3,29 +3,66 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace brimlet {
 
-SimulatedScreens::SimulatedScreens(const MachineFile& file, Screens& real)
+namespace {
+
+void move(Rect& rect, double right, double up) {
+    rect.x += right;
+    rect.y += up;
+}
+
+} // namespace
+
+std::vector<MachineDisplay> displaysAtTop(std::vector<MachineDisplay> displays, const Rect& real) {
+    const auto builtIn = std::find_if(displays.begin(), displays.end(),
+                                      [](const MachineDisplay& each) { return each.builtIn; });
+    if (displays.empty()) {
+        return displays;
+    }
+    const Rect frame = (builtIn == displays.end() ? displays.begin() : builtIn)->screen.frame;
+    const double right = std::round(real.midX() - frame.midX());
+    const double up = real.maxY() - frame.maxY();
+    for (MachineDisplay& display : displays) {
+        move(display.screen.frame, right, up);
+        for (auto* const area :
+             {&display.screen.auxiliaryTopLeftArea, &display.screen.auxiliaryTopRightArea}) {
+            if (*area) {
+                move(**area, right, up);
+            }
+        }
+    }
+    return displays;
+}
+
+SimulatedScreens::SimulatedScreens(const MachineFile& file, Screens& real, MachinePlace place)
     : m_file(file)
-    , m_real(real) {
+    , m_real(real)
+    , m_place(place) {
     QObject::connect(&file, &MachineFile::changed, &file, [this](const Machine& before) {
         if (before.displays != m_file.machine().displays) {
             m_observers.notify();
         }
     });
     real.observeChanges([this] {
-        if (!m_file.machine().displays) {
+        if (!m_file.machine().displays || m_place == MachinePlace::AtRealTop) {
             m_observers.notify();
         }
     });
 }
 
 std::vector<Screen> SimulatedScreens::list() const {
-    const auto& displays = m_file.machine().displays;
+    auto displays = m_file.machine().displays;
     if (!displays) {
         return m_real.list();
+    }
+    if (m_place == MachinePlace::AtRealTop) {
+        if (const auto real = m_real.list(); !real.empty()) {
+            displays = displaysAtTop(*std::move(displays), real.front().frame);
+        }
     }
     std::vector<Screen> screens;
     screens.reserve(displays->size());

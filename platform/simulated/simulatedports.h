@@ -15,9 +15,21 @@ namespace brimlet {
 // otherwise. The file and the real port must outlive it. Observers are called when the answer may
 // have changed.
 
+/// Where the described displays are.
+enum class MachinePlace {
+    AsDescribed,
+    AtRealTop, ///< Moved so that the built-in one is at the top of the real primary screen.
+};
+
+/// The described displays, moved together so that the built-in one, or without one the first, is at
+/// the top of `real`, centred to whole points.
+[[nodiscard]] std::vector<MachineDisplay> displaysAtTop(std::vector<MachineDisplay> displays,
+                                                        const Rect& real);
+
 class SimulatedScreens final : public Screens {
 public:
-    SimulatedScreens(const MachineFile& file, Screens& real);
+    SimulatedScreens(const MachineFile& file, Screens& real,
+                     MachinePlace place = MachinePlace::AsDescribed);
 
     [[nodiscard]] std::vector<Screen> list() const override;
     [[nodiscard]] bool isBuiltIn(std::uint32_t displayNumber) const override;
@@ -26,6 +38,7 @@ public:
 private:
     const MachineFile& m_file;
     Screens& m_real;
+    const MachinePlace m_place;
     Observers m_observers;
 };
 

@@ -114,6 +114,65 @@ private Q_SLOTS:
         QCOMPARE(f.motionChanges, 0);
     }
 
+    void theBuiltInDisplayIsMovedToTheRealTop_data() {
+        QTest::addColumn<QByteArray>("displays");
+        QTest::addColumn<Rect>("real");
+        QTest::addColumn<QList<Rect>>("expected");
+        const QByteArray notched =
+            R"({"builtIn": true, "frame": [0, 0, 1512, 982],
+                "auxiliaryTopLeftArea": [0, 950, 664, 32],
+                "auxiliaryTopRightArea": [848, 950, 664, 32]})";
+        QTest::newRow("no display") << QByteArray() << Rect{0, 0, 1920, 1080} << QList<Rect>{};
+        QTest::newRow("as large") << notched << Rect{0, 0, 1512, 982}
+                                  << QList<Rect>{{0, 0, 1512, 982}};
+        QTest::newRow("smaller") << notched << Rect{0, 0, 1920, 1080}
+                                 << QList<Rect>{{204, 98, 1512, 982}};
+        QTest::newRow("larger") << notched << Rect{0, 0, 1440, 900}
+                                << QList<Rect>{{-36, -82, 1512, 982}};
+        QTest::newRow("of odd width")
+            << notched << Rect{0, 0, 1511, 982} << QList<Rect>{{-1, 0, 1512, 982}};
+        QTest::newRow("beside another")
+            << QByteArray(R"({"frame": [0, 0, 2560, 1440]},
+                             {"builtIn": true, "frame": [-1512, 10, 1512, 982]})")
+            << Rect{0, 0, 1512, 982} << QList<Rect>{{1512, -10, 2560, 1440}, {0, 0, 1512, 982}};
+        QTest::newRow("none built in")
+            << QByteArray(R"({"frame": [0, 0, 100, 50]}, {"frame": [100, 0, 100, 50]})")
+            << Rect{0, 0, 200, 100} << QList<Rect>{{50, 50, 100, 50}, {150, 50, 100, 50}};
+    }
+
+    void theBuiltInDisplayIsMovedToTheRealTop() {
+        QFETCH(const QByteArray, displays);
+        QFETCH(const Rect, real);
+        QFETCH(const QList<Rect>, expected);
+        MachineFixture f("{\"displays\": [" + displays + "]}");
+        QCOMPARE(f.loadError, QString());
+        SimulatedScreens screens(f.file, f.realScreens, MachinePlace::AtRealTop);
+        int changes = 0;
+        screens.observeChanges([&] { ++changes; });
+        Screen screen;
+        screen.frame = real;
+        f.realScreens.set({screen}, {});
+        QCOMPARE(changes, 1);
+        const auto list = screens.list();
+        QCOMPARE(qsizetype(list.size()), expected.size());
+        for (qsizetype i = 0; i < expected.size(); ++i) {
+            QCOMPARE(list[std::size_t(i)].frame, expected[i]);
+        }
+        if (!list.empty() && list.front().auxiliaryTopLeftArea) {
+            const Rect& frame = list.front().frame;
+            QCOMPARE(*list.front().auxiliaryTopLeftArea, (Rect{frame.x, frame.y + 950, 664, 32}));
+            QCOMPARE(*list.front().auxiliaryTopRightArea,
+                     (Rect{frame.x + 848, frame.y + 950, 664, 32}));
+        }
+    }
+
+    void withoutARealScreenTheDisplaysAreAsDescribed() {
+        const MachineFixture f(R"({"displays": [{"frame": [0, 0, 100, 50]}]})");
+        FakeScreens none;
+        const SimulatedScreens screens(f.file, none, MachinePlace::AtRealTop);
+        QCOMPARE(screens.list().front().frame, (Rect{0, 0, 100, 50}));
+    }
+
     void aDisplayWithoutANumberIsDisplayZero() {
         const MachineFixture f(R"({"displays":[{"frame":[0,0,1,1]},
                                   {"builtIn":true,"frame":[0,0,2,2]}]})");
