@@ -6,6 +6,8 @@
 #include "platform/starttask.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -80,6 +82,20 @@ QJsonObject describe(const Assignment& assignment) {
             {QStringLiteral("right"), describe(assignment.right)}};
 }
 
+/// Returns false where a picture cannot be written.
+bool savePictures(const QDir& folder) {
+    bool isSaved = true;
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (window->isVisible()) {
+            const QString name = QString::fromLatin1(window->metaObject()->className());
+            isSaved = window->grab().save(
+                          folder.filePath(name.section(u':', -1) + QStringLiteral(".png"))) &&
+                      isSaved;
+        }
+    }
+    return isSaved;
+}
+
 } // namespace
 
 SimulatorConsole::SimulatorConsole(BrimletApp& app, const CachesFolder& cachesFolder,
@@ -112,6 +128,7 @@ void SimulatorConsole::readInput() {
 void SimulatorConsole::execute(const QByteArray& line) {
     const auto& store = HostStore::shared();
     constexpr QByteArrayView kSaveToken("save-token ");
+    constexpr QByteArrayView kPictures("pictures ");
     if (line == "state") {
         answer(state());
         return;
@@ -126,8 +143,14 @@ void SimulatorConsole::execute(const QByteArray& line) {
         m_app.menuBarExtra().open();
     } else if (line == "quit") {
         QCoreApplication::quit();
+    } else if (line.startsWith(kPictures)) {
+        if (!savePictures(QDir(QFile::decodeName(line.mid(kPictures.size()))))) {
+            answer(R"({"error":"the pictures cannot be written"})");
+            return;
+        }
     } else {
-        answer(R"({"error":"commands: state, save-token TOKEN, agree, pause, open, quit"})");
+        answer(
+            R"({"error":"commands: state, save-token TOKEN, agree, pause, open, pictures FOLDER, quit"})");
         return;
     }
     answer(R"({"ok":true})");

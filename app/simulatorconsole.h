@@ -19,6 +19,8 @@ class BrimletApp;
 /// - `save-token TOKEN`: as typed into the menu and saved.
 /// - `agree`, `pause`, `quit`: as by pressing the button.
 /// - `open`: opens the menu-bar panel, as a second start does.
+/// - `pictures FOLDER`: paints each visible window once more, into `FOLDER/CLASS.png`. The folder
+///   has to exist.
 class SimulatorConsole final : public QObject {
     Q_OBJECT
 

@@ -31,6 +31,9 @@ end() {
   fi
 }
 
+# alive PROCESS
+alive() { kill -0 "$1" 2>/dev/null; }
+
 # within SECONDS COMMAND...: repeats the command until it succeeds; fails after that time.
 within() {
   local deadline=$((SECONDS + $1))
@@ -58,8 +61,11 @@ start_service() {
 
 # start_simulator ARGUMENT...: starts the program on that machine.
 start_simulator() {
+  local program=$BRIMLET_BIN/brimlet-simulator
+  # On a Mac it is in a bundle.
+  [ -x "$program" ] || program=$BRIMLET_BIN/BrimletSimulator.app/Contents/MacOS/BrimletSimulator
   # Explicit, since a background process gets an empty standard input otherwise.
-  "$BRIMLET_BIN/brimlet-simulator" --machine "$out/machine.json" "$@" \
+  "$program" --machine "$out/machine.json" "$@" \
     <&0 2>"$out/simulator.log" &
   simulator=$!
 }

@@ -107,6 +107,24 @@ private Q_SLOTS:
         QCOMPARE(painted(), expected);
         QCOMPARE(clickable(window), expected);
     }
+
+    void theConsolesPicturesShowThem() {
+        const PlacementProcess service;
+        SimulatorProcess program(machineWith(184, service));
+        QTRY_VERIFY_WITH_TIMEOUT(painted().first() != spanOf({}), kPatience);
+        const QTemporaryDir folder;
+        QVERIFY(program.ask("pictures " + QFile::encodeName(folder.path()))
+                    .value(QStringLiteral("ok"))
+                    .toBool());
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files),
+                 QStringList{QStringLiteral("X11OverlayWindow.png")});
+        const QImage overlay(folder.filePath(QStringLiteral("X11OverlayWindow.png")));
+        QCOMPARE(overlay.size(), m_x.geometry(*m_x.windowNamed("Brimlet")).size());
+        const int middle = qRound(13 * scale());
+        QCOMPARE(qAlpha(overlay.pixel(overlay.width() / 2, middle)), 0); // the notch
+        QVERIFY(qAlpha(overlay.pixel(qRound(12 * scale()), middle)) > 200);
+        QVERIFY(program.ask("pictures /nowhere").contains(QStringLiteral("error")));
+    }
 };
 
 BRIMLET_TEST(TestExactNotch, QCoreApplication)
