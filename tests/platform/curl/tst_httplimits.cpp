@@ -20,7 +20,7 @@ constexpr qsizetype kMebibyte = qsizetype{1024} * 1024;
 
 int openDescriptors() {
     return static_cast<int>(
-        QDir(u"/proc/self/fd"_qs).entryList(QDir::System | QDir::AllEntries).size());
+        QDir(u"/dev/fd"_qs).entryList(QDir::System | QDir::AllEntries).size());
 }
 
 QByteArray chunked(const QByteArray& body, qsizetype step) {
