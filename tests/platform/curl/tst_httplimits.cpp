@@ -282,7 +282,6 @@ private Q_SLOTS:
     }
 
     void unfinishedBodiesTogetherAreBounded() {
-        constexpr qsizetype kMebibyte = qsizetype{1024} * 1024;
         RawServer server;
         const QByteArray most(4 * kMebibyte - 1, 'x');
         const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 4194304\r\n\r\n";
