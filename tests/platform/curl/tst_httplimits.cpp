@@ -19,8 +19,7 @@ constexpr qsizetype kHeadLimit = qsizetype{64} * 1024;
 constexpr qsizetype kMebibyte = qsizetype{1024} * 1024;
 
 int openDescriptors() {
-    return static_cast<int>(
-        QDir(u"/dev/fd"_qs).entryList(QDir::System | QDir::AllEntries).size());
+    return static_cast<int>(QDir(u"/dev/fd"_qs).entryList(QDir::System | QDir::AllEntries).size());
 }
 
 QByteArray chunked(const QByteArray& body, qsizetype step) {
