@@ -19,7 +19,9 @@ private Q_SLOTS:
     }
     void conversionsPreserveTexts() {
         QFETCH(QString, text);
-        QCOMPARE(fromNative(toNative(text)), text);
+        @autoreleasepool {
+            QCOMPARE(fromNative(toNative(text)), text);
+        }
     }
 
     void nilIsEmpty() { QCOMPARE(fromNative(nil), QString()); }

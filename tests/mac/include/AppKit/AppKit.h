@@ -158,6 +158,9 @@ extern "C" const NSWindowLevel NSStatusWindowLevel; // 25
 @property(readonly) NSRect frame;
 - (NSPoint)convertPointToScreen:(NSPoint)point; // macOS 10.12
 @property NSWindowLevel level;
+@property(getter=isVisible, readonly) BOOL visible;
+@property(getter=isKeyWindow, readonly) BOOL keyWindow;
+@property(readonly, weak) NSResponder* firstResponder;
 @property NSWindowCollectionBehavior collectionBehavior;
 @property(strong) NSColor* backgroundColor;
 @property(getter=isOpaque) BOOL opaque;
