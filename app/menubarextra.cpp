@@ -23,8 +23,8 @@ MenuBarExtra::MenuBarExtra(std::shared_ptr<HostStore> store, MenuPorts ports, St
     , m_ports(std::move(ports)) {
     m_ports.statusItem.observePresses([this](const std::optional<Rect>& place) { pressed(place); });
     m_ports.statusItem.observePlace([this] { placeChanged(); });
-    connect(m_store.get(), &HostStore::objectWillChange, &m_toolTipUpdate, &OncePerTurn::schedule);
-    m_toolTipUpdate.schedule();
+    connect(m_store.get(), &HostStore::objectWillChange, &m_update, &OncePerTurn::schedule);
+    m_update.schedule();
     if (reason != StartReason::Session) {
         startTask(openAfterStart(reason, m_end.get_token()));
     }
@@ -48,6 +48,7 @@ void MenuBarExtra::pressed(const std::optional<Rect>& place) {
 
 void MenuBarExtra::placeChanged() {
     if (const auto place = isOpen() ? m_ports.statusItem.place() : std::nullopt) {
+        m_place = place;
         m_window->follow(*place);
     }
 }
@@ -57,10 +58,15 @@ void MenuBarExtra::openAt(const std::optional<Rect>& place) {
         m_window = m_ports.makeWindow(m_store);
         m_window->observeDismissals([this] { m_dismissedAt = m_ports.clock.uptime(); });
     }
+    m_place = place;
     m_window->present(place);
 }
 
-void MenuBarExtra::updateToolTip() {
+void MenuBarExtra::storeChanged() {
+    // An XEmbed tray that moves as a whole moves the item without an event.
+    if (isOpen() && m_ports.statusItem.place() != m_place) {
+        placeChanged();
+    }
     if (m_toolTip != m_store->statusLine()) {
         m_toolTip = m_store->statusLine();
         m_ports.statusItem.setToolTip(m_toolTip);

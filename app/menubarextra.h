@@ -48,7 +48,8 @@ private:
     void pressed(const std::optional<Rect>& place);
     void placeChanged();
     void openAt(const std::optional<Rect>& place);
-    void updateToolTip();
+    /// Updates the tooltip and the panel's place. The store changes with every poll.
+    void storeChanged();
     /// Opens the panel after a start by hand: at once, or where no status item is shown in time.
     [[nodiscard]] QCoro::Task<> openAfterStart(StartReason reason, std::stop_token end);
 
@@ -57,8 +58,9 @@ private:
     std::unique_ptr<MenuWindow> m_window;
     /// When the panel last closed, in the clock's uptime.
     std::optional<std::chrono::nanoseconds> m_dismissedAt;
+    std::optional<Rect> m_place; ///< Where the item was when the panel was last placed.
     QString m_toolTip;
-    OncePerTurn m_toolTipUpdate{[this] { updateToolTip(); }};
+    OncePerTurn m_update{[this] { storeChanged(); }};
     std::stop_source m_end;
 };
 

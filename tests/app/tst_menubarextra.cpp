@@ -114,6 +114,24 @@ private Q_SLOTS:
         QCOMPARE(scene.window.followed.size(), std::size_t{1});
     }
 
+    void anOpenPanelFollowsAnItemThatMovedUnnoticedAtTheNextChangeOfTheStore() {
+        Scene scene;
+        scene.item.press();
+        const auto change = [&scene] {
+            Q_EMIT scene.store->objectWillChange();
+            QCoreApplication::processEvents();
+        };
+        change();
+        QVERIFY(scene.window.followed.empty());
+        scene.item.itsPlace = Rect{1300, 950, 24, 24};
+        change();
+        change();
+        QCOMPARE(scene.window.followed, (std::vector{Rect{1300, 950, 24, 24}}));
+        scene.item.itsPlace.reset(); // the tray has gone
+        change();
+        QCOMPARE(scene.window.followed.size(), std::size_t{1});
+    }
+
     void withoutABarItOpensByItself() {
         Scene scene(false);
         scene.host.clock.advance(2999ms);

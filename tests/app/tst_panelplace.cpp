@@ -33,8 +33,7 @@ public:
         m_process.waitForStarted();
     }
     ~Tray() {
-        signal(SIGCONT);
-        m_process.terminate();
+        m_process.kill(); // also while it is stopped
         m_process.waitForFinished();
     }
     Tray(const Tray&) = delete;
