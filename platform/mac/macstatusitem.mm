@@ -37,6 +37,7 @@ struct MacStatusItem::Native final {
 
 MacStatusItem::MacStatusItem()
     : m_native(std::make_unique<Native>())
+    // Of all windows, should there be no window yet, which costs little.
     , m_registration(onNotification(NSNotificationCenter.defaultCenter, NSWindowDidMoveNotification,
                                     m_native->item.button.window, [this] { m_moves.notify(); })) {
     m_native->target = [[BrimletStatusTarget alloc] initWithObservers:&m_presses];
