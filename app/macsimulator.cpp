@@ -9,12 +9,12 @@
 #include "platform/mac/macsecretstore.h"
 #include "platform/mac/macstatusitem.h"
 #include "platform/mac/macworkspace.h"
+#include "platform/qt/desktopscreens.h"
 #include "platform/qt/instancelock.h"
 #include "platform/qt/qtcachesfolder.h"
 #include "platform/qt/qtclock.h"
 
 #include <QApplication>
-#include <QScreen>
 
 int main(int argc, char* argv[]) {
     using namespace brimlet;
@@ -58,8 +58,7 @@ int main(int argc, char* argv[]) {
     NotchWindow notch;
     BrimletApp app = makeApp(ports);
     handleRequests(instance, app);
-    followNotch(notch, file, ports.screens,
-                [] { return QRectF(QGuiApplication::primaryScreen()->geometry()); });
+    followNotch(notch, file, ports.screens, primaryGeometry);
     const auto console = makeConsole(commandLine, app, ports);
     openWhenReopened(app);
     return app.run();

@@ -1,6 +1,9 @@
 # Makes CMake find Homebrew's libcurl, and the OpenSSL that it is built with. The system's libcurl uses
 # another TLS library; Brimlet passes libcurl's TLS sessions to OpenSSL, so both must use the same one.
 find_program(BREW_PROGRAM brew)
+if(APPLE AND NOT BREW_PROGRAM)
+  message(FATAL_ERROR "This needs Homebrew's libcurl: install Homebrew (https://brew.sh), then script/bootstrap")
+endif()
 if(BREW_PROGRAM)
   # brimlet_output(VARIABLE PROGRAM ARGUMENT...): what the program prints.
   function(brimlet_output variable)

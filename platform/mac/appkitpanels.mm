@@ -15,7 +15,8 @@ static_assert(PanelFacts{}.styleMask == NSWindowStyleMaskNonactivatingPanel);
 
 class AppKitPanel : public MacPanel {
 public:
-    explicit AppKitPanel(bool ignoresMouse) {
+    explicit AppKitPanel(bool ignoresMouse)
+        : m_ignoresMouse(ignoresMouse) {
         m_panel.hasShadow = NO;
         m_panel.collectionBehavior = PanelFacts{}.collectionBehavior;
         m_panel.canHide = NO; // by Cmd-H, should the program be active
@@ -32,7 +33,10 @@ public:
             [m_panel setFrame:rect display:YES];
         }
     }
-    void orderFrontRegardless() override { [m_panel orderFrontRegardless]; }
+    void orderFrontRegardless() override {
+        [m_panel orderFrontRegardless];
+        m_panel.ignoresMouseEvents = m_ignoresMouse; // also before, but only now is there a window
+    }
     void orderOut() final { [m_panel orderOut:nil]; }
 
     [[nodiscard]] PanelFacts facts() const override {
@@ -58,6 +62,9 @@ public:
 
 protected:
     BrimletPanel* m_panel = [[BrimletPanel alloc] initTakingKeyboard:NO];
+
+private:
+    bool m_ignoresMouse;
 };
 
 class PaintingPanel final : public AppKitPanel {

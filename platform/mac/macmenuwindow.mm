@@ -52,8 +52,8 @@ void MacMenuWindow::follow(const Rect& item) {
 
 void MacMenuWindow::dismiss() {
     close();
-    // This program has no menus, so the menu bar still belongs to the previously active program. It
-    // is not activated in close(), which also runs when the user has just switched programs.
+    // A program without a Dock icon never owns the menu bar: the previously active one still does.
+    // It is not activated in close(), which also runs when the user has just switched programs.
     NSRunningApplication* const other = NSWorkspace.sharedWorkspace.menuBarOwningApplication;
     if (NSApp.active && other != nil) {
         [NSApp yieldActivationToApplication:other];

@@ -3,8 +3,6 @@
 #include "platform/observers.h"
 #include "platform/statusitem.h"
 
-#include <QScopeGuard>
-
 #include <functional>
 #include <memory>
 #include <optional>
@@ -23,9 +21,8 @@ public:
     /// Always true, because macOS does not report when the notch hides the item.
     [[nodiscard]] bool isShown() const override { return true; }
     [[nodiscard]] std::optional<Rect> place() const override;
-    ObserverToken observePlace(std::function<void()> changed) override {
-        return m_moves.add(std::move(changed));
-    }
+    /// Never calls it: the menu bar has the item from the start.
+    ObserverToken observePlace(std::function<void()> /*changed*/) override { return {}; }
     void setToolTip(const QString& text) override;
     ObserverToken observePresses(std::function<void(std::optional<Rect>)> pressed) override {
         return m_presses.add([this, pressed = std::move(pressed)] { pressed(place()); });
@@ -39,9 +36,7 @@ private:
     struct Native;
 
     Observers m_presses;
-    Observers m_moves;
     std::unique_ptr<Native> m_native;
-    QScopeGuard<std::function<void()>> m_registration;
 };
 
 } // namespace brimlet

@@ -2,7 +2,6 @@
 
 #import "platform/mac/nativepanel.h"
 #import "platform/mac/nativetext.h"
-#import "platform/mac/onnotification.h"
 
 /// The target of the item's button.
 @interface BrimletStatusTarget : NSObject {
@@ -36,10 +35,7 @@ struct MacStatusItem::Native final {
 };
 
 MacStatusItem::MacStatusItem()
-    : m_native(std::make_unique<Native>())
-    // Of all windows, should there be no window yet, which costs little.
-    , m_registration(onNotification(NSNotificationCenter.defaultCenter, NSWindowDidMoveNotification,
-                                    m_native->item.button.window, [this] { m_moves.notify(); })) {
+    : m_native(std::make_unique<Native>()) {
     m_native->target = [[BrimletStatusTarget alloc] initWithObservers:&m_presses];
     NSStatusBarButton* const button = m_native->item.button;
     button.image = [NSImage imageWithSystemSymbolName:@"laptopcomputer"

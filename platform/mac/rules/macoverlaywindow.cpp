@@ -105,8 +105,10 @@ void MacOverlayWindow::updateClickPanels() {
             m_clickPanels[i]->orderOut();
         }
     }
-    // AppKit reports no pointer that rests where a panel appears or disappears.
-    m_mouse.pointerAt(takesMouse ? std::optional(m_panels.pointerPosition()) : std::nullopt);
+    // AppKit may report no pointer that rests where a panel appears or disappears. Another window
+    // may lie over the panel.
+    const QPointF pointer = m_panels.pointerPosition();
+    m_mouse.pointerAt(takesClickAt(pointer) ? std::optional(pointer) : std::nullopt);
 }
 
 } // namespace brimlet

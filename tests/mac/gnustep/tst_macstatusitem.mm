@@ -72,20 +72,6 @@ private Q_SLOTS:
         QCOMPARE(presses, 2);
     }
 
-    void movesOfItsWindowAloneAreReported() {
-        MacStatusItem item;
-        int moves = 0;
-        item.observePlace([&] { ++moves; });
-        NSWindow* const window = [shims::statusButton() window];
-        [NSNotificationCenter.defaultCenter
-            postNotificationName:NSWindowDidMoveNotification
-                          object:[[[NSObject alloc] init] autorelease]];
-        QCOMPARE(moves, 0);
-        [NSNotificationCenter.defaultCenter postNotificationName:NSWindowDidMoveNotification
-                                                          object:window];
-        QCOMPARE(moves, 1);
-    }
-
     void itHasNoPlaceWhileItsWindowHasNoSize() {
         const MacStatusItem item;
         [[shims::statusButton() window] setFrame:NSZeroRect display:NO];
@@ -109,13 +95,10 @@ private Q_SLOTS:
         {
             MacStatusItem item;
             item.observePresses([&](const std::optional<Rect>& /*place*/) { ++calls; });
-            item.observePlace([&] { ++calls; });
             button = shims::statusButton();
         }
         QVERIFY(shims::statusButton() == nil);
         [button performClick:nil];
-        [NSNotificationCenter.defaultCenter postNotificationName:NSWindowDidMoveNotification
-                                                          object:[button window]];
         QCOMPARE(calls, 0);
     }
 };

@@ -31,14 +31,16 @@ public:
     void showHand(bool isHand) const override { hands.push_back(isHand); }
 
     QPointF pointer{-1, -1};
+    bool isCovered = false; ///< Whether another window lies over all panels.
     mutable std::vector<bool> hands;
     mutable std::vector<std::shared_ptr<Panel>> all;
 
 private:
     class Fake final : public MacPanel {
     public:
-        explicit Fake(std::shared_ptr<Panel> panel)
-            : m_panel(std::move(panel)) {}
+        Fake(const FakePanels& all, std::shared_ptr<Panel> panel)
+            : m_all(all)
+            , m_panel(std::move(panel)) {}
         ~Fake() override {
             m_panel->isShown = false;
             m_panel->mouse = nullptr;
@@ -57,9 +59,9 @@ private:
         }
         [[nodiscard]] bool takesClickAt(QPointF where) const override {
             const Rect& frame = m_panel->frame;
-            return m_panel->isClickPanel && m_panel->isShown && where.x() >= frame.minX() &&
-                   where.x() < frame.maxX() && where.y() >= frame.minY() &&
-                   where.y() < frame.maxY();
+            return !m_all.isCovered && m_panel->isClickPanel && m_panel->isShown &&
+                   where.x() >= frame.minX() && where.x() < frame.maxX() &&
+                   where.y() >= frame.minY() && where.y() < frame.maxY();
         }
 
     private:
@@ -68,12 +70,13 @@ private:
             ++m_panel->requests;
         }
 
+        const FakePanels& m_all;
         std::shared_ptr<Panel> m_panel;
     };
 
     [[nodiscard]] std::unique_ptr<MacPanel> add(const Panel& panel) const {
         all.push_back(std::make_shared<Panel>(panel));
-        return std::make_unique<Fake>(all.back());
+        return std::make_unique<Fake>(*this, all.back());
     }
 };
 

@@ -162,6 +162,17 @@ private Q_SLOTS:
         QCOMPARE(overlay.left().mouse->toolTip(), QString());
     }
 
+    void aPointerOnAWindowThatCoversTheCapsuleIsOutside() {
+        Overlay overlay;
+        overlay.panels.pointer = {600, 960};
+        overlay.panels.isCovered = true;
+        overlay.window.orderFrontRegardless();
+        QVERIFY(overlay.panels.hands.empty());
+        overlay.panels.isCovered = false;
+        overlay.window.orderFrontRegardless();
+        QCOMPARE(overlay.panels.hands, std::vector<bool>{true});
+    }
+
     void theContentIsShownAndHiddenWithIt() {
         Overlay overlay;
         QVERIFY(overlay.content->isVisible());

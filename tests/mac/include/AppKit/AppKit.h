@@ -9,7 +9,6 @@
 extern "C" {
 extern const NSNotificationName NSApplicationDidChangeScreenParametersNotification;
 extern const NSNotificationName NSApplicationDidFinishLaunchingNotification;
-extern const NSNotificationName NSWindowDidMoveNotification;
 extern const NSNotificationName NSWindowDidResignKeyNotification;
 extern const NSNotificationName NSWorkspaceScreensDidSleepNotification; // macOS 10.6
 extern const NSNotificationName NSWorkspaceScreensDidWakeNotification;  // macOS 10.6
