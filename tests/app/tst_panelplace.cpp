@@ -71,6 +71,12 @@ class TestPanelPlace final : public QObject {
         return {pixels.topLeft() / scale(), pixels.size() / scale()};
     }
     [[nodiscard]] QRect workArea() const { return inPoints(m_x.workArea()); }
+    /// Waits for the notifier tray, which the program prefers. Otherwise it may take the other one.
+    static void awaitNotifier() {
+        QTRY_VERIFY_WITH_TIMEOUT(QDBusConnection::sessionBus().interface()->isServiceRegistered(
+                                     QStringLiteral("org.kde.StatusNotifierWatcher")),
+                                 kPatience);
+    }
     /// Waits until the bar, as wide as the screen, has reserved its part. While monitors change,
     /// the window manager reports narrower areas for a moment.
     void awaitBar() const {
@@ -141,6 +147,7 @@ private Q_SLOTS:
                                   kScreen.adjusted(6, 6, -6, -6).topRight(), kPatience);
         // The notifier tray takes the icon but gives it no place.
         const Tray items({QStringLiteral("notifier")});
+        awaitNotifier();
         const Tray tray({QStringLiteral("xembed"), QStringLiteral("top right")});
         awaitBar();
         const QRect free = workArea().adjusted(6, 6, -6, -6);
@@ -169,6 +176,7 @@ private Q_SLOTS:
                     QStringLiteral("screen")});
         });
         const Tray items({QStringLiteral("notifier")});
+        awaitNotifier();
         const Tray tray({QStringLiteral("xembed"), QStringLiteral("bottom right")});
         awaitBar();
         SimulatorProcess program({});
@@ -185,9 +193,7 @@ private Q_SLOTS:
     void aTrayWithoutPlacesHasItInTheCornerAtTheBar() {
         QFETCH(QString, bar);
         const Tray items({QStringLiteral("notifier")});
-        QTRY_VERIFY_WITH_TIMEOUT(QDBusConnection::sessionBus().interface()->isServiceRegistered(
-                                     QStringLiteral("org.kde.StatusNotifierWatcher")),
-                                 kPatience);
+        awaitNotifier();
         const Tray tray({QStringLiteral("xembed"), bar});
         awaitBar();
         SimulatorProcess program({});
