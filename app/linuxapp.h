@@ -12,6 +12,7 @@
 #include "platform/linux/sessionlock.h"
 #include "platform/linux/traystatusitem.h"
 #include "platform/linux/xdgcachesfolder.h"
+#include "platform/qt/pictureprocess.h"
 #include "platform/qt/qtclock.h"
 
 #include <QCoreApplication>
@@ -36,6 +37,7 @@ struct LinuxAdapters final {
     XdgCachesFolder cachesFolder;
     LinuxReduceMotion reduceMotion;
     std::unique_ptr<CurlHttpClient> http = std::make_unique<CurlHttpClient>();
+    PictureProcess pictures{pictureProgram()};
     TrayStatusItem statusItem;
 
     LinuxAdapters();

@@ -8,6 +8,7 @@
 #include "platform/mac/macstatusitem.h"
 #include "platform/mac/macworkspace.h"
 #include "platform/qt/instancelock.h"
+#include "platform/qt/pictureprocess.h"
 #include "platform/qt/qtcachesfolder.h"
 #include "platform/qt/qtclock.h"
 
@@ -42,10 +43,12 @@ int main(int argc, char* argv[]) {
     MacReduceMotion reduceMotion;
     QtClock clock;
     CurlHttpClient http;
+    PictureProcess pictures(pictureProgram());
     MacStatusItem statusItem;
 
-    BrimletApp app = makeApp({screens, workspace, secrets, http, bundle, clock, cachesFolder,
-                              reduceMotion, statusItem, makeMacOverlayWindow, makeMacMenuWindow});
+    BrimletApp app =
+        makeApp({screens, workspace, secrets, http, pictures, bundle, clock, cachesFolder,
+                 reduceMotion, statusItem, makeMacOverlayWindow, makeMacMenuWindow});
     handleRequests(instance, app);
     openWhenReopened(app);
     return app.run();

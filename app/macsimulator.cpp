@@ -11,6 +11,7 @@
 #include "platform/mac/macworkspace.h"
 #include "platform/qt/desktopscreens.h"
 #include "platform/qt/instancelock.h"
+#include "platform/qt/pictureprocess.h"
 #include "platform/qt/qtcachesfolder.h"
 #include "platform/qt/qtclock.h"
 
@@ -43,13 +44,20 @@ int main(int argc, char* argv[]) {
     MacReduceMotion reduceMotion;
     QtClock clock;
     auto http = std::make_unique<CurlHttpClient>();
+    PictureProcess pictures(pictureProgram());
     MacStatusItem statusItem;
 
-    const SystemPorts real{screens,          workspace,
-                           secrets,          *http,
-                           bundle,           clock,
-                           cachesFolder,     reduceMotion,
-                           statusItem,       makeMacOverlayWindow,
+    const SystemPorts real{screens,
+                           workspace,
+                           secrets,
+                           *http,
+                           pictures,
+                           bundle,
+                           clock,
+                           cachesFolder,
+                           reduceMotion,
+                           statusItem,
+                           makeMacOverlayWindow,
                            makeMacMenuWindow};
     SimulatedSystem simulated(file, real, std::move(http), MachinePlace::AtRealTop);
     const SystemPorts ports = simulated.ports();

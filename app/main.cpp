@@ -35,12 +35,13 @@ int main(int argc, char* argv[]) {
     if (!desktop.canShowOverlay()) {
         return 1;
     }
-    BrimletApp app = makeApp(
-        {desktop.screens(), desktop.workspace, desktop.secrets, *desktop.http, desktop.bundle,
-         desktop.clock, desktop.cachesFolder, desktop.reduceMotion, desktop.statusItem,
-         desktop.overlayWindowFactory([&desktop] { return desktop.primaryGeometry(); }),
-         makeX11MenuWindow},
-        commandLine.reason);
+    BrimletApp app =
+        makeApp({desktop.screens(), desktop.workspace, desktop.secrets, *desktop.http,
+                 desktop.pictures, desktop.bundle, desktop.clock, desktop.cachesFolder,
+                 desktop.reduceMotion, desktop.statusItem,
+                 desktop.overlayWindowFactory([&desktop] { return desktop.primaryGeometry(); }),
+                 makeX11MenuWindow},
+                commandLine.reason);
     handleRequests(instance, app);
     followDesktop(*app.store(), desktop);
     return runAcrossDisplayLoss(app, {argv[0], "--autostart"});

@@ -58,6 +58,7 @@ SystemPorts SimulatedSystem::ports() {
             m_workspace,
             m_secrets,
             m_http,
+            m_real.pictures,
             m_bundle,
             m_clock,
             m_cachesFolder,

@@ -59,11 +59,17 @@ int main(int argc, char* argv[]) {
     const auto primaryGeometry = [&] {
         return simulatedPrimaryGeometry(file.machine(), real.primaryGeometry());
     };
-    const SystemPorts realPorts{real.screens(),    real.workspace,
-                                real.secrets,      *real.http,
-                                real.bundle,       real.clock,
-                                real.cachesFolder, real.reduceMotion,
-                                real.statusItem,   real.overlayWindowFactory(primaryGeometry),
+    const SystemPorts realPorts{real.screens(),
+                                real.workspace,
+                                real.secrets,
+                                *real.http,
+                                real.pictures,
+                                real.bundle,
+                                real.clock,
+                                real.cachesFolder,
+                                real.reduceMotion,
+                                real.statusItem,
+                                real.overlayWindowFactory(primaryGeometry),
                                 makeX11MenuWindow};
     SimulatedSystem simulated(file, realPorts, std::move(real.http));
     const SystemPorts ports = simulated.ports();

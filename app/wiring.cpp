@@ -55,7 +55,7 @@ void configureApplication() {
 }
 
 BrimletApp makeApp(const SystemPorts& system, StartReason reason) {
-    SharedPorts<ImagePorts>::set({system.http, system.cachesFolder});
+    SharedPorts<ImagePorts>::set({system.http, system.pictures, system.cachesFolder});
     const CreativeEnvironment environment{CreativeImageCache::shared(), system.clock,
                                           system.reduceMotion};
     return {

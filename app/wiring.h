@@ -2,6 +2,7 @@
 
 #include "app/brimletapp.h"
 #include "platform/cachesfolder.h"
+#include "platform/picturedecoder.h"
 #include "platform/reducemotion.h"
 
 #include <QWidget>
@@ -25,6 +26,7 @@ struct SystemPorts final {
     Workspace& workspace;
     SecretStore& secrets;
     HttpClient& http;
+    PictureDecoder& pictures;
     Bundle& bundle;
     Clock& clock;
     const CachesFolder& cachesFolder;

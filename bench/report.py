@@ -293,9 +293,11 @@ def step_table(results):
         is_aggregate = step.get('run_type') == 'aggregate'
         if step.get('aggregate_name') == 'median' if is_aggregate else step['repetitions'] <= 1:
             name = re.sub(r'/(iterations|repeats):\d+', '', step['run_name'])
+            name = name.removesuffix('/real_time')
             rows.append([name, f"{text(step['cpu_time'])} {step['time_unit']}",
+                         f"{text(step['real_time'])} {step['time_unit']}",
                          text(step.get('slowest ms')), text(step.get('allocations'))])
-    return table('Single steps', ['', 'CPU', 'slowest ms', 'allocations'], rows)
+    return table('Single steps', ['', 'CPU', 'elapsed', 'slowest ms', 'allocations'], rows)
 
 
 def markdown(results, plots):

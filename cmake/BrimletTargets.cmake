@@ -40,11 +40,12 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT APPLE)
   endforeach()
 endif()
 if(BRIMLET_SANITIZE)
+  set(sanitized $<NOT:$<BOOL:$<TARGET_PROPERTY:BRIMLET_UNSANITIZED>>>)
   target_compile_options(brimlet_options INTERFACE
-    -fsanitize=${BRIMLET_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+    "$<${sanitized}:-fsanitize=${BRIMLET_SANITIZE};-fno-sanitize-recover=all;-fno-omit-frame-pointer>"
     # Does not know what clang 14 makes of a coroutine.
-    $<$<CXX_COMPILER_ID:Clang>:-fno-sanitize=function>)
-  target_link_options(brimlet_options INTERFACE -fsanitize=${BRIMLET_SANITIZE})
+    $<$<AND:${sanitized},$<CXX_COMPILER_ID:Clang>>:-fno-sanitize=function>)
+  target_link_options(brimlet_options INTERFACE $<${sanitized}:-fsanitize=${BRIMLET_SANITIZE}>)
 endif()
 if(CCACHE_PROGRAM AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(brimlet_options INTERFACE -fpch-preprocess)

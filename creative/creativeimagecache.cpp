@@ -1,9 +1,8 @@
 #include "creative/creativeimagecache.h"
 
-#include "creative/images/imagedecoding.h"
-#include "creative/images/imagevalidation.h"
 #include "host/linkrule.h"
 #include "platform/deferred.h"
+#include "platform/picturelimits.h"
 #include "platform/sharedports.h"
 
 #include <QCryptographicHash>
@@ -34,13 +33,23 @@ std::uint64_t magnitude(std::int64_t value) {
     return value < 0 ? std::uint64_t{0} - bits : bits; // defined for the smallest number, too
 }
 
-std::optional<QImage> imageFromFile(const QString& path) {
+/// Empty when there is no such file.
+QByteArray contentsOf(const QString& path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return std::nullopt;
+    return file.open(QIODevice::ReadOnly) ? file.read(kPictureBytesLimit + 1) : QByteArray();
+}
+
+QCoro::Task<std::optional<QImage>> decoded(PictureDecoder& decoder, QByteArray bytes) {
+    std::optional<QImage> image;
+    if (!bytes.isEmpty() && bytes.size() <= kPictureBytesLimit) {
+        if (const auto picture = co_await decoder.decode(std::move(bytes))) {
+            // Copied, because the image would only refer to the bytes.
+            image = QImage(reinterpret_cast<const uchar*>(picture->pixels.constData()),
+                           picture->width, picture->height, QImage::Format_ARGB32_Premultiplied)
+                        .copy();
+        }
     }
-    const QByteArray bytes = file.read(kImageBodyLimit + 1);
-    return bytes.size() > kImageBodyLimit ? std::nullopt : decodeImage(bytes);
+    co_return image;
 }
 
 /// Writes the whole file or none; a failure is ignored. Unlike QSaveFile it does not wait for the
@@ -64,7 +73,7 @@ HttpRequest requestFor(const Url& url) {
     HttpRequest request{url};
     request.mayFollow = [](const Url& /*from*/, const Url& to) { return isAllowedLink(to); };
     request.lastStatusWithBody = 299;
-    request.bodyLimit = kImageBodyLimit;
+    request.bodyLimit = kPictureBytesLimit;
     return request;
 }
 
@@ -127,8 +136,8 @@ QCoro::Task<std::optional<QImage>> CreativeImageCache::find(std::shared_ptr<Stat
 }
 
 QCoro::Task<std::optional<QImage>> CreativeImageCache::load(std::shared_ptr<State> state, Url url) {
-    if (auto image = imageFromFile(diskURL(*state, url))) {
-        co_return image;
+    if (auto kept = co_await decoded(state->ports.decoder, contentsOf(diskURL(*state, url)))) {
+        co_return kept;
     }
     HttpRequest request = requestFor(url);
     const HttpResult result = co_await state->ports.http.send(std::move(request));
@@ -136,7 +145,7 @@ QCoro::Task<std::optional<QImage>> CreativeImageCache::load(std::shared_ptr<Stat
     if (reply == nullptr || reply->status < 200 || reply->status > 299) {
         co_return std::nullopt;
     }
-    auto image = decodeImage(reply->body);
+    auto image = co_await decoded(state->ports.decoder, reply->body);
     if (image) {
         writeAtomically(diskURL(*state, url), reply->body);
     }

@@ -2,6 +2,7 @@
 
 #include "platform/cachesfolder.h"
 #include "platform/httpclient.h"
+#include "platform/picturedecoder.h"
 
 #include <QImage>
 
@@ -14,6 +15,7 @@ namespace brimlet {
 /// The cache's access to the system. The references outlive the cache and every load.
 struct ImagePorts final {
     HttpClient& http;
+    PictureDecoder& decoder;
     const CachesFolder& cachesFolder;
 };
 

@@ -12,8 +12,10 @@
 #include "platform/starttask.h"
 #include "tests/support/fakeclock.h"
 #include "tests/support/fakes.h"
+#include "tests/support/readingdecoder.h"
 
 #include <QCoreApplication>
+#include <QDir>
 
 namespace brimlet {
 namespace {
@@ -142,10 +144,12 @@ BENCHMARK(unchangedPoll);
 
 void unchangedPollWithViews(benchmark::State& state) {
     FakeCachesFolder caches;
+    caches.folder = QDir::tempPath();
+    ReadingDecoder decoder;
     FakeReduceMotion reduceMotion;
     FakeClock clock;
     InstantHttpClient http;
-    CreativeImageCache images({http, caches}, 1);
+    CreativeImageCache images({http, decoder, caches}, 1);
     const CreativeEnvironment environment{images, clock, reduceMotion};
     std::unique_ptr<OverlayView> view;
     const SampleOverlay overlay([&](OverlayRuntime& runtime) {

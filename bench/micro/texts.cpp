@@ -7,6 +7,7 @@
 #include "overlay/overlayruntime.h"
 #include "overlay/overlayview.h"
 #include "tests/support/hostfixture.h"
+#include "tests/support/readingdecoder.h"
 
 #include <QDir>
 #include <QFile>
@@ -40,9 +41,10 @@ struct Fixture {
     }
 
     FakeCachesFolder caches;
+    ReadingDecoder decoder;
     FakeReduceMotion reduceMotion;
     HostFixture host;
-    CreativeImageCache images{{host.http, caches}, 1};
+    CreativeImageCache images{{host.http, decoder, caches}, 1};
     std::shared_ptr<HostStore> store = host.makeStore();
     CreativeEnvironment environment{images, host.clock, reduceMotion};
 };

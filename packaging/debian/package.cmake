@@ -25,11 +25,11 @@ service every few seconds what to show, and, once the host has entered a
 token, sends it a heartbeat every fifteen minutes. On a screen without a notch
 nothing is shown and nothing is sent.")
 
-# Libraries are found in the program, but for Wayland's, which it loads itself. It also runs xdg-open for a
-# click on a capsule and needs certificates for HTTPS.
+# Libraries are found in the programs, but for Wayland's and the decoder of WebP, which are loaded. A click on
+# a capsule runs xdg-open, and HTTPS needs certificates.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
-  "ca-certificates, libwayland-client0 (>= 1.20), libwayland-cursor0, xdg-utils")
+  "ca-certificates, libwayland-client0 (>= 1.20), libwayland-cursor0, qt6-image-formats-plugins, xdg-utils")
 # The token is kept in a secret service, which needs a session bus.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
   "default-dbus-session-bus | dbus-session-bus, gnome-keyring | libkf5wallet-bin")

@@ -28,6 +28,17 @@ function(brimlet_mac_info_plist file executable identifier)
   configure_file(${BRIMLET_MAC_FOLDER}/Info.plist.in ${file} @ONLY)
 endfunction()
 
+# brimlet_mac_helper(TARGET HELPER): puts another program into the bundle of a target, for it to start.
+function(brimlet_mac_helper target helper)
+  set_target_properties(${helper} PROPERTIES BUILD_RPATH @executable_path/../Frameworks)
+  set(folder $<TARGET_FILE_DIR:${target}>/../Helpers)
+  add_custom_command(TARGET ${target} POST_BUILD
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
+    COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:${helper}> ${folder}
+    VERBATIM)
+  add_dependencies(${target} ${helper})
+endfunction()
+
 # brimlet_mac_bundle(TARGET NAME IDENTIFIER): makes build/…/bin/NAME.app. CMake gives a bundle and its program
 # the same name.
 function(brimlet_mac_bundle target name identifier)

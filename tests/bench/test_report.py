@@ -80,14 +80,14 @@ class TestReport(unittest.TestCase):
         self.assertEqual(results.absences[0], 'validate: the picture was refused.')
 
     def test_of_repeated_steps_the_median_is_shown(self):
-        step = {'run_name': 'step/repeats:2', 'cpu_time': 7, 'time_unit': 'ns', 'repetitions': 2}
-        once = {'run_name': 'once/iterations:20', 'cpu_time': 9, 'time_unit': 'ns',
+        step = {'run_name': 'step/repeats:2', 'cpu_time': 7, 'real_time': 17, 'time_unit': 'ns', 'repetitions': 2}
+        once = {'run_name': 'once/iterations:20', 'cpu_time': 9, 'real_time': 19, 'time_unit': 'ns',
                 'repetitions': 1, 'slowest ms': 3}
         shown = markdown(self.results(micro={'benchmarks': [
             step, {**step, 'run_type': 'aggregate', 'aggregate_name': 'mean'},
-            {**step, 'run_type': 'aggregate', 'aggregate_name': 'median', 'cpu_time': 8},
+            {**step, 'run_type': 'aggregate', 'aggregate_name': 'median', 'cpu_time': 8, 'real_time': 18},
             once]}), [])
-        self.assertIn('|---|--:|--:|--:|\n| step | 8 ns | – | – |\n| once | 9 ns | 3 | – |\n',
+        self.assertIn('|---|--:|--:|--:|--:|\n| step | 8 ns | 18 ns | – | – |\n| once | 9 ns | 19 ns | 3 | – |\n',
                       shown)
 
     def test_broken_results_are_absent(self):

@@ -1,9 +1,11 @@
 #include "creative/creativeimagecache.h"
 #include "host/linkrule.h"
+#include "platform/deferred.h"
 #include "platform/starttask.h"
 #include "tests/support/fakehttpclient.h"
 #include "tests/support/fakes.h"
 #include "tests/support/pngbytes.h"
+#include "tests/support/readingdecoder.h"
 #include "tests/support/testprogram.h"
 
 #include <QDir>
@@ -13,6 +15,8 @@
 #include <QTest>
 
 #include <csignal>
+#include <deque>
+#include <utility>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -54,7 +58,7 @@ struct CacheFixture final {
 
     /// Makes a new cache over the same folder, as after a restart.
     void restart(std::uint64_t seed) {
-        cache = std::make_unique<CreativeImageCache>(ImagePorts{http, caches}, seed);
+        cache = std::make_unique<CreativeImageCache>(ImagePorts{http, decoder, caches}, seed);
     }
     [[nodiscard]] QString folder() const {
         return *caches.folder + QStringLiteral("/Brimlet/creatives");
@@ -78,8 +82,26 @@ struct CacheFixture final {
     FakeCachesFolder caches;
     FakeClock clock;
     FakeHttpClient http{clock};
+    ReadingDecoder decoder;
     std::unique_ptr<CreativeImageCache> cache =
-        std::make_unique<CreativeImageCache>(ImagePorts{http, caches}, 1);
+        std::make_unique<CreativeImageCache>(ImagePorts{http, decoder, caches}, 1);
+};
+
+/// Answers when a test says so.
+class PatientDecoder final : public PictureDecoder {
+public:
+    [[nodiscard]] QCoro::Task<std::optional<Picture>> decode(QByteArray bytes) override {
+        const Deferred<std::optional<Picture>> result;
+        waiting.push_back({readPicture(bytes), result});
+        co_return co_await result;
+    }
+    void answer() {
+        const auto [picture, result] = waiting.front();
+        waiting.pop_front();
+        result.resolve(picture);
+    }
+
+    std::deque<std::pair<std::optional<Picture>, Deferred<std::optional<Picture>>>> waiting;
 };
 
 /// Returns a body whatever the status and its length, as a client must not.
@@ -308,12 +330,40 @@ private Q_SLOTS:
         CacheFixture f;
         const HttpReply reply{200, pngOf(Qt::red).leftJustified(size, ' ')};
         FaultyClient http(reply); // even if the client returns too long a body
-        f.cache = std::make_unique<CreativeImageCache>(ImagePorts{http, f.caches}, 1);
+        f.cache = std::make_unique<CreativeImageCache>(ImagePorts{http, f.decoder, f.caches}, 1);
         QCOMPARE(f.ask()->image.has_value(), isShown);
         QCOMPARE(f.files().size(), isShown ? 1 : 0);
         f.restart(2);
         f.http.answer(kPath, reply);
         QCOMPARE(f.ask()->image.has_value(), isShown);
+    }
+
+    void callsWhileAPictureIsDecodedShareItAndNoFileIsWrittenBefore() {
+        CacheFixture f;
+        PatientDecoder decoder;
+        f.cache = std::make_unique<CreativeImageCache>(ImagePorts{f.http, decoder, f.caches}, 1);
+        f.http.answer(kPath, 200, pngOf(Qt::red));
+        const auto first = f.ask();
+        const auto second = f.ask();
+        QVERIFY(!first->isThere && !second->isThere);
+        QCOMPARE(decoder.waiting.size(), std::size_t{1});
+        QCOMPARE(f.files(), QStringList());
+        decoder.answer();
+        QVERIFY(first->image && second->image);
+        QCOMPARE(*first->image, *second->image);
+        QCOMPARE(f.http.requests().size(), std::size_t{1});
+        QCOMPARE(f.files().size(), 1);
+    }
+
+    void aLoadOutlivesTheCache() {
+        CacheFixture f;
+        PatientDecoder decoder;
+        f.cache = std::make_unique<CreativeImageCache>(ImagePorts{f.http, decoder, f.caches}, 1);
+        f.http.answer(kPath, 200, pngOf(Qt::red));
+        const auto answer = f.ask();
+        f.cache.reset();
+        decoder.answer();
+        QVERIFY(answer->image);
     }
 
     void anotherStatusIsNoImageEvenWithABody_data() {
@@ -326,7 +376,7 @@ private Q_SLOTS:
         QFETCH(int, status);
         CacheFixture f;
         FaultyClient http({status, pngOf(Qt::red)});
-        f.cache = std::make_unique<CreativeImageCache>(ImagePorts{http, f.caches}, 1);
+        f.cache = std::make_unique<CreativeImageCache>(ImagePorts{http, f.decoder, f.caches}, 1);
         QVERIFY(!f.ask()->image);
         QCOMPARE(f.files(), QStringList());
     }
@@ -424,7 +474,7 @@ private Q_SLOTS:
         CacheFixture f;
         f.http.answer(kPath, 200, pngOf(Qt::red));
         for (int i = 0; i < 2; ++i) {
-            f.cache = std::make_unique<CreativeImageCache>(ImagePorts{f.http, f.caches});
+            f.cache = std::make_unique<CreativeImageCache>(ImagePorts{f.http, f.decoder, f.caches});
             QVERIFY(f.ask()->image);
         }
         QCOMPARE(f.http.requests().size(), std::size_t{1});

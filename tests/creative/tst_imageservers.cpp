@@ -4,6 +4,7 @@
 #include "tests/support/fakes.h"
 #include "tests/support/pngbytes.h"
 #include "tests/support/rawserver.h"
+#include "tests/support/readingdecoder.h"
 #include "tests/support/testprogram.h"
 
 #include <QDir>
@@ -40,7 +41,8 @@ struct ServedCache final {
     FakeCachesFolder caches;
     RawServer server;
     CurlHttpClient http;
-    CreativeImageCache cache{{http, caches}, 1};
+    ReadingDecoder decoder;
+    CreativeImageCache cache{{http, decoder, caches}, 1};
 };
 
 QByteArray withLength(qsizetype length, const QByteArray& body) {

@@ -6,6 +6,7 @@
 #include "tests/support/fakehttpclient.h"
 #include "tests/support/fakes.h"
 #include "tests/support/hostiletexts.h"
+#include "tests/support/readingdecoder.h"
 #include "tests/support/testprogram.h"
 
 #include <QGuiApplication>
@@ -45,7 +46,8 @@ class TestNaughtyStrings final : public QObject {
     FakeClock m_clock;
     FakeHttpClient m_http{m_clock};
     FakeCachesFolder m_caches;
-    CreativeImageCache m_images{{m_http, m_caches}, 1};
+    ReadingDecoder m_decoder;
+    CreativeImageCache m_images{{m_http, m_decoder, m_caches}, 1};
 
     template <typename Part>
     static QImage drawn(Part&& paint, const QRect& box) {

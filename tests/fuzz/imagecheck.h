@@ -4,9 +4,8 @@
 
 namespace brimlet {
 
-/// Sanitises and decodes the bytes. Returns what is wrong, empty when nothing is: refused bytes
-/// must not be decoded, sanitised ones must be accepted again, and a picture must have its kept
-/// size and validly premultiplied pixels.
+/// Reads a picture from the bytes. Returns what is wrong, empty when nothing is: a picture must
+/// have a size within the limits and validly premultiplied pixels.
 [[nodiscard]] QByteArray checkImage(const QByteArray& input);
 
 } // namespace brimlet

@@ -3,6 +3,7 @@
 #include "creative/creativeimagecache.h"
 #include "menu/hostmenuview.h"
 #include "tests/support/hostfixture.h"
+#include "tests/support/readingdecoder.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -151,8 +152,9 @@ public:
 private:
     QTemporaryDir m_folder;
     FakeCachesFolder m_caches;
+    ReadingDecoder m_decoder;
     FakeReduceMotion m_reduceMotion;
-    CreativeImageCache m_images{{host.http, m_caches}, 1};
+    CreativeImageCache m_images{{host.http, m_decoder, m_caches}, 1};
     std::shared_ptr<HostStore> m_store;
     QWidget m_window;
     HostMenuView* m_view = nullptr; ///< Child of the window.

@@ -5,6 +5,7 @@
 #include "overlay/overlayview.h"
 #include "platform/qt/contentpainting.h"
 #include "tests/support/hostfixture.h"
+#include "tests/support/readingdecoder.h"
 
 #include <QTemporaryDir>
 
@@ -60,9 +61,10 @@ struct ShownOverlay {
 
     QTemporaryDir folder;
     FakeCachesFolder caches;
+    ReadingDecoder decoder;
     FakeReduceMotion reduceMotion;
     HostFixture host;
-    CreativeImageCache images{{host.http, caches}, 1};
+    CreativeImageCache images{{host.http, decoder, caches}, 1};
     std::shared_ptr<HostStore> store = host.makeStore();
     OverlayRuntime runtime{host.workspace};
     OverlayView view{runtime, {images, host.clock, reduceMotion}};

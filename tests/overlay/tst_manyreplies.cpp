@@ -7,6 +7,7 @@
 #include "tests/support/memoryuse.h"
 #include "tests/support/paintcounter.h"
 #include "tests/support/pngbytes.h"
+#include "tests/support/readingdecoder.h"
 #include "tests/support/testprogram.h"
 
 #include <QApplication>
@@ -68,9 +69,10 @@ struct Life final {
 
     QTemporaryDir folder;
     FakeCachesFolder caches;
+    ReadingDecoder decoder;
     FakeReduceMotion reduceMotion;
     HostFixture host;
-    CreativeImageCache images{{host.http, caches}, 1};
+    CreativeImageCache images{{host.http, decoder, caches}, 1};
     CreativeEnvironment environment{images, host.clock, reduceMotion};
     std::shared_ptr<HostStore> store;
     FakeOverlayWindow::Record window;

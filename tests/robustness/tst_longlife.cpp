@@ -4,6 +4,7 @@
 #include "tests/support/hostfixture.h"
 #include "tests/support/memoryuse.h"
 #include "tests/support/pngbytes.h"
+#include "tests/support/readingdecoder.h"
 #include "tests/support/testprogram.h"
 
 #include <QDir>
@@ -90,6 +91,7 @@ private Q_SLOTS:
         host.keepToken("demo-host-token");
         FakeCachesFolder unwritable;
         unwritable.folder = QStringLiteral("/proc/brimlet");
+        ReadingDecoder decoder;
         CurlHttpClient http;
         HostPorts ports = host.ports();
         const auto store = HostStore::create(
@@ -100,7 +102,7 @@ private Q_SLOTS:
             service.follow(script(share));
             // Not qWaitFor, which sleeps between its checks.
             QTestEventLoop loop;
-            startTask(ask(store, {http, unwritable}, pictureUrl, &host.workspace, count,
+            startTask(ask(store, {http, decoder, unwritable}, pictureUrl, &host.workspace, count,
                           [&loop] { loop.exitLoop(); }));
             loop.enterLoop(600);
             return !loop.timeout();

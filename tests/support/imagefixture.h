@@ -4,6 +4,7 @@
 #include "tests/support/fakehttpclient.h"
 #include "tests/support/fakes.h"
 #include "tests/support/pngbytes.h"
+#include "tests/support/readingdecoder.h"
 
 #include <QTemporaryDir>
 
@@ -26,7 +27,8 @@ struct ImageFixture {
     FakeCachesFolder caches;
     FakeClock clock;
     FakeHttpClient http{clock};
-    CreativeImageCache images{{http, caches}, 1};
+    ReadingDecoder decoder;
+    CreativeImageCache images{{http, decoder, caches}, 1};
 };
 
 } // namespace brimlet
