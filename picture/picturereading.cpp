@@ -179,6 +179,8 @@ Picture pixelsOf(const QImage& picture) {
 } // namespace
 
 void preparePictureReading() {
+    constexpr int kMebibytes = 256; // twice the largest picture with 16 bits a channel
+    QImageReader::setAllocationLimit(kMebibytes);
     QLoggingCategory::setFilterRules(QStringLiteral("qt.gui.imageio*=false"));
     for (const char* const format : {"jpeg", "gif", "webp"}) {
         plugins().insert(format, pluginOf(QLatin1StringView(format)));
