@@ -8,7 +8,8 @@ namespace brimlet {
 namespace {
 
 bool isControl(char c) {
-    return (c >= 0 && c < 0x20) || c == 0x7F;
+    const auto byte = static_cast<unsigned char>(c);
+    return byte < 0x20 || byte == 0x7F;
 }
 
 /// A tab is the one control character that a header's value may contain.
