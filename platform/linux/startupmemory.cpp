@@ -11,10 +11,11 @@ namespace {
 
 /// One memory mapping of the process, as listed in /proc/self/smaps.
 struct Mapping final {
-    quintptr begin = 0;
-    quintptr end = 0;
+    MemoryRange range;
     /// A private mapping of a file without write permission.
     bool isReadOnlyFile = false;
+    /// Also excludes what an emulated processor lists: it gives every size as zero.
+    bool isResident = false;
     /// Some pages are locked or differ from the file, such as those the dynamic linker has
     /// relocated.
     bool hasOwnPages = false;
@@ -30,44 +31,56 @@ bool readHead(const QByteArray& line, Mapping& mapping) {
     }
     const QByteArray& rights = fields.at(1);
     const bool isFile = fields.size() >= 6 && fields.at(5).startsWith('/');
-    mapping = {range.at(0).toULongLong(nullptr, 16), range.at(1).toULongLong(nullptr, 16),
-               isFile && rights.startsWith("r-") && rights.endsWith('p'), false};
+    mapping = {};
+    mapping.range = {range.at(0).toULongLong(nullptr, 16), range.at(1).toULongLong(nullptr, 16)};
+    mapping.isReadOnlyFile = isFile && rights.startsWith("r-") && rights.endsWith('p');
     return true;
 }
 
-void trim(const Mapping& mapping) {
-    if (mapping.isReadOnlyFile && !mapping.hasOwnPages) {
-        // All pages are equal to the file, so none is lost.
-        madvise(reinterpret_cast<void*>(mapping.begin), mapping.end - mapping.begin, // NOLINT
-                MADV_DONTNEED);
-    }
-}
-
-/// Trims each of the process's mappings once all its lines have been read.
-void trimFilePages() {
-    QFile file(QStringLiteral("/proc/self/smaps"));
-    if (!file.open(QIODevice::ReadOnly)) {
+/// Reads one of the lines of details.
+void readDetail(const QByteArray& line, Mapping& mapping) {
+    if (line.simplified().endsWith(" 0 kB")) {
         return;
     }
-    Mapping mapping;
-    for (QByteArray line = file.readLine(); !line.isEmpty(); line = file.readLine()) {
-        Mapping next;
-        if (readHead(line, next)) {
-            trim(mapping);
-            mapping = next;
-        } else if ((line.startsWith("Anonymous:") || line.startsWith("Private_Dirty:") ||
-                    line.startsWith("Locked:")) &&
-                   !line.simplified().endsWith(" 0 kB")) {
-            mapping.hasOwnPages = true;
-        }
+    if (line.startsWith("Rss:")) {
+        mapping.isResident = true;
+    } else if (line.startsWith("Anonymous:") || line.startsWith("Private_Dirty:") ||
+               line.startsWith("Locked:")) {
+        mapping.hasOwnPages = true;
     }
-    trim(mapping);
 }
 
 } // namespace
 
+std::vector<MemoryRange> unmodifiedFileMappings(QIODevice& smaps) {
+    std::vector<MemoryRange> unmodified;
+    Mapping mapping;
+    const auto add = [&] {
+        if (mapping.isReadOnlyFile && mapping.isResident && !mapping.hasOwnPages) {
+            unmodified.push_back(mapping.range);
+        }
+    };
+    for (QByteArray line = smaps.readLine(); !line.isEmpty(); line = smaps.readLine()) {
+        Mapping next;
+        if (readHead(line, next)) {
+            add();
+            mapping = next;
+        } else {
+            readDetail(line, mapping);
+        }
+    }
+    add();
+    return unmodified;
+}
+
 void trimStartupMemory() {
-    trimFilePages();
+    QFile smaps(QStringLiteral("/proc/self/smaps"));
+    if (smaps.open(QIODevice::ReadOnly)) {
+        for (const MemoryRange& range : unmodifiedFileMappings(smaps)) {
+            madvise(reinterpret_cast<void*>(range.begin), range.end - range.begin, // NOLINT
+                    MADV_DONTNEED);
+        }
+    }
     malloc_trim(0);
 }
 
