@@ -3,6 +3,7 @@
 #include "tests/support/processfacts.h"
 #include "tests/support/sanitized.h"
 #include "tests/support/sessionfolders.h"
+#include "tests/support/slowness.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
@@ -23,7 +24,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 /// A poll every 20 milliseconds, a heartbeat every 6 seconds.
 constexpr int kSpeed = 150;
 // In points of the 14-inch machine's screen, whose panel begins at 542.

@@ -1,5 +1,6 @@
 #include "tests/support/fakelocker.h"
 #include "tests/support/processes.h"
+#include "tests/support/slowness.h"
 #include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 
@@ -11,7 +12,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 
 } // namespace
 

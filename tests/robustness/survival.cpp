@@ -1,4 +1,5 @@
 #include "tests/robustness/survival.h"
+#include "tests/support/slowness.h"
 
 #include <QElapsedTimer>
 
@@ -7,7 +8,7 @@
 namespace brimlet {
 namespace {
 
-constexpr int kPatience = 20'000; // milliseconds
+const int kPatience = 20'000 * slowness(); // milliseconds
 /// As many requests show that polls continue.
 constexpr qsizetype kSeveral = 8;
 

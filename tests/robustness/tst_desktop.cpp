@@ -2,6 +2,7 @@
 #include "tests/support/processes.h"
 #include "tests/support/sanitized.h"
 #include "tests/support/screenreader.h"
+#include "tests/support/slowness.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
@@ -17,7 +18,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 20'000;
+const int kPatience = 20'000 * slowness();
 const QString kToken = QStringLiteral("demo-host-token");
 const QString kHeartbeat = QStringLiteral("POST /api/host/heartbeat");
 const QString kEstimate = QStringLiteral("GET /api/host/me");

@@ -1,4 +1,5 @@
 #include "tests/robustness/survival.h"
+#include "tests/support/slowness.h"
 #include "tests/support/testprogram.h"
 
 using namespace brimlet;
@@ -6,7 +7,7 @@ using namespace brimlet::faults;
 
 namespace {
 
-constexpr int kPatience = 20'000; // milliseconds
+const int kPatience = 20'000 * slowness(); // milliseconds
 
 const QByteArray kHead = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n";
 

@@ -1,5 +1,6 @@
 #include "tests/support/processes.h"
 #include "tests/support/sanitized.h"
+#include "tests/support/slowness.h"
 #include "tests/support/testprogram.h"
 
 #include <QDateTime>
@@ -17,7 +18,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 20'000;
+const int kPatience = 20'000 * slowness();
 /// Polls are 50 milliseconds apart, timed heartbeats 15 seconds.
 constexpr int kSpeed = 60;
 constexpr qint64 kSpacing = 3000 / kSpeed;

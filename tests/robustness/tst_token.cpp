@@ -1,4 +1,5 @@
 #include "tests/robustness/survival.h"
+#include "tests/support/slowness.h"
 #include "tests/support/testprogram.h"
 
 #include <QProcess>
@@ -8,7 +9,7 @@ using namespace brimlet::faults;
 
 namespace {
 
-constexpr int kPatience = 20'000; // milliseconds
+const int kPatience = 20'000 * slowness(); // milliseconds
 
 QByteArray redirect(int status, const QString& location) {
     return rawReply(status, {}, "Location: " + location.toUtf8() + "\r\n");

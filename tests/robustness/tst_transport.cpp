@@ -1,4 +1,5 @@
 #include "tests/robustness/survival.h"
+#include "tests/support/slowness.h"
 #include "tests/support/testprogram.h"
 
 #include <QElapsedTimer>
@@ -8,7 +9,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 20'000; // milliseconds
+const int kPatience = 20'000 * slowness(); // milliseconds
 
 const QByteArray kHead = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n";
 

@@ -3,6 +3,7 @@
 #include "tests/support/memoryuse.h"
 #include "tests/support/pngbytes.h"
 #include "tests/support/sessionfolders.h"
+#include "tests/support/slowness.h"
 
 #include <QDir>
 #include <QFile>
@@ -125,7 +126,7 @@ void WatchedProgram::askAll() {
 }
 
 bool WatchedProgram::reaches(const QString& status) {
-    constexpr int kPatience = 20'000; // milliseconds
+    const int kPatience = 20'000 * slowness(); // milliseconds
     QString said;
     const bool isSaid = QTest::qWaitFor(
         [&] {

@@ -1,4 +1,5 @@
 #include "tests/support/processes.h"
+#include "tests/support/slowness.h"
 #include "tests/support/testpaths.h"
 
 #include <QDeadlineTimer>
@@ -124,6 +125,8 @@ SimulatorProcess::SimulatorProcess(const QJsonObject& machine,
     }
     m_machine = QJsonDocument::fromJson(file.readAll()).object();
     edit(machine);
+    const double speed = m_machine.value(QStringLiteral("speed")).toDouble(1);
+    edit({{QStringLiteral("speed"), std::max(1.0, speed / slowness())}});
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
     for (auto it = environment.begin(); it != environment.end(); ++it) {
         if (it.value().isNull()) {
