@@ -52,16 +52,18 @@ private Q_SLOTS:
         const QString estimate = QStringLiteral("GET /api/host/me");
         QTRY_VERIFY_WITH_TIMEOUT(isMapped() && placement.requestLines().contains(estimate),
                                  kPatience);
-        const QJsonObject state = program.state();
-        const qsizetype before = placement.requests().size();
-
-        locker->setLocked(true);
-        QTRY_VERIFY_WITH_TIMEOUT(!isMapped(), kPatience);
         const auto passesPolls = [&] {
             const qsizetype count = placement.requestLines().size();
             return QTest::qWaitFor([&] { return placement.requestLines().size() >= count + 5; },
                                    kPatience);
         };
+        // The first requests are over, and what they bring is shown.
+        QVERIFY(passesPolls());
+        const QJsonObject state = program.state();
+        const qsizetype before = placement.requests().size();
+
+        locker->setLocked(true);
+        QTRY_VERIFY_WITH_TIMEOUT(!isMapped(), kPatience);
         QVERIFY(passesPolls());
         QVERIFY(!isMapped());
         QVERIFY(program.isPanelShown()); // the store and the rules do not read the lock
