@@ -58,7 +58,8 @@ qint64 childOf(const QString& program) {
         if (process > 0 &&
             status.contains("\nPPid:\t" + QByteArray::number(QCoreApplication::applicationPid()) +
                             '\n') &&
-            target(folderOf(process) + QStringLiteral("exe")).endsWith(u'/' + program)) {
+            // Not the file that it runs: an emulated processor's is the emulator.
+            status.startsWith("Name:\t" + program.left(15).toLatin1() + '\n')) {
             return process;
         }
     }
