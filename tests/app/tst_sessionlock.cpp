@@ -1,6 +1,6 @@
+#include "tests/support/emulated.h"
 #include "tests/support/fakelocker.h"
 #include "tests/support/processes.h"
-#include "tests/support/slowness.h"
 #include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
 

@@ -1,7 +1,7 @@
 #include "platform/qt/pictureprocess.h"
 #include "platform/starttask.h"
+#include "tests/support/emulated.h"
 #include "tests/support/goodfiles.h"
-#include "tests/support/slowness.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 

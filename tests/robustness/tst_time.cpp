@@ -1,6 +1,6 @@
+#include "tests/support/emulated.h"
 #include "tests/support/processes.h"
 #include "tests/support/sanitized.h"
-#include "tests/support/slowness.h"
 #include "tests/support/testprogram.h"
 
 #include <QDateTime>

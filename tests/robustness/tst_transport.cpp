@@ -1,5 +1,5 @@
 #include "tests/robustness/survival.h"
-#include "tests/support/slowness.h"
+#include "tests/support/emulated.h"
 #include "tests/support/testprogram.h"
 
 #include <QElapsedTimer>

@@ -1,9 +1,9 @@
 #include "tests/robustness/watchedprogram.h"
 
+#include "tests/support/emulated.h"
 #include "tests/support/memoryuse.h"
 #include "tests/support/pngbytes.h"
 #include "tests/support/sessionfolders.h"
-#include "tests/support/slowness.h"
 
 #include <QDir>
 #include <QFile>

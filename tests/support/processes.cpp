@@ -1,5 +1,5 @@
 #include "tests/support/processes.h"
-#include "tests/support/slowness.h"
+#include "tests/support/emulated.h"
 #include "tests/support/testpaths.h"
 
 #include <QDeadlineTimer>

@@ -1,6 +1,6 @@
 #include "platform/linux/libsecretstore.h"
+#include "tests/support/emulated.h"
 #include "tests/support/keyring.h"
-#include "tests/support/slowness.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 

@@ -1,7 +1,7 @@
 #include "platform/linux/linuxworkspace.h"
 #include "platform/linux/unresponsivebuses.h"
+#include "tests/support/emulated.h"
 #include "tests/support/fakeclock.h"
-#include "tests/support/slowness.h"
 #include "tests/support/stubbus.h"
 #include "tests/support/testprogram.h"
 
