@@ -22,6 +22,11 @@ constexpr qsizetype kSmallBody = qsizetype{256} * 1024;
 constexpr qint64 kMaxWireBytesPerByte = 8;
 
 HttpError errorOf(CURLcode code) {
+    // CURLE_TOO_LARGE: libcurl's result for an endless head since its version 8.6.
+    constexpr int kTooLarge = 100;
+    if (code == kTooLarge) {
+        return HttpError::TooLarge;
+    }
     switch (code) {
     case CURLE_OPERATION_TIMEDOUT:
         return HttpError::TimedOut;
@@ -37,7 +42,7 @@ HttpError errorOf(CURLcode code) {
     case CURLE_SSL_CIPHER:
     case CURLE_SSL_ISSUER_ERROR:
         return HttpError::Unreachable;
-    case CURLE_OUT_OF_MEMORY: // libcurl's result for an endless header line
+    case CURLE_OUT_OF_MEMORY: // the same in older versions
     case CURLE_FILESIZE_EXCEEDED:
         return HttpError::TooLarge;
     default:
