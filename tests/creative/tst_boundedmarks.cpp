@@ -4,6 +4,7 @@
 #include <QTest>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 
 class TestBoundedMarks final : public QObject {
     Q_OBJECT
@@ -17,16 +18,16 @@ private Q_SLOTS:
         };
         const QString marks(30, QChar(0x0301));
         row("nothing", {}, {});
-        row("plain", u"abc"_qs, u"abc"_qs);
+        row("plain", u"abc"_s, u"abc"_s);
         row("just below", u'a' + marks.first(29) + u'b', u'a' + marks.first(29) + u'b');
         row("at the limit", u'a' + marks + u'b', u'a' + marks + u'b');
         row("just above", u'a' + marks + QChar(0x0302) + u'b', u'a' + marks + u'b');
         row("far above", u'a' + QString(5'000, QChar(0x0301)), u'a' + marks);
         row("two runs", u'a' + marks + marks + u'b' + marks + marks, u'a' + marks + u'b' + marks);
-        row("marks of two units", u"\U0001D165"_qs.repeated(31), u"\U0001D165"_qs.repeated(30));
+        row("marks of two units", u"\U0001D165"_s.repeated(31), u"\U0001D165"_s.repeated(30));
         row("marks alone", marks + marks, marks);
         row("lone surrogates", QString(100, QChar(0xD800)), QString(100, QChar(0xD800)));
-        const QString vowels = u"\u0915\u093F"_qs.repeated(100);
+        const QString vowels = u"\u0915\u093F"_s.repeated(100);
         row("a script that is written with marks", vowels, vowels);
     }
     void noMoreThanThirtyMarksFollowOneAnother() {

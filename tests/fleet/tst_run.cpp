@@ -17,6 +17,8 @@
 using brimlet::placementtest::ServiceProcess;
 using Json = nlohmann::json;
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr int kPatience = 30'000; // milliseconds
@@ -57,9 +59,9 @@ private:
 };
 
 QStringList requesting(quint16 port, int hosts, const QStringList& more) {
-    return QStringList{u"--hosts"_qs,  QString::number(hosts),
-                       u"--root"_qs,   u"http://127.0.0.1:%1"_qs.arg(port),
-                       u"--spread"_qs, u"1"_qs} +
+    return QStringList{u"--hosts"_s,  QString::number(hosts),
+                       u"--root"_s,   u"http://127.0.0.1:%1"_s.arg(port),
+                       u"--spread"_s, u"1"_s} +
            more;
 }
 
@@ -100,7 +102,7 @@ class TestFleetRun final : public QObject {
 
     static constexpr int kHosts = 20;
     const QTemporaryDir m_folder;
-    const QString m_file = m_folder.filePath(u"figures"_qs);
+    const QString m_file = m_folder.filePath(u"figures"_s);
     std::optional<Run> m_withToken;
     std::optional<Run> m_withoutToken;
     std::optional<Run> m_refused;
@@ -109,12 +111,12 @@ class TestFleetRun final : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        const QStringList threeSeconds{u"--seconds"_qs, u"3"_qs};
-        const QStringList anHour{u"--seconds"_qs, u"3600"_qs};
-        m_withToken.emplace(kHosts, threeSeconds + QStringList{u"--token"_qs, u"demo-host-token"_qs,
-                                                               u"--json"_qs, m_file});
+        const QStringList threeSeconds{u"--seconds"_s, u"3"_s};
+        const QStringList anHour{u"--seconds"_s, u"3600"_s};
+        m_withToken.emplace(kHosts, threeSeconds + QStringList{u"--token"_s, u"demo-host-token"_s,
+                                                               u"--json"_s, m_file});
         m_withoutToken.emplace(3, threeSeconds);
-        m_refused.emplace(2, QStringList{u"--seconds"_qs, u"1"_qs},
+        m_refused.emplace(2, QStringList{u"--seconds"_s, u"1"_s},
                           R"({"endpoints": {"/api/display": {"status": 503}}})");
         m_terminated.emplace(2, anHour);
         m_interrupted.emplace(2, anHour);
@@ -189,7 +191,7 @@ private Q_SLOTS:
     }
 
     void hostsThatCannotAllHaveAConnectionAreNotStarted() {
-        FleetProcess fleet(requesting(1, 100, {u"--token"_qs, u"a"_qs}), 200);
+        FleetProcess fleet(requesting(1, 100, {u"--token"_s, u"a"_s}), 200);
         QCOMPARE(fleet.end(), 1);
         QCOMPARE(fleet.errors(),
                  "brimlet-fleet: 100 hosts can need 264 open files, and this process "
@@ -198,12 +200,12 @@ private Q_SLOTS:
     }
 
     void aWrongOptionIsNamedOnOneLine() {
-        FleetProcess fleet({u"--hosts"_qs, u"none"_qs});
+        FleetProcess fleet({u"--hosts"_s, u"none"_s});
         QCOMPARE(fleet.end(), 2);
         QCOMPARE(fleet.errors(),
                  "brimlet-fleet: --hosts must be a number from 1 to 20000, not none "
                  "(--help lists the options)\n");
-        FleetProcess unwritable(requesting(1, 1, {u"--json"_qs, u"/nowhere/figures"_qs}));
+        FleetProcess unwritable(requesting(1, 1, {u"--json"_s, u"/nowhere/figures"_s}));
         QCOMPARE(unwritable.end(), 2);
         QCOMPARE(unwritable.errors().count('\n'), 1);
     }

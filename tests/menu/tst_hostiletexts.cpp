@@ -12,6 +12,7 @@
 #include <limits>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -129,20 +130,20 @@ private Q_SLOTS:
     }
 
     void everyCharacterIsShownAsTyped() {
-        QVERIFY(painted(u"<b>B</b>"_qs) != painted(u"B"_qs));
-        QVERIFY(painted(u"R&D"_qs) != painted(u"RD"_qs));
-        QVERIFY(painted(u"R&amp;D"_qs) != painted(u"R&D"_qs));
-        QVERIFY(painted(u"R&&D"_qs) != painted(u"R&D"_qs));
-        QVERIFY(painted(u"%1"_qs) != painted(u"1"_qs));
-        QCOMPARE(painted(u"a\tb"_qs), painted(u"a b"_qs));
-        QCOMPARE(painted(u"a\u2028b"_qs), painted(u"a\nb"_qs)); // the text may have several lines
+        QVERIFY(painted(u"<b>B</b>"_s) != painted(u"B"_s));
+        QVERIFY(painted(u"R&D"_s) != painted(u"RD"_s));
+        QVERIFY(painted(u"R&amp;D"_s) != painted(u"R&D"_s));
+        QVERIFY(painted(u"R&&D"_s) != painted(u"R&D"_s));
+        QVERIFY(painted(u"%1"_s) != painted(u"1"_s));
+        QCOMPARE(painted(u"a\tb"_s), painted(u"a b"_s));
+        QCOMPARE(painted(u"a\u2028b"_s), painted(u"a\nb"_s)); // the text may have several lines
     }
 
     void theWeeksStatusIsNeverShown() {
         ShownMenu menu;
-        menu.reply(ShownMenu::with(ShownMenu::liveWeek(), "weekStatus", u"<b>live</b>\u2028"_qs));
+        menu.reply(ShownMenu::with(ShownMenu::liveWeek(), "weekStatus", u"<b>live</b>\u2028"_s));
         menu.show();
-        QCOMPARE(menu.texts().filter(u"<b>"_qs), QStringList());
+        QCOMPARE(menu.texts().filter(u"<b>"_s), QStringList());
         QVERIFY(menu.texts().contains(QStringLiteral("Unfilled")));
     }
 

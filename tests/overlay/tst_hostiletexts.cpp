@@ -9,6 +9,7 @@
 #include <QTest>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -31,8 +32,8 @@ struct TextOverlay final : ShownOverlay {
     }
     /// The text on the left with a tagline and a link to a host, on the right with a link without.
     void show(const QString& text) {
-        show(slotWith(text, text + QStringLiteral(" and more"), u"https://brand.test/"_qs),
-             slotWith(text, {}, u"https:///page"_qs));
+        show(slotWith(text, text + QStringLiteral(" and more"), u"https://brand.test/"_s),
+             slotWith(text, {}, u"https:///page"_s));
     }
     [[nodiscard]] QString accessibleText(QAccessible::Text kind, int index) {
         return QAccessible::queryAccessibleInterface(&view)->child(index)->text(kind);
@@ -62,10 +63,10 @@ QString insideToolTip(const QString& toolTip) {
     if (inside.contains(u'<') || inside.contains(u'>')) {
         return {};
     }
-    return inside.replace(u"&lt;"_qs, u"<"_qs)
-        .replace(u"&gt;"_qs, u">"_qs)
-        .replace(u"&quot;"_qs, u"\""_qs)
-        .replace(u"&amp;"_qs, u"&"_qs);
+    return inside.replace(u"&lt;"_s, u"<"_s)
+        .replace(u"&gt;"_s, u">"_s)
+        .replace(u"&quot;"_s, u"\""_s)
+        .replace(u"&amp;"_s, u"&"_s);
 }
 
 } // namespace
@@ -101,7 +102,7 @@ class TestHostileTexts final : public QObject {
         }
         const QString line = singleLine(text);
         QString shown = singleLine(line, 120);
-        shown += shown.size() < line.size() ? u"\u2026"_qs : QString();
+        shown += shown.size() < line.size() ? u"\u2026"_s : QString();
         QVERIFY(isOneLine(shown));
         QCOMPARE(insideToolTip(f.right()->toolTip()), shown);
     }
@@ -122,20 +123,19 @@ private Q_SLOTS:
     void aLookAlikeHostIsShownEncoded_data() {
         QTest::addColumn<QString>("link");
         QTest::addColumn<QString>("host");
-        QTest::newRow("Cyrillic") << u"https://\u0430pple.test/"_qs << u"xn--pple-43d.test"_qs;
-        QTest::newRow("Greek") << u"https://g\u03BF\u03BFgle.test/"_qs << u"xn--ggle-0nda.test"_qs;
-        QTest::newRow("in part") << u"https://brand.test.\u0435vil.test/"_qs
-                                 << u"brand.test.xn--vil-qdd.test"_qs;
-        QTest::newRow("full width") << u"https://\uFF42rand.test/"_qs << u"%EF%BD%82rand.test"_qs;
-        QTest::newRow("encoded") << u"https://%D0%B0pple.test/"_qs << u"%D0%B0pple.test"_qs;
-        QTest::newRow("a mark within")
-            << u"https://br\u0301and.test/"_qs << u"xn--band-q4a.test"_qs;
+        QTest::newRow("Cyrillic") << u"https://\u0430pple.test/"_s << u"xn--pple-43d.test"_s;
+        QTest::newRow("Greek") << u"https://g\u03BF\u03BFgle.test/"_s << u"xn--ggle-0nda.test"_s;
+        QTest::newRow("in part") << u"https://brand.test.\u0435vil.test/"_s
+                                 << u"brand.test.xn--vil-qdd.test"_s;
+        QTest::newRow("full width") << u"https://\uFF42rand.test/"_s << u"%EF%BD%82rand.test"_s;
+        QTest::newRow("encoded") << u"https://%D0%B0pple.test/"_s << u"%D0%B0pple.test"_s;
+        QTest::newRow("a mark within") << u"https://br\u0301and.test/"_s << u"xn--band-q4a.test"_s;
     }
     void aLookAlikeHostIsShownEncoded() {
         QFETCH(QString, link);
         QFETCH(QString, host);
         TextOverlay f;
-        f.show(slotWith({}, {}, link), slotWith(u"Brand"_qs, {}, link));
+        f.show(slotWith({}, {}, link), slotWith(u"Brand"_s, {}, link));
         QCOMPARE(insideToolTip(f.left()->toolTip()), host);
         QCOMPARE(insideToolTip(f.right()->toolTip()), host);
         QCOMPARE(f.accessibleText(QAccessible::Name, 0), host); // there is no other text

@@ -14,6 +14,7 @@
 #include <curl/curl.h>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -232,8 +233,8 @@ private Q_SLOTS:
             const QString input = entry.toObject().value(QStringLiteral("input")).toString();
             const QString href = entry.toObject().value(QStringLiteral("href")).toString();
             // The same with an allowed scheme or host, so that the rest is checked too.
-            const QString encrypted = QString(input).replace(u"http:"_qs, u"https:"_qs);
-            const QString local = QString(input).replace(u"example"_qs, u"localhost"_qs);
+            const QString encrypted = QString(input).replace(u"http:"_s, u"https:"_s);
+            const QString local = QString(input).replace(u"example"_s, u"localhost"_s);
             for (const QString& text : {input, href, encrypted, local}) {
                 checkIfAllowed(text);
                 if (QTest::currentTestFailed()) {
@@ -281,10 +282,10 @@ private Q_SLOTS:
         }
         int encoded = 0;
         for (const CollectedHost& host : all) {
-            if (host.source.contains(QRegularExpression(u"[/?#@:]"_qs))) {
+            if (host.source.contains(QRegularExpression(u"[/?#@:]"_s))) {
                 continue; // more than a host
             }
-            const QString text = u"https://"_qs + host.source + u"/x"_qs;
+            const QString text = u"https://"_s + host.source + u"/x"_s;
             checkIfAllowed(text);
             const auto url = Url::fromString(text);
             const QString read = url ? url->host().value_or(QString()) : QString();

@@ -3,6 +3,7 @@
 #include "tests/support/testprogram.h"
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace brimlet::faults;
 
 namespace {
@@ -170,9 +171,9 @@ private Q_SLOTS:
 
         const QJsonArray unchanged{send("HTTP/1.1 304 Not Modified\r\nETag: \"a\"\r\n\r\n")};
         QJsonObject script = WatchedProgram::everywhere({reply(200, m_watched->goodBody())});
-        QJsonObject answers = script.value(u"answers"_qs).toObject();
-        answers[u"/api/host/me"_qs] = unchanged;
-        script[u"answers"_qs] = answers;
+        QJsonObject answers = script.value(u"answers"_s).toObject();
+        answers[u"/api/host/me"_s] = unchanged;
+        script[u"answers"_s] = answers;
         start = m_watched->service().received().size();
         m_watched->follow(script);
         QTRY_VERIFY_WITH_TIMEOUT(m_watched->requests() > 10, kPatience);

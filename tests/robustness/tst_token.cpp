@@ -5,6 +5,7 @@
 #include <QProcess>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace brimlet::faults;
 
 namespace {
@@ -62,12 +63,12 @@ private Q_SLOTS:
                    other + QStringLiteral("/take"));
         }
         addRow(QStringLiteral("15: to another host on the same port"), 302,
-               QString(own).replace(u"127.0.0.1"_qs, u"localhost"_qs) + QStringLiteral("/x"));
+               QString(own).replace(u"127.0.0.1"_s, u"localhost"_s) + QStringLiteral("/x"));
         addRow(QStringLiteral("15: to another scheme"), 302,
-               QString(own).replace(u"http:"_qs, u"https:"_qs) + QStringLiteral("/x"));
+               QString(own).replace(u"http:"_s, u"https:"_s) + QStringLiteral("/x"));
         addRow(QStringLiteral("15: to a file"), 302, QStringLiteral("file:///etc/passwd"));
         addRow(QStringLiteral("15: to another server with the own host as its user name"), 302,
-               QString(other).replace(u"http://"_qs, u"http://127.0.0.1@"_qs));
+               QString(other).replace(u"http://"_s, u"http://127.0.0.1@"_s));
         addRow(QStringLiteral("15: to another server by a URL without a scheme"), 302,
                other.mid(5) + QStringLiteral("/take"));
         addRow(QStringLiteral("15: to an invalid address"), 302, QStringLiteral("//["));
@@ -164,11 +165,11 @@ private Q_SLOTS:
         addRow("19: words", QStringLiteral("somewhere"));
         addRow("19: empty", QStringLiteral(""));
         addRow("19: a name that is too long",
-               u"http://"_qs + QString(2000, u'a') + QStringLiteral(".test"));
+               u"http://"_s + QString(2000, u'a') + QStringLiteral(".test"));
         addRow("19: an address that does not parse", QStringLiteral("http://["), Outcome::Nothing);
         addRow("19: ending in a slash", own + u'/', Outcome::Rejected);
         addRow("19: a name and a password before the host",
-               QString(own).replace(u"http://"_qs, u"http://name:pass@"_qs), Outcome::Rejected);
+               QString(own).replace(u"http://"_s, u"http://name:pass@"_s), Outcome::Rejected);
     }
     void anOddRootSurvives() {
         QFETCH(Fault, fault);
@@ -187,7 +188,7 @@ private Q_SLOTS:
     void aSelfSignedServiceReceivesNothing() {
         const QTemporaryDir folder;
         FaultServerProcess impostor(ownIdentity(folder));
-        QVERIFY(impostor.root().startsWith(u"https://"_qs));
+        QVERIFY(impostor.root().startsWith(u"https://"_s));
         impostor.follow(WatchedProgram::everywhere({reply(200, m_watched->otherBody())}));
         survive(*m_watched, {{}, Outcome::TransferFailed, impostor.root()});
         QCOMPARE(impostor.received(), QByteArray());
@@ -197,9 +198,9 @@ private Q_SLOTS:
     void plainHttpOnATlsPortReceivesNoRequest() {
         FaultServerProcess plain;
         plain.follow({{QStringLiteral("greeting"), QJsonArray{reply(400, "speak plainly")}}});
-        survive(*m_watched, {{},
-                             Outcome::TransferFailed,
-                             QString(plain.root()).replace(u"http:"_qs, u"https:"_qs)});
+        survive(
+            *m_watched,
+            {{}, Outcome::TransferFailed, QString(plain.root()).replace(u"http:"_s, u"https:"_s)});
         QVERIFY(!plain.received().isEmpty());
         QVERIFY(!plain.received().contains("/api/"));
         QVERIFY(!plain.received().contains(WatchedProgram::token()));

@@ -12,29 +12,30 @@ namespace brimlet {
 
 /// Adds the column "text" with rows of texts that break layouts.
 inline void addHostileTexts() {
+    using namespace Qt::StringLiterals;
     QTest::addColumn<QString>("text");
     const auto row = [](const char* name, const QString& text) { QTest::newRow(name) << text; };
     row("nothing", {});
-    row("markup", u"<h1>big</h1><img src='file:///etc/passwd'>"_qs);
-    row("the end tag of the tooltip's markup", u"</span><b>x"_qs);
-    row("ampersand", u"R&D &amp; &lt;b&gt; &"_qs);
-    row("placeholders", u"%1 %2 %n %L1 %%1"_qs);
-    row("tab and breaks", u"a\tb\nc\r\nd\u2028e\u2029f\vg\fh\u0085i"_qs);
+    row("markup", u"<h1>big</h1><img src='file:///etc/passwd'>"_s);
+    row("the end tag of the tooltip's markup", u"</span><b>x"_s);
+    row("ampersand", u"R&D &amp; &lt;b&gt; &"_s);
+    row("placeholders", u"%1 %2 %n %L1 %%1"_s);
+    row("tab and breaks", u"a\tb\nc\r\nd\u2028e\u2029f\vg\fh\u0085i"_s);
     row("NUL", QString::fromUtf16(u"a\0b", 3));
     row("only NUL", QString(3, QChar(0)));
     row("lone surrogates", QString(300, QChar(0xD800)));
     row("lone surrogates among blanks", QString::fromUtf16(u"\xD800 \xDC00 \xD800"));
     row("lone low surrogates", QString(300, QChar(0xDC00)) + u'x');
-    row("no characters", u"\uFFFE\uFFFF\uFEFF"_qs);
+    row("no characters", u"\uFFFE\uFFFF\uFEFF"_s);
     row("right to left",
-        u"\u0645\u0631\u062D\u0628\u0627 \u05E9\u05DC\u05D5\u05DD "_qs.repeated(50));
-    row("overrides", u"\u202Eabc\u202C \u2066x\u2069 \u2067y"_qs);
-    row("overrides without end", u"\u202E\u202D\u2067\u2068\u202B"_qs.repeated(200) + u'x');
+        u"\u0645\u0631\u062D\u0628\u0627 \u05E9\u05DC\u05D5\u05DD "_s.repeated(50));
+    row("overrides", u"\u202Eabc\u202C \u2066x\u2069 \u2067y"_s);
+    row("overrides without end", u"\u202E\u202D\u2067\u2068\u202B"_s.repeated(200) + u'x');
     row("5 000 marks", u'a' + QString(5'000, QChar(0x0301)));
     row("5 000 marks of nothing", QString(5'000, QChar(0x0489)));
-    row("5 000 joined characters", u"\U0001F468\u200D"_qs.repeated(5'000));
+    row("5 000 joined characters", u"\U0001F468\u200D"_s.repeated(5'000));
     row("a million letters", QString(1'000'000, u'W'));
-    row("a million words", u"words "_qs.repeated(166'667));
+    row("a million words", u"words "_s.repeated(166'667));
     row("a million blanks", QString(1'000'000, u' '));
     row("a million breaks", QString(1'000'000, u'\n'));
     row("a million ampersands", QString(1'000'000, u'&'));

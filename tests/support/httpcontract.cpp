@@ -7,8 +7,10 @@
 #include <algorithm>
 
 namespace brimlet {
+
 namespace {
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 HttpRequest get(const HttpPeer& peer, const QString& path) {
@@ -18,33 +20,33 @@ HttpRequest get(const HttpPeer& peer, const QString& path) {
 }
 
 void aReplyCarriesStatusAndBody(HttpPeer& peer) {
-    peer.answer(u"/good"_qs, 200, "{\"a\":1}");
-    const auto result = fetch(peer.client(), get(peer, u"/good"_qs));
+    peer.answer(u"/good"_s, 200, "{\"a\":1}");
+    const auto result = fetch(peer.client(), get(peer, u"/good"_s));
     QVERIFY(result == HttpResult(HttpReply{200, "{\"a\":1}"}));
-    QCOMPARE(peer.log(), QStringList{u"GET /good"_qs});
+    QCOMPARE(peer.log(), QStringList{u"GET /good"_s});
 }
 
 void anotherStatusIsAnOutcomeWithoutABody(HttpPeer& peer) {
-    peer.answer(u"/gone"_qs, 404, "{\"a\":1}");
-    const auto result = fetch(peer.client(), get(peer, u"/gone"_qs));
+    peer.answer(u"/gone"_s, 404, "{\"a\":1}");
+    const auto result = fetch(peer.client(), get(peer, u"/gone"_s));
     QVERIFY(result == HttpResult(HttpReply{404, {}}));
 }
 
 void anUnchangedReplyIsTheSameReply(HttpPeer& peer) {
-    HttpRequest request = get(peer, u"/poll"_qs);
+    HttpRequest request = get(peer, u"/poll"_s);
     request.mayRevalidate = true;
     for (const QByteArray body : {"{\"a\":1}", "{\"a\":2}"}) {
-        peer.answerTagged(u"/poll"_qs, body);
+        peer.answerTagged(u"/poll"_s, body);
         for (int i = 0; i < 3; ++i) {
             QVERIFY(fetch(peer.client(), request) == HttpResult(HttpReply{200, body}));
         }
     }
-    QCOMPARE(peer.log(), QStringList(6, u"GET /poll"_qs));
+    QCOMPARE(peer.log(), QStringList(6, u"GET /poll"_s));
 }
 
 void a304WithoutAConditionStaysA304(HttpPeer& peer) {
-    peer.answer(u"/same"_qs, 304, {});
-    HttpRequest request = get(peer, u"/same"_qs);
+    peer.answer(u"/same"_s, 304, {});
+    HttpRequest request = get(peer, u"/same"_s);
     request.mayRevalidate = true;
     QVERIFY(fetch(peer.client(), request) == HttpResult(HttpReply{304, {}}));
     request.mayRevalidate = false;
@@ -52,8 +54,8 @@ void a304WithoutAConditionStaysA304(HttpPeer& peer) {
 }
 
 void aBodyBeyondTheLimitIsTooLarge(HttpPeer& peer) {
-    peer.answer(u"/long"_qs, 200, "12345");
-    HttpRequest request = get(peer, u"/long"_qs);
+    peer.answer(u"/long"_s, 200, "12345");
+    HttpRequest request = get(peer, u"/long"_s);
     request.bodyLimit = 5;
     QVERIFY(fetch(peer.client(), request) == HttpResult(HttpReply{200, "12345"}));
     request.bodyLimit = 4;
@@ -61,8 +63,8 @@ void aBodyBeyondTheLimitIsTooLarge(HttpPeer& peer) {
 }
 
 void anUnansweredRequestEndsAtItsDeadline(HttpPeer& peer) {
-    peer.hang(u"/never"_qs);
-    HttpRequest request = get(peer, u"/never"_qs);
+    peer.hang(u"/never"_s);
+    HttpRequest request = get(peer, u"/never"_s);
     request.timeout = 600ms;
     const Awaited reply(peer.client().send(std::move(request)));
     peer.pass(300ms);
@@ -73,15 +75,15 @@ void anUnansweredRequestEndsAtItsDeadline(HttpPeer& peer) {
 }
 
 void requestsOverlap(HttpPeer& peer) {
-    peer.hang(u"/never"_qs);
-    peer.answer(u"/good"_qs, 200, "x");
+    peer.hang(u"/never"_s);
+    peer.answer(u"/good"_s, 200, "x");
     std::vector<Awaited> waiting;
     waiting.reserve(30);
     for (int i = 0; i < 30; ++i) {
-        waiting.emplace_back(peer.client().send(get(peer, u"/never"_qs)));
+        waiting.emplace_back(peer.client().send(get(peer, u"/never"_s)));
     }
     QTRY_COMPARE(peer.log().size(), 30);
-    const auto result = fetch(peer.client(), get(peer, u"/good"_qs));
+    const auto result = fetch(peer.client(), get(peer, u"/good"_s));
     QVERIFY(result == HttpResult(HttpReply{200, "x"}));
     QVERIFY(
         std::none_of(waiting.cbegin(), waiting.cend(), [](const auto& w) { return w.isDone(); }));
@@ -89,9 +91,9 @@ void requestsOverlap(HttpPeer& peer) {
 }
 
 void destroyingTheClientEndsItsRequests(HttpPeer& peer) {
-    peer.hang(u"/never"_qs);
-    const Awaited first(peer.client().send(get(peer, u"/never"_qs)));
-    const Awaited second(peer.client().send(get(peer, u"/never"_qs)));
+    peer.hang(u"/never"_s);
+    const Awaited first(peer.client().send(get(peer, u"/never"_s)));
+    const Awaited second(peer.client().send(get(peer, u"/never"_s)));
     QTRY_COMPARE(peer.log().size(), 2);
     peer.dropClient();
     QVERIFY(first.isDone());
@@ -109,9 +111,9 @@ QCoro::Task<> sendInTurn(HttpClient& client, HttpRequest request, int times,
 }
 
 void theReceiverOfAnOutcomeMaySendAgain(HttpPeer& peer) {
-    peer.answer(u"/good"_qs, 200, "x");
+    peer.answer(u"/good"_s, 200, "x");
     const auto results = std::make_shared<std::vector<HttpResult>>();
-    startTask(sendInTurn(peer.client(), get(peer, u"/good"_qs), 5, results));
+    startTask(sendInTurn(peer.client(), get(peer, u"/good"_s), 5, results));
     QTRY_COMPARE(results->size(), 5U);
     for (const HttpResult& result : *results) {
         QVERIFY(result == HttpResult(HttpReply{200, "x"}));
@@ -119,9 +121,9 @@ void theReceiverOfAnOutcomeMaySendAgain(HttpPeer& peer) {
 }
 
 void aRequestSentWhileTheClientIsDestroyedEndsAtOnce(HttpPeer& peer) {
-    peer.hang(u"/never"_qs);
+    peer.hang(u"/never"_s);
     const auto results = std::make_shared<std::vector<HttpResult>>();
-    startTask(sendInTurn(peer.client(), get(peer, u"/never"_qs), 3, results));
+    startTask(sendInTurn(peer.client(), get(peer, u"/never"_s), 3, results));
     QTRY_COMPARE(peer.log().size(), 1);
     peer.dropClient();
     QVERIFY(*results == std::vector<HttpResult>(3, HttpError::Cancelled));
@@ -133,9 +135,9 @@ QCoro::Task<> sendAndDropClient(HttpPeer& peer, HttpRequest request) {
 }
 
 void theReceiverOfAnOutcomeMayDestroyTheClient(HttpPeer& peer) {
-    peer.hang(u"/never"_qs);
-    const Awaited other(peer.client().send(get(peer, u"/never"_qs)));
-    HttpRequest brief = get(peer, u"/never"_qs);
+    peer.hang(u"/never"_s);
+    const Awaited other(peer.client().send(get(peer, u"/never"_s)));
+    HttpRequest brief = get(peer, u"/never"_s);
     brief.timeout = 100ms;
     startTask(sendAndDropClient(peer, std::move(brief)));
     peer.pass(200ms);

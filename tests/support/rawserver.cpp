@@ -8,6 +8,8 @@
 
 namespace brimlet {
 
+using namespace Qt::StringLiterals;
+
 QList<QByteArray> RawRequest::lines() const {
     QList<QByteArray> lines;
     for (const QByteArray& line : head.split('\n')) {
@@ -115,8 +117,8 @@ RawServer::~RawServer() {
 }
 
 Url RawServer::url(const QString& path) const {
-    const QString scheme = m_isSecure ? u"https"_qs : u"http"_qs;
-    return Url::fromString(u"%1://127.0.0.1:%2%3"_qs.arg(scheme).arg(port()).arg(path)).value();
+    const QString scheme = m_isSecure ? u"https"_s : u"http"_s;
+    return Url::fromString(u"%1://127.0.0.1:%2%3"_s.arg(scheme).arg(port()).arg(path)).value();
 }
 
 void RawServer::answer(const QByteArray& target, RawAnswer answer) {

@@ -55,8 +55,9 @@ Incoming incomingOf(const httplib::Request& request) {
         incoming.authorization = request.get_header_value("Authorization");
     }
     incoming.body = request.body;
-    for (std::size_t i = 0; i < request.get_header_value_count("If-None-Match"); ++i) {
-        incoming.ifNoneMatch += (i > 0 ? "," : "") + request.get_header_value("If-None-Match", i);
+    const auto [first, last] = request.headers.equal_range("If-None-Match");
+    for (auto header = first; header != last; ++header) {
+        incoming.ifNoneMatch += (header != first ? "," : "") + header->second;
     }
     return incoming;
 }
@@ -134,6 +135,15 @@ void HttpServer::finish() {
     }
 }
 
+template <typename Setup>
+bool HttpServer::processRequest(auto& connection, bool& isClosing, const Setup& setup) {
+    if constexpr (requires { process_request(connection, false, isClosing, setup); }) {
+        return process_request(connection, false, isClosing, setup);
+    } else { // newer versions of the library take both ends' addresses, which nothing here reads
+        return process_request(connection, {}, 0, {}, 0, false, isClosing, setup);
+    }
+}
+
 bool HttpServer::process_and_close_socket(socket_t socket) {
     const int on = 1;
     ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
@@ -143,12 +153,11 @@ bool HttpServer::process_and_close_socket(socket_t socket) {
     while (!done && connection.waitForRequest(keepAlive)) {
         currentAnswered = false;
         bool closing = false;
-        const bool sent =
-            process_request(connection, false, closing, [&](const httplib::Request& request) {
-                if (hasUnreadBody(request)) {
-                    connection.endAfterReply();
-                }
-            });
+        const bool sent = processRequest(connection, closing, [&](const httplib::Request& request) {
+            if (hasUnreadBody(request)) {
+                connection.endAfterReply();
+            }
+        });
         done = !sent || closing || connection.endsAfterReply();
     }
     if (connection.endsAfterReply()) {

@@ -21,6 +21,8 @@ public:
 
 private:
     bool process_and_close_socket(socket_t socket) override;
+    template <typename Setup>
+    bool processRequest(auto& connection, bool& isClosing, const Setup& setup);
     void answer(const httplib::Request& request, httplib::Response& response);
     void send(const Answer& answer, httplib::Response& response);
     void refuse(const httplib::Request& request, httplib::Response& response, int status);

@@ -12,6 +12,7 @@
 #include <sys/socket.h>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -61,7 +62,7 @@ class TestHttp final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
 
     void itKeepsTheContract_data() { addHttpContractRows(); }
     void itKeepsTheContract() {
@@ -75,7 +76,7 @@ private Q_SLOTS:
         server.answer("/rejected", rawReply(401, "some words", "WWW-Authenticate: Basic\r\n"));
         CurlHttpClient client;
         for (int i = 0; i < 20; ++i) {
-            const QString path = i % 2 == 0 ? u"/"_qs : u"/rejected"_qs;
+            const QString path = i % 2 == 0 ? u"/"_s : u"/rejected"_s;
             QVERIFY(fetch(client, requestTo(server.url(path))).has_value());
         }
         QCOMPARE(server.requests().size(), 20U);
@@ -86,10 +87,10 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, rawReply(200, "x"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))).has_value());
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_s))).has_value());
         server.connection(0).cut();
         QTRY_VERIFY(!server.connection(0).isOpen());
-        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpReply{200, "x"}));
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_s))) == HttpResult(HttpReply{200, "x"}));
         QCOMPARE(server.connections(), 2);
     }
 
@@ -99,7 +100,7 @@ private Q_SLOTS:
         std::vector<Awaited> replies;
         replies.reserve(30);
         for (int i = 0; i < 30; ++i) {
-            replies.emplace_back(client.send(requestTo(server.url(u"/"_qs))));
+            replies.emplace_back(client.send(requestTo(server.url(u"/"_s))));
         }
         QTRY_COMPARE(server.requests().size(), 30U);
         QCOMPARE(server.connections(), 30);
@@ -119,7 +120,7 @@ private Q_SLOTS:
         server.answer({}, rawReply(200, "x", "Set-Cookie: id=1; Path=/\r\n"));
         CurlHttpClient client;
         for (int i = 0; i < 3; ++i) {
-            QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))).has_value());
+            QVERIFY(fetch(client, requestTo(server.url(u"/"_s))).has_value());
         }
         QCOMPARE(server.requests().size(), 3U);
         QVERIFY(!server.received().toLower().contains("cookie"));
@@ -129,7 +130,7 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, rawReply(200, "x"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))).has_value());
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_s))).has_value());
         int found = 0;
         for (int descriptor = 0; descriptor < 1024; ++descriptor) {
             sockaddr_in peer{};
@@ -147,8 +148,8 @@ private Q_SLOTS:
         RawServer server;
         server.answer("/good", rawReply(200, "x"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/good"_qs))).has_value());
-        const Awaited waiting(client.send(requestTo(server.url(u"/never"_qs))));
+        QVERIFY(fetch(client, requestTo(server.url(u"/good"_s))).has_value());
+        const Awaited waiting(client.send(requestTo(server.url(u"/never"_s))));
         QTRY_COMPARE(server.requests().size(), 2U);
 
         QSignalSpy wakes(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::awake);

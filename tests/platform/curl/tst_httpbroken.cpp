@@ -6,13 +6,14 @@
 #include <QTest>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 class TestHttpBroken final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
 
     void aMalformedOrIncompleteReplyIsBroken_data() {
         QTest::addColumn<QByteArray>("bytes");
@@ -66,7 +67,7 @@ private Q_SLOTS:
         RawServer server;
         server.answerAndCut({}, bytes);
         CurlHttpClient client;
-        const auto result = fetch(client, requestTo(server.url(u"/"_qs)));
+        const auto result = fetch(client, requestTo(server.url(u"/"_s)));
         QVERIFY(result == HttpResult(HttpError::Broken));
     }
 
@@ -83,7 +84,7 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, "HTTP/1.1 200 OK\r\n" + head);
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpError::Broken));
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_s))) == HttpResult(HttpError::Broken));
     }
 
     void aResetIsBroken_data() {
@@ -104,7 +105,7 @@ private Q_SLOTS:
             open = &connection;
         });
         CurlHttpClient client;
-        HttpRequest request = requestTo(server.url(u"/"_qs));
+        HttpRequest request = requestTo(server.url(u"/"_s));
         const Awaited reply(client.send(std::move(request)));
         QTRY_VERIFY(open != nullptr);
         open->reset();
@@ -129,7 +130,7 @@ private Q_SLOTS:
             }
         });
         CurlHttpClient client;
-        const auto result = fetch(client, requestTo(server.url(u"/"_qs)));
+        const auto result = fetch(client, requestTo(server.url(u"/"_s)));
         // Depending on timing libcurl sees a connection that failed or one that ended.
         QVERIFY(result == HttpResult(HttpError::Broken) ||
                 result == HttpResult(HttpError::Unreachable));
@@ -137,7 +138,7 @@ private Q_SLOTS:
 
     void aPortWithoutAListenerIsUnreachable() {
         std::optional<RawServer> server(std::in_place);
-        const Url url = server->url(u"/"_qs);
+        const Url url = server->url(u"/"_s);
         server.reset();
         CurlHttpClient client;
         QVERIFY(fetch(client, requestTo(url)) == HttpResult(HttpError::Unreachable));
@@ -145,7 +146,7 @@ private Q_SLOTS:
 
     void anAddressWithoutARouteIsUnreachable() {
         CurlHttpClient client;
-        const auto url = Url::fromString(u"http://255.255.255.255/"_qs);
+        const auto url = Url::fromString(u"http://255.255.255.255/"_s);
         QVERIFY(fetch(client, requestTo(url.value())) == HttpResult(HttpError::Unreachable));
     }
 
@@ -153,7 +154,7 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, "HTTP/1.1 101 Switching\r\nUpgrade: h2c\r\n\r\n" + rawReply(200, "x"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpReply{101, {}}));
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_s))) == HttpResult(HttpReply{101, {}}));
         QTRY_COMPARE(server.openConnections(), 0);
     }
 
@@ -171,9 +172,9 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, interim + rawReply(200, "x"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpReply{200, "x"}));
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_s))) == HttpResult(HttpReply{200, "x"}));
         server.answer({}, interim + rawReply(302, "x"));
-        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpReply{302, {}}));
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_s))) == HttpResult(HttpReply{302, {}}));
     }
 
     void aReplyMayArriveByteByByte() {
@@ -182,7 +183,7 @@ private Q_SLOTS:
             connection.drip("HTTP/1.1 103 Hints\r\n\r\n" + rawReply(200, "{}"), 1ms);
         });
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpReply{200, "{}"}));
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_s))) == HttpResult(HttpReply{200, "{}"}));
     }
 
     void aCompressedBodyIsNotDecompressed_data() {
@@ -199,8 +200,7 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, rawReply(200, packed, "Content-Encoding: " + coding + "\r\n"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) ==
-                HttpResult(HttpReply{200, packed}));
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_s))) == HttpResult(HttpReply{200, packed}));
     }
 
     void anAuthenticationChallengeIsNotAnswered() {
@@ -208,8 +208,8 @@ private Q_SLOTS:
         server.answer("/401", rawReply(401, "x", "WWW-Authenticate: Basic realm=\"r\"\r\n"));
         server.answer("/407", rawReply(407, "x", "Proxy-Authenticate: Basic realm=\"r\"\r\n"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/401"_qs))) == HttpResult(HttpReply{401, {}}));
-        QVERIFY(fetch(client, requestTo(server.url(u"/407"_qs))) == HttpResult(HttpReply{407, {}}));
+        QVERIFY(fetch(client, requestTo(server.url(u"/401"_s))) == HttpResult(HttpReply{401, {}}));
+        QVERIFY(fetch(client, requestTo(server.url(u"/407"_s))) == HttpResult(HttpReply{407, {}}));
         QCOMPARE(server.requests().size(), 2U);
         QVERIFY(!server.received().contains("uthorization"));
     }

@@ -6,6 +6,7 @@
 #include <QTest>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -46,7 +47,7 @@ class TestHttpConditional final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
 
     void anUnchangedPollCostsLessThan400Bytes() {
         const QByteArray same =
@@ -58,7 +59,7 @@ private Q_SLOTS:
         CurlHttpClient client;
         for (int i = 0; i < 10; ++i) {
             const qsizetype before = server.received().size();
-            QVERIFY(isReply(fetch(client, poll(server.url(u"/api/host/me"_qs))), 200,
+            QVERIFY(isReply(fetch(client, poll(server.url(u"/api/host/me"_s))), 200,
                             QByteArray(20'000, 'x')));
             QVERIFY(i == 0 || server.received().size() - before + same.size() < 400);
         }
@@ -96,7 +97,7 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, rawReply(200, "x", headers));
         CurlHttpClient client;
-        const HttpRequest request = poll(server.url(u"/a"_qs));
+        const HttpRequest request = poll(server.url(u"/a"_s));
         QVERIFY(isReply(fetch(client, request), 200, "x"));
         QVERIFY(isReply(fetch(client, request), 200, "x"));
         QList<QByteArray> expected = server.requests().at(0).lines();
@@ -110,8 +111,8 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, "HTTP/1.1 103 Hints\r\nETag: \"a\"\r\n\r\n" + rawReply(200, "x"));
         CurlHttpClient client;
-        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, "x"));
-        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, "x"));
+        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_s))), 200, "x"));
+        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_s))), 200, "x"));
         QCOMPARE(condition(server, 1), QByteArray());
     }
 
@@ -128,16 +129,16 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, rawReply(200, "12345", "ETag: \"a\"\r\n"));
         CurlHttpClient client;
-        HttpRequest request = poll(server.url(u"/a"_qs));
+        HttpRequest request = poll(server.url(u"/a"_s));
         QVERIFY(fetch(client, request).has_value());
         if (what == "token") {
-            request = poll(server.url(u"/a"_qs), "another");
+            request = poll(server.url(u"/a"_s), "another");
         } else if (what == "header") {
             request.headers.push_back({"X-More", "1"});
         } else if (what == "address") {
-            request = poll(server.url(u"/b"_qs));
+            request = poll(server.url(u"/b"_s));
         } else if (what == "query") {
-            request = poll(server.url(u"/a?"_qs));
+            request = poll(server.url(u"/a?"_s));
         } else if (what == "POST") {
             request.method = what;
         } else if (what == "HEAD") {
@@ -168,7 +169,7 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, kSame);
         CurlHttpClient client;
-        HttpRequest request = poll(server.url(u"/a"_qs));
+        HttpRequest request = poll(server.url(u"/a"_s));
         request.headers.push_back({"If-None-Match", "\"mine\""});
         QVERIFY(isReply(fetch(client, request), 304, {}));
         QVERIFY(isReply(fetch(client, request), 304, {}));
@@ -194,7 +195,7 @@ private Q_SLOTS:
         server.answer({}, tagged("\"a\"", "truth", same));
         CurlHttpClient client;
         for (int i = 0; i < 4; ++i) {
-            QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, "truth"));
+            QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_s))), 200, "truth"));
         }
         QCOMPARE(condition(server, 3), "\"a\"");
     }
@@ -205,8 +206,8 @@ private Q_SLOTS:
                                  "HTTP/1.1 304 Same\r\nContent-Length: 1\r\n"
                                  "Content-Length: 2\r\n\r\n"));
         CurlHttpClient client;
-        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, "x"));
-        QVERIFY(fetch(client, poll(server.url(u"/a"_qs))) == HttpResult(HttpError::Broken));
+        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_s))), 200, "x"));
+        QVERIFY(fetch(client, poll(server.url(u"/a"_s))) == HttpResult(HttpError::Broken));
     }
 };
 

@@ -7,6 +7,7 @@
 #include <QTest>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -25,10 +26,10 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, rawReply(200, QByteArray(100'000, 'x')));
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))).has_value());
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_s))).has_value());
     }
 
-    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
 
     void anEndlessReplyIsTooLarge_data() {
         QTest::addColumn<QByteArray>("start");
@@ -60,7 +61,7 @@ private Q_SLOTS:
         CurlHttpClient client;
         QVERIFY(forgetPeak());
         const qint64 before = memoryInUse();
-        const auto result = fetch(client, requestTo(server.url(u"/"_qs)));
+        const auto result = fetch(client, requestTo(server.url(u"/"_s)));
         QVERIFY(result == HttpResult(HttpError::TooLarge));
         const qint64 growth = memoryPeak() - before;
         QVERIFY2(isMemoryDistorted() || growth < kMostGrowth,
@@ -75,7 +76,7 @@ private Q_SLOTS:
             connection.flood(QByteArray(100'000, 'x'));
         });
         CurlHttpClient client;
-        HttpRequest request = requestTo(server.url(u"/"_qs));
+        HttpRequest request = requestTo(server.url(u"/"_s));
         request.bodyLimit = qsizetype{4} * 1024 * 1024;
         QVERIFY(forgetPeak());
         const qint64 before = memoryInUse();
@@ -104,7 +105,7 @@ private Q_SLOTS:
         CurlHttpClient client;
         QVERIFY(forgetPeak());
         const qint64 before = memoryInUse();
-        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpError::Broken));
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_s))) == HttpResult(HttpError::Broken));
         const qint64 growth = memoryPeak() - before;
         QVERIFY2(isMemoryDistorted() || growth < kMostGrowth,
                  QByteArray::number(growth).constData());

@@ -6,6 +6,7 @@
 #include <QTest>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -17,7 +18,7 @@ public:
         m_client.reset();
     }
     Url url(const QString& path) const override {
-        return Url::fromString(u"http://127.0.0.1:8791"_qs + path).value();
+        return Url::fromString(u"http://127.0.0.1:8791"_s + path).value();
     }
     void answer(const QString& path, int status, const QByteArray& body) override {
         m_client->answer(path, status, body);
@@ -41,7 +42,7 @@ class TestHttpFake final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
 
     void itKeepsTheContract_data() { addHttpContractRows(); }
     void itKeepsTheContract() {

@@ -6,6 +6,7 @@
 #include <QTest>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -19,7 +20,7 @@ class TestHttpKept final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
 
     void bytesAfterAReplyAreNeverTheNextReply_data() {
         QTest::addColumn<QByteArray>("reply");
@@ -42,12 +43,12 @@ private Q_SLOTS:
         server.answer("/first", reply);
         server.answer("/next", rawReply(200, "next"));
         CurlHttpClient client;
-        const auto first = fetch(client, requestTo(server.url(u"/first"_qs)));
+        const auto first = fetch(client, requestTo(server.url(u"/first"_s)));
         QVERIFY(first && std::holds_alternative<HttpReply>(*first));
         QCOMPARE(std::get<HttpReply>(*first).status, status);
         server.connection(0).send(kIntruder);
         for (int i = 0; i < 3; ++i) {
-            QVERIFY(fetch(client, requestTo(server.url(u"/next"_qs))) ==
+            QVERIFY(fetch(client, requestTo(server.url(u"/next"_s))) ==
                     HttpResult(HttpReply{200, "next"}));
         }
         QCOMPARE(server.connections(), 2);
@@ -65,9 +66,9 @@ private Q_SLOTS:
         // The second is longer than libcurl reads at a time, so that a part stays in the socket.
         for (const QByteArray& excess : {kIntruder, kIntruder.repeated(2000)}) {
             server.answer("/first", reply + excess);
-            QVERIFY(fetch(client, requestTo(server.url(u"/first"_qs))).has_value());
+            QVERIFY(fetch(client, requestTo(server.url(u"/first"_s))).has_value());
             for (int i = 0; i < 3; ++i) {
-                QVERIFY(fetch(client, requestTo(server.url(u"/next"_qs))) ==
+                QVERIFY(fetch(client, requestTo(server.url(u"/next"_s))) ==
                         HttpResult(HttpReply{200, "next"}));
             }
         }
@@ -77,7 +78,7 @@ private Q_SLOTS:
         RawServer server;
         server.answer("/first", rawReply(200, "x"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/first"_qs))).has_value());
+        QVERIFY(fetch(client, requestTo(server.url(u"/first"_s))).has_value());
         server.answer("/cut", [&server](RawConnection& connection, const RawRequest&) {
             if (server.connections() == 1) {
                 connection.cut();
@@ -85,8 +86,7 @@ private Q_SLOTS:
                 connection.send(rawReply(200, "y"));
             }
         });
-        QVERIFY(fetch(client, requestTo(server.url(u"/cut"_qs))) ==
-                HttpResult(HttpReply{200, "y"}));
+        QVERIFY(fetch(client, requestTo(server.url(u"/cut"_s))) == HttpResult(HttpReply{200, "y"}));
         QCOMPARE(server.requests().size(), 3U);
     }
 
@@ -94,9 +94,9 @@ private Q_SLOTS:
         RawServer server;
         server.answer("/first", rawReply(200, "x"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/first"_qs))).has_value());
+        QVERIFY(fetch(client, requestTo(server.url(u"/first"_s))).has_value());
         server.answerAndCut("/cut", {});
-        QVERIFY(fetch(client, requestTo(server.url(u"/cut"_qs))) == HttpResult(HttpError::Broken));
+        QVERIFY(fetch(client, requestTo(server.url(u"/cut"_s))) == HttpResult(HttpError::Broken));
         QCOMPARE(server.requests().size(), 3U);
     }
 
@@ -111,11 +111,11 @@ private Q_SLOTS:
         RawServer server;
         server.answer("/first", rawReply(200, "x"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/first"_qs))).has_value());
+        QVERIFY(fetch(client, requestTo(server.url(u"/first"_s))).has_value());
         server.answer("/cut", [isReset](RawConnection& connection, const RawRequest&) {
             isReset ? connection.reset() : connection.cut();
         });
-        HttpRequest request = requestTo(server.url(u"/cut"_qs), "POST");
+        HttpRequest request = requestTo(server.url(u"/cut"_s), "POST");
         request.body = "{}";
         QVERIFY(fetch(client, request) == HttpResult(HttpError::Broken));
         QCOMPARE(server.requests().size(), 2U);

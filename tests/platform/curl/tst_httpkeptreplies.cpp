@@ -6,6 +6,7 @@
 #include <QTest>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -35,7 +36,7 @@ class TestHttpKeptReplies final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
 
     void onlyAShortBodyIsKept_data() {
         QTest::addColumn<qsizetype>("size");
@@ -53,9 +54,9 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, good(body));
         CurlHttpClient client;
-        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, body));
+        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_s))), 200, body));
         server.answer({}, isKept ? kSame : good(body));
-        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, body));
+        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_s))), 200, body));
         QCOMPARE(server.requests().at(1).header("If-None-Match").isNull(), !isKept);
     }
 
@@ -66,7 +67,7 @@ private Q_SLOTS:
         });
         CurlHttpClient client;
         const auto isConditional = [&](int number) {
-            (void)fetch(client, poll(server.url(u"/%1"_qs.arg(number))));
+            (void)fetch(client, poll(server.url(u"/%1"_s.arg(number))));
             return !server.requests().back().header("If-None-Match").isNull();
         };
         for (int i = 1; i <= 8; ++i) {
@@ -112,12 +113,12 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, good("old"));
         CurlHttpClient client;
-        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, "old"));
+        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_s))), 200, "old"));
         server.answerAndCut({}, reply);
-        QVERIFY(fetch(client, poll(server.url(u"/a"_qs))).has_value());
+        QVERIFY(fetch(client, poll(server.url(u"/a"_s))).has_value());
         QCOMPARE(server.requests().back().header("If-None-Match"), "\"a\"");
         server.answer({}, good("whole"));
-        QVERIFY(fetch(client, poll(server.url(u"/a"_qs))).has_value());
+        QVERIFY(fetch(client, poll(server.url(u"/a"_s))).has_value());
         QCOMPARE(server.requests().back().header("If-None-Match"), condition);
     }
 
@@ -125,11 +126,11 @@ private Q_SLOTS:
         RawServer server;
         server.answer("/a", good("x"));
         CurlHttpClient client;
-        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, "x"));
+        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_s))), 200, "x"));
         server.answer("/a", rawReply(302, "", "Location: /b\r\nETag: \"r\"\r\n"));
         server.answer("/b", good("y", "\"b\""));
         for (int i = 0; i < 3; ++i) {
-            QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, "y"));
+            QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_s))), 200, "y"));
         }
         QCOMPARE(server.requests().size(), 7U);
         QCOMPARE(server.requests().at(1).header("If-None-Match"), "\"a\"");
@@ -137,18 +138,18 @@ private Q_SLOTS:
             QVERIFY(server.requests().at(i).header("If-None-Match").isNull());
         }
         server.answer("/b", kSame);
-        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 304, {}));
+        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_s))), 304, {}));
     }
 
     void overlappingConditionalRequestsAreAllAnswered() {
         RawServer server;
         server.answer({}, good("old"));
         CurlHttpClient client;
-        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, "old"));
+        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_s))), 200, "old"));
         server.answer({}, RawAnswer());
-        const Awaited first(client.send(poll(server.url(u"/a"_qs))));
-        const Awaited second(client.send(poll(server.url(u"/a"_qs))));
-        const Awaited third(client.send(poll(server.url(u"/a"_qs))));
+        const Awaited first(client.send(poll(server.url(u"/a"_s))));
+        const Awaited second(client.send(poll(server.url(u"/a"_s))));
+        const Awaited third(client.send(poll(server.url(u"/a"_s))));
         QTRY_COMPARE(server.requests().size(), 4U);
         QCOMPARE(server.connections(), 3);
         server.connection(2).send(kSame);
@@ -162,7 +163,7 @@ private Q_SLOTS:
         QVERIFY(isReply(first.result(), 200, "old"));
 
         server.answer({}, kSame);
-        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_qs))), 200, "new"));
+        QVERIFY(isReply(fetch(client, poll(server.url(u"/a"_s))), 200, "new"));
         QCOMPARE(server.requests().back().header("If-None-Match"), "\"b\"");
     }
 };

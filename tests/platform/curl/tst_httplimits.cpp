@@ -11,6 +11,7 @@
 #include <algorithm>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -19,7 +20,7 @@ constexpr qsizetype kHeadLimit = qsizetype{64} * 1024;
 constexpr qsizetype kMebibyte = qsizetype{1024} * 1024;
 
 int openDescriptors() {
-    return static_cast<int>(QDir(u"/dev/fd"_qs).entryList(QDir::System | QDir::AllEntries).size());
+    return static_cast<int>(QDir(u"/dev/fd"_s).entryList(QDir::System | QDir::AllEntries).size());
 }
 
 QByteArray chunked(const QByteArray& body, qsizetype step) {
@@ -37,10 +38,10 @@ class TestHttpLimits final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
 
     void aRequestHasDefaultLimits() {
-        const HttpRequest request = requestTo(RawServer().url(u"/"_qs));
+        const HttpRequest request = requestTo(RawServer().url(u"/"_s));
         QCOMPARE(request.bodyLimit, kMebibyte);
         QCOMPARE(request.timeout, std::chrono::milliseconds(60s));
     }
@@ -74,7 +75,7 @@ private Q_SLOTS:
         RawServer server;
         server.answerAndCut({}, reply);
         CurlHttpClient client;
-        HttpRequest request = requestTo(server.url(u"/"_qs));
+        HttpRequest request = requestTo(server.url(u"/"_s));
         request.bodyLimit = limit;
         const auto result = fetch(client, request);
         if (size < 0) {
@@ -88,7 +89,7 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, "HTTP/1.1 200 OK\r\nContent-Length: 1048577\r\n\r\n");
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/"_qs))) == HttpResult(HttpError::TooLarge));
+        QVERIFY(fetch(client, requestTo(server.url(u"/"_s))) == HttpResult(HttpError::TooLarge));
     }
 
     void aHeadBeyondItsLimitIsTooLarge_data() {
@@ -118,7 +119,7 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, head + "x");
         CurlHttpClient client;
-        const auto result = fetch(client, requestTo(server.url(u"/"_qs)));
+        const auto result = fetch(client, requestTo(server.url(u"/"_s)));
         QVERIFY(result ==
                 (isTooLarge ? HttpResult(HttpError::TooLarge) : HttpResult(HttpReply{200, "x"})));
     }
@@ -146,7 +147,7 @@ private Q_SLOTS:
             connection.drip(drops, 1ms, true);
         });
         CurlHttpClient client;
-        HttpRequest request = requestTo(server.url(u"/"_qs));
+        HttpRequest request = requestTo(server.url(u"/"_s));
         request.timeout = 300ms;
         QElapsedTimer timer;
         timer.start();
@@ -164,7 +165,7 @@ private Q_SLOTS:
             }
         });
         CurlHttpClient client;
-        HttpRequest request = requestTo(server.url(u"/"_qs));
+        HttpRequest request = requestTo(server.url(u"/"_s));
         request.timeout = 300ms;
         QVERIFY(fetch(client, request) == HttpResult(HttpError::TimedOut));
     }
@@ -185,7 +186,7 @@ private Q_SLOTS:
             connection.sendAfter(lag, "}");
         });
         CurlHttpClient client;
-        HttpRequest request = requestTo(server.url(u"/"_qs));
+        HttpRequest request = requestTo(server.url(u"/"_s));
         request.timeout = 600ms;
         QVERIFY(fetch(client, request) ==
                 (isInTime ? HttpResult(HttpReply{200, "{}"}) : HttpResult(HttpError::TimedOut)));
@@ -195,12 +196,12 @@ private Q_SLOTS:
         RawServer server;
         server.answer("/good", rawReply(200, "x"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, requestTo(server.url(u"/good"_qs))).has_value());
+        QVERIFY(fetch(client, requestTo(server.url(u"/good"_s))).has_value());
         const int before = openDescriptors();
         std::vector<Awaited> replies;
         replies.reserve(20);
         for (int i = 0; i < 20; ++i) { // as many as a minute of polls
-            HttpRequest request = requestTo(server.url(u"/never"_qs));
+            HttpRequest request = requestTo(server.url(u"/never"_s));
             request.timeout = 500ms;
             replies.emplace_back(client.send(std::move(request)));
         }
@@ -208,7 +209,7 @@ private Q_SLOTS:
             QTRY_VERIFY(reply.isDone());
             QVERIFY(reply.result() == HttpResult(HttpError::TimedOut));
         }
-        QVERIFY(fetch(client, requestTo(server.url(u"/good"_qs))) ==
+        QVERIFY(fetch(client, requestTo(server.url(u"/good"_s))) ==
                 HttpResult(HttpReply{200, "x"}));
         QTRY_COMPARE(server.openConnections(), 1);
         QTRY_VERIFY(openDescriptors() <= before);
@@ -234,7 +235,7 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, rawReply(status, "words"));
         CurlHttpClient client;
-        HttpRequest request = requestTo(server.url(u"/"_qs));
+        HttpRequest request = requestTo(server.url(u"/"_s));
         request.lastStatusWithBody = last;
         const QByteArray body = hasBody ? "words" : "";
         QVERIFY(fetch(client, request) == HttpResult(HttpReply{status, body}));
@@ -270,7 +271,7 @@ private Q_SLOTS:
             }
         });
         CurlHttpClient client;
-        HttpRequest request = requestTo(server.url(u"/"_qs));
+        HttpRequest request = requestTo(server.url(u"/"_s));
         request.timeout = 2s;
         QElapsedTimer timer;
         timer.start();
@@ -296,7 +297,7 @@ private Q_SLOTS:
         };
         std::vector<Awaited> stalled;
         for (int i = 0; i < 12; ++i) {
-            stalled.emplace_back(client.send(requestOf(u"/stalls"_qs)));
+            stalled.emplace_back(client.send(requestOf(u"/stalls"_s)));
         }
         const auto ended = [&] {
             return std::count_if(stalled.cbegin(), stalled.cend(),
@@ -308,11 +309,11 @@ private Q_SLOTS:
         for (const Awaited& one : stalled) {
             QVERIFY(!one.isDone() || one.result() == HttpResult(HttpError::TooLarge));
         }
-        QVERIFY(fetch(client, requestOf(u"/small"_qs)) ==
+        QVERIFY(fetch(client, requestOf(u"/small"_s)) ==
                 HttpResult(HttpReply{200, QByteArray(256 * 1024, 's')}));
         // After their timeouts there is room again.
         QTRY_COMPARE_WITH_TIMEOUT(ended(), 12, 30'000);
-        QVERIFY(fetch(client, requestOf(u"/whole"_qs)) == HttpResult(HttpReply{200, most + 'x'}));
+        QVERIFY(fetch(client, requestOf(u"/whole"_s)) == HttpResult(HttpReply{200, most + 'x'}));
     }
 };
 

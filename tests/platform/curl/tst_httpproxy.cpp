@@ -7,6 +7,7 @@
 #include <QTest>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -32,7 +33,7 @@ class TestHttpProxy final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
 
     void aProxyIsTakenFromTheEnvironment() {
         RawServer proxy;
@@ -64,7 +65,7 @@ private Q_SLOTS:
         const Variable http("http_proxy", address);
         const Variable all("all_proxy", address);
         CurlHttpClient client;
-        const QString text = u"http://%1:%2/"_qs.arg(host).arg(server.port());
+        const QString text = u"http://%1:%2/"_s.arg(host).arg(server.port());
         QVERIFY(fetch(client, authorised(Url::fromString(text).value())) ==
                 HttpResult(HttpReply{200, "x"}));
         QCOMPARE(proxy.connections(), 0);

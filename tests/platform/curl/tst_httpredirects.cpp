@@ -6,6 +6,7 @@
 #include <QTest>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -24,7 +25,7 @@ class TestHttpRedirects final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
 
     void aRedirectIsFollowedWithTheRightMethod_data() {
         QTest::addColumn<int>("status");
@@ -45,10 +46,10 @@ private Q_SLOTS:
         QFETCH(const QByteArray, method);
         QFETCH(const QByteArray, then);
         RawServer server;
-        server.answer("/a", redirect(status, u"/b"_qs));
+        server.answer("/a", redirect(status, u"/b"_s));
         server.answer("/b", rawReply(200, "x"));
         CurlHttpClient client;
-        HttpRequest request = authorised(server.url(u"/a"_qs), method);
+        HttpRequest request = authorised(server.url(u"/a"_s), method);
         if (method == "POST") {
             request.headers.push_back({"Content-Type", "application/json"});
             request.body = "{}";
@@ -75,23 +76,23 @@ private Q_SLOTS:
     void otherStatusesAreNotFollowed() {
         QFETCH(const int, status);
         RawServer server;
-        server.answer({}, redirect(status, u"/b"_qs));
+        server.answer({}, redirect(status, u"/b"_s));
         CurlHttpClient client;
-        QVERIFY(fetch(client, authorised(server.url(u"/a"_qs))) ==
+        QVERIFY(fetch(client, authorised(server.url(u"/a"_s))) ==
                 HttpResult(HttpReply{status, {}}));
         QCOMPARE(server.requests().size(), 1U);
     }
 
     void threeRedirectsAreFollowedButNotFour() {
         RawServer server;
-        server.answer("/0", redirect(302, u"/1"_qs));
-        server.answer("/1", redirect(302, u"2"_qs));
-        server.answer("/2", redirect(302, server.url(u"/3"_qs).absoluteString()));
+        server.answer("/0", redirect(302, u"/1"_s));
+        server.answer("/1", redirect(302, u"2"_s));
+        server.answer("/2", redirect(302, server.url(u"/3"_s).absoluteString()));
         server.answer("/3", rawReply(200, "x"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, authorised(server.url(u"/0"_qs))) == HttpResult(HttpReply{200, "x"}));
-        server.answer("/3", redirect(307, u"/4"_qs, "body"));
-        QVERIFY(fetch(client, authorised(server.url(u"/0"_qs))) == HttpResult(HttpReply{307, {}}));
+        QVERIFY(fetch(client, authorised(server.url(u"/0"_s))) == HttpResult(HttpReply{200, "x"}));
+        server.answer("/3", redirect(307, u"/4"_s, "body"));
+        QVERIFY(fetch(client, authorised(server.url(u"/0"_s))) == HttpResult(HttpReply{307, {}}));
         QCOMPARE(server.requests().size(), 8U);
         QCOMPARE(server.connections(), 1);
     }
@@ -114,12 +115,12 @@ private Q_SLOTS:
         QFETCH(QString, location);
         RawServer server;
         RawServer other;
-        location.replace(u"%1"_qs, QString::number(server.port()));
-        location.replace(u"%2"_qs, QString::number(other.port()));
+        location.replace(u"%1"_s, QString::number(server.port()));
+        location.replace(u"%2"_s, QString::number(other.port()));
         server.answer("/a", redirect(302, location));
         other.answer({}, rawReply(200, "theirs"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, authorised(server.url(u"/a"_qs))) == HttpResult(HttpReply{302, {}}));
+        QVERIFY(fetch(client, authorised(server.url(u"/a"_s))) == HttpResult(HttpReply{302, {}}));
         QCOMPARE(server.requests().size(), 1U);
         QCOMPARE(other.connections(), 0);
     }
@@ -127,11 +128,11 @@ private Q_SLOTS:
     void theTokenIsNotSentToAnotherOriginThatTheRuleAllows() {
         RawServer server;
         RawServer other;
-        server.answer("/a", redirect(302, other.url(u"/b"_qs).absoluteString()));
-        other.answer("/b", redirect(302, server.url(u"/c"_qs).absoluteString()));
+        server.answer("/a", redirect(302, other.url(u"/b"_s).absoluteString()));
+        other.answer("/b", redirect(302, server.url(u"/c"_s).absoluteString()));
         server.answer("/c", rawReply(200, "x"));
         CurlHttpClient client;
-        HttpRequest request = authorised(server.url(u"/a"_qs));
+        HttpRequest request = authorised(server.url(u"/a"_s));
         request.mayFollow = always;
         QVERIFY(fetch(client, request) == HttpResult(HttpReply{200, "x"}));
         QCOMPARE(other.requests().size(), 1U);
@@ -141,18 +142,18 @@ private Q_SLOTS:
 
     void theRuleGetsTheAddressOfEachRedirectAsFetched() {
         RawServer server;
-        server.answer("/a", redirect(302, u"b c?d"_qs));
-        server.answer("/b%20c?d", redirect(301, u"/no"_qs));
+        server.answer("/a", redirect(302, u"b c?d"_s));
+        server.answer("/b%20c?d", redirect(301, u"/no"_s));
         QStringList asked;
         CurlHttpClient client;
-        HttpRequest request = requestTo(server.url(u"/a"_qs));
+        HttpRequest request = requestTo(server.url(u"/a"_s));
         request.mayFollow = [&asked](const Url& from, const Url& to) {
             asked << from.absoluteString().section(u'/', 3) + u' ' +
                          to.absoluteString().section(u'/', 3);
             return !to.absoluteString().endsWith(QLatin1StringView("/no"));
         };
         QVERIFY(fetch(client, request) == HttpResult(HttpReply{301, {}}));
-        QCOMPARE(asked, (QStringList{u"a b%20c?d"_qs, u"b%20c?d no"_qs}));
+        QCOMPARE(asked, (QStringList{u"a b%20c?d"_s, u"b%20c?d no"_s}));
         QCOMPARE(server.requests().size(), 2U);
     }
 
@@ -169,16 +170,16 @@ private Q_SLOTS:
         server.answer("/a", "HTTP/1.1 302 Found\r\nLocation: /b\r\n" + rest);
         server.answer("/b", rawReply(200, "x"));
         CurlHttpClient client;
-        QVERIFY(fetch(client, authorised(server.url(u"/a"_qs))) == HttpResult(HttpReply{200, "x"}));
+        QVERIFY(fetch(client, authorised(server.url(u"/a"_s))) == HttpResult(HttpReply{200, "x"}));
     }
 
     void allRedirectsShareOneDeadline() {
         RawServer server;
         server.answer({}, [](RawConnection& connection, const RawRequest&) {
-            connection.sendAfter(500ms, redirect(302, u"/again"_qs));
+            connection.sendAfter(500ms, redirect(302, u"/again"_s));
         });
         CurlHttpClient client;
-        HttpRequest request = authorised(server.url(u"/a"_qs));
+        HttpRequest request = authorised(server.url(u"/a"_s));
         request.timeout = 900ms; // enough for one redirect, not for two
         QVERIFY(fetch(client, request) == HttpResult(HttpError::TimedOut));
         QCOMPARE(server.requests().size(), 2U);
@@ -186,14 +187,14 @@ private Q_SLOTS:
 
     void aRedirectRuleMayDestroyTheClient() {
         RawServer server;
-        server.answer("/a", redirect(302, u"/b"_qs));
+        server.answer("/a", redirect(302, u"/b"_s));
         std::optional<CurlHttpClient> client(std::in_place);
-        HttpRequest request = requestTo(server.url(u"/a"_qs));
+        HttpRequest request = requestTo(server.url(u"/a"_s));
         request.mayFollow = [&client](const Url&, const Url&) {
             client.reset();
             return true;
         };
-        const Awaited other(client->send(requestTo(server.url(u"/never"_qs))));
+        const Awaited other(client->send(requestTo(server.url(u"/never"_s))));
         const Awaited reply(client->send(std::move(request)));
         QTRY_VERIFY(reply.isDone() && other.isDone());
         QVERIFY(reply.result() == HttpResult(HttpError::Cancelled));

@@ -10,6 +10,7 @@
 #include <set>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -52,7 +53,7 @@ class TestHttpShared final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
 
     void eachClientKeepsOneConnectionOfItsOwn_data() {
         QTest::addColumn<bool>("isNamed");
@@ -65,9 +66,9 @@ private Q_SLOTS:
         constexpr int kClients = 8;
         RawServer server;
         const ClientRecorder recorder(server);
-        Url url = server.url(u"/"_qs);
+        Url url = server.url(u"/"_s);
         if (isNamed) {
-            url = *Url::fromString(u"http://localhost:%1/"_qs.arg(server.port()));
+            url = *Url::fromString(u"http://localhost:%1/"_s.arg(server.port()));
         }
         const Clients clients = siblings(kClients);
         for (int round = 0; round < 3; ++round) {
@@ -87,7 +88,7 @@ private Q_SLOTS:
         RawServer server;
         const ClientRecorder recorder(server);
         const Clients clients = siblings(2);
-        const Url url = server.url(u"/"_qs);
+        const Url url = server.url(u"/"_s);
         QVERIFY(fetch(*clients[0], from(0, url)).has_value());
         QVERIFY(fetch(*clients[1], from(1, url)).has_value());
         QCOMPARE(server.connections(), 2);
@@ -105,7 +106,7 @@ private Q_SLOTS:
         RawServer server;
         server.answer({}, rawReply(200, "x", "ETag: \"a\"\r\n"));
         const Clients clients = siblings(2);
-        HttpRequest request = requestTo(server.url(u"/"_qs));
+        HttpRequest request = requestTo(server.url(u"/"_s));
         request.mayRevalidate = true;
         QVERIFY(fetch(*clients[0], request).has_value());
         QVERIFY(fetch(*clients[1], request).has_value());
@@ -119,8 +120,8 @@ private Q_SLOTS:
         server.answer("/slow", RawAnswer());
         server.answer("/quick", rawReply(200, "quick"));
         Clients clients = siblings(2);
-        const Awaited going(clients[0]->send(requestTo(server.url(u"/slow"_qs))));
-        const Awaited staying(clients[1]->send(requestTo(server.url(u"/slow"_qs))));
+        const Awaited going(clients[0]->send(requestTo(server.url(u"/slow"_s))));
+        const Awaited staying(clients[1]->send(requestTo(server.url(u"/slow"_s))));
         QTRY_COMPARE(server.requests().size(), 2U);
         clients[0].reset();
         QVERIFY(going.isDone());
@@ -134,13 +135,13 @@ private Q_SLOTS:
         }
         QTRY_VERIFY(staying.isDone());
         QVERIFY(staying.result() == HttpResult(HttpReply{200, "late"}));
-        QVERIFY(fetch(*clients[1], requestTo(server.url(u"/quick"_qs))) ==
+        QVERIFY(fetch(*clients[1], requestTo(server.url(u"/quick"_s))) ==
                 HttpResult(HttpReply{200, "quick"}));
     }
 
     void destroyingAClientCancelsOnlyItsOwnUndeliveredOutcomes() {
         Clients clients = siblings(2);
-        HttpRequest late = requestTo(RawServer().url(u"/"_qs));
+        HttpRequest late = requestTo(RawServer().url(u"/"_s));
         late.timeout = 0s; // expires at once, but is delivered in a later turn
         const Awaited going(clients[0]->send(late));
         const Awaited staying(clients[1]->send(late));
@@ -164,14 +165,14 @@ private Q_SLOTS:
         std::vector<Awaited> unfinished;
         unfinished.reserve(kUnfinished);
         for (int i = 0; i < kUnfinished; ++i) {
-            unfinished.emplace_back(clients[0]->send(requestTo(server.url(u"/unfinished"_qs))));
+            unfinished.emplace_back(clients[0]->send(requestTo(server.url(u"/unfinished"_s))));
         }
         const auto hasOneFailed = [&] {
             return std::any_of(unfinished.begin(), unfinished.end(),
                                [](const Awaited& one) { return one.isDone(); });
         };
         QTRY_VERIFY(hasOneFailed()); // the first client's limit is reached
-        QVERIFY(fetch(*clients[1], requestTo(server.url(u"/large"_qs))) ==
+        QVERIFY(fetch(*clients[1], requestTo(server.url(u"/large"_s))) ==
                 HttpResult(HttpReply{200, QByteArray(kMebibyte, 'x')}));
     }
 
@@ -182,7 +183,7 @@ private Q_SLOTS:
         const Clients clients = siblings(kClients);
         const auto everyoneFetches = [&] {
             return std::all_of(clients.begin(), clients.end(), [&](const auto& client) {
-                return fetch(*client, requestTo(server.url(u"/"_qs))) ==
+                return fetch(*client, requestTo(server.url(u"/"_s))) ==
                        HttpResult(HttpReply{200, "good"});
             });
         };
@@ -200,12 +201,12 @@ private Q_SLOTS:
         const QByteArray same = "HTTP/1.1 304 Same\r\n\r\n";
         server.answer({}, reply);
         const Clients clients = siblings(2);
-        HttpRequest request = requestTo(server.url(u"/"_qs));
+        HttpRequest request = requestTo(server.url(u"/"_s));
         request.mayRevalidate = true;
         QVERIFY(fetch(*clients[0], request).has_value());
         server.answer({}, same);
         QVERIFY(fetch(*clients[0], request).has_value());
-        HttpRequest post = requestTo(server.url(u"/"_qs), "POST");
+        HttpRequest post = requestTo(server.url(u"/"_s), "POST");
         post.body = "{}";
         server.answer({}, rawReply(200, ""));
         QVERIFY(fetch(*clients[1], post).has_value());

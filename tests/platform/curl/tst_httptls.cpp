@@ -12,15 +12,21 @@
 #include <QTest>
 
 using namespace brimlet;
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 
 bool runOpenssl(const QStringList& arguments) {
     QProcess openssl;
-    openssl.start(u"openssl"_qs, arguments);
+    openssl.start(u"openssl"_s, arguments);
     return openssl.waitForFinished() && openssl.exitStatus() == QProcess::NormalExit &&
            openssl.exitCode() == 0;
+}
+
+bool write(const QString& path, const QByteArray& text) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
 }
 
 /// A new self-signed certificate with its key.
@@ -29,20 +35,36 @@ public:
     enum class Age { Valid, Expired };
 
     explicit Certificate(const QString& name, Age age = Age::Valid) {
-        m_isMade = runOpenssl({u"req"_qs, u"-x509"_qs, u"-newkey"_qs, u"ec"_qs, u"-pkeyopt"_qs,
-                               u"ec_paramgen_curve:P-256"_qs, u"-nodes"_qs, u"-subj"_qs,
-                               u"/CN=test"_qs, u"-addext"_qs, u"subjectAltName="_qs + name,
-                               u"-days"_qs, u"2"_qs, u"-keyout"_qs, keyPath(), u"-out"_qs, path()});
-        if (age == Age::Expired) {
-            m_isMade =
-                m_isMade && runOpenssl({u"x509"_qs, u"-in"_qs, path(), u"-signkey"_qs, keyPath(),
-                                        u"-days"_qs, u"-1"_qs, u"-out"_qs, path()});
+        const QStringList key{
+            u"-newkey"_s, u"ec"_s,      u"-pkeyopt"_s, u"ec_paramgen_curve:P-256"_s,
+            u"-nodes"_s,  u"-keyout"_s, keyPath()};
+        const QStringList subject{u"-subj"_s, u"/CN=test"_s, u"-addext"_s,
+                                  u"subjectAltName="_s + name};
+        if (age == Age::Valid) {
+            m_isMade = runOpenssl(
+                QStringList{u"req"_s, u"-x509"_s, u"-days"_s, u"2"_s, u"-out"_s, path()} + key +
+                subject);
+            return;
         }
+        // Only an authority may set both dates in every version.
+        const QString request = m_folder.filePath(u"request.pem"_s);
+        const QString authority = m_folder.filePath(u"authority.conf"_s);
+        m_isMade =
+            write(m_folder.filePath(u"index"_s), {}) &&
+            write(authority, "[ca]\ndefault_ca=all\n[all]\nrand_serial=yes\npolicy=any\n"
+                             "default_md=sha256\ncopy_extensions=copy\ndatabase=" +
+                                 QFile::encodeName(m_folder.filePath(u"index"_s)) +
+                                 "\nnew_certs_dir=" + QFile::encodeName(m_folder.path()) +
+                                 "\n[any]\ncommonName=supplied\n") &&
+            runOpenssl(QStringList{u"req"_s, u"-new"_s, u"-out"_s, request} + key + subject) &&
+            runOpenssl({u"ca"_s, u"-batch"_s, u"-selfsign"_s, u"-notext"_s, u"-config"_s, authority,
+                        u"-keyfile"_s, keyPath(), u"-startdate"_s, u"20200101000000Z"_s,
+                        u"-enddate"_s, u"20200102000000Z"_s, u"-in"_s, request, u"-out"_s, path()});
     }
 
     [[nodiscard]] bool isMade() const { return m_isMade; }
-    [[nodiscard]] QString path() const { return m_folder.filePath(u"cert.pem"_qs); }
-    [[nodiscard]] QString keyPath() const { return m_folder.filePath(u"key.pem"_qs); }
+    [[nodiscard]] QString path() const { return m_folder.filePath(u"cert.pem"_s); }
+    [[nodiscard]] QString keyPath() const { return m_folder.filePath(u"key.pem"_s); }
     [[nodiscard]] QSslConfiguration configuration() const {
         QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
         tls.setLocalCertificate(QSslCertificate::fromPath(path()).value(0));
@@ -58,7 +80,7 @@ private:
     bool m_isMade = false;
 };
 
-const QString kOurAddress = u"IP:127.0.0.1"_qs;
+const QString kOurAddress = u"IP:127.0.0.1"_s;
 
 } // namespace
 
@@ -70,13 +92,13 @@ class TestHttpTls final : public QObject {
         QVERIFY(certificate.isMade());
         RawServer server(certificate.configuration());
         CurlHttpClient client(moreAuthorities);
-        QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) ==
+        QVERIFY(fetch(client, authorised(server.url(u"/"_s))) ==
                 HttpResult(HttpError::Unreachable));
         QVERIFY(server.received().isEmpty());
     }
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(u"."_qs)); }
+    void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
 
     void aTrustedCertificateWithTheRightNameIsAccepted() {
         const Certificate certificate(kOurAddress);
@@ -85,7 +107,7 @@ private Q_SLOTS:
         server.answer({}, rawReply(200, "x"));
         CurlHttpClient client(QFile::encodeName(certificate.path()));
         for (int i = 0; i < 3; ++i) {
-            QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) ==
+            QVERIFY(fetch(client, authorised(server.url(u"/"_s))) ==
                     HttpResult(HttpReply{200, "x"}));
         }
         QCOMPARE(server.requests().at(0).header("Authorization"), "Bearer t0ken");
@@ -100,30 +122,30 @@ private Q_SLOTS:
     void anAuthorityIsFoundInAFolderByItsHash() {
         const Certificate certificate(kOurAddress);
         const QTemporaryDir folder;
-        QVERIFY(QFile::copy(certificate.path(), folder.filePath(u"authority.pem"_qs)));
+        QVERIFY(QFile::copy(certificate.path(), folder.filePath(u"authority.pem"_s)));
         RawServer server(certificate.configuration());
         server.answer({}, rawReply(200, "x"));
         {
             CurlHttpClient client(QFile::encodeName(folder.path()));
-            QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) ==
+            QVERIFY(fetch(client, authorised(server.url(u"/"_s))) ==
                     HttpResult(HttpError::Unreachable));
             QVERIFY(!isNamedByHash(folder.path()));
         }
-        QVERIFY(runOpenssl({u"rehash"_qs, folder.path()}));
+        QVERIFY(runOpenssl({u"rehash"_s, folder.path()}));
         QVERIFY(isNamedByHash(folder.path()));
         CurlHttpClient client(QFile::encodeName(folder.path()));
-        QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) == HttpResult(HttpReply{200, "x"}));
+        QVERIFY(fetch(client, authorised(server.url(u"/"_s))) == HttpResult(HttpReply{200, "x"}));
     }
 
     void aSystemFolderOfAuthoritiesNamedByHashIsUsed() {
-        if (!isNamedByHash(u"/etc/ssl/certs"_qs)) {
+        if (!isNamedByHash(u"/etc/ssl/certs"_s)) {
             QSKIP("this system keeps its authorities elsewhere");
         }
         QCOMPARE(authoritiesFolder(), "/etc/ssl/certs");
     }
 
     void aTrustedCertificateWithAnotherNameIsRefused() {
-        const Certificate certificate(u"DNS:other.test"_qs);
+        const Certificate certificate(u"DNS:other.test"_s);
         checkRefusal(certificate, QFile::encodeName(certificate.path()));
     }
 
@@ -146,11 +168,11 @@ private Q_SLOTS:
         QVERIFY(certificate.isMade());
         QProcess server;
         // With -www it answers requests; without it, it prints them.
-        server.start(u"openssl"_qs,
-                     QStringList{u"s_server"_qs, u"-accept"_qs, u"127.0.0.1:0"_qs, version,
-                                 u"-cipher"_qs, u"DEFAULT@SECLEVEL=0"_qs, u"-cert"_qs,
-                                 certificate.path(), u"-key"_qs, certificate.keyPath()} +
-                         (isAccepted ? QStringList{u"-www"_qs} : QStringList()));
+        server.start(u"openssl"_s,
+                     QStringList{u"s_server"_s, u"-accept"_s, u"127.0.0.1:0"_s, version,
+                                 u"-cipher"_s, u"DEFAULT@SECLEVEL=0"_s, u"-cert"_s,
+                                 certificate.path(), u"-key"_s, certificate.keyPath()} +
+                         (isAccepted ? QStringList{u"-www"_s} : QStringList()));
         QByteArray said;
         QTRY_VERIFY((said += server.readAllStandardOutput()).contains("ACCEPT 127.0.0.1:"));
         const QByteArray port = said.mid(said.indexOf("ACCEPT ") + 17).split('\n').first();
@@ -172,13 +194,13 @@ private Q_SLOTS:
         RawServer server(certificate.configuration());
         server.answer({}, rawReply(200, "x"));
         CurlHttpClient client(QFile::encodeName(certificate.path()));
-        QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) == HttpResult(HttpReply{200, "x"}));
+        QVERIFY(fetch(client, authorised(server.url(u"/"_s))) == HttpResult(HttpReply{200, "x"}));
         server.connection(0).send(rawReply(200, "intruder"));
         RawServer other; // once this has answered, the intruder has arrived
         other.answer({}, rawReply(200, "y"));
-        QVERIFY(fetch(client, requestTo(other.url(u"/"_qs))) == HttpResult(HttpReply{200, "y"}));
+        QVERIFY(fetch(client, requestTo(other.url(u"/"_s))) == HttpResult(HttpReply{200, "y"}));
         for (int i = 0; i < 3; ++i) {
-            QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) ==
+            QVERIFY(fetch(client, authorised(server.url(u"/"_s))) ==
                     HttpResult(HttpReply{200, "x"}));
         }
         QCOMPARE(server.connections(), 2);
@@ -208,9 +230,9 @@ private Q_SLOTS:
         server.answer({}, rawReply(200, "x"));
         CurlHttpClient client(QFile::encodeName(certificate.path()));
         for (int i = 0; i < 3; ++i) {
-            const auto trapped = fetch(client, authorised(server.url(u"/trap"_qs)));
+            const auto trapped = fetch(client, authorised(server.url(u"/trap"_s)));
             QVERIFY(trapped == HttpResult(reply) || trapped == HttpResult(HttpError::Broken));
-            QVERIFY(fetch(client, authorised(server.url(u"/"_qs))) ==
+            QVERIFY(fetch(client, authorised(server.url(u"/"_s))) ==
                     HttpResult(HttpReply{200, "x"}));
         }
     }

@@ -92,10 +92,13 @@ void changeInKwin(
     kde_output_configuration_v2* const configuration =
         kde_output_management_v2_create_configuration(management);
     bool isApplied = false;
-    static constexpr kde_output_configuration_v2_listener kListener{
-        [](void* applied, kde_output_configuration_v2*) { *static_cast<bool*>(applied) = true; },
-        [](void*, kde_output_configuration_v2*) {}};
-    kde_output_configuration_v2_add_listener(configuration, &kListener, &isApplied);
+    // Newer versions of the protocol have more events, which the version bound here does not send.
+    kde_output_configuration_v2_listener listener{};
+    listener.applied = [](void* applied, kde_output_configuration_v2*) {
+        *static_cast<bool*>(applied) = true;
+    };
+    listener.failed = [](void*, kde_output_configuration_v2*) {};
+    kde_output_configuration_v2_add_listener(configuration, &listener, &isApplied);
     change(configuration, device);
     kde_output_configuration_v2_apply(configuration);
     connection.roundtrip();
