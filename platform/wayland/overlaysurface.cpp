@@ -41,6 +41,8 @@ OverlaySurface::OverlaySurface(WaylandConnection& connection, const WaylandOutpu
     m_invisible.released = [] {};
     createAnchor(output, place.topLeft() + QPoint(0, kPopupBelow));
     m_popupSurface.reset(wl_compositor_create_surface(globals.compositor.get()));
+    constexpr std::uint32_t kNewer = 4;
+    m_isPartOfPopup = zwlr_layer_shell_v1_get_version(globals.layerShell.get()) < kNewer;
     m_surface.reset(wl_compositor_create_surface(globals.compositor.get()));
     createPart();
     if (globals.fractionalScale && globals.viewporter) {
@@ -138,8 +140,9 @@ void OverlaySurface::createPopup() {
 }
 
 void OverlaySurface::createPart() {
-    m_part.reset(wl_subcompositor_get_subsurface(m_connection.globals().subcompositor.get(),
-                                                 m_surface.get(), m_popupSurface.get()));
+    m_part.reset(
+        wl_subcompositor_get_subsurface(m_connection.globals().subcompositor.get(), m_surface.get(),
+                                        m_isPartOfPopup ? m_popupSurface.get() : m_anchor.get()));
     wl_subsurface_set_position(m_part.get(), 0, -kPopupBelow);
     wl_subsurface_set_desync(m_part.get()); // it need not wait for the popup
 }
@@ -228,11 +231,8 @@ void OverlaySurface::show(const QRegion& pixels) {
     commit();
 }
 
-/// The popup too, although nothing of it has changed: sway 1.7 draws a change of a popup's part
-/// only when the popup is committed.
 void OverlaySurface::commit() {
     wl_surface_commit(m_surface.get());
-    wl_surface_commit(m_popupSurface.get());
 }
 
 /// The pixels that these points are in, at least in part.

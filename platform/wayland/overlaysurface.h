@@ -71,6 +71,7 @@ private:
     QSize m_size;
     Paint m_paint;
     double m_scale = 1;
+    bool m_isPartOfPopup = false;
     bool m_isConfigured = false;
     bool m_isAllDue = true;
     QRegion m_due; ///< In points.
