@@ -24,6 +24,9 @@ class TestWaylandOutputs final : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
+        if (!desktop::canTakePictures()) {
+            QSKIP("this compositor gives no pictures of its screen");
+        }
         m_service.setScenario({{QStringLiteral("creatives"), referenceCreatives()}});
         m_program.emplace(m_service);
         QVERIFY(areShown(scale()));
@@ -64,6 +67,9 @@ private Q_SLOTS:
     }
 
     void cleanupTestCase() {
+        if (!m_program) {
+            return; // skipped
+        }
         QCOMPARE((*m_program)->endBySignal(SIGTERM), 0);
         QCOMPARE(m_program->protocolErrors(), QByteArrayList());
     }

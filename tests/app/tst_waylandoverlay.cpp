@@ -136,6 +136,15 @@ private Q_SLOTS:
         m_seat.moveTo({756, 600});
         m_film.emplace();
         QTRY_VERIFY_WITH_TIMEOUT(m_film->isActive(), kPatience);
+        if (!desktop::canTakePictures()) {
+            const QByteArray test = QTest::currentTestFunction();
+            if (!test.startsWith("aClick") && !test.startsWith("aPress") &&
+                !test.startsWith("aTouch")) {
+                QSKIP("this compositor gives no pictures of its screen");
+            }
+            QTRY_VERIFY_WITH_TIMEOUT(m_program->isShown(), kPatience);
+            return;
+        }
         QTRY_VERIFY_WITH_TIMEOUT(isCapsuleInFront(), kPatience);
         QTRY_VERIFY_WITH_TIMEOUT(isAbout(pixel({545, 13}), kBackground), kPatience);
     }

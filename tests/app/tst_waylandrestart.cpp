@@ -49,6 +49,9 @@ class TestWaylandRestart final : public QObject {
 
 private Q_SLOTS:
     void theProgramLivesOnAndTheCapsulesReturn() {
+        if (!desktop::canTakePictures()) {
+            QSKIP("this compositor gives no pictures of its screen");
+        }
         const PlacementProcess service;
         service.setScenario({{QStringLiteral("creatives"), referenceCreatives()}});
         Program program(service);

@@ -2,9 +2,11 @@
 
 #include "tests/support/clearlook.h"
 #include "tests/support/processes.h"
+#include "tests/support/referencepictures.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/wayland/outputs.h"
 
+#include <QDir>
 #include <QJsonArray>
 #include <QTest>
 
@@ -56,8 +58,9 @@ inline QJsonArray referenceCreatives() {
 
 /// Whether the two capsules over the background look like the reference picture.
 inline bool looksLikeTheReference(double scale) {
-    const QString file = QStringLiteral("tests/overlay/reference/fallback-%1x.png").arg(scale);
-    const QImage reference = QImage(sourcePath(file)).convertToFormat(QImage::Format_RGB32);
+    const QString file = QStringLiteral("fallback-%1x.png").arg(scale);
+    const QImage reference =
+        QImage(referenceFolder().filePath(file)).convertToFormat(QImage::Format_RGB32);
     return !reference.isNull() && looksTheSame(desktop::picture(kPanel), reference);
 }
 
@@ -76,8 +79,19 @@ public:
     /// What compositors have complained about so far.
     [[nodiscard]] QByteArrayList protocolErrors() {
         QByteArrayList lines = m_process.complaints().split('\n');
-        lines.removeIf([](const QByteArray& line) { return !line.contains("wl_display@1.error"); });
+        // Newer versions of the library write a number sign.
+        lines.removeIf([](const QByteArray& line) {
+            return !line.contains("wl_display@1.error") && !line.contains("wl_display#1.error");
+        });
         return lines;
+    }
+    /// Whether the compositor has shown the last picture so far.
+    [[nodiscard]] bool isShown() {
+        const QByteArray said = m_process.complaints();
+        const QByteArray request = ".frame(new id wl_callback";
+        const qsizetype from = said.lastIndexOf(request) + request.size();
+        const QByteArray callback = said.mid(from, said.indexOf(')', from) - from);
+        return said.contains(request) && said.indexOf("wl_callback" + callback + ".done", from) > 0;
     }
     /// Whether it draws over a connection of its own to the compositor.
     [[nodiscard]] bool isNative() { return m_process.complaints().contains(".get_layer_surface("); }

@@ -656,7 +656,7 @@ class Story:
         if not self.program.protocol.exists():
             return None, 'not traced'
         text = self.program.protocol.read_text(errors='replace')
-        errors = re.findall(r'.*wl_display@1\.error.*', text)
+        errors = re.findall(r'.*wl_display[@#]1\.error.*', text)
         native = 'native overlay' if '.get_layer_surface(' in text else 'X11 overlay'
         requests = text.count(' -> ')
         return not errors and requests > 0, f'{native}; {requests} requests, {len(errors)} errors' + (

@@ -82,7 +82,8 @@ private Q_SLOTS:
         addOwnFiles(QStringLiteral("image"));
         for (const char* const folder : {"png/pngsuite", "png/libpng", "jpeg", "gif"}) {
             for (const QFileInfo& file : filesIn(sampleFiles + QLatin1StringView(folder))) {
-                addRow(file.fileName(), contents(file.filePath()));
+                addRow(QLatin1StringView(folder) + u'/' + file.fileName(),
+                       contents(file.filePath()));
             }
         }
     }

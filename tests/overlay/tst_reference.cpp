@@ -1,7 +1,7 @@
 #include "creative/textline.h"
 #include "tests/overlay/paintedview.h"
 #include "tests/support/clearlook.h"
-#include "tests/support/testpaths.h"
+#include "tests/support/referencepictures.h"
 #include "tests/support/testprogram.h"
 
 #include <QApplication>
@@ -130,7 +130,7 @@ private Q_SLOTS:
         }
         const QImage actual = view.pictureOver(kBackground, ratio);
 
-        const QDir folder(sourcePath(u"tests/overlay/reference"));
+        const QDir folder = referenceFolder();
         const QString path = folder.filePath(file);
         if (qEnvironmentVariable("BRIMLET_UPDATE_REFERENCES") == QLatin1StringView("1")) {
             QVERIFY(QDir().mkpath(folder.path()));

@@ -5,12 +5,17 @@
 # The test itself, in whose folder this is read.
 claims=$PWD/${0##*/}
 
-# conclude: runs the test's claims in their order. One that fails shows its output.
+# conclude: runs the test's claims in their order. One that fails shows its output, and one that is skipped
+# its reason.
 conclude() {
-  local claim said failed=0
+  local claim said status failed=0
   for claim in $(sed -nE 's/^([a-z]+(_[a-z]+)+)\(\) .*/\1/p' "$claims"); do
-    if said=$("$claim" 2>&1); then
+    status=0
+    said=$("$claim" 2>&1) || status=$?
+    if [ $status -eq 0 ]; then
       echo "PASS   : $claim"
+    elif [ $status -eq 77 ]; then
+      echo "$said ($claim)"
     else
       failed=$((failed + 1))
       echo "FAIL!  : $claim"

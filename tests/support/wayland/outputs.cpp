@@ -109,6 +109,13 @@ void changeInKwin(
 
 } // namespace
 
+bool canTakePictures() {
+    return !is("kwin") || QDBusInterface(QStringLiteral("org.kde.KWin"),
+                                         QStringLiteral("/org/kde/KWin/ScreenShot2"),
+                                         QStringLiteral("org.kde.KWin.ScreenShot2"))
+                              .isValid();
+}
+
 QImage picture(const QRect& area, bool withPointer) {
     if (is("kwin")) {
         return kwinPicture(area, withPointer);
