@@ -41,8 +41,8 @@ OverlaySurface::OverlaySurface(WaylandConnection& connection, const WaylandOutpu
     m_invisible.released = [] {};
     createAnchor(output, place.topLeft() + QPoint(0, kPopupBelow));
     m_popupSurface.reset(wl_compositor_create_surface(globals.compositor.get()));
-    constexpr std::uint32_t kNewer = 4;
-    m_isPartOfPopup = zwlr_layer_shell_v1_get_version(globals.layerShell.get()) < kNewer;
+    constexpr std::uint32_t kWithoutPopup = 4;
+    m_isPartOfPopup = zwlr_layer_shell_v1_get_version(globals.layerShell.get()) < kWithoutPopup;
     m_surface.reset(wl_compositor_create_surface(globals.compositor.get()));
     createPart();
     if (globals.fractionalScale && globals.viewporter) {

@@ -18,11 +18,13 @@ namespace brimlet {
 class WaylandConnection;
 class WaylandOutput;
 
-/// A picture on an output, above everything else. It is a part (a subsurface) of an invisible popup
-/// of an invisible surface in the overlay layer, since KWin before its version 6
+/// A picture on an output, above everything else. It is a part (a subsurface) of an invisible
+/// surface in the overlay layer or, where the layer shell is older than version 4, of an invisible
+/// popup of that surface, since KWin before its version 6
 /// - gives a layer surface that is clicked the keyboard, whatever it asks for. A popup without a
 ///   grab never gets it;
 /// - moves a popup out from under the panels. A popup's parts are where they are put.
+/// sway 1.10 takes the keyboard from the window in front when a popup's part is clicked.
 /// Its objects belong to one connection. Main thread only.
 class OverlaySurface final : public QObject {
     Q_OBJECT
@@ -77,8 +79,7 @@ private:
     QRegion m_due; ///< In points.
     std::unique_ptr<WaylandBuffers> m_buffers;
     WaylandBuffers m_invisible; ///< One each for the two surfaces that are not seen.
-    // Destroyed in the opposite order: the popup before its part, which else stays drawn in
-    // sway 1.7.
+    // Destroyed in the opposite order.
     Proxy<wl_surface> m_anchor;
     Proxy<zwlr_layer_surface_v1> m_layer;
     Proxy<wl_surface> m_popupSurface;
