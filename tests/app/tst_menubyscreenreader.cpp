@@ -66,11 +66,11 @@ private Q_SLOTS:
             label("Live"),
             label("Ads on. Add your approved host token to qualify for payouts."),
             label("Recorded 0/4 live windows today · 0 live days this week"),
-            QStringLiteral("push button: I agree · not a guarantee"),
+            QStringLiteral("button: I agree · not a guarantee"),
             QStringLiteral("password text: Host token"),
-            QStringLiteral("push button: Save token"),
-            QStringLiteral("push button: Pause ads 24h"),
-            QStringLiteral("push button: Quit")};
+            QStringLiteral("button: Save token"),
+            QStringLiteral("button: Pause ads 24h"),
+            QStringLiteral("button: Quit")};
         QTRY_COMPARE_WITH_TIMEOUT(elements(), welcome, kPatience);
 
         // The token is sent, and the panel shows the host's own figures.
@@ -99,7 +99,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(
             service.requestLines().contains(QStringLiteral("POST /api/host/agree")), kPatience);
         QTRY_VERIFY_WITH_TIMEOUT(
-            !elements().contains(QStringLiteral("push button: I agree · not a guarantee")),
+            !elements().contains(QStringLiteral("button: I agree · not a guarantee")),
             kPatience);
         QCOMPARE(elements().filter(QStringLiteral("We share")), QStringList());
         QTRY_COMPARE_WITH_TIMEOUT(elements().filter(QStringLiteral("Ads on. This week ~€")).size(),
@@ -124,7 +124,7 @@ private Q_SLOTS:
               QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}}});
         QTRY_VERIFY_WITH_TIMEOUT(program.isPanelShown(), kPatience);
         QCOMPARE(program.startAgain(), 0);
-        QTRY_VERIFY_WITH_TIMEOUT(elements().contains(QStringLiteral("push button: Quit")),
+        QTRY_VERIFY_WITH_TIMEOUT(elements().contains(QStringLiteral("button: Quit")),
                                  kPatience);
         for (const QJsonObject& element :
              ScreenReader::elements({QStringLiteral("window"), kPanel})) {

@@ -110,10 +110,13 @@ void changeInKwin(
 } // namespace
 
 bool canTakePictures() {
-    return !is("kwin") || QDBusInterface(QStringLiteral("org.kde.KWin"),
-                                         QStringLiteral("/org/kde/KWin/ScreenShot2"),
-                                         QStringLiteral("org.kde.KWin.ScreenShot2"))
-                              .isValid();
+    if (!is("kwin")) {
+        return true;
+    }
+    QDBusInterface object(QStringLiteral("org.kde.KWin"),
+                          QStringLiteral("/org/kde/KWin/ScreenShot2"),
+                          QStringLiteral("org.freedesktop.DBus.Introspectable"));
+    return object.call(QStringLiteral("Introspect")).type() == QDBusMessage::ReplyMessage;
 }
 
 QImage picture(const QRect& area, bool withPointer) {
