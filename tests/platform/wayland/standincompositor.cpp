@@ -245,7 +245,10 @@ const struct wl_subsurface_interface kPart = [] {
 
 const struct wl_subcompositor_interface kSubcompositor {
     .destroy = kDestroy, .get_subsurface = [](wl_client* client, wl_resource*, std::uint32_t id,
-                                              wl_resource* surface, wl_resource*) {
+                                              wl_resource* surface, wl_resource* parent) {
+        const bool isInLayer = surfaceOf(parent).role == QStringLiteral("anchor");
+        surfaceOf(surface).state->write(isInLayer ? QStringLiteral("part of the layer surface")
+                                                  : QStringLiteral("part of the popup"));
         surfaceOf(surface).role = QStringLiteral("capsules");
         make(client, wl_subsurface_interface, 1, id, &kPart, &surfaceOf(surface));
     }
@@ -302,7 +305,8 @@ const struct zwlr_layer_shell_v1_interface kLayerShell {
                     .arg(layer)
                     .arg(static_cast<StandInOutput*>(wl_resource_get_user_data(output))->connector);
             state.layerSurface =
-                make(client, zwlr_layer_surface_v1_interface, 4, id, &kLayerSurface, &state,
+                make(client, zwlr_layer_surface_v1_interface, wl_resource_get_version(shell), id,
+                     &kLayerSurface, &state,
                      [](wl_resource* resource) { stateOf(resource).layerSurface = nullptr; });
             zwlr_layer_surface_v1_send_configure(state.layerSurface, ++state.serial, 1, 1);
         },
@@ -538,7 +542,7 @@ StandInCompositor::StandInCompositor(const StandInManners& manners,
     }
     offer<xdg_wm_base_interface, kWindows>(state, 1);
     if (manners.hasLayerShell) {
-        offer<zwlr_layer_shell_v1_interface, kLayerShell>(state, 4);
+        offer<zwlr_layer_shell_v1_interface, kLayerShell>(state, manners.layerShellVersion);
     }
     if (manners.describesOutputs) {
         offer<zxdg_output_manager_v1_interface, kDescriptions>(state, 3);

@@ -30,6 +30,7 @@ struct StandInOutput final {
 /// What a stand-in does not do, or does otherwise than compositors should.
 struct StandInManners final {
     bool hasLayerShell = true;
+    int layerShellVersion = 4;
     bool hasShm = true;
     bool refusesPools = false;       ///< Each wl_shm.create_pool is a protocol error.
     bool answersFrames = true;       ///< Calls back after each commit that asks for it.

@@ -18,14 +18,23 @@ class TestWaylandSurface final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void itIsAPartOfAPopupOfTheOverlayLayerAtTheVeryTop() {
-        WaylandFixture f;
+    void itIsAPartOfTheOverlayLayerAtTheVeryTop_data() {
+        QTest::addColumn<int>("version");
+        QTest::addColumn<QString>("whole");
+        QTest::newRow("KWin 5.27's") << 3 << QStringLiteral("part of the popup");
+        QTest::newRow("newer") << 4 << QStringLiteral("part of the layer surface");
+    }
+    void itIsAPartOfTheOverlayLayerAtTheVeryTop() {
+        QFETCH(const int, version);
+        QFETCH(const QString, whole);
+        WaylandFixture f({.layerShellVersion = version});
         QVERIFY(f.show());
         // Layer 3 is the overlay's; 5 are the top and left edges. No keyboard is asked for. The
         // popup is where no panel moves it.
         QCOMPARE(f.compositor.layer(),
                  QStringLiteral("layer 3 on eDP-1 anchor 5 at 542,240 zone -1"));
         QVERIFY(f.compositor.log.contains(QStringLiteral("popup placed at 0,0 1x1")));
+        QVERIFY(f.compositor.log.contains(whole));
         QVERIFY(f.compositor.log.contains(QStringLiteral("part at 0,-240")));
         QVERIFY(f.compositor.log.contains(kWhole));
     }
