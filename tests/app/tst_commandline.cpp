@@ -2,7 +2,9 @@
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 
+#include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -28,6 +30,17 @@ Ended run(const QString& program, const QStringList& arguments) {
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
             QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
+}
+
+QByteArray bytesOf(const QString& program) {
+    QFile file(programPath(program));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// As QStringLiteral keeps it.
+QByteArray utf16(const char* text) {
+    const QString wide = QString::fromLatin1(text);
+    return {reinterpret_cast<const char*>(wide.utf16()), wide.size() * 2};
 }
 
 } // namespace
@@ -115,6 +128,30 @@ private Q_SLOTS:
         QVERIFY2(ended.err.contains(QStringLiteral("Usage: %1 ").arg(program)),
                  qPrintable(ended.err));
         QCOMPARE(ended.out, QString());
+    }
+
+    void theProductCannotReadADescribedMachine() {
+        const QByteArray product = bytesOf(QStringLiteral("brimlet"));
+        const QByteArray simulator = bytesOf(QStringLiteral("brimlet-simulator"));
+        QVERIFY(product.contains("BRIMLET_DISPLAY_LOST"));
+        for (const char* const key : {"auxiliaryTopLeftArea", "builtIn", "drawNotch"}) {
+            QVERIFY2(simulator.contains(utf16(key)), key);
+            QVERIFY2(!product.contains(utf16(key)), key);
+        }
+    }
+
+    void noVariableOfItsOwnChangesWhatTheProductFinds() {
+        const QByteArray product = bytesOf(QStringLiteral("brimlet"));
+        const QRegularExpression variable(QStringLiteral("BRIMLET_[A-Z_]+"));
+        QStringList names;
+        auto found = variable.globalMatch(QString::fromLatin1(product));
+        while (found.hasNext()) {
+            names << found.next().captured();
+        }
+        names.removeDuplicates();
+        // Continues a pause after the display server has ended.
+        QCOMPARE(names, QStringList(QStringLiteral("BRIMLET_DISPLAY_LOST")));
+        QVERIFY(!product.contains(utf16("BRIMLET_")));
     }
 
     void theReasonOfTheStartIsRead_data() {
