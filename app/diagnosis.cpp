@@ -26,6 +26,11 @@ using Outcome = BusReply::Outcome;
     return QStringLiteral("%1 x %2").arg(width).arg(height);
 }
 
+/// The shape that the rule for the notch compares.
+[[nodiscard]] QString ratio(int width, int height) {
+    return height > 0 ? QString::number(double(width) / height, 'f', 4) : QStringLiteral("unknown");
+}
+
 [[nodiscard]] QString xServerText(const Diagnosis& facts) {
     if (!facts.xServer) {
         return facts.isDisplaySet ? QStringLiteral("DISPLAY is set, but not connected")
@@ -60,11 +65,12 @@ using Outcome = BusReply::Outcome;
 }
 
 [[nodiscard]] QString screenText(const DiagnosedScreen& screen) {
-    return QStringLiteral("%1, %2 points at %3,%4, scale %5%6")
+    return QStringLiteral("%1, %2 points at %3,%4, scale %5, ratio %6%7")
         .arg(oneLine(screen.connector), size(screen.geometry.width(), screen.geometry.height()))
         .arg(screen.geometry.x())
         .arg(screen.geometry.y())
         .arg(screen.scale)
+        .arg(ratio(screen.geometry.width(), screen.geometry.height()))
         .arg(screen.isBuiltIn ? QStringLiteral(", built in") : QString());
 }
 
@@ -76,6 +82,15 @@ using Outcome = BusReply::Outcome;
 
 [[nodiscard]] QString compatibleText(const QByteArrayList& compatible) {
     return compatible.isEmpty() ? QStringLiteral("no device tree") : oneLine(compatible.join(' '));
+}
+
+[[nodiscard]] QString describedPanelText(const DescribedPanel& panel) {
+    if (panel == DescribedPanel()) {
+        return QStringLiteral("not described");
+    }
+    return QStringLiteral("%1 mm, band of %2 pixels")
+        .arg(size(panel.widthMm, panel.heightMm))
+        .arg(panel.bandHeight);
 }
 
 [[nodiscard]] QString showNotchText(std::optional<bool> showNotch) {
@@ -105,8 +120,10 @@ using Outcome = BusReply::Outcome;
     if (!facts.showNotch.value_or(true)) {
         return QStringLiteral("none, because show_notch is off");
     }
-    return QStringLiteral("none, because no built-in screen has the shape of the panel, %1 pixels")
-        .arg(size(facts.notchedPanel->width, facts.notchedPanel->height));
+    const auto& [width, height, notchWidth, notchHeight] = *facts.notchedPanel;
+    return QStringLiteral(
+               "none, because no built-in screen has the shape of the panel, %1 pixels, ratio %2")
+        .arg(size(width, height), ratio(width, height));
 }
 
 /// How a call failed; empty if it was answered.
@@ -206,7 +223,9 @@ QString diagnosisText(const Diagnosis& facts) {
     }
     add("Overlay", facts.overlay);
     addScreens(lines, facts);
+    add("Model", oneLine(facts.model));
     add("Device tree", compatibleText(facts.compatible));
+    add("Panel in the device tree", describedPanelText(facts.describedPanel));
     add("show_notch", showNotchText(facts.showNotch));
     add("Notch", notchText(facts));
     add("StatusNotifier tray", replyText(facts.notifierHost, facts.notifierHost.value.toBool()

@@ -48,7 +48,9 @@ struct Diagnosis final {
 
     QList<DiagnosedScreen> screens; ///< Of the display server that has the overlay's window.
     QList<PanelFacts> panels;
+    QByteArray model;
     QByteArrayList compatible;
+    DescribedPanel describedPanel;
     std::optional<NotchedPanel> notchedPanel;
     std::optional<bool> showNotch;
 

@@ -117,7 +117,9 @@ Diagnosis diagnose(const QString& root) {
     diagnoseSystem(facts);
     diagnoseDisplay(facts, root);
     facts.panels = panelFacts(QDir(root).filePath(QStringLiteral("sys/class/drm")));
+    facts.model = readModel(root);
     facts.compatible = readCompatible(root);
+    facts.describedPanel = readDescribedPanel(root);
     facts.notchedPanel = notchedPanel(facts.compatible);
     facts.showNotch = readShowNotch(root);
     diagnoseServices(facts);

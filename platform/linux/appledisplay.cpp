@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QtEndian>
 
 #include <algorithm>
 #include <array>
@@ -25,9 +26,17 @@ constexpr NotchedPanel kAir15{2880, 1864, 325, 56};
 
 // The names are those of the Linux kernel's device trees for Apple silicon.
 constexpr std::array kModels{
-    Model{"apple,j314s", kPro14}, Model{"apple,j314c", kPro14}, Model{"apple,j414s", kPro14},
-    Model{"apple,j414c", kPro14}, Model{"apple,j316s", kPro16}, Model{"apple,j316c", kPro16},
-    Model{"apple,j416s", kPro16}, Model{"apple,j416c", kPro16}, Model{"apple,j413", kAir13},
+    // M1 Pro and Max, M2 Pro and Max
+    Model{"apple,j314s", kPro14},
+    Model{"apple,j314c", kPro14},
+    Model{"apple,j414s", kPro14},
+    Model{"apple,j414c", kPro14},
+    Model{"apple,j316s", kPro16},
+    Model{"apple,j316c", kPro16},
+    Model{"apple,j416s", kPro16},
+    Model{"apple,j416c", kPro16},
+    // M2
+    Model{"apple,j413", kAir13},
     Model{"apple,j415", kAir15},
 };
 
@@ -48,6 +57,17 @@ constexpr std::array kModels{
     QFile file(path);
     return file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ? file.read(kMaxBytes)
                                                                   : QByteArray();
+}
+
+/// A text of the device tree, which ends with a zero byte; empty when it cannot be read.
+[[nodiscard]] QByteArray readText(const QString& path) {
+    return readStart(path).constData();
+}
+
+/// A number of the device tree; 0 when it cannot be read.
+[[nodiscard]] int readCell(const QString& path) {
+    const QByteArray bytes = readStart(path);
+    return bytes.size() == sizeof(quint32) ? qFromBigEndian<qint32>(bytes.constData()) : 0;
 }
 
 } // namespace
@@ -95,6 +115,22 @@ QByteArrayList readCompatible(const QString& root) {
     // Each name ends with a zero byte; the rest after the last one is empty or truncated.
     names.removeLast();
     return names;
+}
+
+QByteArray readModel(const QString& root) {
+    return readText(QDir(root).filePath(QStringLiteral("proc/device-tree/model")));
+}
+
+DescribedPanel readDescribedPanel(const QString& root) {
+    const QString tree = QDir(root).filePath(QStringLiteral("proc/device-tree"));
+    const QByteArray alias = readText(tree + QStringLiteral("/aliases/dcp"));
+    if (!alias.startsWith('/')) {
+        return {};
+    }
+    const QString node = tree + QFile::decodeName(alias);
+    return {readCell(node + QStringLiteral("/panel/width-mm")),
+            readCell(node + QStringLiteral("/panel/height-mm")),
+            readCell(node + QStringLiteral("/apple,notch-height"))};
 }
 
 std::optional<bool> readShowNotch(const QString& root) {

@@ -18,6 +18,15 @@ struct NotchedPanel final {
     int notchHeight = 0;
 };
 
+/// What the device tree says of the built-in panel; 0 where it says nothing.
+struct DescribedPanel final {
+    int widthMm = 0;
+    int heightMm = 0;
+    int bandHeight = 0; ///< Of the band beside the notch, in native pixels.
+
+    bool operator==(const DescribedPanel&) const = default;
+};
+
 /// The strips left and right of a notch, in the coordinates of the screen's frame (points, y up).
 struct NotchStrips final {
     Rect left;
@@ -45,6 +54,13 @@ struct NotchStrips final {
 /// The "compatible" names in the device tree of the system at `root` ("/" except in tests), the
 /// most specific first. Empty on a machine without a device tree.
 [[nodiscard]] QByteArrayList readCompatible(const QString& root);
+
+/// The model's name in that device tree, such as "Apple MacBook Air (13-inch, M2, 2022)"; empty
+/// without one.
+[[nodiscard]] QByteArray readModel(const QString& root);
+
+/// The panel at the display controller in that device tree. The boot loader adds the band.
+[[nodiscard]] DescribedPanel readDescribedPanel(const QString& root);
 
 /// Whether the display driver of the system at `root` is set to show the band beside the notch;
 /// absent without such a driver or when the setting is unreadable.

@@ -108,7 +108,8 @@ private Q_SLOTS:
         compareLine(lines, "Wayland: WAYLAND_DISPLAY is not set");
         compareLine(lines, "X11 compositor: yes");
         compareLine(lines, "Overlay: X11, since WAYLAND_DISPLAY is not set");
-        compareLine(lines, "Screen: eDP-1, 1512 x 982 points at 0,0, scale 1, built in");
+        compareLine(lines,
+                    "Screen: eDP-1, 1512 x 982 points at 0,0, scale 1, ratio 1.5397, built in");
         compareLine(lines, "Suspend, logind: no bus that answers");
         compareLine(lines, "Session locked, screen saver: not running");
         const QStringList x11 = startingWith(lines, "X11");
@@ -288,8 +289,26 @@ private Q_SLOTS:
         QVERIFY(kernel.setShowNotch("0"));
         compareLine(text(), "show_notch: off");
         compareLine(text(), "Notch: none, because show_notch is off");
+    }
+
+    void aModelThatIsNotInTheTableIsDescribed() {
+        KernelFolder kernel;
         QVERIFY(kernel.setCompatible(QByteArray("apple,j999\0", 11)));
-        compareLine(text(), "Notch: none, because the model is not in the table");
+        QVERIFY(kernel.setModel("Apple MacBook Air (13-inch, M9, 2031)"));
+        QVERIFY(kernel.setPanel(290, 189, 64));
+        QVERIFY(writeFile(kernel.path() + QStringLiteral("/sys/class/drm/card0-eDP-1/modes"),
+                          "2560x1664\n"));
+        QVERIFY(kernel.setShowNotch("1"));
+        const QStringList lines = diagnosisText(brimlet::diagnose(kernel.path())).split(u'\n');
+        compareLine(lines, "Screen: eDP-1, 1512 x 982 points at 0,0, scale 1, ratio 1.5397, "
+                           "built in");
+        compareLine(lines, "Built-in panel: card0-eDP-1, status unknown, 2560x1664 pixels, power "
+                           "unknown");
+        compareLine(lines, "Model: Apple MacBook Air (13-inch, M9, 2031)");
+        compareLine(lines, "Device tree: apple,j999");
+        compareLine(lines, "Panel in the device tree: 290 x 189 mm, band of 64 pixels");
+        compareLine(lines, "show_notch: on");
+        compareLine(lines, "Notch: none, because the model is not in the table");
     }
 };
 

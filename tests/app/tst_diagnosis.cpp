@@ -53,7 +53,9 @@ Diagnosis laptop() {
     facts.overlay = QStringLiteral("Wayland, since it can be");
     facts.screens = {screen("eDP-1", true)};
     facts.panels = {{QStringLiteral("card0-eDP-1"), "connected", "3024x1964", "On"}};
+    facts.model = "Apple MacBook Pro (14-inch, M1 Pro, 2021)";
     facts.compatible = kCompatible;
+    facts.describedPanel = {302, 196, 74};
     facts.notchedPanel = kPro14;
     facts.showNotch = true;
     facts.notifierHost = answered(true);
@@ -87,9 +89,11 @@ private Q_SLOTS:
             "X11: XWayland 24.1.6 (The X.Org Foundation, release 12401006)\n"
             "X11 compositor: yes\n"
             "Overlay: Wayland, since it can be\n"
-            "Screen: eDP-1, 1512 x 982 points at 0,0, scale 2, built in\n"
+            "Screen: eDP-1, 1512 x 982 points at 0,0, scale 2, ratio 1.5397, built in\n"
             "Built-in panel: card0-eDP-1, status connected, 3024x1964 pixels, power On\n"
+            "Model: Apple MacBook Pro (14-inch, M1 Pro, 2021)\n"
             "Device tree: apple,j314s apple,t6000\n"
+            "Panel in the device tree: 302 x 196 mm, band of 74 pixels\n"
             "show_notch: on\n"
             "Notch: eDP-1, 184 x 32 points, from the table of models\n"
             "StatusNotifier tray: yes\n"
@@ -151,17 +155,28 @@ private Q_SLOTS:
         row("XEmbed tray: yes", [](Diagnosis& facts) { facts.xServer->hasTray = true; });
 
         row("Screen: unknown", [](Diagnosis& facts) { facts.screens.clear(); });
-        row("Screen: HDMI-1, 1512 x 982 points at 1512,-20, scale 1.25", [](Diagnosis& facts) {
-            facts.screens.append(screen("HDMI-1"));
-            facts.screens.last().geometry.moveTo(1512, -20);
-            facts.screens.last().scale = 1.25;
-        });
+        row("Screen: HDMI-1, 1512 x 982 points at 1512,-20, scale 1.25, ratio 1.5397",
+            [](Diagnosis& facts) {
+                facts.screens.append(screen("HDMI-1"));
+                facts.screens.last().geometry.moveTo(1512, -20);
+                facts.screens.last().scale = 1.25;
+            });
+        row("Screen: eDP-1, 1512 x 945 points at 0,0, scale 2, ratio 1.6000, built in",
+            [](Diagnosis& facts) { facts.screens.first().geometry.setHeight(945); });
+        row("Screen: eDP-1, 1512 x 0 points at 0,0, scale 2, ratio unknown, built in",
+            [](Diagnosis& facts) { facts.screens.first().geometry.setHeight(0); });
         row("Built-in panel: none", [](Diagnosis& facts) { facts.panels.clear(); });
         row("Built-in panel: card1-eDP-1, status disconnected, unknown pixels, power unknown",
             [](Diagnosis& facts) {
                 facts.panels.append({QStringLiteral("card1-eDP-1"), "disconnected", "", ""});
             });
 
+        row("Model: unknown", [](Diagnosis& facts) { facts.model.clear(); });
+        row("Panel in the device tree: not described",
+            [](Diagnosis& facts) { facts.describedPanel = {}; });
+        row("Panel in the device tree: 290 x 189 mm, band of 0 pixels", [](Diagnosis& facts) {
+            facts.describedPanel = {290, 189, 0};
+        });
         row("Device tree: no device tree", [](Diagnosis& facts) { facts.compatible.clear(); });
         row("show_notch: off", [](Diagnosis& facts) { facts.showNotch = false; });
         row("show_notch: no such setting", [](Diagnosis& facts) { facts.showNotch.reset(); });
@@ -185,7 +200,7 @@ private Q_SLOTS:
             facts.showNotch = false;
         });
         row("Notch: none, because no built-in screen has the shape of the panel, 3024 x 1964 "
-            "pixels",
+            "pixels, ratio 1.5397",
             [](Diagnosis& facts) { facts.screens = {screen("eDP-1")}; });
 
         row("StatusNotifier tray: no host",

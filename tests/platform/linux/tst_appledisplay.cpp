@@ -213,11 +213,36 @@ private Q_SLOTS:
         const KernelFolder kernel;
         QCOMPARE(readCompatible(kernel.path()), QByteArrayList());
         QCOMPARE(readShowNotch(kernel.path()), kUnknown);
+        QCOMPARE(readModel(kernel.path()), QByteArray());
+        QCOMPARE(readDescribedPanel(kernel.path()), DescribedPanel());
         QCOMPARE(readCompatible(QStringLiteral("/nowhere")), QByteArrayList());
         QCOMPARE(readShowNotch(QStringLiteral("/nowhere")), kUnknown);
         // A folder where a file should be.
         QVERIFY(QDir(kernel.path()).mkpath(QStringLiteral("proc/device-tree/compatible")));
         QCOMPARE(readCompatible(kernel.path()), QByteArrayList());
+    }
+
+    void theModelsNameAndPanelAreRead() {
+        KernelFolder kernel;
+        QVERIFY(kernel.setModel("Apple MacBook Air (13-inch, M2, 2022)"));
+        QCOMPARE(readModel(kernel.path()), QByteArray("Apple MacBook Air (13-inch, M2, 2022)"));
+        QVERIFY(kernel.setPanel(290, 189, 64));
+        QCOMPARE(readDescribedPanel(kernel.path()), (DescribedPanel{290, 189, 64}));
+    }
+
+    void aPanelThatIsDescribedInPart() {
+        const KernelFolder kernel;
+        const auto write = [&kernel](const char* name, const QByteArray& content) {
+            return writeFile(kernel.path() + QStringLiteral("/proc/device-tree/") +
+                                 QLatin1StringView(name),
+                             content);
+        };
+        QVERIFY(write("soc/dcp/panel/height-mm", QByteArray("\0\0\0\xbd", 4)));
+        QVERIFY(write("soc/dcp/apple,notch-height", "64"));
+        QVERIFY(write("aliases/dcp", "soc/dcp"));
+        QCOMPARE(readDescribedPanel(kernel.path()), DescribedPanel());
+        QVERIFY(write("aliases/dcp", QByteArray("/soc/dcp\0", 9)));
+        QCOMPARE(readDescribedPanel(kernel.path()), (DescribedPanel{0, 189, 0}));
     }
 
     void theDriversSettingIsRead_data() {
