@@ -24,7 +24,8 @@ constexpr NotchedPanel kPro16{3456, 2234, 368, 64};
 constexpr NotchedPanel kAir13{2560, 1664, 325, 56};
 constexpr NotchedPanel kAir15{2880, 1864, 325, 56};
 
-// The names are those of the Linux kernel's device trees for Apple silicon.
+// The names are those of the Linux kernel's device trees for Apple silicon, up to the M3, whose
+// panels have the same sizes. Newer laptops are absent until Linux drives their display.
 constexpr std::array kModels{
     // M1 Pro and Max, M2 Pro and Max
     Model{"apple,j314s", kPro14},
@@ -38,6 +39,16 @@ constexpr std::array kModels{
     // M2
     Model{"apple,j413", kAir13},
     Model{"apple,j415", kAir15},
+    // M3, M3 Pro and Max
+    Model{"apple,j504", kPro14},
+    Model{"apple,j514s", kPro14},
+    Model{"apple,j514c", kPro14},
+    Model{"apple,j514m", kPro14},
+    Model{"apple,j516s", kPro16},
+    Model{"apple,j516c", kPro16},
+    Model{"apple,j516m", kPro16},
+    Model{"apple,j613", kAir13},
+    Model{"apple,j615", kAir15},
 };
 
 [[nodiscard]] bool mayBePanel(const QString& connector) {

@@ -42,12 +42,14 @@ private Q_SLOTS:
                 QTest::newRow(model) << shown << hidden << gapStart << gapEnd << height;
             }
         };
-        rows({"apple,j314s", "apple,j314c", "apple,j414s", "apple,j414c"}, {1512, 982}, {1512, 945},
-             664, 848, 32);
-        rows({"apple,j316s", "apple,j316c", "apple,j416s", "apple,j416c"}, {1728, 1117},
-             {1728, 1080}, 772, 956, 32);
-        rows({"apple,j413"}, {1280, 832}, {1280, 800}, 558.75, 721.25, 28);
-        rows({"apple,j415"}, {1440, 932}, {1440, 900}, 638.75, 801.25, 28);
+        rows({"apple,j314s", "apple,j314c", "apple,j414s", "apple,j414c", "apple,j504",
+              "apple,j514s", "apple,j514c", "apple,j514m"},
+             {1512, 982}, {1512, 945}, 664, 848, 32);
+        rows({"apple,j316s", "apple,j316c", "apple,j416s", "apple,j416c", "apple,j516s",
+              "apple,j516c", "apple,j516m"},
+             {1728, 1117}, {1728, 1080}, 772, 956, 32);
+        rows({"apple,j413", "apple,j613"}, {1280, 832}, {1280, 800}, 558.75, 721.25, 28);
+        rows({"apple,j415", "apple,j615"}, {1440, 932}, {1440, 900}, 638.75, 801.25, 28);
     }
 
     void everyModelHasItsNotch() {
