@@ -18,6 +18,12 @@ foreach(language IN ITEMS CXX OBJCXX)
   endif()
 endforeach()
 
+# When GCC optimises across files, the order of what it emits can depend on names that it draws at random.
+if(CMAKE_INTERPROCEDURAL_OPTIMIZATION AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  string(REPLACE "-o <OBJECT>" "-frandom-seed=<OBJECT> -o <OBJECT>"
+    CMAKE_CXX_COMPILE_OBJECT "${CMAKE_CXX_COMPILE_OBJECT}")
+endif()
+
 add_library(brimlet_options INTERFACE)
 target_compile_options(brimlet_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
