@@ -99,8 +99,7 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(
             service.requestLines().contains(QStringLiteral("POST /api/host/agree")), kPatience);
         QTRY_VERIFY_WITH_TIMEOUT(
-            !elements().contains(QStringLiteral("button: I agree · not a guarantee")),
-            kPatience);
+            !elements().contains(QStringLiteral("button: I agree · not a guarantee")), kPatience);
         QCOMPARE(elements().filter(QStringLiteral("We share")), QStringList());
         QTRY_COMPARE_WITH_TIMEOUT(elements().filter(QStringLiteral("Ads on. This week ~€")).size(),
                                   1, kPatience);
@@ -124,8 +123,7 @@ private Q_SLOTS:
               QJsonObject{{QStringLiteral("BrimletAPIURL"), service.root()}}}});
         QTRY_VERIFY_WITH_TIMEOUT(program.isPanelShown(), kPatience);
         QCOMPARE(program.startAgain(), 0);
-        QTRY_VERIFY_WITH_TIMEOUT(elements().contains(QStringLiteral("button: Quit")),
-                                 kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(elements().contains(QStringLiteral("button: Quit")), kPatience);
         for (const QJsonObject& element :
              ScreenReader::elements({QStringLiteral("window"), kPanel})) {
             const QString role = element.value(QStringLiteral("role")).toString();
