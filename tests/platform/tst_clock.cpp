@@ -1,6 +1,7 @@
 #include "platform/qt/qtclock.h"
 #include "platform/simulated/simulatedclock.h"
 #include "platform/starttask.h"
+#include "tests/support/emulated.h"
 #include "tests/support/fakeclock.h"
 #include "tests/support/testprogram.h"
 
@@ -155,10 +156,10 @@ private Q_SLOTS:
         QFETCH(int, kind);
         QList<int> order;
         for (const int milliseconds : {9, 3, 6}) {
-            startTask(sleepThenAppend(clockOf(kind), milliseconds, order));
+            startTask(sleepThenAppend(clockOf(kind), milliseconds * slowness(), order));
         }
         QVERIFY(pass(kind, [&] { return order.size() == 3; }));
-        QCOMPARE(order, (QList<int>{3, 6, 9}));
+        QCOMPARE(order, (QList<int>{3 * slowness(), 6 * slowness(), 9 * slowness()}));
     }
 
     void aSleepOfAMonthDoesNotEndEarly_data() { allClocks(); }
