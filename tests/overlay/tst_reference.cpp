@@ -198,6 +198,9 @@ private Q_SLOTS:
     void aDifferentSmoothingOfLettersIsNoDifference_data() { addScales(); }
     void aDifferentSmoothingOfLettersIsNoDifference() {
         QFETCH(double, ratio);
+        if (ratio == 1 && referenceFolder().dirName() == QStringLiteral("inter-4")) {
+            QSKIP("at this size hinting changes more of the letters of Inter since 4.0");
+        }
         const auto picture = [&](QFont::HintingPreference hinting) {
             QFont font = inter(hinting);
             font.setPixelSize(12);

@@ -7,10 +7,9 @@
 namespace brimlet {
 
 /// The share of pixels, from 0 to 1, that differ clearly between two pictures of the same size. A
-/// different smoothing of letters changes pixels by up to 26 levels, with newer fonts somewhat
-/// more, which does not count.
+/// different smoothing of letters changes pixels by up to 26 levels, which does not count.
 inline double clearDifference(const QImage& picture, const QImage& other) {
-    constexpr int kClear = 48;
+    constexpr int kClear = 32;
     const auto differ = [](int level, int otherLevel) {
         return std::abs(level - otherLevel) > kClear;
     };
