@@ -25,9 +25,9 @@ void letPointerThrough(const WaylandConnection& connection, wl_surface* surface)
     wl_surface_set_input_region(surface, nothing.get());
 }
 
-/// From the top of the picture to the popup it is a part of, in points: below any panel, and a
-/// whole number of pixels at every scale.
-constexpr int kPopupBelow = 240;
+/// From the top of the picture to the surfaces that are not seen, in points: below any panel, where
+/// KWin leaves a popup, and a whole number of pixels at every scale.
+constexpr int kAnchorBelow = 240;
 
 } // namespace
 
@@ -39,10 +39,11 @@ OverlaySurface::OverlaySurface(WaylandConnection& connection, const WaylandOutpu
     , m_invisible(connection.globals().shm.get(), QSize(1, 1)) {
     const WaylandGlobals& globals = connection.globals();
     m_invisible.released = [] {};
-    createAnchor(output, place.topLeft() + QPoint(0, kPopupBelow));
-    m_popupSurface.reset(wl_compositor_create_surface(globals.compositor.get()));
+    createAnchor(output, place.topLeft() + QPoint(0, kAnchorBelow));
     constexpr std::uint32_t kWithoutPopup = 4;
-    m_isPartOfPopup = zwlr_layer_shell_v1_get_version(globals.layerShell.get()) < kWithoutPopup;
+    if (zwlr_layer_shell_v1_get_version(globals.layerShell.get()) < kWithoutPopup) {
+        m_popupSurface.reset(wl_compositor_create_surface(globals.compositor.get()));
+    }
     m_surface.reset(wl_compositor_create_surface(globals.compositor.get()));
     createPart();
     if (globals.fractionalScale && globals.viewporter) {
@@ -65,7 +66,7 @@ OverlaySurface::OverlaySurface(WaylandConnection& connection, const WaylandOutpu
 
 OverlaySurface::~OverlaySurface() = default;
 
-/// The surface in the overlay layer, whose popup appears once the compositor has placed it.
+/// The surface in the overlay layer, whose part or popup appears once the compositor has placed it.
 void OverlaySurface::createAnchor(const WaylandOutput& output, QPoint place) {
     const WaylandGlobals& globals = m_connection.globals();
     m_anchor.reset(wl_compositor_create_surface(globals.compositor.get()));
@@ -83,11 +84,7 @@ void OverlaySurface::createAnchor(const WaylandOutput& output, QPoint place) {
                std::uint32_t) {
                 auto& self = *static_cast<OverlaySurface*>(data);
                 zwlr_layer_surface_v1_ack_configure(layer, serial);
-                if (self.m_popup) {
-                    wl_surface_commit(self.m_anchor.get());
-                } else {
-                    self.createPopup();
-                }
+                self.placed();
             },
         .closed =
             [](void* data, zwlr_layer_surface_v1*) {
@@ -98,16 +95,27 @@ void OverlaySurface::createAnchor(const WaylandOutput& output, QPoint place) {
     wl_surface_commit(m_anchor.get());
 }
 
-void OverlaySurface::createPopup() {
-    const WaylandGlobals& globals = m_connection.globals();
+void OverlaySurface::placed() {
     if (!m_invisible.isValid() || !m_buffers->isValid()) { // there is no memory
         Q_EMIT closed();
         return;
     }
-    // A surface is shown, and its popups with it, once it has a picture; a transparent one here.
-    m_invisible.show(m_anchor.get(), {});
+    // A surface is shown, and what belongs to it, once it has a picture; a transparent one here.
+    const bool isFirst = !std::exchange(m_isAnchorShown, true);
+    if (isFirst) {
+        m_invisible.show(m_anchor.get(), {});
+    }
     wl_surface_commit(m_anchor.get());
+    if (isFirst && m_popupSurface) {
+        createPopup();
+    } else if (isFirst) {
+        m_isConfigured = true;
+        paintDue();
+    }
+}
 
+void OverlaySurface::createPopup() {
+    const WaylandGlobals& globals = m_connection.globals();
     const Proxy<xdg_positioner> positioner(xdg_wm_base_create_positioner(globals.windows.get()));
     xdg_positioner_set_size(positioner.get(), 1, 1);
     xdg_positioner_set_anchor_rect(positioner.get(), 0, 0, 1, 1);
@@ -142,16 +150,20 @@ void OverlaySurface::createPopup() {
 void OverlaySurface::createPart() {
     m_part.reset(
         wl_subcompositor_get_subsurface(m_connection.globals().subcompositor.get(), m_surface.get(),
-                                        m_isPartOfPopup ? m_popupSurface.get() : m_anchor.get()));
-    wl_subsurface_set_position(m_part.get(), 0, -kPopupBelow);
-    wl_subsurface_set_desync(m_part.get()); // it need not wait for the popup
+                                        m_popupSurface ? m_popupSurface.get() : m_anchor.get()));
+    wl_subsurface_set_position(m_part.get(), 0, -kAnchorBelow);
+    wl_subsurface_set_desync(m_part.get()); // it need not wait for what it is a part of
 }
 
 xdg_popup* OverlaySurface::createPopup(xdg_surface* window, xdg_positioner* positioner,
                                        QPoint anchor) const {
     xdg_positioner_set_anchor_rect(positioner, 0, 0, 1, 1);
-    xdg_positioner_set_offset(positioner, anchor.x(), anchor.y() - kPopupBelow);
-    return xdg_surface_get_popup(window, m_window.get(), positioner);
+    xdg_positioner_set_offset(positioner, anchor.x(), anchor.y() - kAnchorBelow);
+    xdg_popup* const popup = xdg_surface_get_popup(window, m_window.get(), positioner);
+    if (!m_window) {
+        zwlr_layer_surface_v1_get_popup(m_layer.get(), popup);
+    }
+    return popup;
 }
 
 void OverlaySurface::setScale(double scale) {

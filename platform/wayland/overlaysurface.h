@@ -19,12 +19,12 @@ class WaylandConnection;
 class WaylandOutput;
 
 /// A picture on an output, above everything else. It is a part (a subsurface) of an invisible
-/// surface in the overlay layer or, where the layer shell is older than version 4, of an invisible
-/// popup of that surface, since KWin before its version 6
+/// surface in the overlay layer. sway 1.10 takes the keyboard from the window in front when a part
+/// of a popup is clicked. Where the layer shell is older than version 4 it is a part of an
+/// invisible popup of that surface, since KWin before its version 6
 /// - gives a layer surface that is clicked the keyboard, whatever it asks for. A popup without a
 ///   grab never gets it;
 /// - moves a popup out from under the panels. A popup's parts are where they are put.
-/// sway 1.10 takes the keyboard from the window in front when a popup's part is clicked.
 /// Its objects belong to one connection. Main thread only.
 class OverlaySurface final : public QObject {
     Q_OBJECT
@@ -60,6 +60,7 @@ Q_SIGNALS:
 
 private:
     void createAnchor(const WaylandOutput& output, QPoint place);
+    void placed();
     void createPopup();
     void createPart();
     void setScale(double scale);
@@ -73,13 +74,13 @@ private:
     QSize m_size;
     Paint m_paint;
     double m_scale = 1;
-    bool m_isPartOfPopup = false;
+    bool m_isAnchorShown = false;
     bool m_isConfigured = false;
     bool m_isAllDue = true;
     QRegion m_due; ///< In points.
     std::unique_ptr<WaylandBuffers> m_buffers;
     WaylandBuffers m_invisible; ///< One each for the two surfaces that are not seen.
-    // Destroyed in the opposite order.
+    // Destroyed in the opposite order: a popup before the surface that it belongs to.
     Proxy<wl_surface> m_anchor;
     Proxy<zwlr_layer_surface_v1> m_layer;
     Proxy<wl_surface> m_popupSurface;

@@ -324,7 +324,10 @@ const struct xdg_surface_interface kXdgSurface = [] {
                             wl_resource* parent, wl_resource* positioner) {
         Surface& surface = surfaceOf(xdgSurface);
         State& state = *surface.state;
-        surface.role = parent == nullptr ? QStringLiteral("popup") : QStringLiteral("tooltip");
+        // From version 4 on, nothing but the tooltip is a popup.
+        const bool isForCapsules =
+            parent == nullptr && wl_resource_get_version(state.layerSurface) < 4;
+        surface.role = isForCapsules ? QStringLiteral("popup") : QStringLiteral("tooltip");
         const QRect place = *static_cast<QRect*>(wl_resource_get_user_data(positioner));
         state.write(QStringLiteral("%1 placed at %2").arg(surface.role, text(place)));
         wl_resource* const popup =
@@ -333,7 +336,7 @@ const struct xdg_surface_interface kXdgSurface = [] {
                     stateOf(resource).popup = nullptr;
                 }
             });
-        if (parent == nullptr) {
+        if (isForCapsules) {
             state.popup = popup;
         }
         xdg_popup_send_configure(popup, place.x(), place.y(), place.width(), place.height());
@@ -663,7 +666,10 @@ void StandInCompositor::touchUp() {
 
 bool StandInCompositor::isShown() const {
     const Surface* const capsules = m_state->capsules();
-    return capsules != nullptr && m_state->popup != nullptr && capsules->shown != nullptr;
+    const bool needsPopup =
+        m_state->layerSurface != nullptr && wl_resource_get_version(m_state->layerSurface) < 4;
+    return capsules != nullptr && (m_state->popup != nullptr || !needsPopup) &&
+           capsules->shown != nullptr;
 }
 
 const QRegion& StandInCompositor::inputRegion() const {

@@ -81,8 +81,14 @@ private Q_SLOTS:
         QVERIFY(f.sees(QStringLiteral("cursor gone")));
     }
 
+    void theToolTipIsAPopupBelowThePointer_data() {
+        QTest::addColumn<int>("layerShellVersion");
+        QTest::newRow("of the popup") << 3;
+        QTest::newRow("of the layer surface") << 4;
+    }
     void theToolTipIsAPopupBelowThePointer() {
-        WaylandFixture f;
+        QFETCH(const int, layerShellVersion);
+        WaylandFixture f({.layerShellVersion = layerShellVersion});
         QVERIFY(f.show());
         f.compositor.pointerEnter(kInLeft);
         const auto shown = [&f] {
