@@ -17,7 +17,7 @@ struct Mapping final {
     /// Also excludes what an emulated processor lists: it gives every size as zero.
     bool isResident = false;
     /// Some pages are locked or differ from the file, such as those the dynamic linker has
-    /// relocated.
+    /// relocated, in memory or swapped out.
     bool hasOwnPages = false;
 };
 
@@ -45,7 +45,7 @@ void readDetail(const QByteArray& line, Mapping& mapping) {
     if (line.startsWith("Rss:")) {
         mapping.isResident = true;
     } else if (line.startsWith("Anonymous:") || line.startsWith("Private_Dirty:") ||
-               line.startsWith("Locked:")) {
+               line.startsWith("Swap:") || line.startsWith("Locked:")) {
         mapping.hasOwnPages = true;
     }
 }

@@ -65,32 +65,30 @@ private Q_SLOTS:
         QTest::addColumn<int>("pageSize"); // in KiB
         QTest::addColumn<QByteArray>("details");
         QTest::addColumn<bool>("isUnmodified");
-        const QByteArray resident = "Rss: 64 kB\n";
         const QByteArray library = "/usr/lib/libQt6Core.so.6";
         for (const int pageSize : {4, 16, 64}) {
-            const auto row = [&](const char* name) -> QTestData& {
-                return QTest::addRow("%s, pages of %d KiB", name, pageSize);
+            const QByteArray page = QByteArray::number(pageSize) + " kB\n";
+            const QByteArray resident = "Rss: " + page;
+            const auto row = [&](const char* name, const char* rights, const QByteArray& file,
+                                 const QByteArray& details, bool isUnmodified) {
+                QTest::addRow("%s, pages of %d KiB", name, pageSize)
+                    << QByteArray(rights) << file << pageSize << details << isUnmodified;
             };
-            row("code") << QByteArray("r-xp") << library << pageSize << resident << true;
-            row("data, read only") << QByteArray("r--p") << library << pageSize << resident << true;
-            row("no page in memory")
-                << QByteArray("r-xp") << library << pageSize << QByteArray("Rss: 0 kB\n") << false;
-            row("no sizes at all")
-                << QByteArray("r-xp") << library << pageSize << QByteArray() << false;
-            row("relocated") << QByteArray("r--p") << library << pageSize
-                             << resident + "Private_Dirty: 16 kB\nAnonymous: 16 kB\n"
-                             << false;
-            row("swapped in again")
-                << QByteArray("r--p") << library << pageSize << resident + "Anonymous: 64 kB\n"
-                << false;
-            row("locked") << QByteArray("r-xp") << library << pageSize
-                          << resident + "Locked: 64 kB\n"
-                          << false;
-            row("writable") << QByteArray("rw-p") << library << pageSize << resident << false;
-            row("shared") << QByteArray("r--s") << library << pageSize << resident << false;
-            row("no file") << QByteArray("r--p") << QByteArray() << pageSize << resident << false;
-            row("the kernel's") << QByteArray("r-xp") << QByteArray("[vdso]") << pageSize
-                                << resident << false;
+            row("code", "r-xp", library, resident, true);
+            row("data, read only", "r--p", library, resident, true);
+            row("no page in memory", "r-xp", library, "Rss: 0 kB\n", false);
+            row("no sizes at all", "r-xp", library, {}, false);
+            row("relocated", "r--p", library,
+                resident + "Private_Dirty: " + page + "Anonymous: " + page, false);
+            row("relocated and written to swap", "r--p", library, resident + "Anonymous: " + page,
+                false);
+            row("relocated and swapped out", "r--p", library,
+                resident + "Anonymous: 0 kB\nSwap: " + page, false);
+            row("locked", "r-xp", library, resident + "Locked: " + page, false);
+            row("writable", "rw-p", library, resident, false);
+            row("shared", "r--s", library, resident, false);
+            row("no file", "r--p", {}, resident, false);
+            row("the kernel's", "r-xp", "[vdso]", resident, false);
         }
     }
 
@@ -104,13 +102,15 @@ private Q_SLOTS:
             QStringLiteral("KernelPageSize: %1 kB\nMMUPageSize: %1 kB\n").arg(pageSize).toLatin1();
         const QByteArray other =
             "00010000-00020000 rw-p 00000000 00:00 0\n" + pages + "Rss: 64 kB\n";
-        QByteArray smaps = other + "7f0000010000-7f0000020000 " + rights + " 00000000 fe:00 12 " +
-                           name + '\n' + pages + details + other;
+        const MemoryRange range{0x7f0000010000, 0x7f0000010000 + quintptr(pageSize) * 1024};
+        QByteArray smaps = other + QByteArray::number(range.begin, 16) + '-' +
+                           QByteArray::number(range.end, 16) + ' ' + rights +
+                           " 00000000 fe:00 12 " + name + '\n' + pages + details + other;
         QBuffer file(&smaps);
         QVERIFY(file.open(QIODevice::ReadOnly));
         std::vector<MemoryRange> expected;
         if (isUnmodified) {
-            expected.push_back({0x7f0000010000, 0x7f0000020000});
+            expected.push_back(range);
         }
         QCOMPARE(unmodifiedFileMappings(file), expected);
     }
