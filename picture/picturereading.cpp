@@ -11,6 +11,7 @@
 #include <QLoggingCategory>
 #include <QPluginLoader>
 #include <QTransform>
+#include <QtEndian>
 
 #include <cstring>
 #include <memory>
@@ -176,6 +177,17 @@ Picture pixelsOf(const QImage& picture) {
                                  picture.sizeInBytes())}; // rows of 32 bits have no padding
 }
 
+/// Qt 6.8 takes no WebP file of less than 40 bytes, which a picture of few pixels can be. libwebp
+/// ignores what follows the picture. A file that ends too soon by its own account stays as it is.
+QByteArray padded(const QByteArray& webp) {
+    constexpr qsizetype kHead = 8;
+    constexpr qsizetype kShortest = 40;
+    const bool isWhole =
+        webp.size() >= kHead &&
+        webp.size() - kHead >= qsizetype{qFromLittleEndian<quint32>(webp.constData() + 4)};
+    return isWhole ? webp.leftJustified(kShortest, '\0') : webp;
+}
+
 } // namespace
 
 void preparePictureReading() {
@@ -200,9 +212,7 @@ std::optional<Picture> readPicture(const QByteArray& bytes) {
     if (format.isEmpty() || bytes.size() > kPictureBytesLimit) {
         return std::nullopt;
     }
-    // Qt 6.8 takes no shorter file. libwebp ignores what follows the picture.
-    constexpr qsizetype kShortestWebP = 40;
-    PictureBytes device(format == "webp" ? bytes.leftJustified(kShortestWebP, '\0') : bytes);
+    PictureBytes device(format == "webp" ? padded(bytes) : bytes);
     const auto frame =
         format == "png" ? readPng(device) : readBy(plugins().value(format), device, format);
     // WebP's decoder always reads to the end, and checks its length itself.

@@ -43,6 +43,17 @@ class TestPictureReading final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void aWebPFileOfFewBytesIsShownIfItIsWhole() {
+        QImage pixel(1, 1, QImage::Format_ARGB32);
+        pixel.fill(Qt::red);
+        const QByteArray whole = samples::webp(pixel, true);
+        QVERIFY2(whole.size() < 40, QByteArray::number(whole.size()).constData());
+        QVERIFY(readPicture(whole));
+        for (qsizetype size = 0; size < whole.size(); ++size) {
+            QVERIFY2(!readPicture(whole.first(size)), QByteArray::number(size).constData());
+        }
+    }
+
     void initTestCase() {
         preparePictureReading();
         rehearsePictureReading();
