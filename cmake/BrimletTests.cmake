@@ -84,6 +84,9 @@ function(brimlet_test name program)
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
+  if(CMAKE_CROSSCOMPILING)
+    math(EXPR arg_TIMEOUT "5 * ${arg_TIMEOUT}")
+  endif()
   # CTest begins with what may take longest.
   set_tests_properties(${name} PROPERTIES
     TIMEOUT ${arg_TIMEOUT} COST ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}")

@@ -125,8 +125,10 @@ SimulatorProcess::SimulatorProcess(const QJsonObject& machine,
     }
     m_machine = QJsonDocument::fromJson(file.readAll()).object();
     edit(machine);
-    const double speed = m_machine.value(QStringLiteral("speed")).toDouble(1);
-    edit({{QStringLiteral("speed"), std::max(1.0, speed / slowness())}});
+    if (slowness() > 1) {
+        const double speed = m_machine.value(QStringLiteral("speed")).toDouble(1);
+        edit({{QStringLiteral("speed"), std::max(1.0, speed / slowness())}});
+    }
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
     for (auto it = environment.begin(); it != environment.end(); ++it) {
         if (it.value().isNull()) {
