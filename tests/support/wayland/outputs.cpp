@@ -116,7 +116,9 @@ bool canTakePictures() {
     QDBusInterface object(QStringLiteral("org.kde.KWin"),
                           QStringLiteral("/org/kde/KWin/ScreenShot2"),
                           QStringLiteral("org.freedesktop.DBus.Introspectable"));
-    return object.call(QStringLiteral("Introspect")).type() == QDBusMessage::ReplyMessage;
+    // Any other failure is one of the picture.
+    return object.call(QStringLiteral("Introspect")).errorName() !=
+           QDBusError::errorString(QDBusError::UnknownObject);
 }
 
 QImage picture(const QRect& area, bool withPointer) {
