@@ -56,7 +56,7 @@ endif()
 if(CCACHE_PROGRAM AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(brimlet_options INTERFACE -fpch-preprocess)
 endif()
-# A fifth of the time of the default one. A cross compiler of GCC's does not find it.
+# A fifth of the time of the default one. GCC's cross compilers do not find it.
 find_program(LLD_PROGRAM ld.lld)
 if(LLD_PROGRAM AND CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT APPLE AND NOT CMAKE_CROSSCOMPILING)
   add_link_options(-fuse-ld=lld)
