@@ -135,8 +135,15 @@ QImage picture(const QRect& area, bool withPointer) {
     if (withPointer) {
         arguments.prepend(QStringLiteral("-c"));
     }
-    return QImage::fromData(outputOf(QStringLiteral("grim"), arguments))
-        .convertToFormat(QImage::Format_RGB32);
+    QProcess grim;
+    grim.start(QStringLiteral("grim"), arguments);
+    constexpr int kPatience = 10'000; // for the next picture of an output that is dark
+    if (!grim.waitForFinished(kPatience) || grim.exitCode() != 0) {
+        grim.kill();
+        grim.waitForFinished();
+        return {};
+    }
+    return QImage::fromData(grim.readAllStandardOutput()).convertToFormat(QImage::Format_RGB32);
 }
 
 void setOn(int output, bool isOn) {

@@ -11,7 +11,8 @@ namespace brimlet::desktop {
 /// False in KWin 6 without a GPU, which composes with QPainter there and offers pictures with
 /// OpenGL only.
 [[nodiscard]] bool canTakePictures();
-/// What is on the screen in an area of points, in pixels of the area's output.
+/// What is on the screen in an area of points, in pixels of the area's output. Empty when no
+/// output shows it.
 [[nodiscard]] QImage picture(const QRect& area, bool withPointer = false);
 
 void setOn(int output, bool isOn);
