@@ -24,9 +24,9 @@ constexpr NotchedPanel kPro16{3456, 2234, 368, 64};
 constexpr NotchedPanel kAir13{2560, 1664, 325, 56};
 constexpr NotchedPanel kAir15{2880, 1864, 325, 56};
 
-// The names are those of the Linux kernel's device trees for Apple silicon. The M3's panels have the
-// same pixels as those before; their notches are taken to be the same, too. Newer laptops are absent
-// until Linux drives their display.
+// The names are those of the Linux kernel's device trees for Apple silicon. The M3's panels have
+// the same pixels as those before; their notches are taken to be the same, too. Newer laptops are
+// absent until Linux drives their display.
 constexpr std::array kModels{
     // M1 Pro and Max, M2 Pro and Max
     Model{"apple,j314s", kPro14},
