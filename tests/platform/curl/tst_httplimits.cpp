@@ -1,4 +1,5 @@
 #include "platform/curl/curlhttpclient.h"
+#include "tests/support/emulated.h"
 #include "tests/support/httpcontract.h"
 #include "tests/support/rawserver.h"
 #include "tests/support/sanitized.h"
@@ -292,7 +293,7 @@ private Q_SLOTS:
         const auto requestOf = [&](const QString& path) {
             HttpRequest request = requestTo(server.url(path));
             request.bodyLimit = 4 * kMebibyte;
-            request.timeout = kIsSanitized ? 20s : 5s;
+            request.timeout = kIsSanitized || slowness() > 1 ? 20s : 5s;
             return request;
         };
         std::vector<Awaited> stalled;

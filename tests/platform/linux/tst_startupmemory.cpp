@@ -143,6 +143,9 @@ private Q_SLOTS:
         if (emulated() == "processor") {
             QSKIP("the emulator lists every mapping as empty");
         }
+        if (emulated() == "computer") {
+            QSKIP("its files are in memory only, where every page counts as changed");
+        }
         MappedFile mapped(256);
         QVERIFY(mapped.pages != MAP_FAILED);
         QCOMPARE(mprotect(mapped.pages, mapped.size, PROT_READ), 0);

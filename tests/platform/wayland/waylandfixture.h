@@ -4,6 +4,7 @@
 #include "platform/wayland/waylandoverlaywindow.h"
 #include "platform/wayland/waylandseat.h"
 #include "tests/platform/wayland/standincompositor.h"
+#include "tests/support/emulated.h"
 
 #include <QAbstractEventDispatcher>
 #include <QMouseEvent>
@@ -19,7 +20,7 @@
 
 namespace brimlet {
 
-inline constexpr int kPatience = 5'000;
+inline const int kPatience = 5'000 * slowness();
 
 /// A coloured child that can be clicked; it has a hand and a tooltip.
 class Button final : public QWidget {
