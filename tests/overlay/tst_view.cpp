@@ -223,7 +223,10 @@ private Q_SLOTS:
         };
         const std::pair brand(false, 0);
         const std::pair start(true, 0);
-        const std::pair end(true, -int(std::lround(overflow)));
+        // Half a point may be rounded either way.
+        const auto isAtEnd = [&] {
+            return state().first && qAbs(state().second + overflow) <= 0.5;
+        };
         QCOMPARE(state(), brand);
         f.host.clock.advance(15999ms);
         QCOMPARE(state(), brand);
@@ -233,11 +236,11 @@ private Q_SLOTS:
         QCOMPARE(state(), start);
         const auto scroll = sleepLength(overflow / 22);
         f.host.clock.advance(scroll - 46ms);
-        QVERIFY(state().second < 0 && state() != end);
+        QVERIFY(state().second < 0 && !isAtEnd());
         f.host.clock.advance(46ms);
-        QCOMPARE(state(), end);
+        QVERIFY(isAtEnd());
         f.host.clock.advance(1399ms);
-        QCOMPARE(state(), end);
+        QVERIFY(isAtEnd());
         f.host.clock.advance(2ms);
         QCOMPARE(state(), start);
         f.host.clock.advance(348ms);
