@@ -10,8 +10,6 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <cmath>
-
 using namespace brimlet;
 using namespace std::chrono_literals;
 
