@@ -223,7 +223,7 @@ private Q_SLOTS:
         const std::pair start(true, 0);
         // Half a point may be rounded either way.
         const auto isAtEnd = [&] {
-            return state().first && qAbs(state().second + overflow) <= 0.5;
+            return state().first && qAbs(state().second + overflow) < 0.75;
         };
         QCOMPARE(state(), brand);
         f.host.clock.advance(15999ms);

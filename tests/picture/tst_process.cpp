@@ -18,6 +18,7 @@
 #include <unistd.h>
 
 using namespace brimlet;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -102,7 +103,7 @@ private Q_SLOTS:
     void theLargestPicturesAreDecoded() {
         QFETCH(QByteArray, bytes);
         // Patient, since the machine may be busy.
-        PictureProcess process(realProgram(), std::chrono::seconds(10));
+        PictureProcess process(realProgram(), 10s);
         QElapsedTimer time;
         time.start();
         const auto picture = decoded(process, bytes);
@@ -162,12 +163,12 @@ private Q_SLOTS:
         QFETCH(QByteArray, deed);
         const QByteArray captive = QFile::encodeName(programPath(u"brimlet-captive"));
         {
-            PictureProcess idle(scripted("exec " + captive + " nothing"));
+            PictureProcess idle(scripted("exec " + captive + " nothing"), 2s * slowness());
             QVERIFY(decoded(idle, "any")); // it does answer when it tries nothing
         }
         PictureProcess process(scripted("test \"$(cat)\" = good && exec " + captive +
                                         " nothing; exec " + captive + ' ' + deed),
-                               std::chrono::milliseconds(700));
+                               700ms * slowness());
         QVERIFY(!decoded(process, "bad"));
         QVERIFY(decoded(process, "good"));
         QCOMPARE(childProcesses(), QByteArray());
@@ -187,7 +188,7 @@ private Q_SLOTS:
     }
     void anyOtherEndIsNoPicture() {
         QFETCH(QByteArray, script);
-        PictureProcess process(scripted(script), std::chrono::milliseconds(300));
+        PictureProcess process(scripted(script), 300ms * slowness());
         // More than a pipe takes.
         QVERIFY(!decoded(process, QByteArray(1'000'000, 'x')));
         QCOMPARE(childProcesses(), QByteArray());
@@ -218,7 +219,7 @@ private Q_SLOTS:
             scripted("exec " + QFile::encodeName(programPath(u"brimlet-captive")) + " nothing",
                      QFile::ReadOther | QFile::ExeOther);
         QCOMPARE(chown(QFile::encodeName(path).constData(), 65534, 65534), 0);
-        PictureProcess process(path);
+        PictureProcess process(path, 2s * slowness());
         QVERIFY(!decoded(process, "any"));
     }
 
