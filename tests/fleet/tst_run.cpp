@@ -1,4 +1,5 @@
 #include "tests/placement/serviceprocess.h"
+#include "tests/support/emulated.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 
@@ -148,7 +149,9 @@ private Q_SLOTS:
         QVERIFY(figures.value("bytesSentPerPoll", 0.0) > 50);
         QVERIFY(figures.value("bytesReceivedPerPoll", 0.0) > 50);
         QVERIFY(figures.value("cpuMsPerPoll", 0.0) > 0);
-        QVERIFY(figures.value("kibPerHost", 0.0) > 0);
+        if (brimlet::emulated() != "computer") { // its free pages are large enough for twenty hosts
+            QVERIFY(figures.value("kibPerHost", 0.0) > 0);
+        }
         // Each host's own, and one more for its heartbeat.
         QCOMPARE(figures.value("connectionsOpened", 0), 2 * kHosts);
         const Json times = figures.value("latencyMs", Json());
