@@ -3,10 +3,34 @@
 #include "host/utf8.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace brimlet {
 namespace {
+
+constexpr std::array kReplyKeys{
+    ReplyKey{"weekStatus", &ReplyFields::weekStatus},
+    ReplyKey{"estimatedCents", &ReplyFields::estimatedCents},
+    ReplyKey{"pendingStipendCents", &ReplyFields::pendingStipendCents},
+    ReplyKey{"liveHostCount", &ReplyFields::liveHostCount},
+    ReplyKey{"liveDaysThisWeek", &ReplyFields::liveDaysThisWeek},
+    ReplyKey{"liveBucketsToday", &ReplyFields::liveBucketsToday},
+    ReplyKey{"liveBucketsNeeded", &ReplyFields::liveBucketsNeeded},
+    ReplyKey{"forceHide", &ReplyFields::forceHide},
+    ReplyKey{"agreed", &ReplyFields::agreed},
+    ReplyKey{"fromApplications", &ReplyFields::fromApplications},
+    ReplyKey{"agreementText", &ReplyFields::agreementText},
+};
+
+constexpr std::array kCreativeKeys{
+    CreativeKey{"slotId", &SlotCreative::slotId},
+    CreativeKey{"brandName", &SlotCreative::brandName},
+    CreativeKey{"tagline", &SlotCreative::tagline},
+    CreativeKey{"copy", &SlotCreative::tagline},
+    CreativeKey{"assetUrl", &SlotCreative::assetURL},
+    CreativeKey{"brandUrl", &SlotCreative::brandURL},
+};
 
 const Json* valueOf(const Json& object, const char* key) {
     const auto found = object.find(key);
@@ -24,6 +48,28 @@ std::optional<std::int64_t> wholeNumber(const Json& value) {
         return value.get<std::int64_t>();
     }
     return std::nullopt;
+}
+
+void read(const Json& object, const char* key, std::optional<QString>& field) {
+    field = readString(object, key);
+}
+
+void read(const Json& object, const char* key, std::optional<std::int64_t>& field) {
+    field = readInteger(object, key);
+}
+
+void read(const Json& object, const char* key, std::optional<bool>& field) {
+    field = readBoolean(object, key);
+}
+
+void read(const Json& object, const char* key, std::optional<Url>& field) {
+    field = readUrl(object, key);
+}
+
+void read(const Json& object, const char* key, QString& field) {
+    if (auto text = readString(object, key)) {
+        field = *std::move(text);
+    }
 }
 
 } // namespace
@@ -63,21 +109,15 @@ std::optional<Url> readUrl(const Json& object, const char* key) {
 
 SlotCreative readCreative(const Json& object) {
     SlotCreative creative;
-    creative.slotId = readString(object, "slotId").value_or(QString());
-    creative.brandName = readString(object, "brandName").value_or(QString());
-    auto tagline = readString(object, "copy");
-    if (!tagline) {
-        tagline = readString(object, "tagline");
+    for (const CreativeKey& key : kCreativeKeys) {
+        std::visit([&](auto field) { read(object, key.name, creative.*field); }, key.field);
     }
-    creative.tagline = tagline.value_or(QString());
-    creative.assetURL = readUrl(object, "assetUrl");
-    creative.brandURL = readUrl(object, "brandUrl");
     return creative;
 }
 
 std::vector<SlotCreative> readCreatives(const Json& reply) {
     std::vector<SlotCreative> creatives;
-    const Json* list = valueOf(reply, "creatives");
+    const Json* list = valueOf(reply, kCreativesKey);
     const auto isObject = [](const Json& element) { return element.is_object(); };
     if (list == nullptr || !list->is_array() ||
         !std::all_of(list->begin(), list->end(), isObject)) {
@@ -99,20 +139,22 @@ std::optional<SlotCreative> creativeOfSlot(const std::vector<SlotCreative>& crea
 }
 
 ReplyFields readFields(const Json& reply) {
+    ReplyFields fields;
+    for (const ReplyKey& key : kReplyKeys) {
+        std::visit([&](auto field) { read(reply, key.name, fields.*field); }, key.field);
+    }
     const auto creatives = readCreatives(reply);
-    return {.weekStatus = readString(reply, "weekStatus"),
-            .estimatedCents = readInteger(reply, "estimatedCents"),
-            .pendingStipendCents = readInteger(reply, "pendingStipendCents"),
-            .liveHostCount = readInteger(reply, "liveHostCount"),
-            .liveDaysThisWeek = readInteger(reply, "liveDaysThisWeek"),
-            .liveBucketsToday = readInteger(reply, "liveBucketsToday"),
-            .liveBucketsNeeded = readInteger(reply, "liveBucketsNeeded"),
-            .forceHide = readBoolean(reply, "forceHide"),
-            .agreed = readBoolean(reply, "agreed"),
-            .fromApplications = readBoolean(reply, "fromApplications"),
-            .agreementText = readString(reply, "agreementText"),
-            .left = creativeOfSlot(creatives, QLatin1StringView("left")),
-            .right = creativeOfSlot(creatives, QLatin1StringView("right"))};
+    fields.left = creativeOfSlot(creatives, QLatin1StringView("left"));
+    fields.right = creativeOfSlot(creatives, QLatin1StringView("right"));
+    return fields;
+}
+
+std::span<const ReplyKey> replyKeys() {
+    return kReplyKeys;
+}
+
+std::span<const CreativeKey> creativeKeys() {
+    return kCreativeKeys;
 }
 
 } // namespace brimlet

@@ -7,6 +7,8 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
+#include <variant>
 #include <vector>
 
 namespace brimlet {
@@ -57,5 +59,26 @@ struct ReplyFields final {
 };
 
 [[nodiscard]] ReplyFields readFields(const Json& reply);
+
+// The keys that are read, for the tests that compare them with docs/service/openapi.yaml.
+
+/// The key of the array of creatives.
+inline constexpr const char* kCreativesKey = "creatives";
+
+/// Any other key of a reply. The type of its field says which values are accepted.
+struct ReplyKey final {
+    const char* name;
+    std::variant<std::optional<QString> ReplyFields::*, std::optional<std::int64_t> ReplyFields::*,
+                 std::optional<bool> ReplyFields::*>
+        field;
+};
+[[nodiscard]] std::span<const ReplyKey> replyKeys();
+
+/// A key of a creative. Of two keys for one field the later one counts if its value is a string.
+struct CreativeKey final {
+    const char* name;
+    std::variant<QString SlotCreative::*, std::optional<Url> SlotCreative::*> field;
+};
+[[nodiscard]] std::span<const CreativeKey> creativeKeys();
 
 } // namespace brimlet
