@@ -1,3 +1,4 @@
+#include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 #include "tools/placement/brands.h"
 #include "tools/placement/responder.h"
@@ -70,6 +71,8 @@ private Q_SLOTS:
     void theHostReplyHasAllItsKeys();
     void theSampleBrandsFillBothSlots();
     void picturesAndPagesAreServed();
+    void theDocumentAndItsPageAreServed();
+    void thePageLoadsNothing();
     void agreeingLastsForThatTokenOnly();
     void aHeartbeatCountsInTheFigures();
     void aWrongTokenIsRefused_data();
@@ -169,6 +172,31 @@ void RepliesTest::picturesAndPagesAreServed() {
     QVERIFY(page.reply.body.find("<h1>Palindrome</h1>") != std::string::npos);
 }
 
+void RepliesTest::theDocumentAndItsPageAreServed() {
+    QFile file(brimlet::sourcePath(u"docs/service/openapi.yaml"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(file.readAll());
+    const Answer document = answered("{}", get("/openapi.yaml"));
+    QCOMPARE(document.reply.status, 200);
+    QCOMPARE(document.reply.contentType, std::string("application/yaml"));
+    QCOMPARE(QString::fromStdString(document.reply.body), text);
+    const Answer page = answered("{}", get("/"));
+    QCOMPARE(page.reply.status, 200);
+    QCOMPARE(page.reply.contentType, std::string("text/html; charset=utf-8"));
+    QVERIFY(QString::fromStdString(page.reply.body)
+                .contains(
+                    text.toHtmlEscaped().replace(QStringLiteral("&quot;"), QStringLiteral("\""))));
+}
+
+void RepliesTest::thePageLoadsNothing() {
+    const QString page = QString::fromStdString(answered("{}", get("/")).reply.body);
+    const QRegularExpression loading(QStringLiteral(
+        "<(script|link|img|iframe|object|embed|video|audio|source)|src=|@import|url\\("));
+    QVERIFY(loading.match(QStringLiteral("<img src=x>")).hasMatch());
+    QVERIFY(!loading.match(page).hasMatch());
+    QVERIFY(page.contains(QStringLiteral("href=\"/openapi.yaml\"")));
+}
+
 void RepliesTest::agreeingLastsForThatTokenOnly() {
     Responder both = responder(R"({"tokens": ["one", "two"]})");
     const auto agreed = [&](const std::string& token) {
@@ -224,7 +252,7 @@ void RepliesTest::aWrongTokenIsRefused() {
 void RepliesTest::unknownPathsAreNotFound_data() {
     QTest::addColumn<QByteArray>("path");
     for (const char* path :
-         {"/", "", "/api", "/api/display/", "//api/display", "/API/display", "/assets/",
+         {"", "/index.html", "/api", "/api/display/", "//api/display", "/API/display", "/assets/",
           "/assets/.png", "/assets/other.png", "/assets/quiet-bicycle", "/brands/", "/brands/other",
           "/brands/../quiet-bicycle"}) {
         QTest::addRow("\"%s\"", path) << QByteArray(path);

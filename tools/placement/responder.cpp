@@ -3,7 +3,9 @@
 #include "tools/placement/applyrule.h"
 #include "tools/placement/brandpages.h"
 #include "tools/placement/brands.h"
+#include "tools/placement/documentpage.h"
 #include "tools/placement/jsonreader.h"
+#include "tools/placement/openapidocument.h"
 #include "tools/placement/paths.h"
 #include "tools/placement/revalidation.h"
 
@@ -98,7 +100,7 @@ bool Responder::knows(const std::optional<std::string>& authorization) const {
 }
 
 Reply Responder::plainReply(const Incoming& request, Instant now) {
-    if (!isEndpoint(request.path) && !isAsset(request.path) && !isBrandPage(request.path)) {
+    if (!isServed(request.path)) {
         return errorReply(404, "no such path");
     }
     if (!isAllowed(request)) {
@@ -106,6 +108,12 @@ Reply Responder::plainReply(const Incoming& request, Instant now) {
         Reply reply = errorReply(405, request.method + " is not allowed here, only " + allowed);
         reply.headers.emplace_back("Allow", allowed);
         return reply;
+    }
+    if (request.path == pagePath) {
+        return {200, "text/html; charset=utf-8", {}, documentPage()};
+    }
+    if (request.path == documentPath) {
+        return {200, "application/yaml", {}, std::string(openApiDocument())};
     }
     if (isAsset(request.path)) {
         return pictureReply(request.path);

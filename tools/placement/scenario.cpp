@@ -113,7 +113,7 @@ void readRule(const std::string& path, const json& value, EndpointRule& rule, st
 void readEndpoints(const json& value, JsonReader& reader, Scenario& scenario) {
     for (const auto& item : value.items()) {
         std::string error;
-        if (!isEndpoint(item.key()) && !isAsset(item.key()) && !isBrandPage(item.key())) {
+        if (!isServed(item.key())) {
             error = "endpoint " + inQuotes(item.key()) + " is not one of the service's paths";
         } else {
             readRule(item.key(), item.value(), scenario.endpoints[item.key()], error);
