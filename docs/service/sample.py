@@ -62,11 +62,11 @@ class Service(BaseHTTPRequestHandler):
         is_picture = status == 404 and self.path in PICTURES
         content = PICTURES[self.path] if is_picture else json.dumps(value).encode()
         tag = '"' + hashlib.sha256(content).hexdigest()[:16] + '"'  # the same for the same reply
-        if status == 200 and self.headers.get("If-None-Match") == tag:
-            status = 304
+        status = 304 if status == 200 and self.headers.get("If-None-Match") == tag else status
         self.send_response_only(200 if is_picture else status)
         self.send_header("Content-Length", str(len(content)))
-        self.send_header("Content-Type", "image/png" if is_picture else "application/json")
+        if status != 304:
+            self.send_header("Content-Type", "image/png" if is_picture else "application/json")
         self.send_header("ETag", tag)
         self.end_headers()
         self.wfile.write(b"" if status == 304 else content)
