@@ -11,7 +11,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 60'000; // milliseconds
+constexpr int kPatience = 20'000; // milliseconds
 constexpr int kSpeed = 50;
 
 /// docs/service/sample.py on a free port.
