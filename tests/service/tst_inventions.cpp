@@ -14,9 +14,9 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 20'000; // milliseconds
-/// A poll every 15 milliseconds.
-constexpr int kSpeed = 200;
+constexpr int kPatience = 60'000; // milliseconds
+/// A poll every 50 milliseconds; a request may take a second, which a busy machine needs.
+constexpr int kSpeed = 60;
 constexpr int kHostReplies = 160;
 constexpr int kDisplayReplies = 40;
 /// How many replies there are for each time that the panel's texts are read.

@@ -15,8 +15,8 @@ using namespace brimlet;
 namespace {
 
 constexpr int kPatience = 60'000; // milliseconds; the proxy takes its time on a busy machine
-/// A poll every 60 milliseconds; a request ends after 1.2 seconds.
-constexpr int kSpeed = 50;
+/// A poll every 150 milliseconds; a request may take 3 seconds, which a busy machine needs.
+constexpr int kSpeed = 20;
 const QString kDisplay = QStringLiteral("GET /api/display");
 const QString kHeartbeat = QStringLiteral("POST /api/host/heartbeat");
 const QString kEstimate = QStringLiteral("GET /api/host/me");

@@ -12,7 +12,7 @@ using namespace brimlet;
 namespace {
 
 constexpr int kPatience = 20'000; // milliseconds
-constexpr int kSpeed = 50;
+constexpr int kSpeed = 20;
 
 /// docs/service/sample.py on a free port.
 class SampleProcess final {
