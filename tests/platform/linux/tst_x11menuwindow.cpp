@@ -2,6 +2,7 @@
 #include "platform/linux/x11watch.h"
 #include "platform/qt/desktopgeometry.h"
 #include "platform/qt/desktopscreens.h"
+#include "tests/support/emulated.h"
 #include "tests/support/pointer.h"
 #include "tests/support/rootmessages.h"
 #include "tests/support/testpaths.h"
@@ -25,7 +26,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 
 constexpr QRgb kBackground = qRgb(40, 40, 60);
 constexpr QRgb kBehind = qRgb(200, 60, 20);
