@@ -80,4 +80,12 @@ std::optional<QRect> menuFrame(QSize preferred, const std::optional<QRect>& item
     return QRect(menuOrigin(size, item, screen), size);
 }
 
+QRect withMargins(const QRect& panel, const QMargins& margins,
+                  const std::vector<MenuScreen>& screens) {
+    const auto screen = std::find_if(screens.begin(), screens.end(), [&](const MenuScreen& each) {
+        return each.available.contains(panel.center());
+    });
+    return screen == screens.end() ? panel : panel.marginsAdded(margins) & screen->available;
+}
+
 } // namespace brimlet

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMargins>
 #include <QPoint>
 #include <QRect>
 #include <QSize>
@@ -40,5 +41,9 @@ struct MenuScreen final {
 /// Absent without a screen.
 [[nodiscard]] std::optional<QRect> menuFrame(QSize preferred, const std::optional<QRect>& item,
                                              const std::vector<MenuScreen>& screens);
+
+/// The panel's frame with margins, as far as the available area of its screen has room for them.
+[[nodiscard]] QRect withMargins(const QRect& panel, const QMargins& margins,
+                                const std::vector<MenuScreen>& screens);
 
 } // namespace brimlet

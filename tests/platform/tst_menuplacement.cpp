@@ -224,6 +224,29 @@ private Q_SLOTS:
         QTEST(clickOnItem(pointer, reported, {screen}), "click");
     }
 
+    void marginsEndWhereTheScreenOrABarBegins_data() {
+        QTest::addColumn<QRect>("panel");
+        QTest::addColumn<QRect>("whole");
+        QTest::newRow("room on all sides") << QRect(500, 100, 320, 500) << QRect(482, 90, 356, 536);
+        QTest::newRow("below a bar") << QRect(500, 30, 320, 500) << QRect(482, 24, 356, 532);
+        QTest::newRow("at the right edge")
+            << QRect(1186, 30, 320, 500) << QRect(1168, 24, 344, 532);
+        QTest::newRow("over the lower edge")
+            << QRect(500, 476, 320, 500) << QRect(482, 466, 356, 516);
+        QTest::newRow("as high as the screen")
+            << QRect(500, 24, 320, 958) << QRect(482, 24, 356, 958);
+        QTest::newRow("on the second screen")
+            << QRect(-326, 354, 320, 500) << QRect(-344, 344, 344, 516);
+        QTest::newRow("on no screen") << QRect(5000, 0, 320, 500) << QRect(5000, 0, 320, 500);
+    }
+    void marginsEndWhereTheScreenOrABarBegins() {
+        QFETCH(QRect, panel);
+        const std::vector<MenuScreen> screens{
+            {.geometry = {0, 0, 1512, 982}, .available = {0, 24, 1512, 958}},
+            {.geometry = {-1920, -200, 1920, 1080}, .available = {-1920, -200, 1920, 1060}}};
+        QTEST(withMargins(panel, QMargins(18, 10, 18, 26), screens), "whole");
+    }
+
     void withoutAScreenThereIsNoPlace() { QVERIFY(!menuFrame(kPanel, std::nullopt, {})); }
 };
 

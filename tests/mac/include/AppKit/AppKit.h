@@ -161,6 +161,7 @@ extern "C" const NSWindowLevel NSStatusWindowLevel; // 25
 @property(getter=isKeyWindow, readonly) BOOL keyWindow;
 @property(readonly, weak) NSResponder* firstResponder;
 @property NSWindowCollectionBehavior collectionBehavior;
+@property NSWindowAnimationBehavior animationBehavior;
 @property(strong) NSColor* backgroundColor;
 @property(getter=isOpaque) BOOL opaque;
 @property BOOL hasShadow;
