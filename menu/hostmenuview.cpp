@@ -35,9 +35,10 @@ QPalette darkPalette() {
                      Qt::white, HostTheme::card(), HostTheme::bg());
     palette.setColor(QPalette::Highlight, HostTheme::accent());
     palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::PlaceholderText, HostTheme::faint());
-    palette.setColor(QPalette::Disabled, QPalette::WindowText, HostTheme::faint());
-    palette.setColor(QPalette::Disabled, QPalette::Text, HostTheme::faint());
+    palette.setColor(QPalette::Mid, HostTheme::line()); // the window's hairline
+    palette.setColor(QPalette::PlaceholderText, HostTheme::dim());
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, HostTheme::dim());
+    palette.setColor(QPalette::Disabled, QPalette::Text, HostTheme::dim());
     return palette;
 }
 
