@@ -33,7 +33,7 @@ MenuText* faintText(const QString& text = {}) {
 QPalette darkPalette() {
     QPalette palette(Qt::white, HostTheme::card(), Qt::white, Qt::black, Qt::gray, Qt::white,
                      Qt::white, HostTheme::card(), HostTheme::bg());
-    palette.setColor(QPalette::Highlight, HostTheme::accent());
+    palette.setColor(QPalette::Highlight, HostTheme::accent().darker(115)); // white on it is read
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Mid, HostTheme::line()); // the window's hairline
     palette.setColor(QPalette::PlaceholderText, HostTheme::dim());

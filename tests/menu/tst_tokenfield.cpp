@@ -166,7 +166,7 @@ private Q_SLOTS:
         QVERIFY(menu != nullptr && menu->isVisible());
         QCOMPARE(menu->palette().color(QPalette::Window).rgb(), qRgb(18, 18, 18));
         QCOMPARE(menu->palette().color(QPalette::WindowText).rgb(), qRgb(255, 255, 255));
-        QCOMPARE(menu->palette().color(QPalette::Highlight).rgb(), qRgb(61, 107, 255));
+        QCOMPARE(menu->palette().color(QPalette::Highlight).rgb(), qRgb(53, 93, 222));
         QCOMPARE(active.field->displayText(), QStringLiteral("kept-token"));
         // The focus goes to the menu and back.
         QFocusEvent away(QEvent::FocusOut, Qt::PopupFocusReason);
