@@ -22,7 +22,7 @@ void prepareMacApplication();
 
 [[nodiscard]] std::unique_ptr<OverlayWindow> makeMacOverlayWindow(std::unique_ptr<QWidget> content);
 
-/// The system decides how it moves.
+/// The system animates it, unless motion is reduced.
 [[nodiscard]] std::unique_ptr<MenuWindow> makeMacMenuWindow(std::unique_ptr<QWidget> content,
                                                             const ReduceMotion& reduceMotion);
 

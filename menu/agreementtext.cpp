@@ -113,7 +113,8 @@ void AgreementText::resizeEvent(QResizeEvent* event) {
 
 void AgreementText::focusInEvent(QFocusEvent* event) {
     QScrollArea::focusInEvent(event);
-    m_bar->setHighlighted(isFocusMarked(event->reason(), false));
+    m_isFocusMarked = isFocusMarked(event->reason(), m_isFocusMarked);
+    m_bar->setHighlighted(m_isFocusMarked);
 }
 
 void AgreementText::focusOutEvent(QFocusEvent* event) {

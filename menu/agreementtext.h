@@ -8,9 +8,9 @@ class MenuText;
 class SlimScrollBar;
 
 /// The host agreement: wrapped, at most 90 points high, and scrolled if it is higher, which is also
-/// when it accepts the keyboard focus. While more of it follows, its last line fades out. A text of
-/// any length appears at once: only its first lines are laid out, and more as it is scrolled
-/// through.
+/// when it accepts the keyboard focus. While more of it follows, its last 14 points fade out. A
+/// text of any length appears at once: only its first lines are laid out, and more as it is
+/// scrolled through.
 class AgreementText final : public QScrollArea {
     Q_OBJECT
 
@@ -39,6 +39,7 @@ private:
     MenuText* m_text;
     SlimScrollBar* m_bar;
     QWidget* m_fade;
+    bool m_isFocusMarked = false;
 };
 
 } // namespace brimlet

@@ -37,7 +37,7 @@ private:
     void drawCharacter(QPainter& painter, QChar character, QPointF at) const;
 
     QString m_amount;
-    QList<quint32> m_figures; ///< Glyphs of the digits; empty to draw them as others.
+    QList<quint32> m_figures; ///< Glyphs of the digits; if empty, these are usual text.
     double m_digitWidth = 0;
 };
 

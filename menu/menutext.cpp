@@ -80,7 +80,7 @@ const WrappedText& MenuText::wrappedFor(int width) const {
         m_wrappedLines = m_wantedLines;
         wrapText(m_wrapped, m_text, font(), std::max(1, width),
                  static_cast<std::size_t>(m_wantedLines));
-        if (m_isBalanced) {
+        if (m_isBalanced && static_cast<int>(m_wrapped.lines.size()) <= m_maximumLines) {
             balanceLines(m_wrapped, m_text, font(), width);
         }
     }

@@ -8,9 +8,9 @@
 
 namespace brimlet {
 
-/// A plain text of the menu, wrapped to its width, without a last line of a single word. The
-/// accessible name is the whole text. A QLabel for the accessible role, but QLabel's own text stays
-/// empty.
+/// A plain text of the menu, wrapped to its width, without much shorter lines where other breaks
+/// avoid them. The accessible name is the whole text. A QLabel for the accessible role, but
+/// QLabel's own text stays empty.
 class MenuText final : public QLabel {
     Q_OBJECT
 

@@ -128,9 +128,10 @@ void wrapText(WrappedText& wrapped, const QString& text, const QFont& font, int 
 
 void balanceLines(WrappedText& wrapped, const QString& text, const QFont& font, int width) {
     constexpr std::size_t kMaximumLines = 6;
+    constexpr qsizetype kMaximumLength = 1000; // UTF-16 units; some characters take no room
     const std::size_t count = wrapped.lines.size();
-    if (!wrapped.isWhole(text) || count < 2 || count > kMaximumLines ||
-        isEven(widthsOf(wrapped, text, font))) {
+    if (text.size() > kMaximumLength || !wrapped.isWhole(text) || count < 2 ||
+        count > kMaximumLines || isEven(widthsOf(wrapped, text, font))) {
         return;
     }
     std::optional<WrappedText> even;
@@ -144,9 +145,13 @@ void balanceLines(WrappedText& wrapped, const QString& text, const QFont& font, 
             }
         }
         // The next smaller width at which a line breaks elsewhere.
-        width = qCeil(*std::max_element(widths.begin(), widths.end())) - 1;
+        const int narrower = qCeil(*std::max_element(widths.begin(), widths.end())) - 1;
+        if (narrower < 1 || narrower >= width) {
+            break; // a single character is wider than the line
+        }
+        width = narrower;
         next = {};
-        wrapText(next, text, font, std::max(1, width), count + 1);
+        wrapText(next, text, font, width, count + 1);
     }
     if (even) {
         wrapped = *std::move(even);

@@ -48,7 +48,7 @@ X11MenuWindow::X11MenuWindow(std::unique_ptr<QWidget> content,
     m_fade.setDuration(kFade);
     m_fade.setEasingCurve(QEasingCurve::OutCubic);
     connect(&m_fade, &QVariantAnimation::valueChanged, this,
-            [this](const QVariant& moment) { showMoment(moment.toDouble()); });
+            [this](const QVariant& progress) { setOpening(progress.toDouble()); });
     connect(&m_fade, &QVariantAnimation::finished, this, [this] {
         if (m_isClosing) {
             hide();
@@ -76,6 +76,7 @@ void X11MenuWindow::present(const std::optional<Rect>& item) {
         hide();
     }
     if (!isVisible()) {
+        m_dismissal.stop();
         destroyNativeWindow();
         m_item = item ? std::optional(toQtRect(*item)) : std::nullopt;
         // Focus starts before the first control, so that no key press activates one by accident.
@@ -86,7 +87,7 @@ void X11MenuWindow::present(const std::optional<Rect>& item) {
             m_fade.setDirection(QAbstractAnimation::Forward);
             m_fade.start();
         } else {
-            showMoment(1);
+            setOpening(1);
         }
     }
     show();
@@ -99,10 +100,13 @@ bool X11MenuWindow::isAnimated() const {
     return m_hasCompositor && !m_reduceMotion.isOn();
 }
 
-void X11MenuWindow::showMoment(double moment) {
-    setWindowOpacity(moment);
-    m_content->move(m_panel.topLeft() + QPoint(0, qRound((1 - moment) * m_slide)));
-    update();
+void X11MenuWindow::setOpening(double progress) {
+    setWindowOpacity(progress);
+    const QPoint place = m_panel.topLeft() + QPoint(0, qRound((1 - progress) * m_slide));
+    if (m_content->pos() != place) {
+        m_content->move(place);
+        update();
+    }
 }
 
 void X11MenuWindow::follow(const Rect& item) {
@@ -124,8 +128,9 @@ void X11MenuWindow::dismiss() {
         hide();
         return;
     }
-    endPresentation();
     m_isClosing = true;
+    endPresentation();
+    m_dismissals.notify();
     m_content->setFocus(); // a key press activates no control any more
     applyInputShape();
     m_fade.setDirection(QAbstractAnimation::Backward);
@@ -139,7 +144,11 @@ void X11MenuWindow::endPresentation() {
     }
     m_outside.setActive(false);
     m_desktop.hide();
-    m_dismissals.notify();
+}
+
+/// While it closes, no key moves the focus to a control.
+bool X11MenuWindow::focusNextPrevChild(bool isNext) {
+    return !m_isClosing && QWidget::focusNextPrevChild(isNext);
 }
 
 void X11MenuWindow::destroyNativeWindow() {
@@ -153,6 +162,9 @@ ObserverToken X11MenuWindow::observeDismissals(std::function<void()> dismissed) 
 }
 
 void X11MenuWindow::fit() {
+    if (m_isClosing) {
+        return;
+    }
     const auto screens = x11MenuScreens(m_sway ? m_sway->areas() : std::vector<QRect>());
     const auto panel = menuFrame(m_content->sizeHint(), m_item, screens);
     if (!panel) {
@@ -161,12 +173,13 @@ void X11MenuWindow::fit() {
     m_frame = m_hasCompositor ? withMargins(*panel, kPanelShadow, screens) : *panel;
     m_isFrameRestored = false;
     m_panel = panel->translated(-m_frame.topLeft());
-    m_slide = m_item && m_item->y() > panel->y() ? kSlide : -kSlide;
+    const QScreen* const screen = QGuiApplication::screenAt(panel->center());
+    const bool isLow = screen != nullptr && panel->center().y() > screen->geometry().center().y();
+    m_slide = isLow ? kSlide : -kSlide;
     m_content->setGeometry(m_panel);
     if (m_fade.state() == QAbstractAnimation::Running) {
-        showMoment(m_fade.currentValue().toDouble());
+        setOpening(m_fade.currentValue().toDouble());
     }
-    applyInputShape();
     if (m_sway) {
         resize(m_frame.size()); // sway would centre it at a request for a place, too
         if (isVisible()) {
@@ -175,6 +188,7 @@ void X11MenuWindow::fit() {
     } else {
         setGeometry(m_frame);
     }
+    applyInputShape();
 }
 
 void X11MenuWindow::applyInputShape() {
@@ -242,8 +256,8 @@ void X11MenuWindow::paintEvent(QPaintEvent* event) {
         paintPanel(painter, panel, m_content->palette(), 0, m_roundedPath);
         return;
     }
-    // What the content updates while the panel is open is far from the edge.
-    constexpr int kEdge = kPanelCorner;
+    // Nothing that the content updates is nearer to the edge.
+    constexpr int kEdge = 16;
     if (!panel.adjusted(kEdge, kEdge, -kEdge, -kEdge).contains(event->rect())) {
         paintPanelShadow(painter, panel);
     }
@@ -252,6 +266,9 @@ void X11MenuWindow::paintEvent(QPaintEvent* event) {
 
 void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
     fit(); // the content has updated its size hint by now
+    if (m_isClosing) {
+        return;
+    }
     if (m_sway) {
         m_sway->requestAreas();
     }
@@ -268,8 +285,9 @@ void X11MenuWindow::hideEvent(QHideEvent* event) {
         return;
     }
     m_fade.stop();
+    endPresentation();
     if (!std::exchange(m_isClosing, false)) {
-        endPresentation();
+        m_dismissals.notify();
     }
     // Queued, because this may run inside an event of the native window.
     QMetaObject::invokeMethod(this, &X11MenuWindow::destroyNativeWindow, Qt::QueuedConnection);

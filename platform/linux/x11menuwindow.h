@@ -44,6 +44,7 @@ protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    bool focusNextPrevChild(bool isNext) override;
 
 private:
     [[nodiscard]] QRect toQtRect(const Rect& item) const;
@@ -53,11 +54,11 @@ private:
     void destroyNativeWindow();
     void followScreen(QScreen* screen);
     [[nodiscard]] bool isAnimated() const;
-    /// Shows a moment of the opening, from 0 for invisible to 1 for the end.
-    void showMoment(double moment);
-    /// Stops what runs while the panel is presented, and calls the observers.
+    /// Shows the opening from 0, invisible, to 1, its end; closing is the same backwards.
+    void setOpening(double progress);
+    /// Stops what runs while the panel is presented.
     void endPresentation();
-    /// Lets clicks on the shadow pass, or all of them while it closes.
+    /// Lets clicks on the shadow pass, and every click while it closes.
     void applyInputShape();
     /// Resizes to the content's size hint and moves to the place beside the status item.
     void fit();
@@ -76,7 +77,7 @@ private:
     RoundedPath m_roundedPath;
     std::optional<QRect> m_item; ///< In Qt's space.
     QRect m_frame;               ///< As last requested, in Qt's space, with the shadow.
-    QRect m_panel;               ///< In the window, without the shadow.
+    QRect m_panel;               ///< The panel's place in the window.
     int m_slide = 0;             ///< How far below its place the panel starts, in points.
     QVariantAnimation m_fade;    ///< Forward while it opens, backward while it closes.
     bool m_isClosing = false;

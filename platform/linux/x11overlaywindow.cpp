@@ -62,6 +62,7 @@ bool X11OverlayWindow::event(QEvent* event) {
     const QPoint position = static_cast<QHelpEvent*>(event)->pos();
     if (QWidget* const target = m_content->childAt(m_content->mapFromParent(position))) {
         m_toolTip.showFor(*target);
+        event->accept(); // the next tooltip comes without a delay
     }
     return true;
 }

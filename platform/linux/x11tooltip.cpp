@@ -14,8 +14,11 @@ X11ToolTip::X11ToolTip() = default;
 X11ToolTip::~X11ToolTip() = default;
 
 void X11ToolTip::showFor(QWidget& owner) {
-    hide();
     const QString text = owner.toolTip();
+    if (m_label && m_owner == &owner && m_label->text() == text) {
+        return; // asked for again after each move
+    }
+    hide();
     if (text.isEmpty()) {
         return;
     }

@@ -37,7 +37,8 @@ struct MenuScreen final {
                                 const MenuScreen& screen);
 
 /// The frame of a panel of the preferred size, in Qt's space. It is on the screen that contains the
-/// item's centre, otherwise on the first screen, and never larger than the available area there.
+/// item's centre, otherwise on the first screen, and six points away from the edges of the
+/// available area there, with a smaller size if need be.
 /// Absent without a screen.
 [[nodiscard]] std::optional<QRect> menuFrame(QSize preferred, const std::optional<QRect>& item,
                                              const std::vector<MenuScreen>& screens);

@@ -46,7 +46,7 @@ void paintPanel(QPainter& painter, const QRectF& panel, const QPalette& palette,
 }
 
 void paintPanelShadow(QPainter& painter, const QRectF& panel) {
-    const QImage shadow = smallestShadow();
+    static const QImage shadow = smallestShadow();
     const double end = (shadow.width() - 1) / 2;
     const QRectF box = panel.translated(0, kBelow).adjusted(-kReach, -kReach, kReach, kReach);
     // The boundaries of three columns and rows, on the screen and in the picture.

@@ -21,7 +21,7 @@ inline constexpr QMargins kPanelShadow(18, 10, 18, 26);
 void paintPanel(QPainter& painter, const QRectF& panel, const QPalette& palette, double corner,
                 RoundedPath roundedPath);
 
-/// Paints the shadow of a panel with corners of `kPanelCorner`, also where the panel will be.
+/// Paints the shadow of a panel with corners of `kPanelCorner`, also under the panel.
 void paintPanelShadow(QPainter& painter, const QRectF& panel);
 
 } // namespace brimlet

@@ -49,8 +49,8 @@ WaylandToolTip::WaylandToolTip(WaylandConnection& connection, const OverlaySurfa
             wl_surface_commit(self.m_surface.get());
         }};
     xdg_surface_add_listener(m_window.get(), &kWindow, this);
-    const QPoint above(box.center().x(), box.bottom() + ToolTipLabel::kGap);
-    m_popup.reset(parent.createPopup(m_window.get(), positioner.get(), above));
+    const QPoint anchor(box.center().x(), box.bottom() + ToolTipLabel::kGap);
+    m_popup.reset(parent.createPopup(m_window.get(), positioner.get(), anchor));
     static constexpr xdg_popup_listener kPopup{
         .configure = kIgnoreEvent,
         // The compositor hides it itself, and the owner destroys it in the end.

@@ -68,6 +68,32 @@ private Q_SLOTS:
         QVERIFY(active.showsDots());
     }
 
+    void signingDoesNotShowTheToken() {
+        ActiveMenu active;
+        QVERIFY(active.isActive);
+        active.menu.week().agreed = false;
+        Q_EMIT active.menu.store()->objectWillChange();
+        auto* const agree =
+            active.menu.named<QAbstractButton>(QStringLiteral("I agree · not a guarantee"));
+        QTRY_VERIFY(agree->isVisible());
+        agree->setFocus();
+        QTest::mouseClick(agree, Qt::LeftButton); // the service replies that it is signed
+        QTRY_VERIFY(!agree->isVisible());
+        QVERIFY(!active.field->hasFocus());
+        QVERIFY(active.showsDots());
+    }
+
+    void enterSavesAndHidesTheToken() {
+        ActiveMenu active(false);
+        QVERIFY(active.isActive);
+        active.field->setFocus();
+        QTest::keyClicks(active.field, QStringLiteral("secret"));
+        QTest::keyClick(active.field, Qt::Key_Return);
+        QCOMPARE(active.menu.store()->token(), QStringLiteral("secret"));
+        QVERIFY(!active.field->hasFocus());
+        QVERIFY(active.showsDots());
+    }
+
     void noInputMethodLearnsTheToken() {
         ActiveMenu active;
         QVERIFY(active.isActive);

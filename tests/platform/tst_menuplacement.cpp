@@ -156,10 +156,10 @@ private Q_SLOTS:
             << wish << Item(QRect(9000, 0, 24, 24)) << QRect(1166, 30, 340, 500);
         QTest::newRow("no item: the first") << wish << Item() << QRect(1166, 30, 340, 500);
         QTest::newRow("higher than the first screen's available area")
-            << QSize(340, 2000) << Item(QRect(700, 0, 24, 24)) << QRect(542, 24, 340, 958);
+            << QSize(340, 2000) << Item(QRect(700, 0, 24, 24)) << QRect(542, 30, 340, 946);
         QTest::newRow("larger than the second's in both directions")
             << QSize(3000, 2000) << Item(QRect(-30, -200, 24, 24))
-            << QRect(-1920, -200, 1920, 1060);
+            << QRect(-1914, -194, 1908, 1048);
     }
     void thePanelIsOnTheItemsScreen() {
         QFETCH(QSize, wish);
@@ -237,6 +237,8 @@ private Q_SLOTS:
             << QRect(500, 24, 320, 958) << QRect(482, 24, 356, 958);
         QTest::newRow("on the second screen")
             << QRect(-326, 354, 320, 500) << QRect(-344, 344, 344, 516);
+        QTest::newRow("larger than the screen")
+            << QRect(500, 0, 320, 990) << QRect(482, 0, 356, 990);
         QTest::newRow("on no screen") << QRect(5000, 0, 320, 500) << QRect(5000, 0, 320, 500);
     }
     void marginsEndWhereTheScreenOrABarBegins() {

@@ -8,7 +8,9 @@
 #include "tests/support/xserver.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QTest>
 #include <QWindow>
 
@@ -157,6 +159,18 @@ private Q_SLOTS:
         }
         QTRY_VERIFY_WITH_TIMEOUT(shown() == nullptr, kPatience);
         xdotool({QStringLiteral("mouseup"), QStringLiteral("1")});
+    }
+
+    void aMoveOnTheCapsuleLeavesIt() {
+        const Overlay overlay;
+        hover(overlay);
+        QTRY_VERIFY_WITH_TIMEOUT(shown() != nullptr, kPatience);
+        const QPointer<ToolTipLabel> first = shown();
+        QHelpEvent again(QEvent::ToolTip, kCapsule.center(), {});
+        QApplication::sendEvent(overlay.window.get(), &again);
+        QVERIFY(again.isAccepted());
+        QCOMPARE(shown(), first.data());
+        QVERIFY(first != nullptr);
     }
 
     void withoutATextThereIsNone() {

@@ -114,6 +114,7 @@ private Q_SLOTS:
         auto content = std::make_unique<QWidget>();
         QPalette palette;
         palette.setColor(QPalette::Window, Qt::blue);
+        palette.setColor(QPalette::Mid, Qt::green);
         content->setPalette(palette);
         MenuBackground background(
             std::move(content), plainCorners, [] {}, [] {}, [] {});
@@ -123,7 +124,8 @@ private Q_SLOTS:
         background.render(&picture, {}, {}, QWidget::DrawWindowBackground);
         QCOMPARE(picture.pixelColor(0, 0).alpha(), 0);
         QCOMPARE(picture.pixelColor(50, 50), QColor(Qt::blue));
-        QCOMPARE(picture.pixelColor(50, 0), QColor(Qt::blue));
+        QCOMPARE(picture.pixelColor(50, 0), QColor(Qt::green)); // the hairline
+        QCOMPARE(picture.pixelColor(50, 1), QColor(Qt::blue));
     }
 };
 
