@@ -60,6 +60,16 @@ private Q_SLOTS:
         QVERIFY(!panel().keyWindow);
     }
 
+    void itFadesUnlessMotionIsReduced() {
+        m_window->present(item());
+        QCOMPARE(panel().animationBehavior, NSWindowAnimationBehaviorUtilityWindow);
+        m_window->dismiss();
+        m_reduceMotion.set(true);
+        m_window->present(item());
+        QCOMPARE(panel().animationBehavior, NSWindowAnimationBehaviorNone);
+        m_reduceMotion.set(false);
+    }
+
     void presentedItIsInFrontAndHasTheKeyboard() {
         m_window->present(item());
         QVERIFY(m_window->isPresented());

@@ -138,6 +138,11 @@ typedef NS_OPTIONS(NSUInteger, NSWindowCollectionBehavior) {
     NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8,
 };
 
+typedef NS_ENUM(NSInteger, NSWindowAnimationBehavior) {
+    NSWindowAnimationBehaviorNone = 2,
+    NSWindowAnimationBehaviorUtilityWindow = 4,
+};
+
 typedef NS_ENUM(NSUInteger, NSBackingStoreType) {
     NSBackingStoreBuffered = 2,
 };
