@@ -2,6 +2,7 @@
 
 #include "app/commandline.h"
 #include "app/displayloss.h"
+#include "creative/continuouspaths.h"
 #include "platform/linux/singleinstance.h"
 #include "platform/linux/startupmemory.h"
 #include "platform/linux/startupnotification.h"
@@ -130,8 +131,10 @@ LinuxAdapters::overlayWindowFactory(std::function<QRectF()> primaryGeometry) {
     };
 }
 
-std::unique_ptr<MenuWindow> makeX11MenuWindow(std::unique_ptr<QWidget> content) {
-    return std::make_unique<X11MenuWindow>(std::move(content), primaryGeometry);
+std::unique_ptr<MenuWindow> makeX11MenuWindow(std::unique_ptr<QWidget> content,
+                                              const ReduceMotion& reduceMotion) {
+    return std::make_unique<X11MenuWindow>(std::move(content), primaryGeometry, reduceMotion,
+                                           roundedPath);
 }
 
 bool prepareLinuxApplication() {

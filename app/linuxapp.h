@@ -54,7 +54,8 @@ struct LinuxAdapters final {
     overlayWindowFactory(std::function<QRectF()> primaryGeometry);
 };
 
-[[nodiscard]] std::unique_ptr<MenuWindow> makeX11MenuWindow(std::unique_ptr<QWidget> content);
+[[nodiscard]] std::unique_ptr<MenuWindow> makeX11MenuWindow(std::unique_ptr<QWidget> content,
+                                                            const ReduceMotion& reduceMotion);
 
 /// Call before the application object is created. Selects Qt's X11 platform, since only X11 lets a
 /// program place its windows, or where there is only a Wayland compositor Qt's Wayland platform, or

@@ -1,5 +1,6 @@
 #include "app/macapp.h"
 
+#include "creative/continuouspaths.h"
 #include "overlay/notchpill.h"
 #include "overlay/pilltexts.h"
 #include "platform/mac/appkitpanels.h"
@@ -72,8 +73,9 @@ std::unique_ptr<OverlayWindow> makeMacOverlayWindow(std::unique_ptr<QWidget> con
     });
 }
 
-std::unique_ptr<MenuWindow> makeMacMenuWindow(std::unique_ptr<QWidget> content) {
-    return std::make_unique<MacMenuWindow>(std::move(content));
+std::unique_ptr<MenuWindow> makeMacMenuWindow(std::unique_ptr<QWidget> content,
+                                              const ReduceMotion& reduceMotion) {
+    return std::make_unique<MacMenuWindow>(std::move(content), reduceMotion, roundedPath);
 }
 
 void openWhenReopened(BrimletApp& app) {

@@ -22,7 +22,9 @@ void prepareMacApplication();
 
 [[nodiscard]] std::unique_ptr<OverlayWindow> makeMacOverlayWindow(std::unique_ptr<QWidget> content);
 
-[[nodiscard]] std::unique_ptr<MenuWindow> makeMacMenuWindow(std::unique_ptr<QWidget> content);
+/// The system animates it, unless motion is reduced.
+[[nodiscard]] std::unique_ptr<MenuWindow> makeMacMenuWindow(std::unique_ptr<QWidget> content,
+                                                            const ReduceMotion& reduceMotion);
 
 /// Opens the panel when the system reopens the running program, as it does for a second start of
 /// the same copy.

@@ -40,7 +40,7 @@ MenuWindowFactory menuWindowFactory(const NativeMenuWindowFactory& makeWindow,
     return [makeWindow, environment](const std::shared_ptr<HostStore>& store) {
         auto menu = std::make_unique<HostMenuView>(store, environment);
         QObject::connect(menu.get(), &HostMenuView::quitRequested, qApp, &QCoreApplication::quit);
-        return makeWindow(std::make_unique<MenuScroll>(menu.release()));
+        return makeWindow(std::make_unique<MenuScroll>(menu.release()), environment.reduceMotion);
     };
 }
 

@@ -14,11 +14,12 @@ namespace brimlet {
 
 class InstanceLock;
 
-/// Create the native window around `content` and give it the ownership of that.
+/// Create the native window around `content` and give it the ownership of that. `reduceMotion`
+/// outlives it.
 using NativeOverlayWindowFactory =
     std::function<std::unique_ptr<OverlayWindow>(std::unique_ptr<QWidget> content)>;
-using NativeMenuWindowFactory =
-    std::function<std::unique_ptr<MenuWindow>(std::unique_ptr<QWidget> content)>;
+using NativeMenuWindowFactory = std::function<std::unique_ptr<MenuWindow>(
+    std::unique_ptr<QWidget> content, const ReduceMotion& reduceMotion)>;
 
 /// Every port of the program. The references outlive the main loop.
 struct SystemPorts final {

@@ -171,10 +171,14 @@ class Run:
         return figures_of(seconds, before, after, **self._observer.counted(),
                           traffic=difference(self._environment.relay.traffic(), traffic))
 
+    def say(self, line):
+        """Writes a line to the program's console and does not wait for the answer."""
+        print(line, file=self.process.stdin, flush=True)
+
     def tell(self, line):
         """Writes a line to the program's console and returns the answer."""
         answers = len(self._log.read_text().splitlines())
-        print(line, file=self.process.stdin, flush=True)
+        self.say(line)
         if not wait_until(lambda: self._log.read_text().count('\n') > answers, 10):
             raise Failure(f'the program does not answer "{line}"')
         return self._log.read_text().splitlines()[-1]

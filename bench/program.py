@@ -146,6 +146,25 @@ def changes(bench, environment, program):
             time.sleep(0.5)  # the change's other paints come within this time
 
 
+def opens(bench, environment, program):
+    """From the command that opens the panel, as a click on the icon does, until the first of it is seen."""
+    inside = 1300, 400  # pixels; in the panel, whether it is in the upper or the lower right corner
+    with bench.run(environment, program, '--console') as run:
+        run.wait_until_age(START_IS_OVER)
+        for _ in range(bench.times):
+            asked = time.monotonic()
+            run.say('open')
+            seen = bench.observer.ask('other', *inside, 5_000)
+            if seen is None:
+                raise Failure('the panel was not seen')
+            yield {'openMs': seen[0] / 1e6 - asked * 1e3}
+            time.sleep(1)
+            subprocess.run(['xdotool', 'key', 'Escape'], check=True)
+            if bench.observer.ask('other', *inside, 5_000) is None:
+                raise Failure('the panel did not close')
+            time.sleep(1)
+
+
 def after(command=None, state=None, change=None):
     """After a command to the program's console or another change, which brings it into a state;
     nothing moves."""
@@ -171,6 +190,7 @@ ROWS = (  # key, name, scenario, program, measurement
     ('brimlet.cycles', 'Brimlet, both taglines in turn with brands', CYCLES, OURS, cycles),
     ('brimlet.scrolling', 'Brimlet, both taglines scrolling', SCROLL, OURS, scrolling),
     ('brimlet.change', 'Brimlet, reply to pixels', STILL, OURS, changes),
+    ('brimlet.open', 'Brimlet, opening the panel until it is seen', STILL, OURS, opens),
     ('brimlet.menu', 'Brimlet, panel open', STILL, OURS, after('open', 'isMenuOpen')),
     ('brimlet.paused', 'Brimlet, paused', STILL, OURS, after('pause', 'isPaused')),
     ('brimlet.asleep', 'Brimlet, screens asleep', STILL, OURS,

@@ -172,6 +172,7 @@ def targets(results):
         Target('start to first capsule', 100, start, 'ms'),
         Target('start beside that of an empty window', 1.5,
                ratio(start, median('empty.start', 'startMs')), 'times'),
+        Target('opening the panel until it is seen', 50, median('brimlet.open', 'openMs'), 'ms'),
         Target('reply to pixels', 1, median('brimlet.change', 'replyToPixelsFrames'),
                'frames of 1/60 s'),
         *wayland_targets(results),
@@ -228,9 +229,12 @@ def wayland_table(results):
                  'In sway. "Both" are the program and Xwayland.\n\n')
 
 
+# The rows of times, which have a table of their own, by the end of their keys.
+TIMES = {'start': 'startMs', 'change': 'replyToPixelsMs', 'open': 'openMs'}
+
+
 def is_time(key):
-    """A start or the time to pixels, which have a table of their own."""
-    return key.endswith(('.start', '.change'))
+    return key.rpartition('.')[2] in TIMES
 
 
 def counterpart(key):
@@ -264,7 +268,7 @@ def time_table(results):
     rows = []
     for key, row in results.rows.items():
         if is_time(key):
-            figure = 'startMs' if key.endswith('.start') else 'replyToPixelsMs'
+            figure = TIMES[key.rpartition('.')[2]]
             rows.append([row['name'], text(results.median(key, figure)),
                          text(results.greatest(key, figure)),
                          text(results.median(key, 'replyToPixelsFrames'))])

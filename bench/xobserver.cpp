@@ -2,6 +2,7 @@
 // input, one a line, and answers each with one line: numbers, "none" when the time is up, or why it
 // cannot. Times are those of the monotonic clock, in nanoseconds.
 //   dark X Y MS    waits until a pixel of the screen is nearly black: when it was
+//   other X Y MS   waits until a pixel of the screen is another than at first: when it was
 //   window         finds the visible unmanaged window titled "Brimlet": its id. The commands below
 //                  are about this window
 //   paints         paints since the last call
@@ -12,6 +13,8 @@
 
 #include "bench/xcounters.h"
 
+#include <algorithm>
+#include <array>
 #include <iostream>
 #include <sstream>
 #include <string_view>
@@ -32,7 +35,14 @@ public:
             std::int16_t x = 0;
             std::int16_t y = 0;
             words >> x >> y;
-            return textOf(waitUntilDark(x, y, timeIn(words)));
+            return textOf(waitUntil([&] { return isDark(pixel(x, y)); }, timeIn(words)));
+        }
+        if (command == "other") {
+            std::int16_t x = 0;
+            std::int16_t y = 0;
+            words >> x >> y;
+            const auto first = pixel(x, y);
+            return textOf(waitUntil([&] { return pixel(x, y) != first; }, timeIn(words)));
         }
         if (command == "window") {
             m_window = overlay();
@@ -79,25 +89,32 @@ private:
 
     /// Checks each millisecond: short, as starts are timed with it, and long enough to leave the
     /// processor to the program that starts.
-    [[nodiscard]] std::optional<Clock::time_point> waitUntilDark(std::int16_t x, std::int16_t y,
-                                                                 Milliseconds time) const {
-        for (const auto end = Clock::now() + time; !isDark(x, y); ::poll(nullptr, 0, 1)) {
+    template <typename Condition>
+    [[nodiscard]] static std::optional<Clock::time_point> waitUntil(Condition holds,
+                                                                    Milliseconds time) {
+        for (const auto end = Clock::now() + time; !holds(); ::poll(nullptr, 0, 1)) {
             if (Clock::now() >= end) {
                 return std::nullopt;
             }
         }
         return Clock::now();
     }
-    [[nodiscard]] bool isDark(std::int16_t x, std::int16_t y) const {
+    using Pixel = std::array<std::uint8_t, 3>;
+    /// Absent while there is no such pixel.
+    [[nodiscard]] std::optional<Pixel> pixel(std::int16_t x, std::int16_t y) const {
         const auto cookie = xcb_get_image(m_connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP,
                                           screen().root, x, y, 1, 1, ~std::uint32_t{0});
         const XcbReply<xcb_get_image_reply_t> reply(
             xcb_get_image_reply(m_connection.get(), cookie, nullptr));
         if (!reply) {
-            return false;
+            return std::nullopt;
         }
-        const std::span<const std::uint8_t> pixel(xcb_get_image_data(reply.get()), 3);
-        return std::all_of(pixel.begin(), pixel.end(), [](std::uint8_t part) { return part < 40; });
+        const std::uint8_t* const parts = xcb_get_image_data(reply.get());
+        return Pixel{parts[0], parts[1], parts[2]};
+    }
+    [[nodiscard]] static bool isDark(const std::optional<Pixel>& pixel) {
+        return pixel && std::all_of(pixel->begin(), pixel->end(),
+                                    [](std::uint8_t part) { return part < 40; });
     }
     [[nodiscard]] xcb_window_t overlay() const {
         const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(

@@ -1,11 +1,14 @@
 #include "menu/agreementtext.h"
 
 #include "creative/notchfont.h"
+#include "menu/focusmark.h"
 #include "menu/hosttheme.h"
 #include "menu/menutext.h"
 #include "menu/slimscrollbar.h"
 
 #include <QKeyEvent>
+#include <QLinearGradient>
+#include <QPainter>
 
 namespace brimlet {
 namespace {
@@ -17,11 +20,34 @@ constexpr int kLines = 300;
 /// Between the text and the scroll bar, in points.
 constexpr int kGap = 4;
 
+/// How high the end of the visible part fades, in points.
+constexpr int kFade = 14;
+
+/// Fades what is below it into the panel's background, towards the bottom.
+class Fade final : public QWidget {
+public:
+    explicit Fade(QWidget* parent)
+        : QWidget(parent) {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QColor transparent = HostTheme::bg();
+        transparent.setAlpha(0);
+        QLinearGradient gradient(0, 0, 0, height());
+        gradient.setColorAt(0, transparent);
+        gradient.setColorAt(1, HostTheme::bg());
+        QPainter(this).fillRect(rect(), gradient);
+    }
+};
+
 } // namespace
 
 AgreementText::AgreementText()
     : m_text(new MenuText(NotchFont::tagline(), HostTheme::dim()))
-    , m_bar(new SlimScrollBar) {
+    , m_bar(new SlimScrollBar)
+    , m_fade(new Fade(this)) {
     setAccessibleName(tr("Host agreement"));
     setFrameShape(NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -33,6 +59,8 @@ AgreementText::AgreementText()
     setWidget(m_text);
     m_text->setAutoFillBackground(false);
     connect(m_bar, &QScrollBar::valueChanged, this, &AgreementText::addLinesAtTheEnd);
+    connect(m_bar, &QScrollBar::valueChanged, this, &AgreementText::placeFade);
+    connect(m_bar, &QScrollBar::rangeChanged, this, &AgreementText::placeFade);
 }
 
 void AgreementText::setText(const QString& text) {
@@ -70,14 +98,23 @@ void AgreementText::addLinesAtTheEnd() {
     }
 }
 
+/// Over the text, and only while more of it follows.
+void AgreementText::placeFade() {
+    const QRect shown = viewport()->geometry();
+    m_fade->setGeometry(shown.x(), shown.bottom() + 1 - kFade, shown.width(), kFade);
+    m_fade->setVisible(m_bar->value() < m_bar->maximum());
+}
+
 void AgreementText::resizeEvent(QResizeEvent* event) {
     QScrollArea::resizeEvent(event);
     fitText();
+    placeFade();
 }
 
 void AgreementText::focusInEvent(QFocusEvent* event) {
     QScrollArea::focusInEvent(event);
-    m_bar->setHighlighted(true);
+    m_isFocusMarked = isFocusMarked(event->reason(), m_isFocusMarked);
+    m_bar->setHighlighted(m_isFocusMarked);
 }
 
 void AgreementText::focusOutEvent(QFocusEvent* event) {

@@ -8,8 +8,9 @@ class MenuText;
 class SlimScrollBar;
 
 /// The host agreement: wrapped, at most 90 points high, and scrolled if it is higher, which is also
-/// when it accepts the keyboard focus. A text of any length appears at once: only its first lines
-/// are laid out, and more as it is scrolled through.
+/// when it accepts the keyboard focus. While more of it follows, its last 14 points fade out. A
+/// text of any length appears at once: only its first lines are laid out, and more as it is
+/// scrolled through.
 class AgreementText final : public QScrollArea {
     Q_OBJECT
 
@@ -33,9 +34,12 @@ protected:
 private:
     void fitText();
     void addLinesAtTheEnd();
+    void placeFade();
 
     MenuText* m_text;
     SlimScrollBar* m_bar;
+    QWidget* m_fade;
+    bool m_isFocusMarked = false;
 };
 
 } // namespace brimlet

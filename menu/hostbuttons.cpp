@@ -2,6 +2,7 @@
 
 #include "creative/continuouspaths.h"
 #include "creative/notchfont.h"
+#include "menu/focusmark.h"
 #include "menu/hosttheme.h"
 #include "menu/textlines.h"
 
@@ -58,7 +59,7 @@ void HostButton::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void HostButton::focusInEvent(QFocusEvent* event) {
-    m_isFocusMarked = event->reason() != Qt::MouseFocusReason;
+    m_isFocusMarked = isFocusMarked(event->reason(), m_isFocusMarked);
     QAbstractButton::focusInEvent(event);
 }
 

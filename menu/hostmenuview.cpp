@@ -33,11 +33,13 @@ MenuText* faintText(const QString& text = {}) {
 QPalette darkPalette() {
     QPalette palette(Qt::white, HostTheme::card(), Qt::white, Qt::black, Qt::gray, Qt::white,
                      Qt::white, HostTheme::card(), HostTheme::bg());
-    palette.setColor(QPalette::Highlight, HostTheme::accent());
+    palette.setColor(QPalette::Highlight,
+                     HostTheme::accent().darker(115)); // white text on it reaches 4.5:1
     palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::PlaceholderText, HostTheme::faint());
-    palette.setColor(QPalette::Disabled, QPalette::WindowText, HostTheme::faint());
-    palette.setColor(QPalette::Disabled, QPalette::Text, HostTheme::faint());
+    palette.setColor(QPalette::Mid, HostTheme::line()); // the window's hairline
+    palette.setColor(QPalette::PlaceholderText, HostTheme::dim());
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, HostTheme::dim());
+    palette.setColor(QPalette::Disabled, QPalette::Text, HostTheme::dim());
     return palette;
 }
 
@@ -105,7 +107,10 @@ void HostMenuView::buildLayout() {
 void HostMenuView::buildActions() {
     connect(m_agree, &QAbstractButton::clicked, this, [this] { startTask(m_store->agree()); });
     connect(m_saveToken, &QAbstractButton::clicked, this, &HostMenuView::saveToken);
-    connect(m_draftToken, &QLineEdit::returnPressed, this, &HostMenuView::saveToken);
+    connect(m_draftToken, &QLineEdit::returnPressed, this, [this] {
+        saveToken();
+        m_saveToken->setFocus(); // which hides the token
+    });
     connect(m_pause, &QAbstractButton::clicked, this, [this] { m_store->pause24h(); });
     connect(m_quit, &QAbstractButton::clicked, this, &HostMenuView::quitRequested);
 }
@@ -163,6 +168,11 @@ void HostMenuView::rebuild() {
     m_split->setVisible(rows.split);
     m_banked->setText(bankedText(week.pendingStipendCents));
     m_banked->setVisible(rows.banked);
+    if (!rows.agreement) {
+        // Else the focus of what goes would move on, to the token, which would be shown.
+        m_agreement->clearFocus();
+        m_agree->clearFocus();
+    }
     m_agreement->setText(rows.agreement ? week.agreementText : QString());
     m_agreement->setVisible(rows.agreement && !week.agreementText.isEmpty());
     m_agree->setVisible(rows.agreement);

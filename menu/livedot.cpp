@@ -5,6 +5,7 @@
 #include "menu/textlines.h"
 
 #include <QPainter>
+#include <QStyle>
 
 #include <algorithm>
 
@@ -49,11 +50,14 @@ void LiveDot::paintEvent(QPaintEvent* /*event*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(m_live ? HostTheme::live() : HostTheme::faint());
-    painter.drawEllipse(QRectF(0, (height() - kDot) / 2.0, kDot, kDot));
+    const bool isMirrored = layoutDirection() == Qt::RightToLeft;
+    painter.drawEllipse(
+        QRectF(isMirrored ? width() - kDot : 0, (height() - kDot) / 2.0, kDot, kDot));
     painter.setFont(font());
     painter.setPen(m_live ? HostTheme::live() : HostTheme::dim());
-    painter.drawText(rect().adjusted(kDot + kSpacing, 0, 0, 0),
-                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, wordFor(m_live));
+    const QRect word = rect().adjusted(kDot + kSpacing, 0, 0, 0);
+    painter.drawText(QStyle::visualRect(layoutDirection(), rect(), word),
+                     Qt::AlignVCenter | Qt::TextSingleLine, wordFor(m_live));
 }
 
 } // namespace brimlet

@@ -14,7 +14,8 @@ MenuScroll::MenuScroll(QWidget* menu) {
     setFocusPolicy(Qt::ClickFocus);
     horizontalScrollBar()->setEnabled(false); // the vertical bar covers only the right margin
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setVerticalScrollBar(new SlimScrollBar);
+    constexpr int kFreeEnds = 20; // the window's corners are round
+    setVerticalScrollBar(new SlimScrollBar(kFreeEnds));
     viewport()->setAutoFillBackground(false);
     setWidget(menu);
     menu->setAutoFillBackground(false);

@@ -11,9 +11,10 @@
 namespace brimlet {
 namespace {
 
-/// Draws one line with its top left corner at `at`. A right-to-left line is aligned left like the
-/// others; the blanks after its last word are left out.
-void drawLine(QPainter& painter, const QString& text, bool isRightToLeft, QPointF at) {
+/// Draws one line with its top left corner at `at`. Lines of both directions are aligned to the
+/// same side, without the blanks after their last word.
+void drawLine(QPainter& painter, const QString& text, bool isRightToLeft, QPointF at, int width,
+              Qt::Alignment side) {
     qsizetype length = text.size();
     while (length > 0 && text.at(length - 1).isSpace()) {
         --length;
@@ -22,11 +23,11 @@ void drawLine(QPainter& painter, const QString& text, bool isRightToLeft, QPoint
     QTextOption option;
     option.setWrapMode(QTextOption::NoWrap);
     option.setTextDirection(isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
-    option.setAlignment(Qt::AlignLeft | Qt::AlignAbsolute);
+    option.setAlignment(side | Qt::AlignAbsolute);
     layout.setTextOption(option);
     layout.beginLayout();
     QTextLine line = layout.createLine();
-    line.setLineWidth(painter.window().width());
+    line.setLineWidth(width);
     layout.endLayout();
     layout.draw(&painter, at);
 }
@@ -62,6 +63,7 @@ void MenuText::setMaximumLines(int lines) {
 
 void MenuText::setInitialLines(int lines) {
     m_wantedLines = lines;
+    m_isBalanced = false;
 }
 
 void MenuText::addLines(int lines) {
@@ -78,6 +80,9 @@ const WrappedText& MenuText::wrappedFor(int width) const {
         m_wrappedLines = m_wantedLines;
         wrapText(m_wrapped, m_text, font(), std::max(1, width),
                  static_cast<std::size_t>(m_wantedLines));
+        if (m_isBalanced && static_cast<int>(m_wrapped.lines.size()) <= m_maximumLines) {
+            balanceLines(m_wrapped, m_text, font(), width);
+        }
     }
     return m_wrapped;
 }
@@ -124,7 +129,8 @@ void MenuText::paintEvent(QPaintEvent* event) {
             const QString rest = m_text.mid(span.start, 2 * span.length + 1);
             text = fontMetrics().elidedText(rest, Qt::ElideRight, width());
         }
-        drawLine(painter, text, span.isRightToLeft, QPointF(0, i * height));
+        drawLine(painter, text, span.isRightToLeft, QPointF(0, i * height), width(),
+                 layoutDirection() == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft);
     }
 }
 

@@ -8,8 +8,9 @@
 
 namespace brimlet {
 
-/// A plain text of the menu, wrapped to its width. The accessible name is the whole text. A QLabel
-/// for the accessible role, but QLabel's own text stays empty.
+/// A plain text of the menu, wrapped to its width, without much shorter lines where other breaks
+/// avoid them. The accessible name is the whole text. A QLabel for the accessible role, but
+/// QLabel's own text stays empty.
 class MenuText final : public QLabel {
     Q_OBJECT
 
@@ -22,7 +23,7 @@ public:
     /// Shows this many lines at most; the last one ends with an ellipsis if there are more.
     void setMaximumLines(int lines);
     /// Lays out only about this many lines until `addLines`, so that a text of any length appears
-    /// at once.
+    /// at once. Its last line may be short.
     void setInitialLines(int lines);
     /// Lays out about this many lines more, if the text has them.
     void addLines(int lines);
@@ -46,6 +47,7 @@ private:
     QString m_text;                                       ///< The result of `wrappableText`.
     int m_maximumLines = std::numeric_limits<int>::max(); ///< Shown.
     int m_wantedLines = std::numeric_limits<int>::max();  ///< Laid out.
+    bool m_isBalanced = true;
     // The layout, and the width and the wanted lines that it was made for.
     mutable WrappedText m_wrapped;
     mutable int m_wrappedWidth = -1;

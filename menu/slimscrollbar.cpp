@@ -18,7 +18,9 @@ public:
         if (control != CC_ScrollBar || bar == nullptr) {
             return QProxyStyle::subControlRect(control, option, part, widget);
         }
-        const QRect whole = bar->rect;
+        const auto* const ours = qobject_cast<const SlimScrollBar*>(widget);
+        const int freeEnds = ours != nullptr ? ours->freeEnds() : 0;
+        const QRect whole = bar->rect.adjusted(0, freeEnds, 0, -freeEnds);
         const qint64 content = qint64{bar->maximum} - bar->minimum + bar->pageStep;
         constexpr int kShortest = 24;
         const int length =
@@ -51,8 +53,9 @@ QStyle* slimStyle() {
 
 } // namespace
 
-SlimScrollBar::SlimScrollBar(QWidget* parent)
-    : QScrollBar(Qt::Vertical, parent) {
+SlimScrollBar::SlimScrollBar(int freeEnds)
+    : QScrollBar(Qt::Vertical, nullptr)
+    , m_freeEnds(freeEnds) {
     setStyle(slimStyle());
     setFixedWidth(kWidth);
 }

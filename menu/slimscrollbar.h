@@ -9,10 +9,13 @@ class SlimScrollBar final : public QScrollBar {
     Q_OBJECT
 
 public:
-    explicit SlimScrollBar(QWidget* parent = nullptr);
+    /// The handle stays this far from both ends of the bar, in points.
+    explicit SlimScrollBar(int freeEnds = 0);
 
     /// Points.
     static constexpr int kWidth = 8;
+
+    [[nodiscard]] int freeEnds() const { return m_freeEnds; }
 
     /// Shows whether the scrolled widget has the keyboard focus.
     void setHighlighted(bool isHighlighted);
@@ -23,6 +26,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    int m_freeEnds;
     bool m_isHighlighted = false;
 };
 

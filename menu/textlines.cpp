@@ -1,9 +1,12 @@
 #include "menu/textlines.h"
 
 #include <QFontMetricsF>
+#include <QTextBoundaryFinder>
 #include <QTextLayout>
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace brimlet {
 namespace {
@@ -35,6 +38,43 @@ std::vector<TextSpan> wrapPiece(const QString& text, TextSpan piece, bool isLast
         lines.pop_back();
     }
     return lines;
+}
+
+QStringView wordsOf(const TextSpan& line, const QString& text) {
+    return QStringView(text).mid(line.start, line.length).trimmed();
+}
+
+/// In points.
+std::vector<double> widthsOf(const WrappedText& wrapped, const QString& text, const QFont& font) {
+    const QFontMetricsF metrics(font);
+    std::vector<double> widths;
+    for (const TextSpan& line : wrapped.lines) {
+        widths.push_back(metrics.horizontalAdvance(wordsOf(line, text).toString()));
+    }
+    return widths;
+}
+
+/// Whether no line is shorter than a third of the longest.
+bool isEven(const std::vector<double>& widths) {
+    const auto [shortest, longest] = std::minmax_element(widths.begin(), widths.end());
+    return 3 * *shortest >= *longest;
+}
+
+/// Whether a line ends inside a word.
+bool breaksWords(const WrappedText& wrapped, const QString& text) {
+    QTextBoundaryFinder places(QTextBoundaryFinder::Line, text);
+    return std::any_of(wrapped.lines.begin(), wrapped.lines.end(), [&](const TextSpan& line) {
+        places.setPosition(line.start);
+        return !places.isAtBoundary();
+    });
+}
+
+/// Whether all lines but the last end with a punctuation mark.
+bool endsPhrases(const WrappedText& wrapped, const QString& text) {
+    return std::all_of(wrapped.lines.begin(), wrapped.lines.end() - 1, [&](const TextSpan& line) {
+        const QStringView words = wordsOf(line, text);
+        return words.isEmpty() || words.back().isPunct();
+    });
 }
 
 } // namespace
@@ -83,6 +123,38 @@ void wrapText(WrappedText& wrapped, const QString& text, const QFont& font, int 
         wrapped.lines.insert(wrapped.lines.end(), lines.begin(), lines.end());
         // After a paragraph: behind its line feed, or behind the end of the text.
         wrapped.next = isLast ? start + length + 1 : lines.back().start + lines.back().length;
+    }
+}
+
+void balanceLines(WrappedText& wrapped, const QString& text, const QFont& font, int width) {
+    constexpr std::size_t kMaximumLines = 6;
+    constexpr qsizetype kMaximumLength = 1000; // UTF-16 units; some characters take no room
+    const std::size_t count = wrapped.lines.size();
+    if (text.size() > kMaximumLength || !wrapped.isWhole(text) || count < 2 ||
+        count > kMaximumLines || isEven(widthsOf(wrapped, text, font))) {
+        return;
+    }
+    std::optional<WrappedText> even;
+    for (WrappedText next = wrapped;
+         next.isWhole(text) && next.lines.size() == count && !breaksWords(next, text);) {
+        const std::vector<double> widths = widthsOf(next, text, font);
+        if (isEven(widths) && (!even || endsPhrases(next, text))) {
+            even = next;
+            if (endsPhrases(next, text)) {
+                break;
+            }
+        }
+        // The next smaller width at which a line breaks elsewhere.
+        const int narrower = qCeil(*std::max_element(widths.begin(), widths.end())) - 1;
+        if (narrower < 1 || narrower >= width) {
+            break; // a single character is wider than the line
+        }
+        width = narrower;
+        next = {};
+        wrapText(next, text, font, width, count + 1);
+    }
+    if (even) {
+        wrapped = *std::move(even);
     }
 }
 

@@ -43,4 +43,10 @@ struct WrappedText final {
 void wrapText(WrappedText& wrapped, const QString& text, const QFont& font, int width,
               std::size_t wanted = std::numeric_limits<std::size_t>::max());
 
+/// Wraps a whole text of two to six lines and at most 1,000 UTF-16 units anew if one of them is
+/// shorter than a third of the longest and other breaks between words avoid that without another
+/// line: at punctuation marks if possible. `width` is what it was wrapped to, in points. Other
+/// texts stay as they are.
+void balanceLines(WrappedText& wrapped, const QString& text, const QFont& font, int width);
+
 } // namespace brimlet

@@ -1,6 +1,7 @@
 #include "menu/tokenfield.h"
 
 #include "creative/notchfont.h"
+#include "menu/focusmark.h"
 #include "menu/hosttheme.h"
 #include "menu/textlines.h"
 
@@ -46,6 +47,9 @@ QSize TokenField::minimumSizeHint() const {
 
 void TokenField::showAs(EchoMode mode) {
     setEchoMode(mode);
+    QPalette colors = palette();
+    colors.setColor(QPalette::Text, mode == Password ? HostTheme::dim() : QColor(Qt::white));
+    setPalette(colors);
     // Keeps the token out of input methods' dictionaries; setEchoMode() resets the hints.
     setInputMethodHints(Qt::ImhSensitiveData | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
 }
@@ -58,7 +62,8 @@ void TokenField::paintEvent(QPaintEvent* event) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(HostTheme::card());
         painter.drawRoundedRect(QRectF(rect()), kCorner, kCorner);
-        painter.setPen(QPen(hasFocus() ? HostTheme::accent() : HostTheme::line(), 1));
+        painter.setPen(
+            QPen(hasFocus() && m_isFocusMarked ? HostTheme::accent() : HostTheme::faint(), 1));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kCorner - 0.5,
                                 kCorner - 0.5);
@@ -68,6 +73,7 @@ void TokenField::paintEvent(QPaintEvent* event) {
 
 void TokenField::focusInEvent(QFocusEvent* event) {
     showAs(Normal);
+    m_isFocusMarked = isFocusMarked(event->reason(), m_isFocusMarked);
     QLineEdit::focusInEvent(event);
 }
 

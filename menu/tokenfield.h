@@ -24,6 +24,8 @@ protected:
 
 private:
     void showAs(EchoMode mode);
+
+    bool m_isFocusMarked = true;
 };
 
 } // namespace brimlet

@@ -119,6 +119,15 @@ QString NotchPill::destination() const {
     return m_isClickable ? toolTipOf(*m_creative) : QString();
 }
 
+/// The window shows the tooltip, below the capsule.
+bool NotchPill::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        event->ignore();
+        return false;
+    }
+    return QWidget::event(event);
+}
+
 void NotchPill::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     if (!lineBox().toAlignedRect().contains(event->rect())) {

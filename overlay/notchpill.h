@@ -55,6 +55,7 @@ Q_SIGNALS:
     void changed(QRect box);
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;

@@ -23,7 +23,8 @@ public:
     /// Moves it next to the status item's new place, if it is shown.
     virtual void follow(const Rect& item) = 0;
 
-    /// Hides it and, if it was shown, calls the observers before it returns.
+    /// Closes it: when this returns, it is not presented any more, and the observers have been
+    /// called if it was. It may still fade out.
     virtual void dismiss() = 0;
 
     [[nodiscard]] virtual bool isPresented() const = 0;

@@ -21,7 +21,7 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "paid advertising beside the camera notch"
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 "Brimlet shows advertising. On a laptop whose screen has a camera notch it
 places two small black capsules beside the notch, each with a brand's picture,
-name and line. The person who runs it, the host, is paid for that.
+name and tagline. The person who runs it, the host, is paid for that.
 .
 It starts with the session and shows an item in the tray. It asks a placement
 service every few seconds what to show, and, once the host has entered a

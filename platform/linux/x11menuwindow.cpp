@@ -2,6 +2,7 @@
 
 #include "platform/linux/laptopsymbol.h"
 #include "platform/linux/windowmanager.h"
+#include "platform/linux/x11.h"
 #include "platform/linux/x11menuscreens.h"
 #include "platform/linux/x11watch.h"
 #include "platform/qt/desktopgeometry.h"
@@ -13,14 +14,26 @@
 #include <QScreen>
 #include <QWindow>
 
+#include <utility>
+
 namespace brimlet {
+namespace {
+
+constexpr int kFade = 120; // milliseconds
+/// How far the panel moves while it opens, in points.
+constexpr int kSlide = 4;
+
+} // namespace
 
 X11MenuWindow::X11MenuWindow(std::unique_ptr<QWidget> content,
-                             std::function<QRectF()> primaryGeometry)
+                             std::function<QRectF()> primaryGeometry,
+                             const ReduceMotion& reduceMotion, RoundedPath roundedPath)
     // Not a tool window, which Qt declares transient for a window that window managers do not know.
     : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint)
     , m_content(content.release())
-    , m_primaryGeometry(std::move(primaryGeometry)) {
+    , m_primaryGeometry(std::move(primaryGeometry))
+    , m_reduceMotion(reduceMotion)
+    , m_roundedPath(roundedPath) {
     setAttribute(Qt::WA_TranslucentBackground);
     setWindowTitle(QStringLiteral("Brimlet panel"));
     setWindowIcon(laptopSymbol());
@@ -30,6 +43,17 @@ X11MenuWindow::X11MenuWindow(std::unique_ptr<QWidget> content,
     m_dismissal.setInterval(kDismissalDelay);
     m_dismissal.setSingleShot(true);
     connect(&m_dismissal, &QTimer::timeout, this, &X11MenuWindow::dismiss);
+    m_fade.setStartValue(0.0);
+    m_fade.setEndValue(1.0);
+    m_fade.setDuration(kFade);
+    m_fade.setEasingCurve(QEasingCurve::OutCubic);
+    connect(&m_fade, &QVariantAnimation::valueChanged, this,
+            [this](const QVariant& progress) { setOpening(progress.toDouble()); });
+    connect(&m_fade, &QVariantAnimation::finished, this, [this] {
+        if (m_isClosing) {
+            hide();
+        }
+    });
     watchSway();
     watchOutside();
     connect(qGuiApp, &QGuiApplication::screenAdded, this, &X11MenuWindow::followScreen);
@@ -48,22 +72,45 @@ void X11MenuWindow::followScreen(QScreen* screen) {
 }
 
 void X11MenuWindow::present(const std::optional<Rect>& item) {
+    if (m_isClosing) {
+        hide();
+    }
     if (!isVisible()) {
+        m_dismissal.stop();
         destroyNativeWindow();
         m_item = item ? std::optional(toQtRect(*item)) : std::nullopt;
         // Focus starts before the first control, so that no key press activates one by accident.
         m_content->setFocus();
         x11::declareAsPanel(winId());
+        m_hasCompositor = X11Watch::shared().hasCompositor();
+        if (isAnimated()) {
+            m_fade.setDirection(QAbstractAnimation::Forward);
+            m_fade.start();
+        } else {
+            setOpening(1);
+        }
     }
-    m_isRound = X11Watch::shared().hasCompositor();
     show();
     raise();
     activateWindow();
     x11::activate(winId());
 }
 
+bool X11MenuWindow::isAnimated() const {
+    return m_hasCompositor && !m_reduceMotion.isOn();
+}
+
+void X11MenuWindow::setOpening(double progress) {
+    setWindowOpacity(progress);
+    const QPoint place = m_panel.topLeft() + QPoint(0, qRound((1 - progress) * m_slide));
+    if (m_content->pos() != place) {
+        m_content->move(place);
+        update();
+    }
+}
+
 void X11MenuWindow::follow(const Rect& item) {
-    if (isVisible() && m_item != toQtRect(item)) {
+    if (isPresented() && m_item != toQtRect(item)) {
         m_item = toQtRect(item);
         fit();
     }
@@ -74,7 +121,34 @@ QRect X11MenuWindow::toQtRect(const Rect& item) const {
 }
 
 void X11MenuWindow::dismiss() {
-    hide();
+    if (!isPresented()) {
+        return;
+    }
+    if (!isAnimated()) {
+        hide();
+        return;
+    }
+    m_isClosing = true;
+    endPresentation();
+    m_dismissals.notify();
+    m_content->setFocus(); // a key press activates no control any more
+    applyInputShape();
+    m_fade.setDirection(QAbstractAnimation::Backward);
+    m_fade.start();
+}
+
+void X11MenuWindow::endPresentation() {
+    m_dismissal.stop();
+    if (m_sway) {
+        m_sway->stop();
+    }
+    m_outside.setActive(false);
+    m_desktop.hide();
+}
+
+/// While it closes, no key moves the focus to a control.
+bool X11MenuWindow::focusNextPrevChild(bool isNext) {
+    return !m_isClosing && QWidget::focusNextPrevChild(isNext);
 }
 
 void X11MenuWindow::destroyNativeWindow() {
@@ -88,19 +162,40 @@ ObserverToken X11MenuWindow::observeDismissals(std::function<void()> dismissed) 
 }
 
 void X11MenuWindow::fit() {
+    if (m_isClosing) {
+        return;
+    }
     const auto screens = x11MenuScreens(m_sway ? m_sway->areas() : std::vector<QRect>());
-    if (const auto frame = menuFrame(m_content->sizeHint(), m_item, screens)) {
-        m_content->resize(frame->size());
-        m_frame = *frame;
-        m_isFrameRestored = false;
-        if (m_sway) {
-            resize(frame->size()); // sway would centre it at a request for a place, too
-            if (isVisible()) {
-                m_sway->place(windowTitle(), toX11Pixels(frame->topLeft()));
-            }
-        } else {
-            setGeometry(*frame);
+    const auto panel = menuFrame(m_content->sizeHint(), m_item, screens);
+    if (!panel) {
+        return;
+    }
+    m_frame = m_hasCompositor ? withMargins(*panel, kPanelShadow, screens) : *panel;
+    m_isFrameRestored = false;
+    m_panel = panel->translated(-m_frame.topLeft());
+    const QScreen* const screen = QGuiApplication::screenAt(panel->center());
+    const bool isLow = screen != nullptr && panel->center().y() > screen->geometry().center().y();
+    m_slide = isLow ? kSlide : -kSlide;
+    m_content->setGeometry(m_panel);
+    if (m_fade.state() == QAbstractAnimation::Running) {
+        setOpening(m_fade.currentValue().toDouble());
+    }
+    if (m_sway) {
+        resize(m_frame.size()); // sway would centre it at a request for a place, too
+        if (isVisible()) {
+            m_sway->place(windowTitle(), toX11Pixels(m_frame.topLeft()));
         }
+    } else {
+        setGeometry(m_frame);
+    }
+    applyInputShape();
+}
+
+void X11MenuWindow::applyInputShape() {
+    if (const WId window = internalWinId(); window != 0) {
+        const double scale = devicePixelRatioF();
+        const QRectF pixels(m_panel.topLeft().toPointF() * scale, m_panel.size().toSizeF() * scale);
+        x11::setInputShape(window, m_isClosing ? QRegion() : QRegion(pixels.toAlignedRect()));
     }
 }
 
@@ -145,6 +240,7 @@ bool X11MenuWindow::event(QEvent* event) {
         m_dismissal.start();
     } else if (event->type() == QEvent::WindowActivate) {
         m_dismissal.stop();
+        applyInputShape(); // openbox does not see one that was set before it managed the window
     } else if (event->type() == QEvent::LayoutRequest) {
         fit();
     } else if (event->type() == QEvent::Resize || event->type() == QEvent::Move) {
@@ -153,17 +249,26 @@ bool X11MenuWindow::event(QEvent* event) {
     return QWidget::event(event);
 }
 
-void X11MenuWindow::paintEvent(QPaintEvent* /*event*/) {
+void X11MenuWindow::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(m_content->palette().window());
-    const double corner = m_isRound ? 12 : 0;
-    painter.drawRoundedRect(QRectF(rect()), corner, corner);
+    const QRect panel = m_content->geometry();
+    if (!m_hasCompositor) {
+        paintPanel(painter, panel, m_content->palette(), 0, m_roundedPath);
+        return;
+    }
+    // Nothing that the content updates is nearer to the edge.
+    constexpr int kEdge = 16;
+    if (!panel.adjusted(kEdge, kEdge, -kEdge, -kEdge).contains(event->rect())) {
+        paintPanelShadow(painter, panel);
+    }
+    paintPanel(painter, panel, m_content->palette(), kPanelCorner, m_roundedPath);
 }
 
 void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
     fit(); // the content has updated its size hint by now
+    if (m_isClosing) {
+        return;
+    }
     if (m_sway) {
         m_sway->requestAreas();
     }
@@ -172,17 +277,20 @@ void X11MenuWindow::showEvent(QShowEvent* /*event*/) {
 }
 
 void X11MenuWindow::hideEvent(QHideEvent* event) {
-    m_dismissal.stop();
-    if (m_sway) {
-        m_sway->stop();
+    if (event->spontaneous()) {
+        m_dismissal.stop();
+        if (m_sway) {
+            m_sway->stop();
+        }
+        return;
     }
-    if (!event->spontaneous()) {
-        m_outside.setActive(false);
-        m_desktop.hide();
+    m_fade.stop();
+    endPresentation();
+    if (!std::exchange(m_isClosing, false)) {
         m_dismissals.notify();
-        // Queued, because this may run inside an event of the native window.
-        QMetaObject::invokeMethod(this, &X11MenuWindow::destroyNativeWindow, Qt::QueuedConnection);
     }
+    // Queued, because this may run inside an event of the native window.
+    QMetaObject::invokeMethod(this, &X11MenuWindow::destroyNativeWindow, Qt::QueuedConnection);
 }
 
 void X11MenuWindow::keyPressEvent(QKeyEvent* event) {

@@ -6,9 +6,12 @@
 #include "platform/menuwindow.h"
 #include "platform/observers.h"
 #include "platform/onceperturn.h"
+#include "platform/qt/panelbackground.h"
+#include "platform/reducemotion.h"
 
 #include <QRectF>
 #include <QTimer>
+#include <QVariantAnimation>
 #include <QWidget>
 
 #include <functional>
@@ -17,20 +20,22 @@
 namespace brimlet {
 
 /// The menu-bar panel's window under X11. It is a window of its own and not a popup, because a
-/// popup would swallow the click that closes it. Its background has the content's window colour;
-/// its corners are round while a compositor runs.
+/// popup would swallow the click that closes it. Its background has the content's window colour.
+/// While a compositor runs, its corners are round, it has a shadow, through which clicks pass, and
+/// it fades in and out unless motion is reduced.
 class X11MenuWindow final : public QWidget, public MenuWindow {
     Q_OBJECT
 
 public:
     /// Takes ownership of the content and sizes it to its size hint. `primaryGeometry` returns the
-    /// primary screen's current geometry in Qt's space.
-    X11MenuWindow(std::unique_ptr<QWidget> content, std::function<QRectF()> primaryGeometry);
+    /// primary screen's current geometry in Qt's space. `reduceMotion` outlives this.
+    X11MenuWindow(std::unique_ptr<QWidget> content, std::function<QRectF()> primaryGeometry,
+                  const ReduceMotion& reduceMotion, RoundedPath roundedPath);
 
     void present(const std::optional<Rect>& item) override;
     void follow(const Rect& item) override;
     void dismiss() override;
-    [[nodiscard]] bool isPresented() const override { return isVisible(); }
+    [[nodiscard]] bool isPresented() const override { return isVisible() && !m_isClosing; }
     ObserverToken observeDismissals(std::function<void()> dismissed) override;
 
 protected:
@@ -39,6 +44,7 @@ protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    bool focusNextPrevChild(bool isNext) override;
 
 private:
     [[nodiscard]] QRect toQtRect(const Rect& item) const;
@@ -47,6 +53,13 @@ private:
     /// a native window that is shown again before that gets no further activation events.
     void destroyNativeWindow();
     void followScreen(QScreen* screen);
+    [[nodiscard]] bool isAnimated() const;
+    /// Shows the opening from 0, invisible, to 1, its end; closing is the same backwards.
+    void setOpening(double progress);
+    /// Stops what runs while the panel is presented.
+    void endPresentation();
+    /// Lets clicks on the shadow pass, and every click while it closes.
+    void applyInputShape();
     /// Resizes to the content's size hint and moves to the place beside the status item.
     void fit();
     void watchSway();
@@ -60,11 +73,17 @@ private:
 
     QWidget* m_content;
     std::function<QRectF()> m_primaryGeometry;
+    const ReduceMotion& m_reduceMotion;
+    RoundedPath m_roundedPath;
     std::optional<QRect> m_item; ///< In Qt's space.
-    QRect m_frame;               ///< As last requested, in Qt's space.
+    QRect m_frame;               ///< As last requested, in Qt's space, with the shadow.
+    QRect m_panel;               ///< The panel's place in the window.
+    int m_slide = 0;             ///< How far below its place the panel starts, in points.
+    QVariantAnimation m_fade;    ///< Forward while it opens, backward while it closes.
+    bool m_isClosing = false;
     bool m_isFrameRestored = false;
     OncePerTurn m_restoreFrame{[this] { restoreFrame(); }};
-    bool m_isRound = true;
+    bool m_hasCompositor = true;       ///< At the last opening.
     std::optional<SwayDesktop> m_sway; ///< Absent elsewhere.
     DesktopCover m_desktop;            ///< Shown while the panel is.
     OutsideWatch m_outside;            ///< Active while the panel is.

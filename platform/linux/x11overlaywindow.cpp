@@ -7,6 +7,8 @@
 #include "platform/qt/desktopgeometry.h"
 #include "platform/qt/outlineregion.h"
 
+#include <QHelpEvent>
+
 #include <utility>
 
 namespace brimlet {
@@ -51,6 +53,18 @@ void X11OverlayWindow::bringForward() {
         show();
         x11::removeParentHint(internalWinId());
     }
+}
+
+bool X11OverlayWindow::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) {
+        return QWidget::event(event);
+    }
+    const QPoint position = static_cast<QHelpEvent*>(event)->pos();
+    if (QWidget* const target = m_content->childAt(m_content->mapFromParent(position))) {
+        m_toolTip.showFor(*target);
+        event->accept(); // the next tooltip comes without a delay
+    }
+    return true;
 }
 
 /// Between Qt's raise of a tooltip that is shown and its mapping, so that it never covers a menu.

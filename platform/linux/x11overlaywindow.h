@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/x11tooltip.h"
 #include "platform/overlaywindow.h"
 
 #include <QPainterPath>
@@ -15,7 +16,8 @@ namespace brimlet {
 
 /// The overlay's window on an X server: unmanaged, so that it is on every desktop and never takes
 /// focus. It stays above managed windows and below the menus and locked screens of other programs
-/// (`x11::raiseAboveManagedWindows()`). Clicks outside the clickable region pass through; without a
+/// (`x11::raiseAboveManagedWindows()`). Shows the tooltips of the content's widgets that ignore the
+/// event for it. Clicks outside the clickable region pass through; without a
 /// compositor the window is cut to the painted region.
 class X11OverlayWindow final : public QWidget, public OverlayWindow {
     Q_OBJECT
@@ -39,6 +41,7 @@ public:
     void setSessionLocked(bool isLocked);
 
 protected:
+    bool event(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
@@ -47,6 +50,7 @@ private:
     void bringForward();
 
     QWidget* m_content;
+    X11ToolTip m_toolTip;
     std::function<QRectF()> m_primaryGeometry;
     bool m_isFitted;
     QRect m_frame; ///< In Qt's coordinates.

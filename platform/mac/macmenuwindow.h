@@ -3,6 +3,7 @@
 #include "platform/mac/rules/menubackground.h"
 #include "platform/menuwindow.h"
 #include "platform/observers.h"
+#include "platform/reducemotion.h"
 
 #include <QScopeGuard>
 #include <QWidget>
@@ -20,8 +21,9 @@ namespace brimlet {
 /// program.
 class MacMenuWindow final : public MenuWindow {
 public:
-    /// Takes ownership of the content and sizes it to its size hint.
-    explicit MacMenuWindow(std::unique_ptr<QWidget> content);
+    /// Takes ownership of the content and sizes it to its size hint. `reduceMotion` outlives this.
+    MacMenuWindow(std::unique_ptr<QWidget> content, const ReduceMotion& reduceMotion,
+                  RoundedPath roundedPath);
     ~MacMenuWindow() override;
     MacMenuWindow(const MacMenuWindow&) = delete;
     MacMenuWindow& operator=(const MacMenuWindow&) = delete;
@@ -43,6 +45,7 @@ private:
     void fit();
 
     MenuBackground m_background;
+    const ReduceMotion& m_reduceMotion;
     std::unique_ptr<Native> m_native;
     bool m_isPresented = false;
     Observers m_dismissals;

@@ -13,10 +13,12 @@ struct MacMenuWindow::Native final {
     BrimletPanel* panel = [[BrimletPanel alloc] initTakingKeyboard:YES];
 };
 
-MacMenuWindow::MacMenuWindow(std::unique_ptr<QWidget> content)
+MacMenuWindow::MacMenuWindow(std::unique_ptr<QWidget> content, const ReduceMotion& reduceMotion,
+                             RoundedPath roundedPath)
     : m_background(
-          std::move(content), [this] { dismiss(); }, [this] { fit(); },
+          std::move(content), roundedPath, [this] { dismiss(); }, [this] { fit(); },
           [this] { [m_native->panel invalidateShadow]; })
+    , m_reduceMotion(reduceMotion)
     , m_native(std::make_unique<Native>())
     , m_keyboardLoss(onNotification(NSNotificationCenter.defaultCenter,
                                     NSWindowDidResignKeyNotification, m_native->panel,
@@ -37,6 +39,9 @@ MacMenuWindow::~MacMenuWindow() {
 
 void MacMenuWindow::present(const std::optional<Rect>& item) {
     if (!std::exchange(m_isPresented, true)) {
+        m_native->panel.animationBehavior = m_reduceMotion.isOn()
+                                                ? NSWindowAnimationBehaviorNone
+                                                : NSWindowAnimationBehaviorUtilityWindow;
         m_background.appear(item);
         fit();
     }

@@ -76,8 +76,17 @@ std::optional<QRect> menuFrame(QSize preferred, const std::optional<QRect>& item
             return item && screen.geometry.contains(item->center());
         });
     const MenuScreen& screen = itemScreen == screens.end() ? screens.front() : *itemScreen;
-    const QSize size = preferred.boundedTo(screen.available.size());
+    const QSize size = preferred.boundedTo(screen.available.size() - QSize(2 * kGap, 2 * kGap));
     return QRect(menuOrigin(size, item, screen), size);
+}
+
+QRect withMargins(const QRect& panel, const QMargins& margins,
+                  const std::vector<MenuScreen>& screens) {
+    const auto screen = std::find_if(screens.begin(), screens.end(), [&](const MenuScreen& each) {
+        return each.available.contains(panel.center());
+    });
+    return screen == screens.end() ? panel
+                                   : (panel.marginsAdded(margins) & screen->available) | panel;
 }
 
 } // namespace brimlet

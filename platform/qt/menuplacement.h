@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMargins>
 #include <QPoint>
 #include <QRect>
 #include <QSize>
@@ -36,9 +37,14 @@ struct MenuScreen final {
                                 const MenuScreen& screen);
 
 /// The frame of a panel of the preferred size, in Qt's space. It is on the screen that contains the
-/// item's centre, otherwise on the first screen, and never larger than the available area there.
+/// item's centre, otherwise on the first screen, and six points away from the edges of the
+/// available area there, with a smaller size if need be.
 /// Absent without a screen.
 [[nodiscard]] std::optional<QRect> menuFrame(QSize preferred, const std::optional<QRect>& item,
                                              const std::vector<MenuScreen>& screens);
+
+/// The panel's frame with margins, as far as the available area of its screen has room for them.
+[[nodiscard]] QRect withMargins(const QRect& panel, const QMargins& margins,
+                                const std::vector<MenuScreen>& screens);
 
 } // namespace brimlet

@@ -263,9 +263,8 @@ void WaylandOverlayWindow::timerEvent(QTimerEvent* event) {
     const bool wasShown = m_toolTip != nullptr;
     hideToolTip();
     if (!wasShown && m_surface && m_isPointerHere) {
-        constexpr QPoint kBelowCursor(2, 16);
-        m_toolTip = std::make_unique<WaylandToolTip>(
-            m_connection, *m_surface, m_pointer.position().toPoint() + kBelowCursor, m_toolTipText);
+        m_toolTip = std::make_unique<WaylandToolTip>(m_connection, *m_surface,
+                                                     m_pointer.targetBox(), m_toolTipText);
         constexpr int kShownFor = 10'000; // as Qt's own, in milliseconds
         m_toolTipTimer.start(kShownFor, this);
     }

@@ -1,45 +1,14 @@
 #include "platform/wayland/waylandtooltip.h"
 
+#include "platform/qt/tooltiplabel.h"
 #include "platform/wayland/overlaysurface.h"
 #include "platform/wayland/waylandconnection.h"
 #include "platform/wayland/waylandprotocols.h"
 
-#include <QLabel>
-#include <QStyleOptionFrame>
-#include <QStylePainter>
-#include <QToolTip>
-
 namespace brimlet {
-namespace {
-
-/// As Qt's own tooltips look, which are windows that cannot be placed on Wayland.
-class ToolTipLabel final : public QLabel {
-public:
-    explicit ToolTipLabel(const QString& text)
-        : QLabel(text, nullptr, Qt::ToolTip) {
-        setPalette(QToolTip::palette());
-        setFont(QToolTip::font());
-        setForegroundRole(QPalette::ToolTipText);
-        setBackgroundRole(QPalette::ToolTipBase);
-        setMargin(1 + style()->pixelMetric(QStyle::PM_ToolTipLabelFrameWidth, nullptr, this));
-        setIndent(1);
-        ensurePolished();
-        resize(sizeHint());
-    }
-
-protected:
-    void paintEvent(QPaintEvent* event) override {
-        QStyleOptionFrame option;
-        option.initFrom(this);
-        QStylePainter(this).drawPrimitive(QStyle::PE_PanelTipLabel, option);
-        QLabel::paintEvent(event);
-    }
-};
-
-} // namespace
 
 WaylandToolTip::WaylandToolTip(WaylandConnection& connection, const OverlaySurface& parent,
-                               QPoint place, const QString& text) {
+                               const QRect& box, const QString& text) {
     const WaylandGlobals& globals = connection.globals();
     ToolTipLabel label(text);
     m_buffers = std::make_unique<WaylandBuffers>(globals.shm.get(), label.size() * parent.scale());
@@ -49,7 +18,8 @@ WaylandToolTip::WaylandToolTip(WaylandConnection& connection, const OverlaySurfa
     m_buffers->released = [] {};
     QImage& picture = m_buffers->beginPaint();
     picture.setDevicePixelRatio(parent.scale());
-    label.render(&picture);
+    picture.fill(Qt::transparent);
+    label.render(&picture, {}, {}, QWidget::DrawChildren);
 
     m_surface.reset(wl_compositor_create_surface(globals.compositor.get()));
     if (globals.viewporter) {
@@ -63,8 +33,8 @@ WaylandToolTip::WaylandToolTip(WaylandConnection& connection, const OverlaySurfa
 
     const Proxy<xdg_positioner> positioner(xdg_wm_base_create_positioner(globals.windows.get()));
     xdg_positioner_set_size(positioner.get(), label.width(), label.height());
-    xdg_positioner_set_anchor(positioner.get(), XDG_POSITIONER_ANCHOR_BOTTOM_LEFT);
-    xdg_positioner_set_gravity(positioner.get(), XDG_POSITIONER_GRAVITY_BOTTOM_RIGHT);
+    xdg_positioner_set_anchor(positioner.get(), XDG_POSITIONER_ANCHOR_BOTTOM);
+    xdg_positioner_set_gravity(positioner.get(), XDG_POSITIONER_GRAVITY_BOTTOM);
     xdg_positioner_set_constraint_adjustment(positioner.get(),
                                              XDG_POSITIONER_CONSTRAINT_ADJUSTMENT_SLIDE_X |
                                                  XDG_POSITIONER_CONSTRAINT_ADJUSTMENT_SLIDE_Y);
@@ -79,7 +49,8 @@ WaylandToolTip::WaylandToolTip(WaylandConnection& connection, const OverlaySurfa
             wl_surface_commit(self.m_surface.get());
         }};
     xdg_surface_add_listener(m_window.get(), &kWindow, this);
-    m_popup.reset(parent.createPopup(m_window.get(), positioner.get(), place));
+    const QPoint anchor(box.center().x(), box.bottom() + ToolTipLabel::kGap);
+    m_popup.reset(parent.createPopup(m_window.get(), positioner.get(), anchor));
     static constexpr xdg_popup_listener kPopup{
         .configure = kIgnoreEvent,
         // The compositor hides it itself, and the owner destroys it in the end.

@@ -3,7 +3,7 @@
 #include "platform/wayland/waylandbuffers.h"
 #include "platform/wayland/waylandproxies.h"
 
-#include <QPoint>
+#include <QRect>
 #include <QString>
 
 #include <memory>
@@ -13,13 +13,13 @@ namespace brimlet {
 class OverlaySurface;
 class WaylandConnection;
 
-/// A tooltip of Qt's look in a popup of the overlay's, which ignores the pointer. Its objects
-/// belong to one connection. Main thread only.
+/// A tooltip in a popup of the overlay's, which ignores the pointer. Its objects belong to one
+/// connection. Main thread only.
 class WaylandToolTip final {
 public:
-    /// Below this place, in points of the parent, or beside it where the screen ends. The parent
+    /// Below this box, in points of the parent, centred as far as the screen allows. The parent
     /// outlives it. `text` may be rich text.
-    WaylandToolTip(WaylandConnection& connection, const OverlaySurface& parent, QPoint place,
+    WaylandToolTip(WaylandConnection& connection, const OverlaySurface& parent, const QRect& box,
                    const QString& text);
     ~WaylandToolTip();
     WaylandToolTip(const WaylandToolTip&) = delete;

@@ -41,6 +41,10 @@ QString WidgetPointer::toolTip() const {
     return m_hovered ? m_hovered->toolTip() : QString();
 }
 
+QRect WidgetPointer::targetBox() const {
+    return m_hovered ? QRect(m_hovered->mapTo(&m_content, QPoint()), m_hovered->size()) : QRect();
+}
+
 void WidgetPointer::setHovered(QWidget* child) {
     if (m_hovered == child) {
         return;

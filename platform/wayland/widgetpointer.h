@@ -28,7 +28,8 @@ public:
     /// The cursor and the tooltip of the child below the pointer; an arrow and empty without one.
     [[nodiscard]] Qt::CursorShape cursor() const;
     [[nodiscard]] QString toolTip() const;
-    [[nodiscard]] QPointF position() const { return m_position; }
+    /// The child's frame in the content; empty without one.
+    [[nodiscard]] QRect targetBox() const;
 
 Q_SIGNALS:
     /// The pointer is over another child, or none, or that child has another cursor or tooltip.

@@ -35,8 +35,8 @@ shows() {
   [ "$(state | jq "$1")" = true ]
 }
 
-# The desktop's background in all pictures.
-set_background() { hsetroot -add '#9fb2c9' -add '#4a5a72' -gradient 0 >/dev/null; }
+# The desktop's background in the pictures. One colour: a gradient starts again within a large screen.
+set_background() { hsetroot -solid '#75869e' >/dev/null; }
 
 # shellcheck disable=SC2034 # for the scripts
 # find_window TITLE: sets $x, $y, $width and $height, in pixels of the screen. Not a window of

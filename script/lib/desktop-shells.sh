@@ -56,7 +56,19 @@ start_desktop() {
 start_xfce_shell() {
     local folder=$XDG_CONFIG_HOME/xfce4/xfconf/xfce-perchannel-xml
     mkdir -p "$folder"
-    cat >"$folder/xfce4-panel.xml" <<CONFIG
+    if [[ -n ${BRIMLET_SESSION_XFCE:-} ]]; then
+        cp "$BRIMLET_SESSION_XFCE"/*.xml "$folder"
+    else
+        write_xfce_panel >"$folder/xfce4-panel.xml"
+    fi
+    keep wm xfwm4 --compositor=on
+    await wm has_window_manager
+    keep panel xfce4-panel
+    keep background xfdesktop
+    keep notifications "$libraries/xfce4/notifyd/xfce4-notifyd"
+}
+write_xfce_panel() {
+    cat <<CONFIG
 <?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-panel" version="1.0">
   <property name="configver" type="int" value="2"/>
@@ -86,11 +98,6 @@ start_xfce_shell() {
   </property>
 </channel>
 CONFIG
-    keep wm xfwm4 --compositor=on
-    await wm has_window_manager
-    keep panel xfce4-panel
-    keep background xfdesktop
-    keep notifications "$libraries/xfce4/notifyd/xfce4-notifyd"
 }
 
 start_lxqt_shell() {

@@ -10,6 +10,12 @@ mkdir -p "$out/pictures"
 pixels() { jq -nr '$ARGS.positional | map(tonumber * $scale | floor) | join(" ")' \
   --argjson scale "$scale" --args "$@"; }
 
+# on_machine CHANGE: applies a jq filter to the machine file of the next program.
+on_machine() {
+  jq "$1" "$out/machine.json" >"$out/machine.new"
+  mv "$out/machine.new" "$out/machine.json"
+}
+
 # Sets the background and starts the service.
 set_scene() {
   set_background
@@ -52,4 +58,19 @@ creative() {
   jq -n '$ARGS.positional | {slotId: .[0], brandName: .[1], tagline: .[2]}
     + if .[3] then {assetUrl: "/assets/\(.[3]).png", brandUrl: "/brands/\(.[3])"} else {} end' \
     --args "$@"
+}
+
+# The reply to a host who earns, with fixed figures, independent of the date.
+figures='{"estimatedCents": 1234, "pendingStipendCents": 1500, "liveHostCount": 42,
+  "liveDaysThisWeek": 3, "liveBucketsToday": 2, "agreed": true}'
+# shellcheck disable=SC2034 # for the scripts
+week=$(jq -n --argjson figures "$figures" '{endpoints: {
+  "/api/host/me": {merge: $figures}, "/api/host/heartbeat": {merge: $figures}}}')
+# shellcheck disable=SC2034 # for the scripts
+earns='.statusLine | startswith("Ads on. This week")'
+
+# with_token TOKEN CONDITION: saves the token and waits for the condition.
+with_token() {
+  tell "save-token $1"
+  within 20 shows "$2" || fail "the state was not reached; the program says: $(state | jq -c .statusLine)"
 }

@@ -47,6 +47,7 @@ within() {
 # start_service ARGUMENT...: starts the service on a free port, and writes the machine file with its
 # address.
 start_service() {
+  rm -f "$out/service.log" # of an earlier one
   "$BRIMLET_BIN/brimlet-placement" --port 0 --log "$out/requests.jsonl" "$@" \
     >"$out/service.log" 2>&1 &
   service=$!

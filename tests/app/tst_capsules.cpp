@@ -1,3 +1,4 @@
+#include "tests/support/emulated.h"
 #include "tests/support/pointer.h"
 #include "tests/support/processes.h"
 #include "tests/support/testpaths.h"
@@ -19,7 +20,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 // In points of the 14-inch machine's screen, whose panel begins at 542.
 constexpr QPoint kLeftCapsule(542 + 8 + 54, 13);
 constexpr QPoint kRightCapsule(542 + 312 + 54, 13);

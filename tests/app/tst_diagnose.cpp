@@ -1,6 +1,7 @@
 #include "app/linuxdiagnosis.h"
 #include "tests/platform/linux/kernelfolder.h"
 #include "tests/platform/linux/writefile.h"
+#include "tests/support/emulated.h"
 #include "tests/support/keyring.h"
 #include "tests/support/processes.h"
 #include "tests/support/stubbus.h"
@@ -20,7 +21,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 /// For all that does not answer within its limit.
 constexpr int kLongestDiagnosis = 6000;
 

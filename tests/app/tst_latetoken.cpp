@@ -1,3 +1,4 @@
+#include "tests/support/emulated.h"
 #include "tests/support/keyring.h"
 #include "tests/support/pointer.h"
 #include "tests/support/processes.h"
@@ -12,7 +13,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 20'000;
+const int kPatience = 20'000 * slowness();
 const QString kDisplay = QStringLiteral("GET /api/display");
 const QString kHeartbeat = QStringLiteral("POST /api/host/heartbeat");
 

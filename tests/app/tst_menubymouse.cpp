@@ -1,3 +1,4 @@
+#include "tests/support/emulated.h"
 #include "tests/support/pointer.h"
 #include "tests/support/processes.h"
 #include "tests/support/testprogram.h"
@@ -14,7 +15,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 5'000; // tried every 50 ms, not counting what a try takes
+const int kPatience = 5'000 * slowness(); // tried every 50 ms, not counting what a try takes
 
 int scale() {
     return qMax(1, qEnvironmentVariableIntValue("QT_SCALE_FACTOR"));

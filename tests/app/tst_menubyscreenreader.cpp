@@ -1,3 +1,4 @@
+#include "tests/support/emulated.h"
 #include "tests/support/processes.h"
 #include "tests/support/screenreader.h"
 #include "tests/support/testprogram.h"
@@ -8,7 +9,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 5'000; // tried every 50 ms, not counting what a try takes
+const int kPatience = 5'000 * slowness(); // tried every 50 ms, not counting what a try takes
 const QString kPanel = QStringLiteral("Brimlet panel");
 
 /// The panel's accessible elements as "role: name", from top to bottom.

@@ -1,3 +1,4 @@
+#include "tests/support/emulated.h"
 #include "tests/support/processes.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
@@ -16,7 +17,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 constexpr QRect kPanel(542, 0, 428, 40);
 constexpr QPoint kLeftCapsule = QPoint(542 + 8 + 54, 13);
 

@@ -1,3 +1,4 @@
+#include "tests/support/emulated.h"
 #include "tests/support/processes.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
@@ -15,7 +16,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 
 int scale() {
     return qMax(1, qEnvironmentVariableIntValue("QT_SCALE_FACTOR"));

@@ -1,3 +1,4 @@
+#include "tests/support/emulated.h"
 #include "tests/support/processes.h"
 #include "tests/support/screenreader.h"
 #include "tests/support/testpaths.h"
@@ -11,7 +12,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 
 /// The accessible elements, as "role: name (action)".
 QStringList elements() {

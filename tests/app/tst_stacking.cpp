@@ -1,3 +1,4 @@
+#include "tests/support/emulated.h"
 #include "tests/support/processes.h"
 #include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
@@ -14,7 +15,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 constexpr QPoint kInLeftCapsule(555, 13);
 const QColor kOther(0, 255, 0);
 

@@ -1,3 +1,4 @@
+#include "tests/support/emulated.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
@@ -10,7 +11,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 
 /// A process that ends with this.
 class Process final {

@@ -249,9 +249,9 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(!tooltip().isEmpty(), kPatience);
         // Its width shows which address it is.
         const auto isOf = [](const char* address) {
-            const double width =
-                QFontMetrics(QToolTip::font()).horizontalAdvance(QLatin1String(address)) * scale();
-            return std::abs(tooltip().width() - width) < 16 * scale();
+            const int letters =
+                QFontMetrics(QToolTip::font()).horizontalAdvance(QLatin1String(address));
+            return std::abs(tooltip().width() - (letters + 18) * scale()) < 16 * scale();
         };
         QTRY_VERIFY_WITH_TIMEOUT(isOf("left.test"), kPatience);
         m_seat.moveTo(kRightCapsule);

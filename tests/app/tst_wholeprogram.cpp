@@ -1,3 +1,4 @@
+#include "tests/support/emulated.h"
 #include "tests/support/processes.h"
 #include "tests/support/testprogram.h"
 #include "tests/support/xserver.h"
@@ -12,7 +13,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 const char* const kTitle = "Brimlet";
 const QString kToken = QStringLiteral("demo-host-token");
 

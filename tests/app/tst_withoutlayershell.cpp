@@ -1,4 +1,5 @@
 #include "tests/app/waylandapplication.h"
+#include "tests/support/emulated.h"
 #include "tests/support/processes.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
@@ -17,7 +18,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 const QString kLeftPage = QStringLiteral("https://left.test/");
 const QString kRightPage = QStringLiteral("https://right.test/page");
 

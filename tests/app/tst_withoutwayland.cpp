@@ -1,3 +1,4 @@
+#include "tests/support/emulated.h"
 #include "tests/support/processes.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
@@ -16,7 +17,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 constexpr QPoint kLeftCapsule(542 + 8 + 54, 13);
 const QString kClient = QStringLiteral("libwayland-client.so.0");
 const QString kCursor = QStringLiteral("libwayland-cursor.so.0");

@@ -86,6 +86,32 @@ private Q_SLOTS:
         QCOMPARE(column.agreement->widget()->height(), 150'001 * lineOf(column));
     }
 
+    void itsEndFadesWhileMoreFollows() {
+        Column column;
+        column.show(QStringLiteral("MMMMMMMMMM\n").repeated(20) + QStringLiteral("MMMMMMMMMM"));
+        // The brightest pixel of the rows from `top` up to `end`.
+        const auto brightest = [&](int top, int end) {
+            const QImage picture = column.agreement->grab().toImage();
+            int level = 0;
+            for (int y = top; y < end; ++y) {
+                for (int x = 0; x < 200; ++x) {
+                    level = std::max(level, qGray(picture.pixel(x, y)));
+                }
+            }
+            return level;
+        };
+        const int full = brightest(0, 76);
+        QVERIFY(brightest(88, 90) < full / 3);
+        QVERIFY(brightest(76, 84) > full / 3);
+        QTest::keyClick(column.agreement, Qt::Key_Down);
+        QVERIFY(brightest(88, 90) < full / 3);
+        column.readToTheEnd();
+        QCOMPARE(brightest(76, 90), full);
+        // Nor does a text that is not scrolled.
+        column.show(QStringLiteral("MMMMMMMMMM\nMMMMMMMMMM"));
+        QCOMPARE(brightest(14, column.agreement->height()), full);
+    }
+
     void aLongAgreementIsNinetyPointsHighAndScrolls() {
         ShownMenu menu;
         menu.reply(ShownMenu::with(ShownMenu::with(ShownMenu::liveWeek(), "agreed", false),

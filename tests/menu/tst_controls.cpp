@@ -1,9 +1,12 @@
 #include "creative/notchfont.h"
 #include "menu/amounttext.h"
+#include "menu/focusmark.h"
 #include "menu/hostbuttons.h"
 #include "menu/hosttheme.h"
 #include "menu/livedot.h"
 #include "menu/menutext.h"
+#include "menu/tabularfigures.h"
+#include "menu/tokenfield.h"
 #include "tests/support/paintcounter.h"
 #include "tests/support/testprogram.h"
 
@@ -12,6 +15,7 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QRawFont>
 #include <QTest>
 
 using namespace brimlet;
@@ -303,6 +307,73 @@ private Q_SLOTS:
                     before.pixelColor(40, 3).red() + 100);
             QVERIFY(pictureOf(*button) != before);
         }
+    }
+
+    void onlyTheKeyboardsFocusIsMarked_data() {
+        QTest::addColumn<Qt::FocusReason>("reason");
+        QTest::addColumn<bool>("before");
+        QTest::addColumn<bool>("isMarked");
+        QTest::newRow("Tab") << Qt::TabFocusReason << false << true;
+        QTest::newRow("Shift+Tab") << Qt::BacktabFocusReason << false << true;
+        QTest::newRow("screen reader") << Qt::OtherFocusReason << false << true;
+        QTest::newRow("click") << Qt::MouseFocusReason << true << false;
+        QTest::newRow("back from a menu after a click") << Qt::PopupFocusReason << false << false;
+        QTest::newRow("back from a menu after Tab") << Qt::PopupFocusReason << true << true;
+        QTest::newRow("back from a window") << Qt::ActiveWindowFocusReason << false << false;
+    }
+    void onlyTheKeyboardsFocusIsMarked() {
+        QFETCH(Qt::FocusReason, reason);
+        QFETCH(bool, before);
+        QFETCH(bool, isMarked);
+        QCOMPARE(isFocusMarked(reason, before), isMarked);
+        // So does a field, with its outline.
+        TokenField field;
+        field.resize(288, field.sizeHint().height());
+        for (const Qt::FocusReason each :
+             {before ? Qt::TabFocusReason : Qt::MouseFocusReason, reason}) {
+            QFocusEvent event(QEvent::FocusIn, each);
+            QApplication::sendEvent(&field, &event);
+        }
+        field.show();
+        QVERIFY(QTest::qWaitForWindowActive(&field));
+        field.setFocus(reason);
+        QVERIFY(field.hasFocus());
+        const QColor outline = pictureOf(field).pixelColor(100, 0);
+        QCOMPARE(outline.blue() > outline.red() + 60, isMarked);
+    }
+
+    void figuresOfEqualWidthAreTheFontsOwn_data() {
+        QTest::addColumn<QString>("family");
+        QTest::addColumn<bool>("hasOthers");
+        QTest::newRow("digits of different widths, and figures") << QStringLiteral("Inter") << true;
+        QTest::newRow("digits of equal width") << QStringLiteral("DejaVu Sans") << false;
+    }
+    void figuresOfEqualWidthAreTheFontsOwn() {
+        QFETCH(QString, family);
+        QFETCH(bool, hasOthers);
+        QFont font(family);
+        if (!QFontInfo(font).exactMatch()) {
+            QSKIP("this font is not installed");
+        }
+        font.setPixelSize(44);
+        const auto widthOf = [](const QFont& of, char digit) {
+            return QFontMetricsF(of).horizontalAdvance(QString(QLatin1Char(digit)));
+        };
+        QCOMPARE(widthOf(font, '1') < widthOf(font, '0'), hasOthers);
+        preferTabularFigures(font);
+        const QList<quint32> figures = tabularFigures(font);
+        if (figures.isEmpty()) { // Qt shapes them itself, or they are the usual ones
+            QCOMPARE(widthOf(font, '1'), widthOf(font, '0'));
+            return;
+        }
+        QVERIFY(hasOthers);
+        const QRawFont raw = QRawFont::fromFont(font);
+        const auto advances = raw.advancesForGlyphIndexes(figures);
+        QCOMPARE(advances.size(), 10);
+        for (const QPointF& advance : advances) {
+            QCOMPARE(advance, advances.first());
+        }
+        QVERIFY(figures.mid(1, 1) != raw.glyphIndexesForString(QStringLiteral("1")));
     }
 
     void theAmountsDigitsAreEquallyWide() {

@@ -18,6 +18,8 @@ constexpr int kBackground = 18;
 constexpr int kCard = 26;
 /// The outline over a card.
 constexpr int kOutline = 44;
+/// The field's own.
+constexpr int kFieldOutline = 122;
 
 bool isAbout(int a, int b) {
     return qAbs(a - b) <= 3;
@@ -269,14 +271,53 @@ private Q_SLOTS:
         const QImage picture = menu.picture(8);
         const QRect inside = scaled(place.adjusted(3, 3, -3, -3), 8);
         const int brightest = brightestOf(picture, inside);
-        QVERIFY2(isAbout(brightest, 122), qPrintable(QString::number(brightest)));
-        const double free = inkOf(picture, inside, kOutline).left() / 8.0 - place.x();
+        QVERIFY2(isAbout(brightest, 152), qPrintable(QString::number(brightest))); // dim
+        const double free = inkOf(picture, inside, kFieldOutline).left() / 8.0 - place.x();
         QVERIFY2(free >= 10 && free < 12, qPrintable(QString::number(free)));
         const double corner = cornerOf(picture, place, 8, kBackground);
         QVERIFY2(corner > 2.4 && corner < 3.5, qPrintable(QString::number(corner)));
         const int middle = place.center().y() * 8;
-        QVERIFY(isAbout(picture.pixelColor(16 * 8 + 3, middle).red(), kOutline));
+        QVERIFY(isAbout(picture.pixelColor(16 * 8 + 3, middle).red(), kFieldOutline));
         QVERIFY(isAbout(picture.pixelColor(16 * 8 + 11, middle).red(), kCard));
+    }
+
+    void aHiddenTokenIsDimmerThanOneThatIsRead() {
+        ShownMenu menu;
+        menu.show();
+        auto* const field = menu.named<QLineEdit>(QStringLiteral("Host token"));
+        const QRect inside = scaled(menu.place(*field).adjusted(3, 3, -3, -3), 8);
+        QVERIFY(QTest::qWaitForWindowActive(menu.view().window()));
+        menu.named<QAbstractButton>(QStringLiteral("Quit"))->setFocus();
+        QVERIFY(isAbout(brightestOf(menu.picture(8), inside), 152));
+        field->setFocus();
+        QVERIFY(isAbout(brightestOf(menu.picture(8), inside), 255));
+    }
+
+    void fromRightToLeftItIsMirrored() {
+        ShownMenu menu;
+        menu.openWithEverything();
+        menu.view().setLayoutDirection(Qt::RightToLeft);
+        QTRY_VERIFY(menu.view().findChild<LiveDot*>()->x() == 16);
+        const QImage picture = menu.picture(4);
+        for (const char* text : {"Brimlet", "€12.34", "Estimate, not a guarantee", "Ad status",
+                                 "Notched MacBooks only.", "Be kind."}) {
+            const auto* const label = menu.named<QLabel>(QString::fromUtf8(text));
+            QVERIFY2(label != nullptr, text);
+            const QRect place = menu.place(*label);
+            const QRect ink = inkOf(picture, scaled(place, 4), kCard);
+            QVERIFY2(place.right() - ink.right() / 4.0 < 4,
+                     text); // letters have a side of their own
+        }
+        for (const auto* const mark : menu.view().findChildren<MarkView*>()) {
+            if (mark->isVisible()) {
+                QCOMPARE(menu.place(*mark).right(), 320 - 26 - 1);
+            }
+        }
+        const auto* const dot = menu.view().findChild<LiveDot*>();
+        const QRect place = menu.place(*dot);
+        const QRect ink = inkOf(picture, scaled(place, 4), kBackground);
+        QCOMPARE(ink.right() / 4, place.right()); // the dot, to the right of its word
+        QVERIFY(inkOf(picture, scaled(place.adjusted(0, 0, -8, 0), 4), kBackground).width() > 80);
     }
 
     void buttonsFillTheWidth_data() {

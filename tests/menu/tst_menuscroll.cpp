@@ -108,6 +108,23 @@ private Q_SLOTS:
         QVERIFY(low.isVisible(*agreement));
     }
 
+    void itsBarStaysOutOfTheRoundCorners() {
+        LowWindow low;
+        QScrollBar& bar = *low.scroll->verticalScrollBar();
+        QVERIFY(bar.isVisible());
+        const auto isInked = [&](int y) {
+            QImage picture(bar.size(), QImage::Format_RGB32);
+            picture.fill(Qt::black);
+            bar.render(&picture, {}, {}, QWidget::DrawChildren);
+            return qGray(picture.pixel(bar.width() / 2, y)) > 20;
+        };
+        QVERIFY(!isInked(19));
+        QVERIFY(isInked(23));
+        bar.setValue(bar.maximum());
+        QVERIFY(isInked(bar.height() - 24));
+        QVERIFY(!isInked(bar.height() - 20));
+    }
+
     void aWheelScrollsVerticallyAndNeverHorizontally() {
         LowWindow low;
         turnWheel(*low.scroll->viewport(), {-120, 0});

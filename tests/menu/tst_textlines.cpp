@@ -1,6 +1,7 @@
 #include "menu/textlines.h"
 #include "tests/support/testprogram.h"
 
+#include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QTest>
@@ -173,6 +174,62 @@ private Q_SLOTS:
                 QVERIFY(total <= text.size());
             }
         }
+    }
+
+    void noShortLineRemains_data() {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("letters"); // the width
+        QTest::addColumn<QStringList>("lines");
+        const auto row = [](const char* name, int letters, const char* text,
+                            const QStringList& lines) {
+            QTest::newRow(name) << QString::fromUtf8(text) << letters << lines;
+        };
+        row("broken at a sign", 51, "Recorded 2/4 live windows today · 3 live days this week",
+            {QStringLiteral("Recorded 2/4 live windows today ·"),
+             QStringLiteral("3 live days this week")});
+        row("broken at a comma", 51,
+            "Sign the host agreement. Pay is an estimate, not a guarantee.",
+            {QStringLiteral("Sign the host agreement. Pay is an estimate,"),
+             QStringLiteral("not a guarantee.")});
+        row("broken between words", 40, "Words without any sign between the first and last",
+            {QStringLiteral("Words without any sign between the"),
+             QStringLiteral("first and last")});
+        row("three lines", 20, "abcdef ghijkl mnopqr abcdef ghijkl mnopqr end",
+            {QStringLiteral("abcdef ghijkl"), QStringLiteral("mnopqr abcdef"),
+             QStringLiteral("ghijkl mnopqr end")});
+        row("long enough already", 40, "Not changed, although there is a comma before the end",
+            {QStringLiteral("Not changed, although there is a comma"),
+             QStringLiteral("before the end")});
+        row("one line", 40, "Estimate, not a guarantee",
+            {QStringLiteral("Estimate, not a guarantee")});
+        row("no other break", 20, "abcdefghijklmnopqrst end",
+            {QStringLiteral("abcdefghijklmnopqrst"), QStringLiteral("end")});
+        row("a word wider than a line", 20, "abcdefghijklmnopqrstu end",
+            {QStringLiteral("abcdefghijklmnopqrst"), QStringLiteral("u end")});
+        // One character to the eye, wider than the line.
+        const QString cluster(40, QChar(0x1100));
+        row("a character wider than a line", 8, ("a " + cluster).toUtf8().constData(),
+            {QStringLiteral("a"), cluster});
+        row("another paragraph", 20, "abcdef ghijkl\nend",
+            {QStringLiteral("abcdef ghijkl"), QStringLiteral("end")});
+    }
+    void noShortLineRemains() {
+        QFETCH(QString, text);
+        QFETCH(int, letters);
+        QFETCH(QStringList, lines);
+        const QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        const QFontMetricsF metrics(font);
+        QCOMPARE(metrics.horizontalAdvance(u'i'), metrics.horizontalAdvance(u'M'));
+        const int width = qCeil(metrics.horizontalAdvance(QString(letters, u'M')));
+        WrappedText wrapped;
+        wrapText(wrapped, text, font, width);
+        balanceLines(wrapped, text, font, width);
+        QVERIFY(wrapped.isWhole(text));
+        QStringList found;
+        for (const TextSpan& line : wrapped.lines) {
+            found << text.mid(line.start, line.length).trimmed();
+        }
+        QCOMPARE(found, lines);
     }
 };
 

@@ -68,6 +68,32 @@ private Q_SLOTS:
         QVERIFY(active.showsDots());
     }
 
+    void signingDoesNotShowTheToken() {
+        ActiveMenu active;
+        QVERIFY(active.isActive);
+        active.menu.week().agreed = false;
+        Q_EMIT active.menu.store()->objectWillChange();
+        auto* const agree =
+            active.menu.named<QAbstractButton>(QStringLiteral("I agree · not a guarantee"));
+        QTRY_VERIFY(agree->isVisible());
+        agree->setFocus();
+        QTest::mouseClick(agree, Qt::LeftButton); // the service replies that it is signed
+        QTRY_VERIFY(!agree->isVisible());
+        QVERIFY(!active.field->hasFocus());
+        QVERIFY(active.showsDots());
+    }
+
+    void enterSavesAndHidesTheToken() {
+        ActiveMenu active(false);
+        QVERIFY(active.isActive);
+        active.field->setFocus();
+        QTest::keyClicks(active.field, QStringLiteral("secret"));
+        QTest::keyClick(active.field, Qt::Key_Return);
+        QCOMPARE(active.menu.store()->token(), QStringLiteral("secret"));
+        QVERIFY(!active.field->hasFocus());
+        QVERIFY(active.showsDots());
+    }
+
     void noInputMethodLearnsTheToken() {
         ActiveMenu active;
         QVERIFY(active.isActive);
@@ -166,7 +192,7 @@ private Q_SLOTS:
         QVERIFY(menu != nullptr && menu->isVisible());
         QCOMPARE(menu->palette().color(QPalette::Window).rgb(), qRgb(18, 18, 18));
         QCOMPARE(menu->palette().color(QPalette::WindowText).rgb(), qRgb(255, 255, 255));
-        QCOMPARE(menu->palette().color(QPalette::Highlight).rgb(), qRgb(61, 107, 255));
+        QCOMPARE(menu->palette().color(QPalette::Highlight).rgb(), qRgb(53, 93, 222));
         QCOMPARE(active.field->displayText(), QStringLiteral("kept-token"));
         // The focus goes to the menu and back.
         QFocusEvent away(QEvent::FocusOut, Qt::PopupFocusReason);

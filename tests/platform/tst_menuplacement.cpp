@@ -156,10 +156,10 @@ private Q_SLOTS:
             << wish << Item(QRect(9000, 0, 24, 24)) << QRect(1166, 30, 340, 500);
         QTest::newRow("no item: the first") << wish << Item() << QRect(1166, 30, 340, 500);
         QTest::newRow("higher than the first screen's available area")
-            << QSize(340, 2000) << Item(QRect(700, 0, 24, 24)) << QRect(542, 24, 340, 958);
+            << QSize(340, 2000) << Item(QRect(700, 0, 24, 24)) << QRect(542, 30, 340, 946);
         QTest::newRow("larger than the second's in both directions")
             << QSize(3000, 2000) << Item(QRect(-30, -200, 24, 24))
-            << QRect(-1920, -200, 1920, 1060);
+            << QRect(-1914, -194, 1908, 1048);
     }
     void thePanelIsOnTheItemsScreen() {
         QFETCH(QSize, wish);
@@ -222,6 +222,31 @@ private Q_SLOTS:
         // Bars at the top and the bottom.
         const MenuScreen screen{QRect(0, 0, 1512, 982), QRect(0, 2, 1512, 952)};
         QTEST(clickOnItem(pointer, reported, {screen}), "click");
+    }
+
+    void marginsEndWhereTheScreenOrABarBegins_data() {
+        QTest::addColumn<QRect>("panel");
+        QTest::addColumn<QRect>("whole");
+        QTest::newRow("room on all sides") << QRect(500, 100, 320, 500) << QRect(482, 90, 356, 536);
+        QTest::newRow("below a bar") << QRect(500, 30, 320, 500) << QRect(482, 24, 356, 532);
+        QTest::newRow("at the right edge")
+            << QRect(1186, 30, 320, 500) << QRect(1168, 24, 344, 532);
+        QTest::newRow("over the lower edge")
+            << QRect(500, 476, 320, 500) << QRect(482, 466, 356, 516);
+        QTest::newRow("as high as the screen")
+            << QRect(500, 24, 320, 958) << QRect(482, 24, 356, 958);
+        QTest::newRow("on the second screen")
+            << QRect(-326, 354, 320, 500) << QRect(-344, 344, 344, 516);
+        QTest::newRow("larger than the screen")
+            << QRect(500, 0, 320, 990) << QRect(482, 0, 356, 990);
+        QTest::newRow("on no screen") << QRect(5000, 0, 320, 500) << QRect(5000, 0, 320, 500);
+    }
+    void marginsEndWhereTheScreenOrABarBegins() {
+        QFETCH(QRect, panel);
+        const std::vector<MenuScreen> screens{
+            {.geometry = {0, 0, 1512, 982}, .available = {0, 24, 1512, 958}},
+            {.geometry = {-1920, -200, 1920, 1080}, .available = {-1920, -200, 1920, 1060}}};
+        QTEST(withMargins(panel, QMargins(18, 10, 18, 26), screens), "whole");
     }
 
     void withoutAScreenThereIsNoPlace() { QVERIFY(!menuFrame(kPanel, std::nullopt, {})); }

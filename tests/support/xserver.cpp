@@ -96,8 +96,14 @@ std::vector<ClientWindow> XServer::windowsOf(qint64 pid) const {
             xcb_translate_coordinates_reply(x, cookie, nullptr));
         const QSize size = geometry(window).size();
         if (origin && size.isValid()) { // otherwise the window no longer exists
+            QRegion clickable;
+            for (const QRect& part : inputShape(window)) {
+                clickable += part;
+            }
+            const QRect whole(QPoint(), size);
+            const QRect place = clickable.isEmpty() ? whole : clickable.boundingRect() & whole;
             found.push_back({window, QString::fromUtf8(property(window, titleName)),
-                             QRect(QPoint(origin->dst_x, origin->dst_y), size), isMapped(window)});
+                             place.translated(origin->dst_x, origin->dst_y), isMapped(window)});
         }
     }
     return found;

@@ -18,7 +18,8 @@ namespace brimlet {
 struct ClientWindow final {
     xcb_window_t id = XCB_WINDOW_NONE;
     QString title;
-    /// Relative to the root window, in pixels.
+    /// Relative to the root window, in pixels. Without margins that pass clicks on, such as a
+    /// shadow.
     QRect geometry;
     /// The window and all its parents are mapped.
     bool isViewable = false;

@@ -11,10 +11,12 @@
 
 namespace brimlet {
 
-MenuBackground::MenuBackground(std::unique_ptr<QWidget> content, std::function<void()> cancelled,
-                               std::function<void()> changed, std::function<void()> reshaped)
+MenuBackground::MenuBackground(std::unique_ptr<QWidget> content, RoundedPath roundedPath,
+                               std::function<void()> cancelled, std::function<void()> changed,
+                               std::function<void()> reshaped)
     : QWidget(nullptr, Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
     , m_content(content.release())
+    , m_roundedPath(roundedPath)
     , m_cancelled(std::move(cancelled))
     , m_changed(std::move(changed))
     , m_reshaped(std::move(reshaped)) {
@@ -59,11 +61,7 @@ void MenuBackground::keyPressEvent(QKeyEvent* event) {
 
 void MenuBackground::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(m_content->palette().window());
-    constexpr double kCorner = 12;
-    painter.drawRoundedRect(QRectF(rect()), kCorner, kCorner);
+    paintPanel(painter, QRectF(rect()), m_content->palette(), kPanelCorner, m_roundedPath);
     if (std::exchange(m_isReshaped, false)) {
         QMetaObject::invokeMethod(this, m_reshaped, Qt::QueuedConnection); // after this paint
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/qt/panelbackground.h"
 #include "platform/rect.h"
 
 #include <QRect>
@@ -18,8 +19,9 @@ public:
     /// Takes ownership of the content. `cancelled` is called for Escape and other cancel keys,
     /// `changed` when the content's size hint may have changed, and `reshaped` after the background
     /// was first painted in a new size.
-    MenuBackground(std::unique_ptr<QWidget> content, std::function<void()> cancelled,
-                   std::function<void()> changed, std::function<void()> reshaped);
+    MenuBackground(std::unique_ptr<QWidget> content, RoundedPath roundedPath,
+                   std::function<void()> cancelled, std::function<void()> changed,
+                   std::function<void()> reshaped);
 
     [[nodiscard]] QSize sizeHint() const override { return m_content->sizeHint(); }
 
@@ -42,6 +44,7 @@ protected:
 
 private:
     QWidget* m_content;
+    RoundedPath m_roundedPath;
     std::optional<QRect> m_item; ///< In Qt's space.
     std::function<void()> m_cancelled;
     std::function<void()> m_changed;

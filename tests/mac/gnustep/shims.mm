@@ -239,6 +239,8 @@ unsigned int CGDisplayIsBuiltin(std::uint32_t display) {
 
 @end
 
+static NSWindowAnimationBehavior gAnimationBehavior = NSWindowAnimationBehaviorNone;
+
 @implementation NSWindow (BrimletShims)
 
 static std::map<NSWindow*, NSWindowCollectionBehavior>& behaviors() {
@@ -271,6 +273,12 @@ static std::map<NSWindow*, NSWindowCollectionBehavior>& behaviors() {
     return [self convertBaseToScreen:point];
 }
 
+- (NSWindowAnimationBehavior)animationBehavior {
+    return gAnimationBehavior;
+}
+- (void)setAnimationBehavior:(NSWindowAnimationBehavior)behavior {
+    gAnimationBehavior = behavior;
+}
 @end
 
 // GNUstep's status items have neither a button nor a place.

@@ -1,6 +1,8 @@
 #import "tests/mac/gnustep/shims.h"
 
 #import "platform/mac/macmenuwindow.h"
+#include "tests/support/fakes.h"
+#include "tests/support/plaincorners.h"
 #include "tests/support/testprogram.h"
 
 #include <QApplication>
@@ -14,7 +16,8 @@ class TestMacFront final : public QObject {
 
 private Q_SLOTS:
     void theFrontIsGivenBackByAnActiveProgramOnly() {
-        MacMenuWindow window(std::make_unique<QWidget>());
+        const FakeReduceMotion reduceMotion;
+        MacMenuWindow window(std::make_unique<QWidget>(), reduceMotion, plainCorners);
         [NSApp deactivate];
         QVERIFY(!NSApp.active);
         window.present({});

@@ -16,7 +16,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 10'000;
+const int kPatience = 10'000 * slowness();
 const QString kService = QStringLiteral("app.brimlet.host");
 const QString kAccount = QStringLiteral("host-token");
 const SecretResult kToken = QByteArray("token");

@@ -27,7 +27,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 
 const QString busName = QStringLiteral("app.brimlet.host");
 const QString lockName = QStringLiteral("app.brimlet.host.lock");

@@ -1,4 +1,5 @@
 #include "platform/linux/swaydesktop.h"
+#include "tests/support/emulated.h"
 #include "tests/support/testprogram.h"
 
 #include <QCoreApplication>
@@ -19,7 +20,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 5'000;
+const int kPatience = 5'000 * slowness();
 constexpr std::uint32_t kCommand = 0;
 constexpr std::uint32_t kWorkspaces = 1;
 

@@ -4,6 +4,7 @@
 #include "platform/qt/desktopgeometry.h"
 #include "platform/qt/desktopscreens.h"
 #include "tests/platform/linux/busservice.h"
+#include "tests/support/emulated.h"
 #include "tests/support/pointer.h"
 #include "tests/support/testpaths.h"
 #include "tests/support/testprogram.h"
@@ -29,7 +30,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 
 /// Where the XEmbed tray of these tests shows its icons, in pixels.
 constexpr QRect kBar(1212, 954, 300, 28);

@@ -2,6 +2,9 @@
 #include "platform/linux/x11watch.h"
 #include "platform/qt/desktopgeometry.h"
 #include "platform/qt/desktopscreens.h"
+#include "tests/support/emulated.h"
+#include "tests/support/fakes.h"
+#include "tests/support/plaincorners.h"
 #include "tests/support/pointer.h"
 #include "tests/support/rootmessages.h"
 #include "tests/support/testpaths.h"
@@ -25,9 +28,10 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 
 constexpr QRgb kBackground = qRgb(40, 40, 60);
+constexpr QRgb kHairline = qRgb(90, 90, 110);
 constexpr QRgb kBehind = qRgb(200, 60, 20);
 
 /// Content with a size hint that tests set. Counts its clicks.
@@ -36,6 +40,7 @@ public:
     Content() {
         QPalette colors = palette();
         colors.setColor(QPalette::Window, QColor(kBackground));
+        colors.setColor(QPalette::Mid, QColor(kHairline));
         setPalette(colors);
     }
     [[nodiscard]] QSize sizeHint() const override { return m_size; }
@@ -83,12 +88,14 @@ class TestX11MenuWindow final : public QObject {
 
     XServer m_x;
     Content* m_content = nullptr;
+    FakeReduceMotion m_reduceMotion;
     std::unique_ptr<X11MenuWindow> m_window;
     int m_dismissals = 0;
+    bool m_wasPresented = false; ///< While its last dismissal was announced.
     QProcess m_bar;
 
     [[nodiscard]] xcb_window_t id() const { return static_cast<xcb_window_t>(m_window->winId()); }
-    /// The frame that the X server reports; null while the window is hidden.
+    /// The panel's frame that the X server reports; null while the window is hidden.
     [[nodiscard]] QRect place() const {
         for (const ClientWindow& window : m_x.windowsOf(QCoreApplication::applicationPid())) {
             if (window.id == id() && window.isViewable) {
@@ -113,9 +120,14 @@ private Q_SLOTS:
         moveTo(QPoint(5, 900));
         auto content = std::make_unique<Content>();
         m_content = content.get();
-        m_window = std::make_unique<X11MenuWindow>(std::move(content), primaryGeometry);
+        m_reduceMotion.set(true);
+        m_window = std::make_unique<X11MenuWindow>(std::move(content), primaryGeometry,
+                                                   m_reduceMotion, plainCorners);
         m_dismissals = 0;
-        m_window->observeDismissals([this] { ++m_dismissals; });
+        m_window->observeDismissals([this] {
+            ++m_dismissals;
+            m_wasPresented = m_window->isPresented();
+        });
     }
     void cleanup() {
         m_window.reset();
@@ -246,20 +258,21 @@ private Q_SLOTS:
         m_content->setHint(wanted.size());
         present(itemAt(QRect(700, 0, 24, 24)));
         QTRY_COMPARE_WITH_TIMEOUT(place(), wanted, kPatience);
-        const auto resizeTo = [this](const QString& height) {
+        const QRect frame = m_window->geometry();
+        const auto resizeTo = [&](const QString& height) {
             return QProcess::execute(QStringLiteral("xdotool"),
                                      {QStringLiteral("windowsize"), QString::number(id()),
-                                      QStringLiteral("340"), height});
+                                      QString::number(frame.width()), height});
         };
         QSignalSpy resized(m_window->windowHandle(), &QWindow::heightChanged);
         QCOMPARE(resizeTo(QStringLiteral("600")), 0);
         QTRY_VERIFY_WITH_TIMEOUT(resized.size() >= 2, kPatience); // there and back
         QTRY_COMPARE_WITH_TIMEOUT(place(), wanted, kPatience);
-        QCOMPARE(m_window->geometry(), wanted);
+        QCOMPARE(m_window->geometry(), frame);
         // A second change stays until the content changes.
         QCOMPARE(resizeTo(QStringLiteral("500")), 0);
         QTRY_COMPARE_WITH_TIMEOUT(m_window->height(), 500, kPatience);
-        QTRY_COMPARE_WITH_TIMEOUT(place().height(), 500, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.geometry(id()).height(), 500, kPatience);
         m_content->setHint(QSize(340, 300));
         QTRY_COMPARE_WITH_TIMEOUT(place().size(), QSize(340, 300), kPatience);
     }
@@ -273,8 +286,9 @@ private Q_SLOTS:
         QCOMPARE(available, m_x.workArea());
         m_content->setHint(QSize(3000, 3000));
         present(itemAt(QRect(1480, 956, 24, 24)));
-        QTRY_COMPARE_WITH_TIMEOUT(place(), available, kPatience);
-        QCOMPARE(m_content->size(), available.size());
+        const QRect largest = available.adjusted(6, 6, -6, -6);
+        QTRY_COMPARE_WITH_TIMEOUT(place(), largest, kPatience);
+        QCOMPARE(m_content->size(), largest.size());
         m_content->setHint(QSize(340, 400));
         QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(1166, 548, 340, 400), kPatience);
     }
@@ -282,7 +296,7 @@ private Q_SLOTS:
     void contentLargerThanTheScreenIsLimitedToIt() {
         m_content->setHint(QSize(5000, 5000));
         present(std::nullopt);
-        QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(0, 0, 1512, 982), kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(6, 6, 1500, 970), kPatience);
     }
 
     void itsCornersAreRoundWhereACompositorRuns() {
@@ -292,19 +306,114 @@ private Q_SLOTS:
         present(itemAt(QRect(700, 0, 24, 24)));
         QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(542, 30, 340, 400), kPatience);
         QTRY_COMPARE_WITH_TIMEOUT(pixel(place().center()), kBackground, kPatience);
-        const QRgb corner = X11Watch::shared().hasCompositor() ? kBehind : kBackground;
+        const bool isRound = X11Watch::shared().hasCompositor();
         const QRect shown = place();
         for (const QPoint& at :
              {shown.topLeft(), shown.topRight(), shown.bottomLeft(), shown.bottomRight()}) {
-            QTRY_COMPARE_WITH_TIMEOUT(pixel(at), corner, kPatience);
+            // In the corner is what is behind it, in the shadow.
+            const auto isAsExpected = [&] {
+                return isRound ? qRed(pixel(at)) > 100 && qRed(pixel(at)) < qRed(kBehind)
+                               : pixel(at) != kBackground && pixel(at) != kBehind;
+            };
+            QTRY_VERIFY_WITH_TIMEOUT(isAsExpected(), kPatience);
         }
-        // Between the corners the background reaches the edges.
+        // Between the corners there is the hairline at the edges, and the background inside it.
+        const QPoint middle = shown.center();
         for (const QPoint& at :
-             {QPoint(shown.center().x(), shown.top()), QPoint(shown.center().x(), shown.bottom()),
-              QPoint(shown.left(), shown.center().y()),
-              QPoint(shown.right(), shown.center().y())}) {
-            QCOMPARE(pixel(at), kBackground);
+             {QPoint(middle.x(), shown.top()), QPoint(middle.x(), shown.bottom()),
+              QPoint(shown.left(), middle.y()), QPoint(shown.right(), middle.y())}) {
+            QCOMPARE(pixel(at), kHairline);
         }
+        QCOMPARE(pixel({middle.x(), shown.top() + 1}), kBackground);
+        // The shadow ends softly, and below the panel it is the largest.
+        const auto redAt = [&](QPoint from, QPoint step) { return qRed(pixel(from + step)); };
+        const QPoint below(middle.x(), shown.bottom());
+        QCOMPARE(redAt(below, {0, 2}) < redAt(below, {0, 12}), isRound);
+        QCOMPARE(redAt(below, {0, 12}) < qRed(kBehind), isRound);
+        QCOMPARE(redAt({shown.right(), middle.y()}, {12, 0}) > redAt(below, {0, 12}), isRound);
+        QCOMPARE(pixel(below + QPoint(0, 27)), kBehind);
+    }
+
+    void clicksOnItsShadowPass() {
+        if (!X11Watch::shared().hasCompositor()) {
+            QSKIP("there is no shadow without a compositor");
+        }
+        Other other(QRect(400, 50, 600, 600));
+        other.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&other));
+        present(itemAt(QRect(700, 0, 24, 24)));
+        QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(542, 30, 340, 400), kPatience);
+        const QPoint shadow(534, 200);
+        QVERIFY(m_window->geometry().contains(shadow));
+        click(shadow);
+        QTRY_COMPARE_WITH_TIMEOUT(other.clicks, QList<QPoint>{shadow}, kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_window->isPresented(), kPatience);
+    }
+
+    void itFadesUnlessMotionIsReduced_data() {
+        QTest::addColumn<bool>("isReduced");
+        QTest::newRow("fades") << false;
+        QTest::newRow("reduced motion") << true;
+    }
+    void itFadesUnlessMotionIsReduced() {
+        QFETCH(const bool, isReduced);
+        m_reduceMotion.set(isReduced);
+        const bool fades = !isReduced && X11Watch::shared().hasCompositor();
+        m_window->present(itemAt(QRect(700, 0, 24, 24)));
+        QCOMPARE(m_window->windowOpacity() < 1, fades);
+        QCOMPARE(m_content->geometry().translated(m_window->pos()).y() < 30, fades);
+        QVERIFY(m_window->isPresented());
+        QTRY_COMPARE_WITH_TIMEOUT(m_window->windowOpacity(), 1.0, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(m_content->geometry().translated(m_window->pos()),
+                                  QRect(542, 30, 340, 400), kPatience);
+        m_window->dismiss();
+        // At once for everybody else.
+        QVERIFY(!m_window->isPresented());
+        QCOMPARE(m_dismissals, 1);
+        QCOMPARE(m_window->isVisible(), fades);
+        m_window->dismiss();
+        QCOMPARE(m_dismissals, 1);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_window->isVisible(), kPatience);
+        QCOMPARE(m_dismissals, 1);
+    }
+
+    void whileItFadesOutItTakesNoKeyOrClick() {
+        if (!X11Watch::shared().hasCompositor()) {
+            QSKIP("nothing fades without a compositor");
+        }
+        m_reduceMotion.set(false);
+        QLineEdit field(m_content);
+        present(itemAt(QRect(700, 0, 24, 24)));
+        m_window->dismiss();
+        QVERIFY(!m_wasPresented);
+        QTest::keyClick(m_window.get(), Qt::Key_Tab);
+        QVERIFY(!field.hasFocus());
+        QCoreApplication::processEvents();
+        QVERIFY(m_window->isVisible());
+        QVERIFY(m_x.inputShape(id()).empty());
+        // Nor does anything else that comes now bring it back.
+        m_content->setHint(QSize(340, 500));
+        QEvent deactivated(QEvent::WindowDeactivate);
+        QApplication::sendEvent(m_window.get(), &deactivated);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_window->isVisible(), kPatience);
+        QCOMPARE(m_dismissals, 1);
+        // Which does not close it when it has opened again.
+        present(itemAt(QRect(700, 0, 24, 24)));
+        QTest::qWait(150); // longer than the delay of a dismissal
+        QVERIFY(m_window->isPresented());
+        field.setParent(nullptr);
+    }
+
+    void itOpensAgainWhileItFadesOut() {
+        m_reduceMotion.set(false);
+        present(itemAt(QRect(700, 0, 24, 24)));
+        m_window->dismiss();
+        present(itemAt(QRect(100, 0, 24, 24)));
+        QVERIFY(m_window->isPresented());
+        QTRY_COMPARE_WITH_TIMEOUT(place(), QRect(6, 30, 340, 400), kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(m_window->windowOpacity(), 1.0, kPatience);
+        QVERIFY(hasKeyboard());
+        QCOMPARE(m_dismissals, 1);
     }
 
     void itStaysAboveOtherWindows() {

@@ -1,5 +1,6 @@
 #include "platform/linux/x11overlaywindow.h"
 #include "platform/linux/x11watch.h"
+#include "tests/support/emulated.h"
 #include "tests/support/testprogram.h"
 #include "tests/support/windowproperties.h"
 #include "tests/support/xserver.h"
@@ -21,7 +22,7 @@ using namespace brimlet;
 
 namespace {
 
-constexpr int kPatience = 15'000;
+const int kPatience = 15'000 * slowness();
 constexpr QRect kPanel(542, 0, 428, 40);
 
 struct FreeReply {

@@ -1,5 +1,7 @@
 #import "platform/mac/macmenuwindow.h"
 #import "platform/mac/nativepanel.h"
+#include "tests/support/fakes.h"
+#include "tests/support/plaincorners.h"
 #include "tests/support/testprogram.h"
 
 #include <QApplication>
@@ -35,6 +37,7 @@ class TestMacMenuWindow final : public QObject {
     }
 
     Content* m_content = nullptr;
+    FakeReduceMotion m_reduceMotion;
     std::optional<MacMenuWindow> m_window;
     int m_dismissals = 0;
 
@@ -45,7 +48,7 @@ private Q_SLOTS:
     void init() {
         auto content = std::make_unique<Content>();
         m_content = content.get();
-        m_window.emplace(std::move(content));
+        m_window.emplace(std::move(content), m_reduceMotion, plainCorners);
         m_dismissals = 0;
         m_window->observeDismissals([this] { ++m_dismissals; });
     }
@@ -55,6 +58,16 @@ private Q_SLOTS:
         QVERIFY(!m_window->isPresented());
         QVERIFY(!panel().visible);
         QVERIFY(!panel().keyWindow);
+    }
+
+    void itFadesUnlessMotionIsReduced() {
+        m_window->present(item());
+        QCOMPARE(panel().animationBehavior, NSWindowAnimationBehaviorUtilityWindow);
+        m_window->dismiss();
+        m_reduceMotion.set(true);
+        m_window->present(item());
+        QCOMPARE(panel().animationBehavior, NSWindowAnimationBehaviorNone);
+        m_reduceMotion.set(false);
     }
 
     void presentedItIsInFrontAndHasTheKeyboard() {

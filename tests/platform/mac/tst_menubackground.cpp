@@ -1,4 +1,5 @@
 #include "platform/mac/rules/menubackground.h"
+#include "tests/support/plaincorners.h"
 #include "tests/support/testprogram.h"
 
 #include <QApplication>
@@ -34,7 +35,7 @@ private Q_SLOTS:
         auto* const field = new QLineEdit(content.get());
         int cancelled = 0;
         MenuBackground background(
-            std::move(content), [&] { ++cancelled; }, [] {}, [] {});
+            std::move(content), plainCorners, [&] { ++cancelled; }, [] {}, [] {});
         QTest::keyClick(field, Qt::Key_Escape);
         QCOMPARE(cancelled, 1);
         QTest::keyClick(field, Qt::Key_A);
@@ -47,7 +48,7 @@ private Q_SLOTS:
         auto* const inside = content.get();
         int changed = 0;
         MenuBackground background(
-            std::move(content), [] {}, [&] { ++changed; }, [] {});
+            std::move(content), plainCorners, [] {}, [&] { ++changed; }, [] {});
         QCOMPARE(background.sizeHint(), QSize(320, 400));
         inside->grow();
         QTRY_COMPARE(changed, 1);
@@ -59,7 +60,7 @@ private Q_SLOTS:
         QCOMPARE(screen.topLeft(), QPoint(0, 0));
         const double top = screen.height();
         MenuBackground background(
-            std::make_unique<Content>(), [] {}, [] {}, [] {});
+            std::make_unique<Content>(), plainCorners, [] {}, [] {}, [] {});
         background.appear(Rect{400, top - 24, 24, 24});
         QVERIFY(background.isVisible());
         QCOMPARE(background.fit(), std::optional(Rect{252, top - 430, 320, 400}));
@@ -77,7 +78,7 @@ private Q_SLOTS:
         auto* const inside = content.get();
         const auto* const field = new QLineEdit(inside);
         MenuBackground background(
-            std::move(content), [] {}, [] {}, [] {});
+            std::move(content), plainCorners, [] {}, [] {}, [] {});
         background.appear(std::nullopt);
         QCOMPARE(background.focusWidget(), inside);
         QVERIFY(!field->hasFocus());
@@ -87,7 +88,7 @@ private Q_SLOTS:
         auto content = std::make_unique<Content>();
         const auto* const inside = content.get();
         MenuBackground background(
-            std::move(content), [] {}, [] {}, [] {});
+            std::move(content), plainCorners, [] {}, [] {}, [] {});
         background.resize(320, 250);
         background.show();
         QCOMPARE(inside->geometry(), QRect(0, 0, 320, 250));
@@ -96,7 +97,7 @@ private Q_SLOTS:
     void aNewShapeIsReportedOnceItHasBeenPainted() {
         int reshaped = 0;
         MenuBackground background(
-            std::make_unique<QWidget>(), [] {}, [] {}, [&] { ++reshaped; });
+            std::make_unique<QWidget>(), plainCorners, [] {}, [] {}, [&] { ++reshaped; });
         background.resize(320, 400);
         QCoreApplication::processEvents();
         QCOMPARE(reshaped, 0);
@@ -113,16 +114,18 @@ private Q_SLOTS:
         auto content = std::make_unique<QWidget>();
         QPalette palette;
         palette.setColor(QPalette::Window, Qt::blue);
+        palette.setColor(QPalette::Mid, Qt::green);
         content->setPalette(palette);
         MenuBackground background(
-            std::move(content), [] {}, [] {}, [] {});
+            std::move(content), plainCorners, [] {}, [] {}, [] {});
         background.resize(100, 100);
         QImage picture(background.size(), QImage::Format_ARGB32_Premultiplied);
         picture.fill(Qt::transparent);
         background.render(&picture, {}, {}, QWidget::DrawWindowBackground);
         QCOMPARE(picture.pixelColor(0, 0).alpha(), 0);
         QCOMPARE(picture.pixelColor(50, 50), QColor(Qt::blue));
-        QCOMPARE(picture.pixelColor(50, 0), QColor(Qt::blue));
+        QCOMPARE(picture.pixelColor(50, 0), QColor(Qt::green)); // the hairline
+        QCOMPARE(picture.pixelColor(50, 1), QColor(Qt::blue));
     }
 };
 

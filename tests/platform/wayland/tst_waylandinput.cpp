@@ -84,18 +84,18 @@ private Q_SLOTS:
         QVERIFY(f.sees(QStringLiteral("cursor gone")));
     }
 
-    void theToolTipIsAPopupBelowThePointer_data() {
+    void theToolTipIsAPopupBelowTheCapsule_data() {
         QTest::addColumn<int>("layerShellVersion");
         QTest::newRow("of the popup") << 3;
         QTest::newRow("of the layer surface") << 4;
     }
-    void theToolTipIsAPopupBelowThePointer() {
+    void theToolTipIsAPopupBelowTheCapsule() {
         QFETCH(const int, layerShellVersion);
         WaylandFixture f({.layerShellVersion = layerShellVersion});
         QVERIFY(f.show());
         f.compositor.pointerEnter(kInLeft);
         const auto shown = [&f] {
-            return f.compositor.log.filter(QStringLiteral("tooltip placed at 22,-214 ")).size() ==
+            return f.compositor.log.filter(QStringLiteral("tooltip placed at 61,-210 ")).size() ==
                    1;
         };
         QTRY_VERIFY_WITH_TIMEOUT(shown(), kPatience);

@@ -30,6 +30,7 @@ private Q_SLOTS:
         f.pointer.moveTo({200, 10});
         QCOMPARE(f.pointer.cursor(), Qt::ArrowCursor);
         QCOMPARE(f.pointer.toolTip(), QString());
+        QCOMPARE(f.pointer.targetBox(), QRect());
         f.pointer.press();
         f.pointer.release();
         QCOMPARE(f.left.events, QStringList());
@@ -40,6 +41,7 @@ private Q_SLOTS:
         f.pointer.moveTo({20, 10});
         QCOMPARE(f.pointer.cursor(), Qt::PointingHandCursor);
         QCOMPARE(f.pointer.toolTip(), QStringLiteral("a page"));
+        QCOMPARE(f.pointer.targetBox(), f.left.geometry());
         QCOMPARE(f.changes.size(), 1);
         f.pointer.moveTo({30, 12});
         QCOMPARE(f.changes.size(), 1);

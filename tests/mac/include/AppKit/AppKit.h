@@ -138,6 +138,11 @@ typedef NS_OPTIONS(NSUInteger, NSWindowCollectionBehavior) {
     NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8,
 };
 
+typedef NS_ENUM(NSInteger, NSWindowAnimationBehavior) {
+    NSWindowAnimationBehaviorNone = 2,
+    NSWindowAnimationBehaviorUtilityWindow = 4,
+};
+
 typedef NS_ENUM(NSUInteger, NSBackingStoreType) {
     NSBackingStoreBuffered = 2,
 };
@@ -161,6 +166,7 @@ extern "C" const NSWindowLevel NSStatusWindowLevel; // 25
 @property(getter=isKeyWindow, readonly) BOOL keyWindow;
 @property(readonly, weak) NSResponder* firstResponder;
 @property NSWindowCollectionBehavior collectionBehavior;
+@property NSWindowAnimationBehavior animationBehavior;
 @property(strong) NSColor* backgroundColor;
 @property(getter=isOpaque) BOOL opaque;
 @property BOOL hasShadow;

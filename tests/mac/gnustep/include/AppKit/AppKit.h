@@ -53,8 +53,14 @@ extern NSString* const NSWorkspaceAccessibilityDisplayOptionsDidChangeNotificati
 - (void)addTrackingArea:(NSTrackingArea*)area;
 @end
 
+typedef NS_ENUM(NSInteger, NSWindowAnimationBehavior) {
+    NSWindowAnimationBehaviorNone = 2,
+    NSWindowAnimationBehaviorUtilityWindow = 4,
+};
+
 @interface NSWindow (BrimletShims)
 - (NSPoint)convertPointToScreen:(NSPoint)point;
+@property NSWindowAnimationBehavior animationBehavior; // one for all windows
 @end
 
 @interface NSApplication (BrimletShims)
