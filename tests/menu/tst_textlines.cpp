@@ -208,8 +208,8 @@ private Q_SLOTS:
             {QStringLiteral("abcdefghijklmnopqrst"), QStringLiteral("u end")});
         // One character to the eye, wider than the line.
         const QString cluster(40, QChar(0x1100));
-        row("a character wider than a line", 8, ("a " + cluster).toUtf8().constData(),
-            {QStringLiteral("a"), cluster});
+        row("a character wider than a line", 8,
+            (QStringLiteral("a ") + cluster).toUtf8().constData(), {QStringLiteral("a"), cluster});
         row("another paragraph", 20, "abcdef ghijkl\nend",
             {QStringLiteral("abcdef ghijkl"), QStringLiteral("end")});
     }
