@@ -15,12 +15,12 @@ namespace {
 constexpr int kReach = 18; ///< From the panel's edge to where the shadow ends.
 constexpr int kBelow = 8;  ///< How far the shadow is below the panel.
 constexpr int kCorner = static_cast<int>(kPanelCorner);
+constexpr int kEnd = kReach + kCorner; ///< The size of a corner of the shadow.
 static_assert(kPanelShadow == QMargins(kReach, kReach - kBelow, kReach, kReach + kBelow));
 
 /// The shadow of a panel of the smallest size, with one pixel a point, which is enough for what is
 /// blurred: four corners around a single row and a single column.
 QImage smallestShadow() {
-    constexpr int kEnd = kReach + kCorner; ///< The size of a corner, and the middle's position.
     constexpr double kDarkest = 0.45;
     QImage shadow(2 * kEnd + 1, 2 * kEnd + 1, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < shadow.height(); ++y) {
@@ -47,7 +47,7 @@ void paintPanel(QPainter& painter, const QRectF& panel, const QPalette& palette,
 
 void paintPanelShadow(QPainter& painter, const QRectF& panel) {
     static const QImage shadow = smallestShadow();
-    const double end = (shadow.width() - 1) / 2;
+    constexpr double end = kEnd;
     const QRectF box = panel.translated(0, kBelow).adjusted(-kReach, -kReach, kReach, kReach);
     // The boundaries of three columns and rows, on the screen and in the picture.
     const std::array<double, 4> x{box.left(), box.left() + end, box.right() - end, box.right()};
