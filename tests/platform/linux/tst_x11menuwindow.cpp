@@ -11,6 +11,7 @@
 #include "tests/support/testprogram.h"
 #include "tests/support/windowproperties.h"
 #include "tests/support/xserver.h"
+#include "tests/support/xsynchronise.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -388,8 +389,8 @@ private Q_SLOTS:
         QVERIFY(!m_wasPresented);
         QTest::keyClick(m_window.get(), Qt::Key_Tab);
         QVERIFY(!field.hasFocus());
-        QCoreApplication::processEvents();
         QVERIFY(m_window->isVisible());
+        synchronise(xcbConnectionOfQt());
         QVERIFY(m_x.inputShape(id()).empty());
         // Nor does anything else that comes now bring it back.
         m_content->setHint(QSize(340, 500));

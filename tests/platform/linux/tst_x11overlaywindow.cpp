@@ -4,6 +4,7 @@
 #include "tests/support/testprogram.h"
 #include "tests/support/windowproperties.h"
 #include "tests/support/xserver.h"
+#include "tests/support/xsynchronise.h"
 
 #include <QApplication>
 #include <QGuiApplication>
@@ -24,19 +25,6 @@ namespace {
 
 const int kPatience = 15'000 * slowness();
 constexpr QRect kPanel(542, 0, 428, 40);
-
-struct FreeReply {
-    void operator()(void* reply) const { std::free(reply); }
-};
-
-/// Returns once the X server has processed all requests of the connection and has sent the events
-/// they cause to other clients: it does that before it reads the second question.
-void synchronise(xcb_connection_t* x) {
-    for (int i = 0; i < 2; ++i) {
-        const std::unique_ptr<xcb_get_input_focus_reply_t, FreeReply> reply(
-            xcb_get_input_focus_reply(x, xcb_get_input_focus(x), nullptr));
-    }
-}
 
 /// A window of another program.
 enum class Other {
@@ -112,24 +100,24 @@ private:
         return window;
     }
     [[nodiscard]] xcb_atom_t atom(const char* name) {
-        const std::unique_ptr<xcb_intern_atom_reply_t, FreeReply> reply(xcb_intern_atom_reply(
+        const XcbOwned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
             m_x, xcb_intern_atom(m_x, 0, static_cast<std::uint16_t>(qstrlen(name)), name),
             nullptr));
         return reply->atom;
     }
     [[nodiscard]] std::vector<xcb_window_t> childrenOf(xcb_window_t window) {
-        const std::unique_ptr<xcb_query_tree_reply_t, FreeReply> tree(
+        const XcbOwned<xcb_query_tree_reply_t> tree(
             xcb_query_tree_reply(m_x, xcb_query_tree(m_x, window), nullptr));
         const std::span children(xcb_query_tree_children(tree.get()), tree->children_len);
         return {children.begin(), children.end()};
     }
     [[nodiscard]] xcb_window_t topLevelOf(xcb_window_t window) {
-        const std::unique_ptr<xcb_query_tree_reply_t, FreeReply> tree(
+        const XcbOwned<xcb_query_tree_reply_t> tree(
             xcb_query_tree_reply(m_x, xcb_query_tree(m_x, window), nullptr));
         return !tree || tree->parent == m_root ? window : topLevelOf(tree->parent);
     }
     [[nodiscard]] bool isViewable(xcb_window_t window) {
-        const std::unique_ptr<xcb_get_window_attributes_reply_t, FreeReply> reply(
+        const XcbOwned<xcb_get_window_attributes_reply_t> reply(
             xcb_get_window_attributes_reply(m_x, xcb_get_window_attributes(m_x, window), nullptr));
         return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
     }
@@ -144,14 +132,10 @@ QPainterPath box(const QRectF& edges) {
     return outline;
 }
 
-xcb_connection_t* connectionOfTheProgram() {
-    return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
-}
-
 /// The number of X requests that the action sends, from their sequence numbers.
 template <typename Action>
 unsigned requestsOf(const Action& action) {
-    xcb_connection_t* const x = connectionOfTheProgram();
+    xcb_connection_t* const x = xcbConnectionOfQt();
     const unsigned before = xcb_no_operation(x).sequence;
     action();
     return xcb_no_operation(x).sequence - before - 1;
@@ -210,7 +194,7 @@ class TestX11OverlayWindow final : public QObject {
     /// of the X server's events.
     [[nodiscard]] bool isAboveAfterRendering(X11OverlayWindow& window, xcb_window_t other) {
         const bool isResting = isAtRest(window);
-        synchronise(connectionOfTheProgram());
+        synchronise(xcbConnectionOfQt());
         return isResting && m_other.isAbove(idOf(window), other);
     }
     static xcb_window_t idOf(const QWidget& window) {
@@ -269,7 +253,8 @@ private Q_SLOTS:
         const xcb_window_t id = idOf(*window);
         const auto* const content = window->findChild<QWidget*>();
         QTRY_COMPARE_WITH_TIMEOUT(m_x.geometry(id), QRect(550, 4, 108, 24), kPatience);
-        QCOMPARE(m_x.inputShape(id), std::vector<QRect>{QRect(0, 0, 108, 24)});
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.inputShape(id), std::vector<QRect>{QRect(0, 0, 108, 24)},
+                                  kPatience);
         QCOMPARE(content->size(), kPanel.size());
         QCOMPARE(content->mapToGlobal(QPoint()), kPanel.topLeft());
         // Another capsule appears, which cannot be clicked.
@@ -277,7 +262,8 @@ private Q_SLOTS:
         both.addPath(box({312.5, 4, 36, 24}));
         window->setRegions(box({8, 4, 108, 24}), both);
         QTRY_COMPARE_WITH_TIMEOUT(m_x.geometry(id), QRect(550, 4, 341, 24), kPatience);
-        QCOMPARE(m_x.inputShape(id), std::vector<QRect>{QRect(0, 0, 108, 24)});
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.inputShape(id), std::vector<QRect>{QRect(0, 0, 108, 24)},
+                                  kPatience);
         QCOMPARE(content->mapToGlobal(QPoint()), kPanel.topLeft());
         // The first one goes.
         window->setRegions({}, box({312.5, 4, 36, 24}));
