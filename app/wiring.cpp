@@ -26,11 +26,10 @@ OverlayWindowFactory overlayWindowFactory(const NativeOverlayWindowFactory& make
         QObject::connect(
             view, &OverlayView::contentChanged,
             [target = window.get()](const QRegion& points) { target->updateContent(points); });
-        QObject::connect(
-            view, &OverlayView::stepped, [view, target = window.get()](const QRegion& points) {
-                target->paintStep(points,
-                                  [&](QPainter& painter) { view->paintLines(painter, points); });
-            });
+        QObject::connect(view, &OverlayView::stepped,
+                         [target = window.get()](std::span<const TextStrip> texts) {
+                             target->showTexts(texts);
+                         });
         return window;
     };
 }

@@ -19,24 +19,6 @@ constexpr double kRestAtStart = 0.35;
 /// Seconds that a tagline stays which needs no scroll.
 constexpr double kFittingTagline = 2.8;
 
-/// The first row that is not all of one colour, and the one after the last.
-std::pair<int, int> inkedRows(const QImage& picture) {
-    const auto hasInk = [&picture](int y) {
-        const auto* const row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
-        return !std::all_of(row, row + picture.width(),
-                            [row](QRgb pixel) { return pixel == *row; });
-    };
-    int first = 0;
-    int end = picture.height();
-    while (first < end && !hasInk(first)) {
-        ++first;
-    }
-    while (end > first && !hasInk(end - 1)) {
-        --end;
-    }
-    return {first, end};
-}
-
 } // namespace
 
 CarRadioLine::CarRadioLine(CarRadioStyle style, Clock& clock, ReduceMotion& reduceMotion)
@@ -65,8 +47,8 @@ void CarRadioLine::setTexts(const QString& brand, const QString& tagline) {
     }
     m_brand = brand;
     m_tagline = tagline;
+    m_texts = {};
     if (line() != lineBefore) {
-        m_text.reset();
         Q_EMIT changed();
     }
     update();
@@ -81,7 +63,9 @@ void CarRadioLine::setDevicePixelRatio(double ratio) {
     if (m_devicePixelRatio != ratio) {
         m_devicePixelRatio = ratio;
         m_scroll.setDevicePixelRatio(ratio);
-        m_picture = {};
+        for (Text& each : m_texts) {
+            each.picture = {};
+        }
     }
 }
 
@@ -120,10 +104,7 @@ void CarRadioLine::restart() {
 void CarRadioLine::show(bool tagline) {
     const bool isSame = m_showingTagline == tagline && m_scroll.pixels() == 0;
     m_scroll.reset();
-    if (m_showingTagline != tagline) {
-        m_showingTagline = tagline;
-        m_text.reset();
-    }
+    m_showingTagline = tagline;
     if (!isSame) {
         Q_EMIT changed();
     }
@@ -172,40 +153,40 @@ QCoro::Task<> CarRadioLine::cycle(std::stop_token stop) {
     }
 }
 
-bool CarRadioLine::pictureCovers(const QRect& box) const {
+bool CarRadioLine::isRendered(const Text& text) const {
     const int from = m_scroll.pixels();
-    return m_text && m_picture.height() == box.height() && m_pictureFrom <= from &&
-           from + box.width() <= m_pictureFrom + m_picture.width();
+    return text.layout && text.picture.height() == m_box.height() && text.pictureFrom <= from &&
+           from + m_box.width() <= text.pictureFrom + text.picture.width();
 }
 
-void CarRadioLine::paint(QPainter& painter, const QRect& box) {
-    if (box.isEmpty()) {
-        return; // the line of a compact pill on a screen with a scale below 1
+const QImage& CarRadioLine::picture() {
+    Text& text = visibleText();
+    if (m_box.isEmpty() || isRendered(text)) {
+        return text.picture;
     }
     // Pixels; wide enough for almost every text as a whole, so that a scroll only copies.
     constexpr int kPictureWidth = 2048;
-    if (!pictureCovers(box)) {
-        if (!m_text) {
-            m_text = std::make_unique<TextLine>(line(), m_style.font);
-            m_rowsOfText = {};
-        }
-        m_pictureFrom = m_scroll.pixels();
-        // Two more than the text's width, since the last offset is rounded as well.
-        const int rest = qCeil(m_text->width() * m_devicePixelRatio) + 2 - m_pictureFrom;
-        m_picture = m_text->picture(
-            m_style.color, m_style.background, m_devicePixelRatio, m_pictureFrom,
-            {std::max(box.width(), m_showingTagline ? std::min(rest, kPictureWidth) : 0),
-             box.height()});
-        const auto [first, end] = inkedRows(m_picture);
-        // Include the rows of the previous piece, since parts of it are still on screen.
-        const bool isFirstPiece = m_rowsOfText.first == m_rowsOfText.second;
-        const int top = qFloor(first / m_devicePixelRatio);
-        m_rowsOfText = {isFirstPiece ? top : std::min(m_rowsOfText.first, top),
-                        std::max(m_rowsOfText.second, qCeil(end / m_devicePixelRatio))};
+    if (!text.layout) {
+        text.layout = std::make_unique<TextLine>(line(), m_style.font);
     }
-    const int from = m_scroll.pixels() - m_pictureFrom;
+    text.pictureFrom = m_scroll.pixels();
+    // Two more than the text's width, since the last offset is rounded as well.
+    const int rest = qCeil(text.layout->width() * m_devicePixelRatio) + 2 - text.pictureFrom;
+    text.picture = text.layout->picture(
+        m_style.color, m_style.background, m_devicePixelRatio, text.pictureFrom,
+        {std::max(m_box.width(), m_showingTagline ? std::min(rest, kPictureWidth) : 0),
+         m_box.height()});
+    return text.picture;
+}
+
+void CarRadioLine::paint(QPainter& painter, const QRect& box) {
+    m_box = box.size();
+    if (box.isEmpty()) {
+        return; // the line of a compact pill on a screen with a scale below 1
+    }
+    const QImage& text = picture();
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.drawImage(box.topLeft(), m_picture, QRect(QPoint(from, 0), box.size()));
+    painter.drawImage(box.topLeft(), text, QRect(QPoint(columnOnScreen(), 0), box.size()));
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
 }
 

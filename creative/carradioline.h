@@ -8,8 +8,8 @@
 #include <QImage>
 #include <QObject>
 
+#include <array>
 #include <memory>
-#include <utility>
 
 class QPainter;
 
@@ -65,14 +65,16 @@ public:
     /// Advances a scroll to its position at this time without emitting `moved`; returns whether it
     /// moved.
     bool catchUp() { return m_scroll.catchUp(); }
-    /// The rows of the box that a scroll changes, in points from its top: the first one, and the
-    /// one after the last. Both 0 until the text is painted.
-    [[nodiscard]] std::pair<int, int> rowsOfText() const { return m_rowsOfText; }
+    /// The visible text, rendered into a picture that is as high as the box painted last, and
+    /// includes what is seen in it now. Null until the line is painted.
+    [[nodiscard]] const QImage& picture();
+    /// The column of the picture that is at the box's left edge.
+    [[nodiscard]] int columnOnScreen() { return m_scroll.pixels() - visibleText().pictureFrom; }
 
 Q_SIGNALS:
     /// The whole box has to be repainted.
     void changed();
-    /// The text has moved by a step, so `rowsOfText` have to be repainted.
+    /// The text has moved by a step, so `picture` is to be shown at `columnOnScreen`.
     void moved();
 
 private:
@@ -82,7 +84,15 @@ private:
     void show(bool tagline);
     [[nodiscard]] QCoro::Task<> cycle(std::stop_token stop);
     [[nodiscard]] QCoro::Task<> sleep(double seconds, std::stop_token stop);
-    [[nodiscard]] bool pictureCovers(const QRect& box) const;
+
+    /// One of the two texts, laid out and rendered when it is first painted.
+    struct Text final {
+        std::unique_ptr<TextLine> layout;
+        QImage picture;      ///< Of a part, which includes what is seen of it.
+        int pictureFrom = 0; ///< Where that begins in the text, in pixels.
+    };
+    [[nodiscard]] Text& visibleText() { return m_texts.at(m_showingTagline ? 1 : 0); }
+    [[nodiscard]] bool isRendered(const Text& text) const;
 
     const CarRadioStyle m_style;
     Clock& m_clock;
@@ -99,10 +109,8 @@ private:
     std::stop_source m_task;
     PixelScroll m_scroll;
 
-    std::unique_ptr<TextLine> m_text; ///< Layout of the visible text; made when it is painted.
-    QImage m_picture;                 ///< The rendered part of the text; includes the visible part.
-    int m_pictureFrom = 0;            ///< Where `m_picture` begins in the text, in pixels.
-    std::pair<int, int> m_rowsOfText;
+    std::array<Text, 2> m_texts; ///< The resting text and the tagline.
+    QSize m_box;                 ///< As painted last, in pixels.
 };
 
 } // namespace brimlet

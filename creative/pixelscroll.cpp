@@ -1,7 +1,5 @@
 #include "creative/pixelscroll.h"
 
-#include "platform/starttask.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -32,13 +30,12 @@ void PixelScroll::start(double distance, double speed) {
     reset();
     m_distance = distance;
     m_speed = speed;
-    m_stop = std::stop_source();
     m_start = m_clock.uptime();
-    startTask(run(m_stop.get_token()));
+    run();
 }
 
 void PixelScroll::reset() {
-    m_stop.request_stop();
+    m_timer.reset();
     m_distance = 0;
     m_elapsed = {};
 }
@@ -48,21 +45,35 @@ bool PixelScroll::catchUp() {
         return false;
     }
     const int before = pixels();
-    m_elapsed = m_clock.uptime() - m_start;
+    // Rounded up, since the intervals between the ticks are rounded down.
+    m_elapsed = std::chrono::ceil<std::chrono::microseconds>(m_clock.uptime() - m_start);
     return pixels() != before;
 }
 
-QCoro::Task<> PixelScroll::run(std::stop_token stop) {
-    while (pixels() < allPixels()) {
-        const auto due = m_start + timeOf(pixels() + 1);
-        co_await m_clock.sleep(due - m_clock.uptime(), stop);
-        if (stop.stop_requested()) {
-            co_return;
-        }
-        if (catchUp()) {
-            m_moved();
-        }
+void PixelScroll::setDevicePixelRatio(double ratio) {
+    m_devicePixelRatio = ratio;
+    if (m_timer) {
+        run();
     }
+}
+
+void PixelScroll::run() {
+    m_timer.reset();
+    if (pixels() == allPixels()) {
+        return;
+    }
+    // The last pixel may be due sooner than the others.
+    const std::chrono::nanoseconds pixel(static_cast<qint64>(1e9 / (m_speed * m_devicePixelRatio)));
+    const auto interval = std::min(pixel, timeOf(allPixels()) - m_elapsed);
+    m_timer = m_clock.repeat(interval, [this, interval] {
+        const bool hasMoved = catchUp();
+        if (timeOf(allPixels()) - m_elapsed < interval) {
+            run();
+        }
+        if (hasMoved) {
+            m_moved(); // may destroy this
+        }
+    });
 }
 
 } // namespace brimlet

@@ -4,17 +4,14 @@
 
 namespace brimlet {
 
-/// Moves evenly over a distance in steps of one pixel, and wakes only when the next pixel is due.
-/// After a late wake-up the step is larger. Main thread only.
+/// Moves evenly over a distance in steps of one pixel, and wakes once for each. After a late
+/// wake-up the step is larger. Main thread only.
 class PixelScroll final {
 public:
     /// `moved` is called after each step. `clock` outlives the scroll.
     PixelScroll(Clock& clock, std::function<void()> moved)
         : m_clock(clock)
         , m_moved(std::move(moved)) {}
-    ~PixelScroll() { m_stop.request_stop(); }
-    PixelScroll(const PixelScroll&) = delete;
-    PixelScroll& operator=(const PixelScroll&) = delete;
 
     /// Starts from 0. `distance` in points, `speed` in points per second, more than 0.
     void start(double distance, double speed);
@@ -22,14 +19,14 @@ public:
     void reset();
 
     /// Pixels per point, from the next step on.
-    void setDevicePixelRatio(double ratio) { m_devicePixelRatio = ratio; }
+    void setDevicePixelRatio(double ratio);
     /// Advances to the position at this time without calling `moved`; returns whether it moved.
     bool catchUp();
     /// The distance covered so far, in pixels.
     [[nodiscard]] int pixels() const;
 
 private:
-    [[nodiscard]] QCoro::Task<> run(std::stop_token stop);
+    void run();
     [[nodiscard]] int allPixels() const;
     /// The time from the start until this pixel is reached.
     [[nodiscard]] std::chrono::nanoseconds timeOf(int pixel) const;
@@ -41,7 +38,7 @@ private:
     double m_speed = 0;                 ///< Points per second.
     std::chrono::nanoseconds m_start{}; ///< The clock's uptime at the start.
     std::chrono::nanoseconds m_elapsed{};
-    std::stop_source m_stop;
+    std::unique_ptr<RepeatingTimer> m_timer; ///< While it moves.
 };
 
 } // namespace brimlet

@@ -1,7 +1,7 @@
 #include "menu/markview.h"
 
-#include "creative/pixelspace.h"
 #include "menu/hosttheme.h"
+#include "platform/pixelspace.h"
 
 #include <QPainter>
 

@@ -2,9 +2,9 @@
 
 #include "creative/continuouspaths.h"
 #include "creative/notchfont.h"
-#include "creative/pixelspace.h"
 #include "overlay/capsule.h"
 #include "overlay/pilltexts.h"
+#include "platform/pixelspace.h"
 
 #include <QAccessible>
 #include <QMouseEvent>
@@ -101,10 +101,9 @@ QRectF NotchPill::lineBox() const {
                               -kFree);
 }
 
-QRect NotchPill::movingBox() const {
-    const QRect box = lineBox().toAlignedRect();
-    const auto [first, end] = m_line.rowsOfText();
-    return QRect(box.x(), box.y() + first, box.width(), end - first).translated(pos());
+TextStrip NotchPill::strip() {
+    const QImage& picture = m_line.picture();
+    return {m_lineBox, &picture, m_line.columnOnScreen(), kCapsuleBackground};
 }
 
 QPainterPath NotchPill::capsule() const {
@@ -135,16 +134,15 @@ void NotchPill::paintEvent(QPaintEvent* event) {
         paintBackground(painter, pixels);
         m_mark.paint(painter, pixels.toPixels(markBox()), pixels.devicePixelRatio());
     }
-    paintLineAt(painter, {});
+    paintLine(painter);
 }
 
-void NotchPill::paintLineAt(QPainter& painter, QPoint origin) {
+void NotchPill::paintLine(QPainter& painter) {
     const PixelSpace pixels(painter);
     m_line.setDevicePixelRatio(pixels.devicePixelRatio());
-    const QRectF box = lineBox().translated(origin);
-    const QRect line = pixels.toPixels(box);
-    fillAround(painter, line, pixels.toPixels(box.toAlignedRect()), kCapsuleBackground);
-    m_line.paint(painter, line);
+    m_lineBox = pixels.toPixels(lineBox());
+    fillAround(painter, m_lineBox, pixels.toPixels(lineBox().toAlignedRect()), kCapsuleBackground);
+    m_line.paint(painter, m_lineBox);
 }
 
 void NotchPill::paintBackground(QPainter& painter, const PixelSpace& pixels) {

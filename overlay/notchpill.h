@@ -4,6 +4,7 @@
 #include "creative/creativeenvironment.h"
 #include "creative/creativemark.h"
 #include "host/assignment.h"
+#include "platform/textstrip.h"
 
 #include <QPainterPath>
 #include <QWidget>
@@ -29,14 +30,12 @@ public:
 
     [[nodiscard]] const std::optional<SlotCreative>& creative() const { return m_creative; }
     [[nodiscard]] bool isClickable() const { return m_isClickable; }
-    /// The area in whole points that a step of the scrolling text changes, in the parent's
-    /// coordinates.
-    [[nodiscard]] QRect movingBox() const;
+    /// The line's text as it is now. Valid until the pill is used again; its box is empty until
+    /// the line is painted, and where there is no room for it.
+    [[nodiscard]] TextStrip strip();
     /// Advances a scrolling text to its position at this time without emitting `moved`; returns
     /// whether it moved.
     bool catchUp() { return isVisible() && m_line.catchUp(); }
-    /// Paints only the line, into a painter with the parent's coordinates and no world transform.
-    void paintLine(QPainter& painter) { paintLineAt(painter, pos()); }
     /// The capsule's outline in the parent's coordinates.
     [[nodiscard]] QPainterPath capsule() const;
     /// The accessible name.
@@ -49,7 +48,7 @@ public:
 Q_SIGNALS:
     /// The visible creative was activated, with the pointer or by a screen reader.
     void clicked();
-    /// The text has moved by a step. The receiver has to paint `movingBox` with `paintLine`.
+    /// The text has moved by a step: its `strip` is to be shown.
     void moved();
     /// Something else is to be painted again: this box, in the parent's coordinates.
     void changed(QRect box);
@@ -65,7 +64,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    void paintLineAt(QPainter& painter, QPoint origin);
+    void paintLine(QPainter& painter);
     void paintBackground(QPainter& painter, const PixelSpace& pixels);
     [[nodiscard]] QRectF markBox() const;
     [[nodiscard]] QRectF lineBox() const;
@@ -76,6 +75,7 @@ private:
     CarRadioLine m_line;
     QRectF m_capsule;    ///< In the pill's own coordinates; the widget surrounds it.
     QImage m_background; ///< The capsule's picture, made once per size.
+    QRect m_lineBox;     ///< As painted last, in the window's pixels.
 };
 
 } // namespace brimlet

@@ -4,6 +4,7 @@
 #include "overlay/overlaylayout.h"
 #include "overlay/pillaccessibility.h"
 
+#include <array>
 #include <utility>
 
 namespace brimlet {
@@ -96,19 +97,9 @@ void OverlayView::reportStep(NotchPill& moved) {
         return;
     }
     NotchPill& other = &moved == m_left ? *m_right : *m_left;
-    QRegion points = moved.movingBox();
-    if (other.catchUp()) {
-        points += other.movingBox();
-    }
-    Q_EMIT stepped(points);
-}
-
-void OverlayView::paintLines(QPainter& painter, const QRegion& points) {
-    for (NotchPill* const each : {m_left, m_right}) {
-        if (points.intersects(each->movingBox())) {
-            each->paintLine(painter);
-        }
-    }
+    const bool areBoth = other.catchUp();
+    const std::array texts{moved.strip(), areBoth ? other.strip() : TextStrip()};
+    Q_EMIT stepped(std::span(texts).first(areBoth ? 2 : 1));
 }
 
 void OverlayView::resizeEvent(QResizeEvent* /*event*/) {

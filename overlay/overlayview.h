@@ -3,11 +3,13 @@
 #include "creative/creativeenvironment.h"
 #include "overlay/overlayruntime.h"
 #include "platform/onceperturn.h"
+#include "platform/textstrip.h"
 
 #include <QPainterPath>
 #include <QWidget>
 
 #include <optional>
+#include <span>
 
 namespace brimlet {
 
@@ -28,18 +30,13 @@ public:
     /// The outlines of all shown capsules, in the view's coordinates.
     [[nodiscard]] const QPainterPath& painted() const { return m_painted; }
 
-    /// Paints the lines that are in these points. The painter has the view's coordinates and no
-    /// world transform.
-    void paintLines(QPainter& painter, const QRegion& points);
-
 Q_SIGNALS:
     /// At least one of the two has changed.
     void regionsChanged();
     /// These points have to be painted again.
     void contentChanged(const QRegion& points);
-    /// Scrolling texts have moved by a step: these points have to be painted with `paintLines()`,
-    /// or like other changes.
-    void stepped(const QRegion& points);
+    /// Scrolling texts have moved by a step, and are to be shown so.
+    void stepped(std::span<const TextStrip> texts);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

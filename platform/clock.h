@@ -32,7 +32,7 @@ public:
     /// Calls `tick` every `interval`, the first time after one interval. Monotonic: setting the
     /// wall clock has no effect. Missed ticks are not made up, and a late one does not shift the
     /// next.
-    [[nodiscard]] virtual std::unique_ptr<RepeatingTimer> repeat(std::chrono::milliseconds interval,
+    [[nodiscard]] virtual std::unique_ptr<RepeatingTimer> repeat(std::chrono::nanoseconds interval,
                                                                  std::function<void()> tick) = 0;
 
     /// Ends after `duration` (monotonic), or as soon as a stop is requested; `stop` shows which it

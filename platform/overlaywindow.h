@@ -2,13 +2,14 @@
 
 #include "platform/rect.h"
 
-#include <functional>
+#include <span>
 
-class QPainter;
 class QPainterPath;
 class QRegion;
 
 namespace brimlet {
+
+struct TextStrip;
 
 /// The native window behind the overlay panel: borderless, transparent, above other windows, on
 /// every desktop, never focused. It is created hidden. Main thread only.
@@ -37,10 +38,9 @@ public:
     /// painted together.
     virtual void updateContent(const QRegion& points) = 0;
 
-    /// Paints a step of a scrolling text at once, or later as any other change. `paint` paints
-    /// these points; its painter has the content's coordinates. It is called at most once, before
-    /// this returns.
-    virtual void paintStep(const QRegion& points, const std::function<void(QPainter&)>& paint) = 0;
+    /// Shows these texts at once, over what the content has painted there, or later as any other
+    /// change. They are seen until their points are painted again.
+    virtual void showTexts(std::span<const TextStrip> texts) = 0;
 };
 
 } // namespace brimlet

@@ -108,8 +108,7 @@ public:
     void setIgnoresMouseEvents(bool /*ignores*/) override {}
     void setRegions(const QPainterPath& /*clickable*/, const QPainterPath& /*painted*/) override {}
     void updateContent(const QRegion& /*points*/) override {}
-    void paintStep(const QRegion& /*points*/,
-                   const std::function<void(QPainter&)>& /*paint*/) override {}
+    void showTexts(std::span<const TextStrip> /*texts*/) override {}
 };
 
 /// Connected as in the program: the store's requests to be rendered refresh the overlay.

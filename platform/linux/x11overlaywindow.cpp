@@ -8,6 +8,7 @@
 #include "platform/qt/outlineregion.h"
 
 #include <QHelpEvent>
+#include <QWindow>
 
 #include <utility>
 
@@ -36,6 +37,8 @@ void X11OverlayWindow::orderFrontRegardless() {
     // Shaped before it is mapped, and again each time: a new native window or scale factor is not
     // announced.
     create();
+    windowHandle()->installEventFilter(this);
+    m_texts.setWindow(*windowHandle());
     applyShapes();
     bringForward();
 }
@@ -70,6 +73,10 @@ bool X11OverlayWindow::event(QEvent* event) {
 /// Between Qt's raise of a tooltip that is shown and its mapping, so that it never covers a menu.
 void X11OverlayWindow::showEvent(QShowEvent* /*event*/) {
     x11::raiseAboveManagedWindows(internalWinId());
+}
+
+void X11OverlayWindow::hideEvent(QHideEvent* /*event*/) {
+    m_texts.clear();
 }
 
 void X11OverlayWindow::orderOut() {
@@ -121,9 +128,18 @@ void X11OverlayWindow::updateContent(const QRegion& points) {
     updatePoints(*m_content, points);
 }
 
-void X11OverlayWindow::paintStep(const QRegion& points,
-                                 const std::function<void(QPainter&)>& paint) {
-    paintIntoBackingStore(*m_content, points, paint);
+void X11OverlayWindow::showTexts(std::span<const TextStrip> texts) {
+    if (!m_texts.show(texts)) {
+        paintIntoBackingStore(*this, texts);
+    }
+}
+
+/// What the X server lost is sent from the backing store, which does not have the copied texts.
+bool X11OverlayWindow::eventFilter(QObject* /*window*/, QEvent* event) {
+    if (event->type() == QEvent::Expose) {
+        updatePoints(*m_content, m_content->rect());
+    }
+    return false;
 }
 
 void X11OverlayWindow::applyShapes() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/x11textstrips.h"
 #include "platform/linux/x11tooltip.h"
 #include "platform/overlaywindow.h"
 
@@ -35,14 +36,16 @@ public:
     void setIgnoresMouseEvents(bool ignores) override;
     void setRegions(const QPainterPath& clickable, const QPainterPath& painted) override;
     void updateContent(const QRegion& points) override;
-    void paintStep(const QRegion& points, const std::function<void(QPainter&)>& paint) override;
+    void showTexts(std::span<const TextStrip> texts) override;
 
     /// While true the window is out, whether or not it is ordered front.
     void setSessionLocked(bool isLocked);
 
 protected:
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* window, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     void place();
@@ -50,6 +53,7 @@ private:
     void bringForward();
 
     QWidget* m_content;
+    X11TextStrips m_texts;
     X11ToolTip m_toolTip;
     std::function<QRectF()> m_primaryGeometry;
     bool m_isFitted;

@@ -1,5 +1,8 @@
 #include "platform/qt/contentpainting.h"
 
+#include "platform/pixelspace.h"
+#include "platform/textstrip.h"
+
 #include <QBackingStore>
 #include <QPainter>
 #include <QWidget>
@@ -14,26 +17,44 @@ void updatePoints(QWidget& content, const QRegion& points) {
     }
 }
 
-void paintIntoBackingStore(QWidget& content, const QRegion& points,
-                           const std::function<void(QPainter&)>& paint) {
-    QBackingStore* const store = content.backingStore();
-    const QWidget* const window = content.window();
-    if (!content.isVisible() || store == nullptr || store->size() != window->size()) {
+void paintTexts(QPainter& painter, std::span<const TextStrip> texts) {
+    const PixelSpace pixels(painter);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    for (const TextStrip& text : texts) {
+        painter.drawImage(text.box.topLeft(), *text.picture,
+                          QRect(QPoint(text.from, 0), text.box.size()));
+    }
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+}
+
+QRegion pointsOf(std::span<const TextStrip> texts, double devicePixelRatio) {
+    const auto toPoints = QTransform::fromScale(1 / devicePixelRatio, 1 / devicePixelRatio);
+    QRegion points;
+    for (const TextStrip& text : texts) {
+        points += toPoints.mapRect(QRectF(text.box)).toAlignedRect();
+    }
+    return points;
+}
+
+void paintIntoBackingStore(QWidget& window, std::span<const TextStrip> texts) {
+    QBackingStore* const store = window.backingStore();
+    if (!window.isVisible() || store == nullptr || store->size() != window.size()) {
         return;
     }
-    const QPoint origin = content.mapTo(window, QPoint());
-    const QRegion changed = points.translated(origin);
+    const QRegion changed = pointsOf(texts, window.devicePixelRatioF());
     store->beginPaint(changed);
     {
         QPainter painter(store->paintDevice());
-        if (!origin.isNull()) {
-            painter.setViewport({origin, content.size()});
-            painter.setWindow(content.rect());
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        for (const TextStrip& text : texts) { // whole points are cleared, more than the boxes
+            for (const QRect& part : pointsOf(std::span(&text, 1), window.devicePixelRatioF())) {
+                painter.fillRect(part, text.background);
+            }
         }
-        paint(painter);
+        paintTexts(painter, texts);
     }
     store->endPaint();
-    store->flush(changed, window->windowHandle());
+    store->flush(changed, window.windowHandle());
 }
 
 } // namespace brimlet

@@ -2,22 +2,29 @@
 
 #include <QRegion>
 
-#include <functional>
+#include <span>
 
 class QPainter;
 class QWidget;
 
 namespace brimlet {
 
+struct TextStrip;
+
 /// Paints these points of the content and its children again, soon. Qt's own `update()` of a widget
 /// leaves out its opaque children.
 void updatePoints(QWidget& content, const QRegion& points);
 
-/// Paints directly into the backing store of the content's window, and shows these points at once.
-/// Nothing happens while the content is hidden or the store does not have the window's size yet:
-/// the next paint event paints all of it. With `QWidget::repaint()` a step of a scrolling text
-/// takes a third more instructions, 22 times a second.
-void paintIntoBackingStore(QWidget& content, const QRegion& points,
-                           const std::function<void(QPainter&)>& paint);
+/// Paints the texts. The painter is that of a whole window, without a world transform.
+void paintTexts(QPainter& painter, std::span<const TextStrip> texts);
+
+/// The window's points that the texts are in, at least in part.
+[[nodiscard]] QRegion pointsOf(std::span<const TextStrip> texts, double devicePixelRatio);
+
+/// Paints the texts directly into the window's backing store, and shows them at once. Nothing
+/// happens while the window is hidden or the store does not have its size yet: the next paint event
+/// paints all of it. With `QWidget::repaint()` a step of a scrolling text takes a third more
+/// instructions, 22 times a second.
+void paintIntoBackingStore(QWidget& window, std::span<const TextStrip> texts);
 
 } // namespace brimlet

@@ -48,14 +48,7 @@ private:
     QtClock::Key m_key;
 };
 
-QtClock::QtClock() {
-    m_timer.setSingleShot(true);
-    // Coarse timers would drift apart, and precise ones wake the program no more often.
-    m_timer.setTimerType(Qt::PreciseTimer);
-    m_timer.callOnTimeout([this] { runDueActions(); });
-}
-
-std::unique_ptr<RepeatingTimer> QtClock::repeat(std::chrono::milliseconds interval,
+std::unique_ptr<RepeatingTimer> QtClock::repeat(std::chrono::nanoseconds interval,
                                                 std::function<void()> tick) {
     return std::make_unique<QtRepeatingTimer>(*this, interval, std::move(tick));
 }
@@ -86,6 +79,11 @@ void QtClock::remove(const Key& key) {
     startTimer();
 }
 
+void QtClock::timerEvent(QTimerEvent* /*event*/) {
+    m_timerDue.reset();
+    runDueActions();
+}
+
 /// Each action is removed from the map before it runs, because it may remove others or destroy the
 /// clock. Actions scheduled meanwhile wait for the next turn of the event loop.
 void QtClock::runDueActions() {
@@ -106,15 +104,19 @@ void QtClock::startTimer() {
     constexpr std::chrono::milliseconds kLongestTimer = std::chrono::hours(24 * 24);
     if (m_actions.empty()) {
         m_timer.stop();
+        m_timerDue.reset();
         return;
     }
     const auto due = m_actions.begin()->first.first;
-    if (m_timer.isActive() && m_timerDue == due) {
+    if (m_timerDue == due) {
         return;
     }
     m_timerDue = due;
     const auto rest = std::chrono::ceil<std::chrono::milliseconds>(due - uptime());
-    m_timer.start(std::clamp(rest, std::chrono::milliseconds(0), kLongestTimer));
+    // Coarse timers would drift apart, and precise ones wake the program no more often.
+    m_timer.start(
+        static_cast<int>(std::clamp(rest, std::chrono::milliseconds(0), kLongestTimer).count()),
+        Qt::PreciseTimer, this);
 }
 
 } // namespace brimlet

@@ -3,10 +3,12 @@
 #include "platform/clock.h"
 #include "platform/qt/awaketime.h"
 
-#include <QTimer>
+#include <QBasicTimer>
+#include <QObject>
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace brimlet {
@@ -17,11 +19,11 @@ namespace brimlet {
                                                 std::chrono::nanoseconds interval,
                                                 std::chrono::nanoseconds now);
 
-/// The system's clocks, with timers on the Qt event loop. All timers and sleeps share one QTimer,
+/// The system's clocks, with timers on the Qt event loop. All timers and sleeps share one of Qt's,
 /// so those that are due together wake the program only once. Main thread only.
-class QtClock final : public Clock {
+class QtClock final : public QObject, public Clock {
 public:
-    QtClock();
+    QtClock() = default;
     /// Existing timers stop ticking, and pending sleeps end only through their stop token.
     ~QtClock() override { *m_isAlive = false; }
     QtClock(const QtClock&) = delete;
@@ -29,10 +31,13 @@ public:
 
     [[nodiscard]] TimePoint now() const override { return std::chrono::system_clock::now(); }
     [[nodiscard]] std::chrono::nanoseconds uptime() const override { return awakeTime(); }
-    [[nodiscard]] std::unique_ptr<RepeatingTimer> repeat(std::chrono::milliseconds interval,
+    [[nodiscard]] std::unique_ptr<RepeatingTimer> repeat(std::chrono::nanoseconds interval,
                                                          std::function<void()> tick) override;
     [[nodiscard]] QCoro::Task<> sleep(std::chrono::nanoseconds duration,
                                       std::stop_token stop) override;
+
+protected:
+    void timerEvent(QTimerEvent* event) override;
 
 private:
     friend class QtRepeatingTimer;
@@ -47,8 +52,9 @@ private:
 
     std::map<Key, std::function<void()>> m_actions;
     std::uint64_t m_nextNumber = 0;
-    std::chrono::nanoseconds m_timerDue{}; ///< The uptime for which `m_timer` was started.
-    QTimer m_timer;
+    /// The uptime for which `m_timer` was started, until it comes.
+    std::optional<std::chrono::nanoseconds> m_timerDue;
+    QBasicTimer m_timer;
     std::shared_ptr<bool> m_isAlive = std::make_shared<bool>(true);
 };
 

@@ -26,10 +26,11 @@ std::chrono::nanoseconds SimulatedClock::uptime() const {
     return m_startUptime + times(m_real.uptime() - m_startUptime, m_speed);
 }
 
-std::unique_ptr<RepeatingTimer> SimulatedClock::repeat(std::chrono::milliseconds interval,
+std::unique_ptr<RepeatingTimer> SimulatedClock::repeat(std::chrono::nanoseconds interval,
                                                        std::function<void()> tick) {
     // The real timer's shortest interval is a millisecond.
-    const auto shortened = std::max(times(interval, 1 / m_speed), std::chrono::milliseconds(1));
+    constexpr std::chrono::nanoseconds kShortest = std::chrono::milliseconds(1);
+    const auto shortened = std::max(times(interval, 1 / m_speed), kShortest);
     return m_real.repeat(shortened, std::move(tick));
 }
 

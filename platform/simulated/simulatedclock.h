@@ -12,7 +12,7 @@ public:
 
     [[nodiscard]] TimePoint now() const override;
     [[nodiscard]] std::chrono::nanoseconds uptime() const override;
-    [[nodiscard]] std::unique_ptr<RepeatingTimer> repeat(std::chrono::milliseconds interval,
+    [[nodiscard]] std::unique_ptr<RepeatingTimer> repeat(std::chrono::nanoseconds interval,
                                                          std::function<void()> tick) override;
     [[nodiscard]] QCoro::Task<> sleep(std::chrono::nanoseconds duration,
                                       std::stop_token stop) override;

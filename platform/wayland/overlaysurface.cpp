@@ -1,5 +1,6 @@
 #include "platform/wayland/overlaysurface.h"
 
+#include "platform/qt/contentpainting.h"
 #include "platform/wayland/waylandconnection.h"
 #include "platform/wayland/waylandoutputs.h"
 #include "platform/wayland/waylandprotocols.h"
@@ -216,7 +217,8 @@ void OverlaySurface::paintDue() {
     show(isAll ? QRegion(image.rect()) : toPixels(due));
 }
 
-void OverlaySurface::paintNow(const QRegion& points, const std::function<void(QPainter&)>& paint) {
+void OverlaySurface::showTexts(std::span<const TextStrip> texts) {
+    const QRegion points = pointsOf(texts, m_scale);
     if (!canPaint() || m_isAllDue || !m_due.isEmpty() || m_buffers->isNew()) {
         update(points);
         return;
@@ -225,7 +227,7 @@ void OverlaySurface::paintNow(const QRegion& points, const std::function<void(QP
     image.setDevicePixelRatio(m_scale);
     {
         QPainter painter(&image);
-        paint(painter);
+        paintTexts(painter, texts);
     }
     show(toPixels(points));
 }

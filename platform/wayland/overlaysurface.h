@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/textstrip.h"
 #include "platform/wayland/waylandbuffers.h"
 #include "platform/wayland/waylandproxies.h"
 
@@ -10,8 +11,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
-
-class QPainter;
+#include <span>
 
 namespace brimlet {
 
@@ -42,9 +42,9 @@ public:
     void setInputRegion(const QRegion& points);
     /// Paints these points at the next chance; all points when absent.
     void update(const std::optional<QRegion>& points);
-    /// Paints these points at once with `paint`, or at the next chance as any others: not before
-    /// the compositor has shown the last picture.
-    void paintNow(const QRegion& points, const std::function<void(QPainter&)>& paint);
+    /// Shows these texts at once, or at the next chance as any other change: not before the
+    /// compositor has shown the last picture.
+    void showTexts(std::span<const TextStrip> texts);
 
     [[nodiscard]] wl_surface* surface() const { return m_surface.get(); }
     /// Makes the popup of that positioner a child of this one; `anchor`, in points of the picture,

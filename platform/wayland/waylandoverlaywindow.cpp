@@ -216,10 +216,9 @@ void WaylandOverlayWindow::updateContent(const QRegion& points) {
     m_paintDue.schedule();
 }
 
-void WaylandOverlayWindow::paintStep(const QRegion& points,
-                                     const std::function<void(QPainter&)>& paint) {
+void WaylandOverlayWindow::showTexts(std::span<const TextStrip> texts) {
     if (m_surface) {
-        m_surface->paintNow(points, paint);
+        m_surface->showTexts(texts);
     }
 }
 

@@ -46,7 +46,7 @@ public:
     void setIgnoresMouseEvents(bool ignores) override;
     void setRegions(const QPainterPath& clickable, const QPainterPath& painted) override;
     void updateContent(const QRegion& points) override;
-    void paintStep(const QRegion& points, const std::function<void(QPainter&)>& paint) override;
+    void showTexts(std::span<const TextStrip> texts) override;
 
     /// While true the window is out, whether or not it is ordered front: a locker may be a surface
     /// like this one.

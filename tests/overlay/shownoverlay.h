@@ -15,10 +15,9 @@ namespace brimlet {
 inline void paintChangesOf(OverlayView& view) {
     QObject::connect(&view, &OverlayView::contentChanged, &view,
                      [&view](const QRegion& points) { updatePoints(view, points); });
-    QObject::connect(&view, &OverlayView::stepped, &view, [&view](const QRegion& points) {
-        paintIntoBackingStore(view, points,
-                              [&](QPainter& painter) { view.paintLines(painter, points); });
-    });
+    QObject::connect(
+        &view, &OverlayView::stepped, &view,
+        [&view](std::span<const TextStrip> texts) { paintIntoBackingStore(view, texts); });
 }
 
 /// A shown overlay view of 428 by 40 points over a store whose ports are fakes.

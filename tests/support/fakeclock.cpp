@@ -34,7 +34,7 @@ FakeClock::~FakeClock() {
     const auto entries = std::exchange(m_entries, {});
 }
 
-std::unique_ptr<RepeatingTimer> FakeClock::repeat(std::chrono::milliseconds interval,
+std::unique_ptr<RepeatingTimer> FakeClock::repeat(std::chrono::nanoseconds interval,
                                                   std::function<void()> tick) {
     const int id = m_nextId++;
     m_entries[id] = {m_monotonic + interval, interval, std::move(tick)};

@@ -22,7 +22,7 @@ public:
         return m_wall;
     }
     [[nodiscard]] std::chrono::nanoseconds uptime() const override { return m_monotonic; }
-    [[nodiscard]] std::unique_ptr<RepeatingTimer> repeat(std::chrono::milliseconds interval,
+    [[nodiscard]] std::unique_ptr<RepeatingTimer> repeat(std::chrono::nanoseconds interval,
                                                          std::function<void()> tick) override;
     [[nodiscard]] QCoro::Task<> sleep(std::chrono::nanoseconds duration,
                                       std::stop_token stop) override;

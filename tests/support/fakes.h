@@ -207,8 +207,7 @@ public:
     void updateContent(const QRegion& /*points*/) override {
         m_record.calls << QStringLiteral("content");
     }
-    void paintStep(const QRegion& /*points*/,
-                   const std::function<void(QPainter&)>& /*paint*/) override {
+    void showTexts(std::span<const TextStrip> /*texts*/) override {
         m_record.calls << QStringLiteral("step");
     }
 

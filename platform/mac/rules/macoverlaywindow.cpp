@@ -72,9 +72,8 @@ void MacOverlayWindow::updateContent(const QRegion& points) {
     updatePoints(*m_content, points);
 }
 
-void MacOverlayWindow::paintStep(const QRegion& points,
-                                 const std::function<void(QPainter&)>& paint) {
-    paintIntoBackingStore(*m_content, points, paint);
+void MacOverlayWindow::showTexts(std::span<const TextStrip> texts) {
+    paintIntoBackingStore(*m_content, texts);
 }
 
 std::vector<PanelFacts> MacOverlayWindow::clickFacts() const {

@@ -33,7 +33,7 @@ public:
     /// The system composites the window, so only the clickable region matters.
     void setRegions(const QPainterPath& clickable, const QPainterPath& painted) override;
     void updateContent(const QRegion& points) override;
-    void paintStep(const QRegion& points, const std::function<void(QPainter&)>& paint) override;
+    void showTexts(std::span<const TextStrip> texts) override;
 
     /// Of the panel for the content.
     [[nodiscard]] PanelFacts facts() const { return m_painting->facts(); }

@@ -1,6 +1,8 @@
 #include "platform/linux/x11overlaywindow.h"
 #include "platform/linux/x11watch.h"
+#include "platform/textstrip.h"
 #include "tests/support/emulated.h"
+#include "tests/support/paintcounter.h"
 #include "tests/support/testprogram.h"
 #include "tests/support/windowproperties.h"
 #include "tests/support/xserver.h"
@@ -125,6 +127,21 @@ private:
     xcb_window_t m_root;
     xcb_window_t m_owner = XCB_WINDOW_NONE;
 };
+
+/// A picture whose columns differ, and are none of the window's colours.
+QImage columns(int width, int height, int first = 0) {
+    QImage picture(width, height, QImage::Format_ARGB32_Premultiplied);
+    for (int x = 0; x < width; ++x) {
+        const int number = first + x;
+        QPainter(&picture).fillRect(x, 0, 1, height, QColor(number % 256, 90, 100 + number / 256));
+    }
+    return picture;
+}
+
+/// These columns of it, as they are on the screen.
+QImage part(const QImage& picture, int from, int width) {
+    return picture.copy(from, 0, width, picture.height()).convertToFormat(QImage::Format_RGB32);
+}
 
 QPainterPath box(const QRectF& edges) {
     QPainterPath outline;
@@ -275,28 +292,66 @@ private Q_SLOTS:
         QVERIFY(isAtRest(*window));
     }
 
-    void aStepIsPaintedAtItsPlaceInAFittedWindow() {
+    void aTextIsCopiedToItsPlaceWithoutPainting() {
         const auto window = makeWindow(true);
         QVERIFY(isAtRest(*window));
-        const QPoint origin = kPanel.topLeft();
-        const QRgb before = m_x.pixel(origin + QPoint(100, 10)).rgb();
-        const QRect step(20, 8, 40, 12);
-        window->paintStep(step, [&](QPainter& painter) {
-            QVERIFY(painter.worldTransform().isIdentity());
-            QCOMPARE(painter.deviceTransform().map(QPoint(8, 4)), QPoint(0, 0));
-            painter.fillRect(step, Qt::red);
-        });
-        const QImage row = m_x.picture({origin + QPoint(8, 10), QSize(108, 1)});
-        QList<int> reds;
-        for (int x = 0; x < row.width(); ++x) {
-            if (row.pixelColor(x, 0) == Qt::red) {
-                reds << x + 8;
-            }
+        const QPoint origin = kPanel.topLeft() + QPoint(8, 4);
+        const QRgb before = m_x.pixel(origin + QPoint(92, 10)).rgb();
+        const QImage picture = columns(2048, 12);
+        const QImage other = columns(300, 12);
+        const QList<TextStrip> texts{{{12, 4, 40, 12}, &picture, 0}, {{60, 4, 30, 12}, &other, 2}};
+        window->showTexts(texts);
+        synchronise(xcbConnectionOfQt());
+        QCOMPARE(m_x.picture({origin + QPoint(12, 4), QSize(40, 12)}), part(picture, 0, 40));
+        QCOMPARE(m_x.picture({origin + QPoint(60, 4), QSize(30, 12)}), part(other, 2, 30));
+        QVERIFY(m_x.pixel(origin + QPoint(11, 4)).rgb() != picture.pixel(0, 0));
+        QCOMPARE(m_x.pixel(origin + QPoint(92, 10)).rgb(), before);
+        // From the second time on, a step is one request for each text.
+        const PaintCounter paints(*qApp);
+        QList<TextStrip> moved = texts;
+        for (int i = 1; i <= 10; ++i) {
+            moved[0].from = i * 200;
+            moved[1].from = i;
+            QCOMPARE(requestsOf([&] { window->showTexts(moved); }), 2U);
         }
-        QVERIFY(!reds.isEmpty());
-        QCOMPARE(std::pair(reds.constFirst(), reds.constLast()), std::pair(20, 59));
-        QCOMPARE(reds.size(), 40);
-        QCOMPARE(m_x.pixel(origin + QPoint(100, 10)).rgb(), before);
+        synchronise(xcbConnectionOfQt());
+        QCOMPARE(m_x.picture({origin + QPoint(12, 4), QSize(40, 12)}), part(picture, 2000, 40));
+        QCOMPARE(m_x.picture({origin + QPoint(60, 4), QSize(30, 12)}), part(other, 10, 30));
+        QCOMPARE(paints.paints, 0);
+    }
+
+    void anotherPictureReplacesTheOneBefore() {
+        const auto window = makeWindow(true);
+        QVERIFY(isAtRest(*window));
+        const QRect box(12, 4, 40, 12);
+        for (int i = 0; i < 5; ++i) {
+            const QImage picture = columns(200, 12, i * 20);
+            window->showTexts(std::array{TextStrip{box, &picture, 7}});
+            synchronise(xcbConnectionOfQt());
+            const QPoint place = kPanel.topLeft() + QPoint(8, 4) + box.topLeft();
+            QCOMPARE(m_x.picture({place, box.size()}), part(picture, 7, 40));
+        }
+        // A line without room for its text.
+        const QImage none;
+        QCOMPARE(requestsOf([&] { window->showTexts(std::array{TextStrip{{}, &none, 0}}); }), 0U);
+    }
+
+    void whatIsExposedIsPaintedAnew() {
+        const auto window = makeWindow(true);
+        QVERIFY(isAtRest(*window));
+        const QRect box(12, 4, 40, 12);
+        const QRect place = box.translated(kPanel.topLeft() + QPoint(8, 4));
+        const QImage before = m_x.picture(place);
+        const QImage picture = columns(200, 12);
+        window->showTexts(std::array{TextStrip{box, &picture, 0}});
+        synchronise(xcbConnectionOfQt());
+        QVERIFY(m_x.picture(place) != before);
+        const PaintCounter paints(*qApp);
+        constexpr std::uint8_t kExposes = 1;
+        xcb_clear_area(xcbConnectionOfQt(), kExposes, idOf(*window), 0, 0, 0, 0);
+        xcb_flush(xcbConnectionOfQt());
+        QTRY_VERIFY_WITH_TIMEOUT(paints.paints > 0, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(m_x.picture(place), before, kPatience);
     }
 
     void aNewNativeWindowIsShapedAgain() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/textstrip.h"
 #include "platform/wayland/waylandconnection.h"
 #include "platform/wayland/waylandoverlaywindow.h"
 #include "platform/wayland/waylandseat.h"
@@ -13,6 +14,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -63,6 +65,16 @@ inline constexpr QRect kLeft(8, 1, 108, 24);
 inline constexpr QRect kRight(312, 1, 108, 24);
 /// Of the 14-inch machine, in global points.
 inline constexpr Rect kFrame{542, 942, 428, 40};
+
+/// A text of 2048 pixels in that box of 16 pixels' height.
+inline std::array<TextStrip, 1> textIn(const QRect& box, int from = 0) {
+    static const QImage picture = [] {
+        QImage text(2048, 16, QImage::Format_ARGB32_Premultiplied);
+        text.fill(Qt::green);
+        return text;
+    }();
+    return {TextStrip{box, &picture, from, Qt::black}};
+}
 
 /// An overlay window with two buttons, on a stand-in's screen.
 struct WaylandFixture {
