@@ -4,7 +4,6 @@
 #include "app/displayloss.h"
 #include "creative/continuouspaths.h"
 #include "platform/linux/singleinstance.h"
-#include "platform/linux/startupmemory.h"
 #include "platform/linux/startupnotification.h"
 #include "platform/linux/unresponsivebuses.h"
 #include "platform/linux/x11.h"
@@ -177,9 +176,6 @@ void configureLinuxApplication() {
     QObject::connect(qApp, &QGuiApplication::saveStateRequest, qApp, [](QSessionManager& manager) {
         manager.setRestartHint(QSessionManager::RestartNever);
     });
-    // After this time the capsules are shown, and fonts and pictures are loaded.
-    constexpr std::chrono::seconds kStartupTime{2};
-    QTimer::singleShot(kStartupTime, Qt::VeryCoarseTimer, qApp, trimStartupMemory);
 }
 
 void askRunningProgram(const SingleInstance& instance, InstanceRequest request) {

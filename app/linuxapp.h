@@ -8,6 +8,7 @@
 #include "platform/linux/linuxbundle.h"
 #include "platform/linux/linuxreducemotion.h"
 #include "platform/linux/linuxworkspace.h"
+#include "platform/linux/memorytrim.h"
 #include "platform/linux/qtscreens.h"
 #include "platform/linux/sessionlock.h"
 #include "platform/linux/traystatusitem.h"
@@ -39,6 +40,7 @@ struct LinuxAdapters final {
     std::unique_ptr<CurlHttpClient> http = std::make_unique<CurlHttpClient>();
     PictureProcess pictures{pictureProgram()};
     TrayStatusItem statusItem;
+    MemoryTrim memory{clock};
 
     LinuxAdapters();
     /// Prints a line to stderr where there is neither an X server nor a compositor with a layer
@@ -65,8 +67,8 @@ struct LinuxAdapters final {
 /// its return.
 [[nodiscard]] bool prepareLinuxApplication();
 
-/// Call right after the application object is created. Restores the environment, calls
-/// `configureApplication()`, and schedules the release of start-up memory.
+/// Call right after the application object is created. Restores the environment and calls
+/// `configureApplication()`.
 void configureLinuxApplication();
 
 /// Sends a request to the running program and ends this process: with 0 if the request was carried

@@ -1,10 +1,11 @@
-#include "platform/linux/startupmemory.h"
+#include "platform/linux/memorytrim.h"
 
 #include <QByteArrayList>
 #include <QFile>
 
 #include <malloc.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace brimlet {
 namespace {
@@ -50,6 +51,14 @@ void readDetail(const QByteArray& line, Mapping& mapping) {
     }
 }
 
+/// The process's own; 0 when unknown.
+quint64 residentFileBytes() {
+    QFile statm(QStringLiteral("/proc/self/statm"));
+    return statm.open(QIODevice::ReadOnly)
+               ? brimlet::residentFileBytes(statm, static_cast<quint64>(::getpagesize()))
+               : 0;
+}
+
 } // namespace
 
 std::vector<MemoryRange> unmodifiedFileMappings(QIODevice& smaps) {
@@ -73,7 +82,12 @@ std::vector<MemoryRange> unmodifiedFileMappings(QIODevice& smaps) {
     return unmodified;
 }
 
-void trimStartupMemory() {
+quint64 residentFileBytes(QIODevice& statm, quint64 pageSize) {
+    // Pages: of all, in memory, of those shared or of files, and more.
+    return statm.readAll().split(' ').value(2).toULongLong() * pageSize;
+}
+
+void trimMemory() {
     QFile smaps(QStringLiteral("/proc/self/smaps"));
     if (smaps.open(QIODevice::ReadOnly)) {
         for (const MemoryRange& range : unmodifiedFileMappings(smaps)) {
@@ -82,6 +96,20 @@ void trimStartupMemory() {
         }
     }
     malloc_trim(0);
+}
+
+MemoryTrim::MemoryTrim(Clock& clock)
+    : m_timer(clock.repeat(std::chrono::seconds(2), [this, &clock] {
+        m_timer = clock.repeat(std::chrono::minutes(1), [this] { trimIfGrown(); });
+        trimIfGrown();
+    })) {}
+
+void MemoryTrim::trimIfGrown() {
+    constexpr quint64 kGrowth = 1'048'576; // bytes
+    if (residentFileBytes() > m_trimmed + kGrowth) {
+        trimMemory();
+        m_trimmed = residentFileBytes();
+    }
 }
 
 } // namespace brimlet

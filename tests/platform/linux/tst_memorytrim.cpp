@@ -1,9 +1,11 @@
-#include "platform/linux/startupmemory.h"
+#include "platform/linux/memorytrim.h"
 #include "tests/support/emulated.h"
+#include "tests/support/fakeclock.h"
 #include "tests/support/testprogram.h"
 
 #include <QBuffer>
 #include <QFile>
+#include <QLibraryInfo>
 #include <QTemporaryFile>
 #include <QTest>
 
@@ -13,6 +15,7 @@
 #include <algorithm>
 
 using namespace brimlet;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -31,6 +34,21 @@ qint64 rollup(const QByteArray& name) {
         }
     }
     return -1;
+}
+
+/// Whether a part of the mapping that begins at this address is in the process's memory.
+bool isMapped(const void* begin) {
+    QFile file(QStringLiteral("/proc/self/smaps"));
+    (void)file.open(QIODevice::ReadOnly);
+    const QByteArray head = QByteArray::number(reinterpret_cast<quintptr>(begin), 16) + '-';
+    bool isHere = false;
+    for (const QByteArray& line : file.readAll().split('\n')) {
+        isHere = isHere || line.startsWith(head);
+        if (isHere && line.startsWith("Rss:")) {
+            return line.simplified() != "Rss: 0 kB";
+        }
+    }
+    return false;
 }
 
 /// A private mapping of a file of so many pages.
@@ -55,7 +73,7 @@ struct MappedFile final {
 
 } // namespace
 
-class TestStartupMemory final : public QObject {
+class TestMemoryTrim final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -115,13 +133,32 @@ private Q_SLOTS:
         QCOMPARE(unmodifiedFileMappings(file), expected);
     }
 
+    void residentFilesAreReadFromTheThirdField_data() {
+        QTest::addColumn<QByteArray>("statm");
+        QTest::addColumn<quint64>("pageSize");
+        QTest::addColumn<quint64>("bytes");
+        QTest::newRow("4 KiB") << QByteArray("90000 4000 3000 10 0 700 0\n") << quint64(4096)
+                               << quint64(12'288'000);
+        QTest::newRow("16 KiB") << QByteArray("90000 4000 3000 10 0 700 0\n") << quint64(16384)
+                                << quint64(49'152'000);
+        QTest::newRow("cut") << QByteArray("90000 4000") << quint64(4096) << quint64(0);
+        QTest::newRow("empty") << QByteArray() << quint64(4096) << quint64(0);
+    }
+    void residentFilesAreReadFromTheThirdField() {
+        QFETCH(QByteArray, statm);
+        QFETCH(const quint64, pageSize);
+        QBuffer file(&statm);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QTEST(residentFileBytes(file, pageSize), "bytes");
+    }
+
     void unmodifiedPagesAreReloadedWhenRead() {
         MappedFile mapped(2);
         QVERIFY(mapped.pages != MAP_FAILED);
         QCOMPARE(mprotect(mapped.pages, 2 * kPage, PROT_READ), 0);
         QCOMPARE(mapped.pages[0], 'f');
         unsigned char isThere = 0;
-        trimStartupMemory();
+        trimMemory();
         QCOMPARE(mincore(mapped.pages, kPage, &isThere), 0); // still in the page cache
         QVERIFY((isThere & 1) != 0);
         QCOMPARE(mapped.pages[0], 'f');
@@ -134,7 +171,7 @@ private Q_SLOTS:
         mapped.pages[kPage] = 'w';
         // Read-only from now on, like the tables that the dynamic linker has relocated.
         QCOMPARE(mprotect(mapped.pages, 2 * kPage, PROT_READ), 0);
-        trimStartupMemory();
+        trimMemory();
         QCOMPARE(mapped.pages[kPage], 'w');
         QCOMPARE(mapped.pages[0], 'f');
     }
@@ -152,12 +189,51 @@ private Q_SLOTS:
         QCOMPARE(std::count(mapped.pages, mapped.pages + mapped.size, 'f'),
                  static_cast<std::ptrdiff_t>(mapped.size));
         const qint64 before = rollup("Rss");
-        trimStartupMemory();
+        trimMemory();
         const qint64 after = rollup("Rss");
         // Not all of it: what runs is read again.
         QCOMPARE_GT(before - after, static_cast<qint64>(mapped.size / 1024 / 2));
     }
+
+    void onlyFilesThatWereReadAgainAreTrimmedLater() {
+        if (!emulated().isEmpty()) {
+            QSKIP("the emulated system reports other pages");
+        }
+        FakeClock clock;
+        const MemoryTrim trim(clock);
+        // Parts of a file that was not written just now.
+        QFile library(QLibraryInfo::path(QLibraryInfo::LibrariesPath) +
+                      QStringLiteral("/libQt6Core.so.6"));
+        QVERIFY(library.open(QIODevice::ReadOnly));
+        constexpr qint64 kSmall = 0x40000;
+        constexpr qint64 kLarge = 0x200000;
+        QCOMPARE_GT(library.size(), kSmall + kLarge);
+        const uchar* const small = library.map(0, kSmall, QFileDevice::MapPrivateOption);
+        const uchar* const large = library.map(kSmall, kLarge, QFileDevice::MapPrivateOption);
+        const auto read = [](const uchar* bytes, qint64 size) {
+            (void)qChecksum(QByteArrayView(bytes, size));
+        };
+        for (const auto& [bytes, size] : {std::pair(small, kSmall), std::pair(large, kLarge)}) {
+            QVERIFY(bytes != nullptr);
+            QCOMPARE(mprotect(const_cast<uchar*>(bytes), static_cast<std::size_t>(size), PROT_READ),
+                     0);
+            read(bytes, size);
+            QVERIFY(isMapped(bytes));
+        }
+        clock.advance(1900ms);
+        QVERIFY(isMapped(small));
+        clock.advance(200ms);
+        QVERIFY(!isMapped(small) && !isMapped(large));
+        read(small, kSmall);
+        clock.advance(1min);
+        QVERIFY(isMapped(small)); // it is not worth the work
+        read(large, kLarge);
+        clock.advance(59s);
+        QVERIFY(isMapped(large));
+        clock.advance(1s);
+        QVERIFY(!isMapped(small) && !isMapped(large));
+    }
 };
 
-BRIMLET_TEST(TestStartupMemory, QCoreApplication)
-#include "tst_startupmemory.moc"
+BRIMLET_TEST(TestMemoryTrim, QCoreApplication)
+#include "tst_memorytrim.moc"
