@@ -99,17 +99,22 @@ void trimMemory() {
 }
 
 MemoryTrim::MemoryTrim(Clock& clock)
-    : m_timer(clock.repeat(std::chrono::seconds(2), [this, &clock] {
-        m_timer = clock.repeat(std::chrono::minutes(1), [this] { trimIfGrown(); });
-        trimIfGrown();
-    })) {}
+    : m_clock(clock)
+    , m_timer(clock.repeat(std::chrono::seconds(2), [this] { trim(); })) {}
 
-void MemoryTrim::trimIfGrown() {
-    constexpr quint64 kGrowth = 1'048'576; // bytes
-    if (residentFileBytes() > m_trimmed + kGrowth) {
-        trimMemory();
-        m_trimmed = residentFileBytes();
-    }
+void MemoryTrim::trim() {
+    trimMemory();
+    // By then everything that is used all the time is in memory again.
+    m_timer = m_clock.repeat(std::chrono::seconds(10), [this] { watch(residentFileBytes()); });
+}
+
+void MemoryTrim::watch(quint64 needed) {
+    m_timer = m_clock.repeat(std::chrono::minutes(1), [this, needed] {
+        constexpr quint64 kGrowth = 1'048'576; // bytes
+        if (residentFileBytes() > needed + kGrowth) {
+            trim();
+        }
+    });
 }
 
 } // namespace brimlet

@@ -42,9 +42,11 @@ public:
     explicit MemoryTrim(Clock& clock);
 
 private:
-    void trimIfGrown();
+    void trim();
+    /// `needed` is how much of the files is in memory while nothing happens, in bytes.
+    void watch(quint64 needed);
 
-    quint64 m_trimmed = 0; ///< Bytes of files in memory after the last time.
+    Clock& m_clock;
     std::unique_ptr<RepeatingTimer> m_timer;
 };
 

@@ -17,16 +17,6 @@ void updatePoints(QWidget& content, const QRegion& points) {
     }
 }
 
-void paintTexts(QPainter& painter, std::span<const TextStrip> texts) {
-    const PixelSpace pixels(painter);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    for (const TextStrip& text : texts) {
-        painter.drawImage(text.box.topLeft(), *text.picture,
-                          QRect(QPoint(text.from, 0), text.box.size()));
-    }
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-}
-
 QRegion pointsOf(std::span<const TextStrip> texts, double devicePixelRatio) {
     const auto toPoints = QTransform::fromScale(1 / devicePixelRatio, 1 / devicePixelRatio);
     QRegion points;
@@ -46,12 +36,14 @@ void paintIntoBackingStore(QWidget& window, std::span<const TextStrip> texts) {
     {
         QPainter painter(store->paintDevice());
         painter.setCompositionMode(QPainter::CompositionMode_Source);
-        for (const TextStrip& text : texts) { // whole points are cleared, more than the boxes
-            for (const QRect& part : pointsOf(std::span(&text, 1), window.devicePixelRatioF())) {
-                painter.fillRect(part, text.background);
-            }
+        for (const QRect& part : changed) { // whole points are cleared, more than the boxes
+            painter.fillRect(part, texts.front().background);
         }
-        paintTexts(painter, texts);
+        const PixelSpace pixels(painter);
+        for (const TextStrip& text : texts) {
+            painter.drawImage(text.box.topLeft(), *text.picture,
+                              QRect(QPoint(text.from, 0), text.box.size()));
+        }
     }
     store->endPaint();
     store->flush(changed, window.windowHandle());

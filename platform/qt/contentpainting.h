@@ -4,7 +4,6 @@
 
 #include <span>
 
-class QPainter;
 class QWidget;
 
 namespace brimlet {
@@ -14,9 +13,6 @@ struct TextStrip;
 /// Paints these points of the content and its children again, soon. Qt's own `update()` of a widget
 /// leaves out its opaque children.
 void updatePoints(QWidget& content, const QRegion& points);
-
-/// Paints the texts. The painter is that of a whole window, without a world transform.
-void paintTexts(QPainter& painter, std::span<const TextStrip> texts);
 
 /// The window's points that the texts are in, at least in part.
 [[nodiscard]] QRegion pointsOf(std::span<const TextStrip> texts, double devicePixelRatio);

@@ -5,8 +5,6 @@
 #include "platform/wayland/waylandoutputs.h"
 #include "platform/wayland/waylandprotocols.h"
 
-#include <QPainter>
-
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -18,6 +16,13 @@ namespace {
 double wholeUnits(double scale) {
     constexpr double kUnits = 120;
     return std::round(scale * kUnits) / kUnits;
+}
+
+/// Clicks on the surface reach what is below.
+void letPointerThrough(const WaylandConnection& connection, wl_surface* surface) {
+    const Proxy<wl_region> nothing(
+        wl_compositor_create_region(connection.globals().compositor.get()));
+    wl_surface_set_input_region(surface, nothing.get());
 }
 
 /// From the top of the picture to the surfaces that are not seen, in points: below any panel, where
@@ -86,7 +91,7 @@ void OverlaySurface::createAnchor(const WaylandOutput& output, QPoint place) {
                 Q_EMIT static_cast<OverlaySurface*>(data)->closed();
             }};
     zwlr_layer_surface_v1_add_listener(m_layer.get(), &kLayer, this);
-    letPointerThrough(m_connection.globals(), m_anchor.get());
+    letPointerThrough(m_connection, m_anchor.get());
     wl_surface_commit(m_anchor.get());
 }
 
@@ -138,7 +143,7 @@ void OverlaySurface::createPopup() {
     zwlr_layer_surface_v1_get_popup(m_layer.get(), m_popup.get());
     // Else it is the box around all its parts, and placed by that.
     xdg_surface_set_window_geometry(m_window.get(), 0, 0, 1, 1);
-    letPointerThrough(m_connection.globals(), m_popupSurface.get());
+    letPointerThrough(m_connection, m_popupSurface.get());
     wl_surface_commit(m_popupSurface.get());
 }
 
@@ -212,56 +217,23 @@ void OverlaySurface::paintDue() {
 }
 
 void OverlaySurface::showTexts(std::span<const TextStrip> texts) {
-    if (areShown(texts)) {
-        return;
-    }
-    const QRegion points = pointsOf(texts, m_scale);
     if (!canPaint() || m_isAllDue || !m_due.isEmpty() || m_buffers->isNew()) {
-        update(points);
+        update(pointsOf(texts, m_scale));
         return;
     }
     QImage& image = m_buffers->beginPaint();
-    image.setDevicePixelRatio(m_scale);
-    {
-        QPainter painter(&image);
-        paintTexts(painter, texts);
-    }
-    show(toPixels(points));
-}
-
-/// By parts of their own, where the compositor can.
-bool OverlaySurface::areShown(std::span<const TextStrip> texts) {
-    if (!m_connection.globals().viewporter || !m_isConfigured || m_buffers->isNew() ||
-        !std::all_of(texts.begin(), texts.end(), [this](const TextStrip& text) {
-            return WaylandTextStrip::canShow(text, m_scale);
-        })) {
-        return false;
-    }
-    bool isCommitDue = false;
+    QRegion changed;
     for (const TextStrip& text : texts) {
-        if (!text.box.isEmpty()) {
-            isCommitDue |= stripFor(text.box).show(text, m_scale);
+        const QRect box = text.box & image.rect();
+        for (int row = 0; row < box.height(); ++row) {
+            const QRgb* const from =
+                reinterpret_cast<const QRgb*>(text.picture->constScanLine(row)) + text.from;
+            std::copy_n(from, box.width(),
+                        reinterpret_cast<QRgb*>(image.scanLine(box.y() + row)) + box.x());
         }
+        changed += box;
     }
-    if (isCommitDue) {
-        commit();
-    }
-    return true;
-}
-
-/// The strip in that box, or a hidden one.
-WaylandTextStrip& OverlaySurface::stripFor(const QRect& box) {
-    auto strip = std::find_if(m_strips.begin(), m_strips.end(),
-                              [&](const auto& each) { return each->box() == box; });
-    if (strip == m_strips.end()) {
-        strip = std::find_if(m_strips.begin(), m_strips.end(),
-                             [](const auto& each) { return each->box().isNull(); });
-    }
-    if (strip == m_strips.end()) {
-        m_strips.push_back(std::make_unique<WaylandTextStrip>(m_connection, m_surface.get()));
-        return *m_strips.back();
-    }
-    return **strip;
+    show(changed);
 }
 
 void OverlaySurface::show(const QRegion& pixels) {
@@ -275,11 +247,6 @@ void OverlaySurface::show(const QRegion& pixels) {
         }};
     wl_callback_add_listener(m_frame.get(), &kFrame, this);
     commit();
-    for (const auto& strip : m_strips) {
-        if (pixels.intersects(strip->box())) {
-            strip->hide();
-        }
-    }
 }
 
 void OverlaySurface::commit() {

@@ -3,7 +3,6 @@
 #include "platform/textstrip.h"
 #include "platform/wayland/waylandbuffers.h"
 #include "platform/wayland/waylandproxies.h"
-#include "platform/wayland/waylandtextstrip.h"
 
 #include <QObject>
 #include <QRect>
@@ -13,7 +12,6 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <vector>
 
 namespace brimlet {
 
@@ -44,8 +42,8 @@ public:
     void setInputRegion(const QRegion& points);
     /// Paints these points at the next chance; all points when absent.
     void update(const std::optional<QRegion>& points);
-    /// Shows these texts at once: in parts of their own, or, where those would not be exact, on the
-    /// picture at the next chance as any other change.
+    /// Shows these texts at once, or at the next chance as any other change: not before the
+    /// compositor has shown the last picture.
     void showTexts(std::span<const TextStrip> texts);
 
     [[nodiscard]] wl_surface* surface() const { return m_surface.get(); }
@@ -68,8 +66,6 @@ private:
     void setScale(double scale);
     [[nodiscard]] bool canPaint() const;
     void paintDue();
-    [[nodiscard]] bool areShown(std::span<const TextStrip> texts);
-    [[nodiscard]] WaylandTextStrip& stripFor(const QRect& box);
     void show(const QRegion& pixels);
     void commit();
     [[nodiscard]] QRegion toPixels(const QRegion& points) const;
@@ -90,7 +86,6 @@ private:
     Proxy<wl_surface> m_popupSurface;
     Proxy<wl_surface> m_surface;
     Proxy<wl_subsurface> m_part;
-    std::vector<std::unique_ptr<WaylandTextStrip>> m_strips; ///< Their boxes do not overlap.
     Proxy<wp_fractional_scale_v1> m_preferredScale;
     Proxy<wp_viewport> m_viewport;
     Proxy<xdg_surface> m_window;

@@ -18,11 +18,6 @@ void WaylandConnection::Disconnect::operator()(wl_display* display) const {
     waylandLibrary.disconnect(display);
 }
 
-void letPointerThrough(const WaylandGlobals& globals, wl_surface* surface) {
-    const Proxy<wl_region> nothing(wl_compositor_create_region(globals.compositor.get()));
-    wl_surface_set_input_region(surface, nothing.get());
-}
-
 WaylandConnection::WaylandConnection()
     : m_outputs(std::make_unique<WaylandOutputs>()) {}
 

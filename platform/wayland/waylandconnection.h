@@ -32,9 +32,6 @@ struct WaylandGlobals final {
     Proxy<zxdg_output_manager_v1> outputManager;
 };
 
-/// Makes clicks on the surface reach what is below, from its next commit on.
-void letPointerThrough(const WaylandGlobals& globals, wl_surface* surface);
-
 /// A connection to the Wayland compositor named by WAYLAND_DISPLAY, beside Qt's own. It is not
 /// connected at first. When the compositor ends, the connection is lost until `reconnect()`. Main
 /// thread only.

@@ -28,7 +28,8 @@ WaylandToolTip::WaylandToolTip(WaylandConnection& connection, const OverlaySurfa
     } else {
         wl_surface_set_buffer_scale(m_surface.get(), qRound(parent.scale()));
     }
-    letPointerThrough(globals, m_surface.get());
+    const Proxy<wl_region> nothing(wl_compositor_create_region(globals.compositor.get()));
+    wl_surface_set_input_region(m_surface.get(), nothing.get());
 
     const Proxy<xdg_positioner> positioner(xdg_wm_base_create_positioner(globals.windows.get()));
     xdg_positioner_set_size(positioner.get(), label.width(), label.height());

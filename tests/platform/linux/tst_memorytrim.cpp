@@ -224,6 +224,7 @@ private Q_SLOTS:
         QVERIFY(isMapped(small));
         clock.advance(200ms);
         QVERIFY(!isMapped(small) && !isMapped(large));
+        clock.advance(10s);
         read(small, kSmall);
         clock.advance(1min);
         QVERIFY(isMapped(small)); // it is not worth the work
