@@ -160,8 +160,8 @@ bool prepareLinuxApplication() {
     }
     disableUnresponsiveBuses();
     QApplication::setStyle(QStringLiteral("Fusion"));
-    // No shared memory: with it each paint waits until the X server has read the previous one.
-    // Sending the few kilobytes of a scroll step is faster.
+    // No shared memory: with it each paint waits until the X server has read the previous one, and
+    // there are only some kilobytes to send.
     setForQt("QT_XCB_NO_MITSHM", "1");
     return true;
 }
