@@ -12,6 +12,9 @@ public:
     PixelScroll(Clock& clock, std::function<void()> moved)
         : m_clock(clock)
         , m_moved(std::move(moved)) {}
+    ~PixelScroll() = default;
+    PixelScroll(const PixelScroll&) = delete;
+    PixelScroll& operator=(const PixelScroll&) = delete;
 
     /// Starts from 0. `distance` in points, `speed` in points per second, more than 0.
     void start(double distance, double speed);

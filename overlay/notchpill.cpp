@@ -56,12 +56,13 @@ NotchPill::NotchPill(const CreativeEnvironment& environment, QWidget* parent)
 }
 
 void NotchPill::setFrame(const QRectF& frame) {
+    const QRect before = geometry();
     setGeometry(frame.toAlignedRect());
     const QRectF capsule = frame.translated(-pos());
-    if (m_capsule != capsule) {
+    if (m_capsule != capsule || geometry() != before) {
         m_capsule = capsule;
         m_line.setContainerWidth(lineBox().width());
-        Q_EMIT changed(geometry());
+        Q_EMIT changed(geometry()); // Qt may move pixels that are older than what is shown
     }
 }
 

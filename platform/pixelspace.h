@@ -21,10 +21,7 @@ public:
 
     /// A box in points, with each edge rounded to the nearest pixel.
     [[nodiscard]] QRect toPixels(const QRectF& box) const {
-        return rounded(m_toScreen.mapRect(box));
-    }
-    /// Each edge rounded to the nearest whole number.
-    [[nodiscard]] static QRect rounded(const QRectF& exact) {
+        const QRectF exact = m_toScreen.mapRect(box);
         const QPoint topLeft(qRound(exact.left()), qRound(exact.top()));
         const QPoint end(qRound(exact.right()), qRound(exact.bottom()));
         return {topLeft, end - QPoint(1, 1)};

@@ -21,6 +21,9 @@ void X11TextStrips::setWindow(const QWindow& window) {
         Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? XCB_IMAGE_ORDER_LSB_FIRST : XCB_IMAGE_ORDER_MSB_FIRST;
     const bool canCopy = x != nullptr && window.format().hasAlpha() &&
                          xcb_get_setup(x)->image_byte_order == kOwnOrder;
+    if (!canCopy) {
+        clear();
+    }
     m_x = canCopy ? x : nullptr;
     m_window = static_cast<xcb_window_t>(window.winId());
 }

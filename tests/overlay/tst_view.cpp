@@ -376,6 +376,20 @@ private Q_SLOTS:
         QCOMPARE(f.left()->line().offsetOnScreen(), -20);
     }
 
+    void aPillThatMovesTakesItsTextAlong() {
+        ViewFixture f;
+        f.show(kBoth);
+        f.host.clock.advance(18s);
+        PaintLog paints(f.view);
+        const QRect before = f.left()->strip().box;
+        QCOMPARE(before.topLeft(), f.left()->pos() + QPoint(28, 2));
+        (void)paints.take();
+        f.render(200);
+        QVERIFY(paints.take().contains(QStringLiteral("brimlet::NotchPill 0,0 108x24")));
+        QCOMPARE(f.left()->strip().box, before.translated(-8, 0));
+        QCOMPARE(f.left()->strip().box.topLeft(), f.left()->pos() + QPoint(28, 2));
+    }
+
     void changesAreDrawnOncePerTurn() {
         ViewFixture f;
         f.show(kBoth);
