@@ -301,9 +301,10 @@ private Q_SLOTS:
         const QImage other = columns(300, 12);
         const QList<TextStrip> texts{{{12, 4, 40, 12}, &picture, 0}, {{60, 4, 30, 12}, &other, 2}};
         window->showTexts(texts);
-        synchronise(xcbConnectionOfQt());
-        QCOMPARE(m_x.picture({origin + QPoint(12, 4), QSize(40, 12)}), part(picture, 0, 40));
-        QCOMPARE(m_x.picture({origin + QPoint(60, 4), QSize(30, 12)}), part(other, 2, 30));
+        const auto left = [&] { return m_x.picture({origin + QPoint(12, 4), QSize(40, 12)}); };
+        const auto right = [&] { return m_x.picture({origin + QPoint(60, 4), QSize(30, 12)}); };
+        QTRY_COMPARE_WITH_TIMEOUT(left(), part(picture, 0, 40), kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(right(), part(other, 2, 30), kPatience);
         QVERIFY(m_x.pixel(origin + QPoint(11, 4)).rgb() != picture.pixel(0, 0));
         QCOMPARE(m_x.pixel(origin + QPoint(92, 10)).rgb(), before);
         // From the second time on, a step is one request for each text.
@@ -314,10 +315,9 @@ private Q_SLOTS:
             moved[1].from = i;
             QCOMPARE(requestsOf([&] { window->showTexts(moved); }), 2U);
         }
-        synchronise(xcbConnectionOfQt());
-        QCOMPARE(m_x.picture({origin + QPoint(12, 4), QSize(40, 12)}), part(picture, 2000, 40));
-        QCOMPARE(m_x.picture({origin + QPoint(60, 4), QSize(30, 12)}), part(other, 10, 30));
         QCOMPARE(paints.paints, 0);
+        QTRY_COMPARE_WITH_TIMEOUT(left(), part(picture, 2000, 40), kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(right(), part(other, 10, 30), kPatience);
     }
 
     void anotherPictureReplacesTheOneBefore() {
@@ -327,9 +327,9 @@ private Q_SLOTS:
         for (int i = 0; i < 5; ++i) {
             const QImage picture = columns(200, 12, i * 20);
             window->showTexts(std::array{TextStrip{box, &picture, 7}});
-            synchronise(xcbConnectionOfQt());
             const QPoint place = kPanel.topLeft() + QPoint(8, 4) + box.topLeft();
-            QCOMPARE(m_x.picture({place, box.size()}), part(picture, 7, 40));
+            QTRY_COMPARE_WITH_TIMEOUT(m_x.picture({place, box.size()}), part(picture, 7, 40),
+                                      kPatience);
         }
         // A line without room for its text.
         const QImage none;
@@ -344,8 +344,7 @@ private Q_SLOTS:
         const QImage before = m_x.picture(place);
         const QImage picture = columns(200, 12);
         window->showTexts(std::array{TextStrip{box, &picture, 0}});
-        synchronise(xcbConnectionOfQt());
-        QVERIFY(m_x.picture(place) != before);
+        QTRY_VERIFY_WITH_TIMEOUT(m_x.picture(place) != before, kPatience);
         const PaintCounter paints(*qApp);
         constexpr std::uint8_t kExposes = 1;
         xcb_clear_area(xcbConnectionOfQt(), kExposes, idOf(*window), 0, 0, 0, 0);
