@@ -80,6 +80,7 @@ void CarRadioLine::disappear() {
     m_isOnScreen = false;
     m_task.request_stop();
     m_scroll.reset();
+    m_texts = {};
 }
 
 QString CarRadioLine::taskID() const {
@@ -155,14 +156,14 @@ QCoro::Task<> CarRadioLine::cycle(std::stop_token stop) {
 
 bool CarRadioLine::isRendered(const Text& text) const {
     const int from = m_scroll.pixels();
-    return text.layout && text.picture.height() == m_box.height() && text.pictureFrom <= from &&
+    return text.picture.height() == m_box.height() && text.pictureFrom <= from &&
            from + m_box.width() <= text.pictureFrom + text.picture.width();
 }
 
-const QImage& CarRadioLine::picture() {
-    Text& text = visibleText();
-    if (m_box.isEmpty() || isRendered(text)) {
-        return text.picture;
+/// Renders what is seen of the visible text, and more, unless it is there.
+void CarRadioLine::render(Text& text) {
+    if (isRendered(text)) {
+        return;
     }
     // Pixels; wide enough for almost every text as a whole, so that a scroll only copies.
     constexpr int kPictureWidth = 2048;
@@ -176,17 +177,24 @@ const QImage& CarRadioLine::picture() {
         m_style.color, m_style.background, m_devicePixelRatio, text.pictureFrom,
         {std::max(m_box.width(), m_showingTagline ? std::min(rest, kPictureWidth) : 0),
          m_box.height()});
-    return text.picture;
+}
+
+TextStrip CarRadioLine::strip() {
+    Text& text = m_texts.at(m_showingTagline ? 1 : 0);
+    if (!m_box.isEmpty()) {
+        render(text);
+    }
+    return {m_box, text.picture, m_scroll.pixels() - text.pictureFrom, m_style.background};
 }
 
 void CarRadioLine::paint(QPainter& painter, const QRect& box) {
-    m_box = box.size();
+    m_box = box;
     if (box.isEmpty()) {
         return; // the line of a compact pill on a screen with a scale below 1
     }
-    const QImage& text = picture();
+    const TextStrip text = strip();
     painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.drawImage(box.topLeft(), text, QRect(QPoint(columnOnScreen(), 0), box.size()));
+    painter.drawImage(box.topLeft(), text.picture, QRect(QPoint(text.from, 0), box.size()));
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
 }
 

@@ -2,10 +2,10 @@
 
 #include "creative/marqueetext.h"
 #include "creative/pixelscroll.h"
+#include "platform/textstrip.h"
 
 #include <QColor>
 #include <QFont>
-#include <QImage>
 #include <QObject>
 
 #include <array>
@@ -59,22 +59,20 @@ public:
     /// The visible text.
     [[nodiscard]] QString line() const { return lineText(m_brand, m_tagline, m_showingTagline); }
 
-    /// Paints into the box, replacing what was there. The painter must use screen pixels as
+    /// Paints into the box, replacing what was there. The painter must use the window's pixels as
     /// coordinates (see `PixelSpace`).
     void paint(QPainter& painter, const QRect& box);
     /// Advances a scroll to its position at this time without emitting `moved`; returns whether it
     /// moved.
     bool catchUp() { return m_scroll.catchUp(); }
-    /// The visible text, rendered into a picture that is as high as the box painted last, and
-    /// includes what is seen in it now. Null until the line is painted.
-    [[nodiscard]] const QImage& picture();
-    /// The column of the picture that is at the box's left edge.
-    [[nodiscard]] int columnOnScreen() { return m_scroll.pixels() - visibleText().pictureFrom; }
+    /// The visible text as it is now, in the box painted last. That is empty until the line is
+    /// painted, and where there is no room for it.
+    [[nodiscard]] TextStrip strip();
 
 Q_SIGNALS:
     /// The whole box has to be repainted.
     void changed();
-    /// The text has moved by a step, so `picture` is to be shown at `columnOnScreen`.
+    /// The text has moved by a step: its `strip` is to be shown.
     void moved();
 
 private:
@@ -91,8 +89,8 @@ private:
         QImage picture;      ///< Of a part, which includes what is seen of it.
         int pictureFrom = 0; ///< Where that begins in the text, in pixels.
     };
-    [[nodiscard]] Text& visibleText() { return m_texts.at(m_showingTagline ? 1 : 0); }
     [[nodiscard]] bool isRendered(const Text& text) const;
+    void render(Text& text);
 
     const CarRadioStyle m_style;
     Clock& m_clock;
@@ -110,7 +108,7 @@ private:
     PixelScroll m_scroll;
 
     std::array<Text, 2> m_texts; ///< The resting text and the tagline.
-    QSize m_box;                 ///< As painted last, in pixels.
+    QRect m_box;                 ///< As painted last, in the window's pixels.
 };
 
 } // namespace brimlet

@@ -45,16 +45,17 @@ bool PixelScroll::catchUp() {
         return false;
     }
     const int before = pixels();
-    // Rounded up, since the intervals between the ticks are rounded down.
-    m_elapsed = std::chrono::ceil<std::chrono::microseconds>(m_clock.uptime() - m_start);
+    // The intervals between the ticks are rounded down, so after many of them a tick comes early by
+    // some nanoseconds for each.
+    constexpr std::chrono::microseconds kTolerance(10);
+    m_elapsed = m_clock.uptime() - m_start + kTolerance;
     return pixels() != before;
 }
 
 void PixelScroll::setDevicePixelRatio(double ratio) {
     m_devicePixelRatio = ratio;
-    if (m_timer) {
-        run();
-    }
+    catchUp();
+    run();
 }
 
 void PixelScroll::run() {

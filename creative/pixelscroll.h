@@ -21,7 +21,7 @@ public:
     /// Ends the scroll and goes back to 0 at once.
     void reset();
 
-    /// Pixels per point, from the next step on.
+    /// Pixels per point. Advances to the position at this time without calling `moved`.
     void setDevicePixelRatio(double ratio);
     /// Advances to the position at this time without calling `moved`; returns whether it moved.
     bool catchUp();

@@ -102,11 +102,6 @@ QRectF NotchPill::lineBox() const {
                               -kFree);
 }
 
-TextStrip NotchPill::strip() {
-    const QImage& picture = m_line.picture();
-    return {m_lineBox, &picture, m_line.columnOnScreen(), kCapsuleBackground};
-}
-
 QPainterPath NotchPill::capsule() const {
     return capsulePath(m_capsule.translated(pos()));
 }
@@ -141,9 +136,9 @@ void NotchPill::paintEvent(QPaintEvent* event) {
 void NotchPill::paintLine(QPainter& painter) {
     const PixelSpace pixels(painter);
     m_line.setDevicePixelRatio(pixels.devicePixelRatio());
-    m_lineBox = pixels.toPixels(lineBox());
-    fillAround(painter, m_lineBox, pixels.toPixels(lineBox().toAlignedRect()), kCapsuleBackground);
-    m_line.paint(painter, m_lineBox);
+    const QRect box = pixels.toPixels(lineBox());
+    fillAround(painter, box, pixels.toPixels(lineBox().toAlignedRect()), kCapsuleBackground);
+    m_line.paint(painter, box);
 }
 
 void NotchPill::paintBackground(QPainter& painter, const PixelSpace& pixels) {

@@ -4,7 +4,6 @@
 #include "creative/creativeenvironment.h"
 #include "creative/creativemark.h"
 #include "host/assignment.h"
-#include "platform/textstrip.h"
 
 #include <QPainterPath>
 #include <QWidget>
@@ -30,9 +29,8 @@ public:
 
     [[nodiscard]] const std::optional<SlotCreative>& creative() const { return m_creative; }
     [[nodiscard]] bool isClickable() const { return m_isClickable; }
-    /// The line's text as it is now. Valid until the pill is used again; its box is empty until
-    /// the line is painted, and where there is no room for it.
-    [[nodiscard]] TextStrip strip();
+    /// The line's text as it is now.
+    [[nodiscard]] TextStrip strip() { return m_line.strip(); }
     /// Advances a scrolling text to its position at this time without emitting `moved`; returns
     /// whether it moved.
     bool catchUp() { return isVisible() && m_line.catchUp(); }
@@ -75,7 +73,6 @@ private:
     CarRadioLine m_line;
     QRectF m_capsule;    ///< In the pill's own coordinates; the widget surrounds it.
     QImage m_background; ///< The capsule's picture, made once per size.
-    QRect m_lineBox;     ///< As painted last, in the window's pixels.
 };
 
 } // namespace brimlet

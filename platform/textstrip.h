@@ -1,9 +1,8 @@
 #pragma once
 
 #include <QColor>
+#include <QImage>
 #include <QRect>
-
-class QImage;
 
 namespace brimlet {
 
@@ -11,7 +10,7 @@ namespace brimlet {
 struct TextStrip final {
     QRect box; ///< Where it was painted last, in the window's pixels.
     /// Of the text with its background; as high as the box, in Format_ARGB32_Premultiplied.
-    const QImage* picture = nullptr;
+    QImage picture;
     int from = 0; ///< The picture's column at the box's left edge, in pixels.
     /// The picture's, and that of the window around the box.
     QColor background = {};

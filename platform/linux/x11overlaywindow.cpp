@@ -38,7 +38,7 @@ void X11OverlayWindow::orderFrontRegardless() {
     // announced.
     create();
     windowHandle()->installEventFilter(this);
-    m_texts.setWindow(*windowHandle());
+    m_texts.setWindow(static_cast<std::uint32_t>(windowHandle()->winId()));
     applyShapes();
     bringForward();
 }
@@ -130,14 +130,17 @@ void X11OverlayWindow::updateContent(const QRegion& points) {
 
 void X11OverlayWindow::showTexts(std::span<const TextStrip> texts) {
     if (!m_texts.show(texts)) {
-        paintIntoBackingStore(*this, texts);
+        paintTexts(*m_content, texts);
     }
 }
 
-/// What the X server lost is sent from the backing store, which does not have the copied texts.
 bool X11OverlayWindow::eventFilter(QObject* /*window*/, QEvent* event) {
     if (event->type() == QEvent::Expose) {
+        // Qt sends what the X server lost from its backing store, which does not have the copied
+        // texts.
         updatePoints(*m_content, m_content->rect());
+    } else if (event->type() == QEvent::PlatformSurface) {
+        m_texts.setWindow(0); // the native window goes, or is new
     }
     return false;
 }

@@ -3,7 +3,6 @@
 #include "platform/linux/xcbowners.h"
 
 #include <QImage>
-#include <QWindow>
 
 #include <algorithm>
 #include <utility>
@@ -13,19 +12,27 @@ namespace {
 
 constexpr std::uint8_t kDepth = 32;
 
-} // namespace
-
-void X11TextStrips::setWindow(const QWindow& window) {
-    xcb_connection_t* const x = xcbConnectionOfQt();
+/// Whether the window's pixels are those of the pictures. Its format does not tell: Qt falls back to
+/// the root window's depth and still says that it has an alpha channel. Takes a round trip.
+bool hasPixelsOfPictures(xcb_connection_t* x, xcb_window_t window) {
     constexpr int kOwnOrder =
         Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? XCB_IMAGE_ORDER_LSB_FIRST : XCB_IMAGE_ORDER_MSB_FIRST;
-    const bool canCopy = x != nullptr && window.format().hasAlpha() &&
-                         xcb_get_setup(x)->image_byte_order == kOwnOrder;
-    if (!canCopy) {
-        clear();
+    const XcbOwned<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(x, xcb_get_geometry(x, window), nullptr));
+    return geometry && geometry->depth == kDepth &&
+           xcb_get_setup(x)->image_byte_order == kOwnOrder;
+}
+
+} // namespace
+
+void X11TextStrips::setWindow(std::uint32_t window) {
+    if (window == m_window) {
+        return;
     }
-    m_x = canCopy ? x : nullptr;
-    m_window = static_cast<xcb_window_t>(window.winId());
+    clear();
+    m_window = window;
+    xcb_connection_t* const x = xcbConnectionOfQt();
+    m_x = window != 0 && x != nullptr && hasPixelsOfPictures(x, window) ? x : nullptr;
 }
 
 bool X11TextStrips::show(std::span<const TextStrip> texts) {
@@ -37,11 +44,11 @@ bool X11TextStrips::show(std::span<const TextStrip> texts) {
         if (box.isEmpty()) {
             continue;
         }
-        if (m_strips[0].key != text.picture->cacheKey()) {
+        if (m_strips[0].key != text.picture.cacheKey()) {
             std::swap(m_strips[0], m_strips[1]);
         }
-        if (m_strips[0].key != text.picture->cacheKey()) {
-            upload(*text.picture);
+        if (m_strips[0].key != text.picture.cacheKey()) {
+            upload(text.picture);
         }
         xcb_copy_area(m_x, m_strips[0].pixmap, m_window, m_context,
                       static_cast<std::int16_t>(text.from), 0, static_cast<std::int16_t>(box.x()),
@@ -69,8 +76,10 @@ void X11TextStrips::upload(const QImage& picture) {
         xcb_create_gc(m_x, m_context, pixmap, XCB_GC_GRAPHICS_EXPOSURES, &kNo);
     }
     const int rowBytes = static_cast<int>(picture.bytesPerLine());
-    constexpr int kRequestBytes = 0x10000; // any X server takes four times as much
-    const int rowsAtOnce = std::max(1, kRequestBytes / rowBytes);
+    // The X server's limit is in units of four bytes, and includes the request's head.
+    const auto units = std::min<std::uint32_t>(xcb_get_maximum_request_length(m_x), 0x4000);
+    const int most = static_cast<int>(units * 4 - sizeof(xcb_put_image_request_t));
+    const int rowsAtOnce = std::max(1, most / rowBytes);
     for (int y = 0; y < picture.height(); y += rowsAtOnce) {
         const int rows = std::min(rowsAtOnce, picture.height() - y);
         xcb_put_image(m_x, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, m_context, width,
@@ -81,9 +90,10 @@ void X11TextStrips::upload(const QImage& picture) {
 
 void X11TextStrips::clear() {
     for (Strip& strip : m_strips) {
-        if (std::exchange(strip.key, 0) != 0) {
-            xcb_free_pixmap(m_x, std::exchange(strip.pixmap, 0));
+        if (strip.pixmap != 0) {
+            xcb_free_pixmap(m_x, strip.pixmap);
         }
+        strip = {};
     }
     if (m_context != 0) {
         xcb_free_gc(m_x, std::exchange(m_context, 0));

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <span>
 
-class QWindow;
 struct xcb_connection_t;
 
 namespace brimlet {
@@ -22,10 +21,10 @@ public:
     X11TextStrips(const X11TextStrips&) = delete;
     X11TextStrips& operator=(const X11TextStrips&) = delete;
 
-    /// The window to show them in, which has a native window.
-    void setWindow(const QWindow& window);
-    /// Copies the texts into the window at once. Returns false if that is not possible, because the
-    /// window or the X server has pixels of another kind than the pictures.
+    /// The native window to show them in; 0 for none.
+    void setWindow(std::uint32_t window);
+    /// Copies the texts into the window at once. Returns false if that is not possible, because
+    /// there is none, or the window or the X server has pixels of another kind than the pictures.
     [[nodiscard]] bool show(std::span<const TextStrip> texts);
     /// Frees the X server's memory.
     void clear();

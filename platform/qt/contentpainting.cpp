@@ -7,6 +7,8 @@
 #include <QPainter>
 #include <QWidget>
 
+#include <cmath>
+
 namespace brimlet {
 
 void updatePoints(QWidget& content, const QRegion& points) {
@@ -26,12 +28,18 @@ QRegion pointsOf(std::span<const TextStrip> texts, double devicePixelRatio) {
     return points;
 }
 
-void paintIntoBackingStore(QWidget& window, std::span<const TextStrip> texts) {
+void paintTexts(QWidget& content, std::span<const TextStrip> texts) {
+    QWidget& window = *content.window();
     QBackingStore* const store = window.backingStore();
     if (!window.isVisible() || store == nullptr || store->size() != window.size()) {
         return;
     }
-    const QRegion changed = pointsOf(texts, window.devicePixelRatioF());
+    const double ratio = window.devicePixelRatioF();
+    const QRegion changed = pointsOf(texts, ratio);
+    if (ratio != std::round(ratio)) {
+        updatePoints(content, changed.translated(content.mapFrom(&window, QPoint())));
+        return;
+    }
     store->beginPaint(changed);
     {
         QPainter painter(store->paintDevice());
@@ -41,7 +49,7 @@ void paintIntoBackingStore(QWidget& window, std::span<const TextStrip> texts) {
         }
         const PixelSpace pixels(painter);
         for (const TextStrip& text : texts) {
-            painter.drawImage(text.box.topLeft(), *text.picture,
+            painter.drawImage(text.box.topLeft(), text.picture,
                               QRect(QPoint(text.from, 0), text.box.size()));
         }
     }

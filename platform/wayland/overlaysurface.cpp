@@ -227,7 +227,7 @@ void OverlaySurface::showTexts(std::span<const TextStrip> texts) {
         const QRect box = text.box & image.rect();
         for (int row = 0; row < box.height(); ++row) {
             const QRgb* const from =
-                reinterpret_cast<const QRgb*>(text.picture->constScanLine(row)) + text.from;
+                reinterpret_cast<const QRgb*>(text.picture.constScanLine(row)) + text.from;
             std::copy_n(from, box.width(),
                         reinterpret_cast<QRgb*>(image.scanLine(box.y() + row)) + box.x());
         }

@@ -199,6 +199,18 @@ private Q_SLOTS:
             expected << -pixel;
         }
         QCOMPARE(offsets, expected);
+        QCOMPARE(f.clock.runningTimers(), 0);
+    }
+
+    void aLongScrollMissesNoPixelAlthoughItsTimesAreRounded() {
+        FakeClock clock;
+        int step = 0;
+        int missed = 0;
+        PixelScroll scroll(clock, [&] { missed += scroll.pixels() != ++step; });
+        scroll.start(9000, 22);
+        clock.advance(sleepLength(9000.0 / 22) + 1s);
+        QCOMPARE(step, 9000);
+        QCOMPARE(missed, 0);
     }
 
     void aLateWakeUpTakesALargerStep() {
@@ -235,6 +247,30 @@ private Q_SLOTS:
         QCOMPARE(f.line->offsetOnScreen(), -44);
         f.clock.advance(sleepLength(60.0 / 22) - 1s + 1ms);
         QCOMPARE(f.line->offsetOnScreen(), -120);
+    }
+
+    void aChangeOfScaleAtTheEndGoesToTheNewEnd() {
+        LineFixture f(60.4);
+        f.clock.advance(17600ms + sleepLength(60.4 / 22) + 1ms);
+        QCOMPARE(f.line->offsetOnScreen(), -60);
+        QCOMPARE(f.clock.runningTimers(), 0);
+        f.line->setDevicePixelRatio(2);
+        QCOMPARE(f.line->offsetOnScreen(), -121);
+        QCOMPARE(f.clock.runningTimers(), 0);
+    }
+
+    void aScrollMayBeDestroyedByItsStep() {
+        FakeClock clock;
+        std::unique_ptr<PixelScroll> scroll;
+        int steps = 0;
+        scroll = std::make_unique<PixelScroll>(clock, [&] {
+            ++steps;
+            scroll.reset();
+        });
+        scroll->start(22, 22);
+        clock.advance(1s);
+        QCOMPARE(steps, 1);
+        QCOMPARE(clock.runningTimers(), 0);
     }
 
     void nothingWakesWhileItRests() {
@@ -417,6 +453,7 @@ private Q_SLOTS:
         const QString state = f.state();
         const QSignalSpy changed(f.line.get(), &CarRadioLine::changed);
         QCOMPARE(f.clock.runningSleeps(), 0);
+        QCOMPARE(f.clock.runningTimers(), 0);
         f.clock.advance(1h);
         QCOMPARE(f.state(), state);
         QCOMPARE(changed.count(), 0);
@@ -435,6 +472,7 @@ private Q_SLOTS:
         f.clock.advance(std::chrono::milliseconds(milliseconds));
         f.line.reset();
         QCOMPARE(f.clock.runningSleeps(), 0);
+        QCOMPARE(f.clock.runningTimers(), 0);
         f.clock.advance(1h);
         f.reduceMotion.set(true);
     }

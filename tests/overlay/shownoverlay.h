@@ -17,7 +17,7 @@ inline void paintChangesOf(OverlayView& view) {
                      [&view](const QRegion& points) { updatePoints(view, points); });
     QObject::connect(
         &view, &OverlayView::stepped, &view,
-        [&view](std::span<const TextStrip> texts) { paintIntoBackingStore(view, texts); });
+        [&view](std::span<const TextStrip> texts) { paintTexts(view, texts); });
 }
 
 /// A shown overlay view of 428 by 40 points over a store whose ports are fakes.
@@ -66,7 +66,9 @@ struct ShownOverlay {
     CreativeImageCache images{{host.http, decoder, caches}, 1};
     std::shared_ptr<HostStore> store = host.makeStore();
     OverlayRuntime runtime{host.workspace};
-    OverlayView view{runtime, {images, host.clock, reduceMotion}};
+    std::unique_ptr<OverlayView> content = std::make_unique<OverlayView>(
+        runtime, CreativeEnvironment{images, host.clock, reduceMotion});
+    OverlayView& view = *content; ///< Wherever the content is.
 };
 
 } // namespace brimlet

@@ -1,4 +1,4 @@
-#include "tests/overlay/shownoverlay.h"
+#include "tests/overlay/scrollingoverlay.h"
 #include "tests/support/testprogram.h"
 
 #include <QApplication>
@@ -11,27 +11,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-const QByteArray kReply =
-    "{\"weekStatus\":\"live\",\"creatives\":["
-    "{\"slotId\":\"left\",\"brandName\":\"Left\",\"tagline\":\"Never odd or even, g\u00c4y\"},"
-    "{\"slotId\":\"right\",\"brandName\":\"Right\",\"tagline\":\"A tagline much too wide for "
-    "it\"}]}";
-
-/// An overlay whose two taglines begin to scroll now.
-struct ScrollingOverlay final : ShownOverlay {
-    explicit ScrollingOverlay(double notchWidth) {
-        (void)QTest::qWaitForWindowExposed(&view);
-        fetch(kReply);
-        render(notchWidth);
-        QCoreApplication::processEvents();
-        host.clock.advance(17600ms);
-        QCoreApplication::processEvents();
-    }
-
-    [[nodiscard]] QImage onScreen() const {
-        return view.screen()->grabWindow(view.winId()).toImage();
-    }
-};
+QImage onScreen(const ScrollingOverlay& overlay) {
+    return overlay.view.screen()->grabWindow(overlay.view.winId()).toImage();
+}
 
 } // namespace
 
@@ -53,11 +35,12 @@ private Q_SLOTS:
         QImage before;
         for (int step = 0; step < 25; ++step) {
             f.host.clock.advance(46ms);
-            const QImage stepped = f.onScreen();
+            QCoreApplication::processEvents(); // at fractional scales it paints soon
+            const QImage stepped = onScreen(f);
             QVERIFY(stepped != before);
             before = stepped;
-            f.view.repaint();
-            QCOMPARE(stepped, f.onScreen());
+            f.paintWhole();
+            QCOMPARE(stepped, onScreen(f));
         }
         QVERIFY(f.left()->line().offsetOnScreen() <= -20);
     }

@@ -205,6 +205,7 @@ private Q_SLOTS:
         QVERIFY(f.left()->line().offsetOnScreen() < 0);
         f.view.hide();
         QCOMPARE(f.host.clock.runningSleeps(), 0);
+        QCOMPARE(f.host.clock.runningTimers(), 0);
         f.show(reply({"{\"slotId\":\"left\",\"brandName\":\"X\",\"tagline\":\"Y\"}"}));
         QCOMPARE(f.host.clock.runningSleeps(), 0);
         f.view.show();

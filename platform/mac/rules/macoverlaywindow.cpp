@@ -73,7 +73,7 @@ void MacOverlayWindow::updateContent(const QRegion& points) {
 }
 
 void MacOverlayWindow::showTexts(std::span<const TextStrip> texts) {
-    paintIntoBackingStore(*m_content, texts);
+    paintTexts(*m_content, texts);
 }
 
 std::vector<PanelFacts> MacOverlayWindow::clickFacts() const {

@@ -299,7 +299,7 @@ private Q_SLOTS:
         const QRgb before = m_x.pixel(origin + QPoint(92, 10)).rgb();
         const QImage picture = columns(2048, 12);
         const QImage other = columns(300, 12);
-        const QList<TextStrip> texts{{{12, 4, 40, 12}, &picture, 0}, {{60, 4, 30, 12}, &other, 2}};
+        const QList<TextStrip> texts{{{12, 4, 40, 12}, picture, 0}, {{60, 4, 30, 12}, other, 2}};
         window->showTexts(texts);
         const auto left = [&] { return m_x.picture({origin + QPoint(12, 4), QSize(40, 12)}); };
         const auto right = [&] { return m_x.picture({origin + QPoint(60, 4), QSize(30, 12)}); };
@@ -326,14 +326,51 @@ private Q_SLOTS:
         const QRect box(12, 4, 40, 12);
         for (int i = 0; i < 5; ++i) {
             const QImage picture = columns(200, 12, i * 20);
-            window->showTexts(std::array{TextStrip{box, &picture, 7}});
+            window->showTexts(std::array{TextStrip{box, picture, 7}});
             const QPoint place = kPanel.topLeft() + QPoint(8, 4) + box.topLeft();
             QTRY_COMPARE_WITH_TIMEOUT(m_x.picture({place, box.size()}), part(picture, 7, 40),
                                       kPatience);
         }
         // A line without room for its text.
         const QImage none;
-        QCOMPARE(requestsOf([&] { window->showTexts(std::array{TextStrip{{}, &none, 0}}); }), 0U);
+        QCOMPARE(requestsOf([&] { window->showTexts(std::array{TextStrip()}); }), 0U);
+    }
+
+    void aHiddenWindowKeepsNoPictureOnTheServer() {
+        const auto window = makeWindow(true);
+        QVERIFY(isAtRest(*window));
+        const QList<TextStrip> text{{{12, 4, 40, 12}, columns(200, 12), 0}};
+        window->showTexts(text);
+        QCOMPARE(requestsOf([&] { window->showTexts(text); }), 1U);
+        window->orderOut();
+        QVERIFY(isAtRest(*window));
+        QCOMPARE_GT(requestsOf([&] { window->showTexts(text); }), 1U);
+    }
+
+    void aTextIsCopiedIntoANewNativeWindow() {
+        const auto window = makeWindow(true);
+        QVERIFY(isAtRest(*window));
+        const QRect box(12, 4, 40, 12);
+        const QImage picture = columns(200, 12);
+        const std::array text{TextStrip{box, picture, 7}};
+        window->showTexts(text);
+        window->windowHandle()->destroy();
+        window->windowHandle()->create();
+        window->showTexts(text); // not into the one that is gone, which would be an error
+        render(*window);
+        window->windowHandle()->setVisible(true);
+        window->showTexts(text);
+        QCOMPARE(requestsOf([&] { window->showTexts(text); }), 1U);
+    }
+
+    void aWindowOfAnotherDepthIsNotCopiedInto() {
+        const QList<TextStrip> text{{{12, 4, 40, 12}, columns(200, 12), 0}};
+        X11TextStrips strips;
+        QVERIFY(!strips.show(text)); // no window
+        const xcb_window_t other = m_other.show(Other::Unmanaged, QRect(0, 600, 100, 40));
+        strips.setWindow(other);
+        QVERIFY(!strips.show(text));
+        m_other.destroy(other);
     }
 
     void whatIsExposedIsPaintedAnew() {
@@ -343,7 +380,7 @@ private Q_SLOTS:
         const QRect place = box.translated(kPanel.topLeft() + QPoint(8, 4));
         const QImage before = m_x.picture(place);
         const QImage picture = columns(200, 12);
-        window->showTexts(std::array{TextStrip{box, &picture, 0}});
+        window->showTexts(std::array{TextStrip{box, picture, 0}});
         QTRY_VERIFY_WITH_TIMEOUT(m_x.picture(place) != before, kPatience);
         const PaintCounter paints(*qApp);
         constexpr std::uint8_t kExposes = 1;

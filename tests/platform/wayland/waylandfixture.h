@@ -73,7 +73,7 @@ inline std::array<TextStrip, 1> textIn(const QRect& box, int from = 0) {
         text.fill(Qt::green);
         return text;
     }();
-    return {TextStrip{box, &picture, from, Qt::black}};
+    return {TextStrip{box, picture, from, Qt::black}};
 }
 
 /// An overlay window with two buttons, on a stand-in's screen.
