@@ -19,7 +19,6 @@
 #include <QLibraryInfo>
 #include <QScreen>
 #include <QSessionManager>
-#include <QTimer>
 
 #include <cstdio>
 #include <cstdlib>
@@ -189,6 +188,7 @@ void followDesktop(const HostStore& store, LinuxAdapters& adapters) {
     auto* const check = new OncePerTurn(
         [&adapters] {
             adapters.workspace.checkPanelPower();
+            adapters.memory.check();
             X11Watch::drainIfUsed();
             if (adapters.wayland.choice().isNative) {
                 adapters.wayland.connection().reconnect();

@@ -5,49 +5,38 @@
 #include <QtGlobal>
 
 #include <memory>
-#include <vector>
+#include <optional>
 
 class QIODevice;
 
 namespace brimlet {
 
-/// Addresses of the process from begin up to, not including, end; both are multiples of the page
-/// size.
-struct MemoryRange final {
-    quintptr begin = 0;
-    quintptr end = 0;
-
-    bool operator==(const MemoryRange&) const = default;
-};
-
-/// The mappings, in the text of /proc/self/smaps, whose pages all equal those of a file and of
-/// which some are in memory. Whatever the size of a page.
-std::vector<MemoryRange> unmodifiedFileMappings(QIODevice& smaps);
-
 /// How many bytes of files and shared memory are in the process's memory, by the text of
 /// /proc/self/statm; 0 when that cannot be read.
-quint64 residentFileBytes(QIODevice& statm, quint64 pageSize);
+[[nodiscard]] quint64 residentFileBytes(QIODevice& statm, quint64 pageSize);
 
-/// Returns memory to the system that was needed for a moment: free heap, and unmodified pages of
-/// libraries and other mapped files, which the kernel reloads from its page cache on the next
-/// access. Takes some milliseconds.
+/// Returns memory to the system that was needed for a moment: free heap, and the code and constants
+/// of the program and its libraries, which the kernel reloads from its page cache on the next
+/// access. Takes about a millisecond. Any thread.
 void trimMemory();
 
-/// Trims the memory two seconds after its construction, when the start is over, and from then on
-/// after each minute in which the program has read a megabyte of its files again, as for the texts
-/// of other brands or for the panel. Main thread only.
+/// Trims the memory two seconds after its construction, when the start is over, and a minute later,
+/// when the first texts have been shown. From then on, whenever the program has read a megabyte of
+/// its files more than in the minute after the last time, as for the panel. Main thread only.
 class MemoryTrim final {
 public:
     /// The clock outlives it.
     explicit MemoryTrim(Clock& clock);
+    /// Call it now and then when the program is awake; it looks at most once a minute.
+    void check();
 
 private:
-    void trim();
-    /// `needed` is how much of the files is in memory while nothing happens, in bytes.
-    void watch(quint64 needed);
-
     Clock& m_clock;
-    std::unique_ptr<RepeatingTimer> m_timer;
+    std::unique_ptr<RepeatingTimer> m_start;
+    std::chrono::nanoseconds m_next; ///< The uptime from which on `check` looks again.
+    /// Bytes of files in memory a minute after the last trim, unknown until then. Less than any
+    /// program has, so that the first minute is followed by a trim.
+    std::optional<quint64> m_needed = 0;
 };
 
 } // namespace brimlet
