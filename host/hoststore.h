@@ -135,6 +135,9 @@ private:
     [[nodiscard]] QCoro::Task<> heartbeat();
     [[nodiscard]] QCoro::Task<> refreshDisplayThenHeartbeat();
     [[nodiscard]] QCoro::Task<> screensChanged(bool asleep);
+    /// Absent for a malformed address. It is parsed again only when it is another than the last
+    /// time.
+    [[nodiscard]] std::optional<Url> serviceUrl(const QString& path);
     [[nodiscard]] HttpRequest authorisedRequest(const Url& url, const QString& path,
                                                 const QByteArray& method) const;
     void transferFailed(const QString& path);
@@ -154,6 +157,7 @@ private:
     QString m_statusLine;
     bool m_hasNotch = false;
     bool m_screenAsleep = false;
+    std::pair<QString, std::optional<Url>> m_serviceUrl; ///< The last one, by its text.
     ReplyReader m_reader;
     std::unique_ptr<RepeatingTimer> m_heartbeatTimer;
     std::unique_ptr<RepeatingTimer> m_estimateTimer;

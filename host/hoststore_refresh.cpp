@@ -91,7 +91,7 @@ QCoro::Task<> HostStore::ping(QString path, QByteArray method) {
     if (m_token.isEmpty()) {
         co_return;
     }
-    const auto url = Url::fromString(apiRoot(m_ports.bundle) + path);
+    const auto url = serviceUrl(path);
     if (!url) {
         co_return;
     }
@@ -110,6 +110,15 @@ QCoro::Task<> HostStore::ping(QString path, QByteArray method) {
         apply(reply.reading->fields);
         break;
     }
+}
+
+std::optional<Url> HostStore::serviceUrl(const QString& path) {
+    QString text = apiRoot(m_ports.bundle) + path;
+    if (m_serviceUrl.first != text) {
+        const auto url = Url::fromString(text);
+        m_serviceUrl = {std::move(text), url};
+    }
+    return m_serviceUrl.second;
 }
 
 HttpRequest HostStore::authorisedRequest(const Url& url, const QString& path,
@@ -139,7 +148,7 @@ QCoro::Task<> HostStore::refreshDisplay() {
         publish(m_statusLine, statusline::notchedOnly());
         co_return;
     }
-    const auto url = Url::fromString(apiRoot(m_ports.bundle) + QStringLiteral("/api/display"));
+    const auto url = serviceUrl(QStringLiteral("/api/display"));
     if (!url) {
         co_return;
     }

@@ -64,7 +64,7 @@ Deferred<HttpResult> CurlEngine::start(HttpRequest request,
                                        std::shared_ptr<CurlClientState> client) {
     auto chain = std::make_unique<CurlRequestChain>(std::move(request), std::move(client));
     Deferred<HttpResult> outcome = chain->outcome;
-    CurlUrl address = curlAddress(chain->request.url);
+    CurlUrl address = addressOf(chain->request.url);
     if (chain->client->isGone) {
         outcome.resolve(HttpError::Cancelled);
     } else if (!isSendable(chain->request) || !address) {
@@ -74,6 +74,14 @@ Deferred<HttpResult> CurlEngine::start(HttpRequest request,
         startTransfer(std::move(chain), std::move(address));
     }
     return outcome;
+}
+
+CurlUrl CurlEngine::addressOf(const Url& url) {
+    if (!m_lastAddress || m_lastAddress->first != url) {
+        m_lastAddress.emplace(url, curlAddress(url));
+    }
+    const CurlUrl& address = m_lastAddress->second;
+    return CurlUrl(address ? curl_url_dup(address.get()) : nullptr);
 }
 
 void CurlEngine::startTransfer(std::unique_ptr<CurlRequestChain> chain, CurlUrl address) {

@@ -9,6 +9,8 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
+#include <utility>
 
 namespace brimlet {
 
@@ -41,6 +43,9 @@ private:
     };
     using Transfers = std::list<std::unique_ptr<CurlTransfer>>;
 
+    /// As `curlAddress()`, which is asked only when the address is another than the last time: most
+    /// requests are polls.
+    [[nodiscard]] CurlUrl addressOf(const Url& url);
     void startTransfer(std::unique_ptr<CurlRequestChain> chain, CurlUrl address);
     void socketAction(curl_socket_t socket, int events);
     void endTransfers();
@@ -55,6 +60,7 @@ private:
 
     CurlLibrary m_library;
     CurlTransferContext m_context;
+    std::optional<std::pair<Url, CurlUrl>> m_lastAddress;
     long m_clientsEver = 0; ///< All that ever joined, including those that left.
     /// By descriptor. Unused ones stay, disabled: the system reuses descriptors, so there are few.
     std::map<curl_socket_t, std::unique_ptr<Socket>> m_sockets;

@@ -6,7 +6,6 @@
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 
@@ -15,31 +14,28 @@ namespace {
 
 using NameFunction = int (*)(int socket, sockaddr* name, socklen_t* size);
 
+template <typename Address>
+QByteArray bytesOf(const Address& address) {
+    return QByteArray(reinterpret_cast<const char*>(&address), sizeof address);
+}
+
 SocketEnd endOf(curl_socket_t socket, NameFunction ask) {
     sockaddr_storage name{};
     socklen_t size = sizeof name;
     if (ask(socket, reinterpret_cast<sockaddr*>(&name), &size) != 0) {
         return {};
     }
-    std::array<char, INET6_ADDRSTRLEN> text{};
-    const void* address = nullptr;
-    in_port_t port = 0;
-    sockaddr_in four{};
-    sockaddr_in6 six{};
     if (name.ss_family == AF_INET) {
+        sockaddr_in four{};
         std::memcpy(&four, &name, sizeof four);
-        address = &four.sin_addr;
-        port = four.sin_port;
-    } else if (name.ss_family == AF_INET6) {
+        return {bytesOf(four.sin_addr), ntohs(four.sin_port)};
+    }
+    if (name.ss_family == AF_INET6) {
+        sockaddr_in6 six{};
         std::memcpy(&six, &name, sizeof six);
-        address = &six.sin6_addr;
-        port = six.sin6_port;
+        return {bytesOf(six.sin6_addr), ntohs(six.sin6_port)};
     }
-    if (address == nullptr ||
-        ::inet_ntop(name.ss_family, address, text.data(), text.size()) == nullptr) {
-        return {};
-    }
-    return {QByteArray(text.data()), ntohs(port)};
+    return {};
 }
 
 bool isConnecting(curl_socket_t socket) {
@@ -57,6 +53,15 @@ bool isIdle(curl_socket_t socket) {
 }
 
 } // namespace
+
+SocketEnd SocketEnd::of(const char* text, int port) {
+    in_addr four{};
+    in6_addr six{};
+    if (::inet_pton(AF_INET, text, &four) == 1) {
+        return {bytesOf(four), port};
+    }
+    return {::inet_pton(AF_INET6, text, &six) == 1 ? bytesOf(six) : QByteArray(), port};
+}
 
 bool CurlSockets::add(curl_socket_t socket) {
     if (const auto before = m_places.find(socket); before != m_places.end()) {

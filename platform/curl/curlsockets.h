@@ -10,10 +10,13 @@
 
 namespace brimlet {
 
-/// One end of a connection; the address in numeric form, IPv6 without brackets.
+/// One end of a connection.
 struct SocketEnd final {
-    QByteArray address;
+    QByteArray address; ///< In network byte order, 4 or 16 bytes; empty when it is not known.
     int port = 0;
+
+    /// `text` is a numeric address, IPv6 without brackets.
+    [[nodiscard]] static SocketEnd of(const char* text, int port);
 
     bool operator==(const SocketEnd&) const = default;
     bool operator<(const SocketEnd& other) const {

@@ -223,7 +223,7 @@ int CurlTransfer::onConnected(void* self, char* remoteAddress, char* localAddres
     curl_easy_getinfo(transfer->m_easy.get(), CURLINFO_NUM_CONNECTS, &newConnections);
     if (newConnections == 0) {
         transfer->m_context.sockets.shutDownIfDataIsPending(
-            {localAddress, localPort}, {remoteAddress, remotePort},
+            SocketEnd::of(localAddress, localPort), SocketEnd::of(remoteAddress, remotePort),
             hasUnreadRecord(transfer->m_easy.get()));
     } else {
         ++transfer->m_client->traffic.connections;

@@ -30,14 +30,12 @@ QString bundlePath(const QString& resolvedExecutable) {
 }
 
 LinuxBundle::LinuxBundle(const QString& executable)
-    : m_executable(resolved(executable)) {}
-
-QString LinuxBundle::path() const {
-    return bundlePath(m_executable);
-}
+    : m_path(bundlePath(resolved(executable)))
+    , m_infoFile(installationFolder(resolved(executable)) +
+                 QLatin1StringView("/share/brimlet/info.json")) {}
 
 QVariant LinuxBundle::infoDictionaryValue(const QString& key) const {
-    QFile file(installationFolder(m_executable) + QLatin1StringView("/share/brimlet/info.json"));
+    QFile file(m_infoFile);
     if (!file.open(QIODevice::ReadOnly)) {
         return {};
     }

@@ -16,12 +16,13 @@ public:
     /// Resolves symbolic links in the path.
     explicit LinuxBundle(const QString& executable);
 
-    [[nodiscard]] QString path() const override;
+    [[nodiscard]] QString path() const override { return m_path; }
     [[nodiscard]] QVariant infoDictionaryValue(const QString& key) const override;
     [[nodiscard]] QString identifier() const override;
 
 private:
-    QString m_executable;
+    QString m_path;
+    QString m_infoFile;
 };
 
 } // namespace brimlet

@@ -8,12 +8,15 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
-#include <QDir>
 #include <QFile>
 #include <QProcess>
 
+#include <algorithm>
 #include <chrono>
+#include <filesystem>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace brimlet {
 namespace {
@@ -27,25 +30,34 @@ const QString mutterPath = QStringLiteral("/org/gnome/Mutter/DisplayConfig");
 const QString powerSaveMode = QStringLiteral("PowerSaveMode");
 
 /// The value of a sysfs attribute, trimmed; empty when it cannot be read.
-[[nodiscard]] QByteArray attribute(const QString& path) {
+[[nodiscard]] QByteArray attribute(const std::filesystem::path& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
 }
 
-/// The folders of the built-in panels' connectors.
-[[nodiscard]] QStringList panelConnectors(const QDir& drmFolder) {
-    return drmFolder.entryList({QStringLiteral("card*-eDP-*")}, QDir::Dirs | QDir::NoDotAndDotDot);
+/// The folders of the built-in panels' connectors, in the order of their names. A part of each
+/// poll, so without QDir, whose name filters are regular expressions.
+[[nodiscard]] std::vector<std::filesystem::path> panelConnectors(const QString& drmFolder) {
+    std::vector<std::filesystem::path> connectors;
+    std::error_code error;
+    std::filesystem::directory_iterator entry(QFile::encodeName(drmFolder).toStdString(), error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        if (name.starts_with("card") && name.find("-eDP-") != std::string::npos) {
+            connectors.push_back(entry->path());
+        }
+    }
+    std::sort(connectors.begin(), connectors.end());
+    return connectors;
 }
 
 /// Whether there is a built-in panel and it is not lit. A laptop with two graphics cards has a
 /// panel connector on each; the unused one reports "disconnected" and is skipped.
 [[nodiscard]] bool isPanelOff(const QString& drmFolder) {
     bool hasPanel = false;
-    const QDir folder(drmFolder);
-    for (const QString& connector : panelConnectors(folder)) {
-        const QByteArray power = attribute(folder.filePath(connector + QLatin1StringView("/dpms")));
-        const QByteArray status =
-            attribute(folder.filePath(connector + QLatin1StringView("/status")));
+    for (const auto& connector : panelConnectors(drmFolder)) {
+        const QByteArray power = attribute(connector / "dpms");
+        const QByteArray status = attribute(connector / "status");
         if (power.isEmpty() || status == "disconnected") {
             continue;
         }
@@ -86,13 +98,11 @@ QDBusMessage powerSaveModeQuery() {
 
 QList<PanelFacts> panelFacts(const QString& drmFolder) {
     QList<PanelFacts> panels;
-    const QDir folder(drmFolder);
-    for (const QString& connector : panelConnectors(folder)) {
-        const auto read = [&](const char* name) {
-            return attribute(folder.filePath(connector + u'/' + QLatin1StringView(name)));
-        };
-        panels.push_back(
-            {connector, read("status"), read("modes").split('\n').constFirst(), read("dpms")});
+    for (const auto& connector : panelConnectors(drmFolder)) {
+        panels.push_back({QString::fromStdString(connector.filename()),
+                          attribute(connector / "status"),
+                          attribute(connector / "modes").split('\n').constFirst(),
+                          attribute(connector / "dpms")});
     }
     return panels;
 }
