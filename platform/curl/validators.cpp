@@ -1,6 +1,7 @@
 #include "platform/curl/validators.h"
 
-#include <QList>
+#include <QLatin1StringView>
+#include <QStringTokenizer>
 
 #include <algorithm>
 
@@ -16,10 +17,14 @@ bool isNamed(QByteArrayView name, QByteArrayView wanted) {
 
 /// True when a comma-separated list has that entry; what follows "=" in an entry is ignored.
 bool hasWord(const QByteArray& list, QByteArrayView word) {
-    const QList<QByteArray> parts = list.split(',');
-    return std::any_of(parts.cbegin(), parts.cend(), [word](const QByteArray& part) {
-        return isNamed(part.split('=').first().trimmed(), word);
-    });
+    for (const auto part : QLatin1StringView(list).tokenize(u',')) {
+        const qsizetype sign = part.indexOf(u'=');
+        const auto name = part.first(sign < 0 ? part.size() : sign).trimmed();
+        if (isNamed(QByteArrayView(name.data(), name.size()), word)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 bool isPrintable(const QByteArray& text) {

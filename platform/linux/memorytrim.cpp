@@ -8,7 +8,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <span>
+#include <vector>
 
 namespace brimlet {
 namespace {
@@ -26,7 +26,10 @@ quint64 residentFileBytesNow() {
 /// libraries have their relocated tables in writable segments.
 int releaseReadOnly(dl_phdr_info* library, std::size_t /*size*/, void* /*data*/) {
     const auto page = static_cast<quintptr>(::getpagesize());
-    for (const ElfW(Phdr) & segment : std::span(library->dlpi_phdr, library->dlpi_phnum)) {
+    // A copy, since the list is in one of the segments, and reading it would load that again.
+    const std::vector<ElfW(Phdr)> segments(library->dlpi_phdr,
+                                           library->dlpi_phdr + library->dlpi_phnum);
+    for (const ElfW(Phdr) & segment : segments) {
         if (segment.p_type == PT_LOAD && (segment.p_flags & PF_W) == 0) {
             const quintptr begin = library->dlpi_addr + segment.p_vaddr;
             const quintptr first = begin / page * page;
