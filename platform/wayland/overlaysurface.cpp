@@ -225,9 +225,11 @@ void OverlaySurface::showTexts(std::span<const TextStrip> texts) {
     QRegion changed;
     for (const TextStrip& text : texts) {
         const QRect box = text.box & image.rect();
+        const QPoint start = QPoint(text.from, 0) + box.topLeft() - text.box.topLeft();
         for (int row = 0; row < box.height(); ++row) {
             const QRgb* const from =
-                reinterpret_cast<const QRgb*>(text.picture.constScanLine(row)) + text.from;
+                reinterpret_cast<const QRgb*>(text.picture.constScanLine(start.y() + row)) +
+                start.x();
             std::copy_n(from, box.width(),
                         reinterpret_cast<QRgb*>(image.scanLine(box.y() + row)) + box.x());
         }

@@ -676,6 +676,18 @@ const QRegion& StandInCompositor::inputRegion() const {
     return m_state->capsules()->input;
 }
 
+QImage StandInCompositor::picture() const {
+    wl_shm_buffer* const buffer = wl_shm_buffer_get(m_state->capsules()->shown);
+    wl_shm_buffer_begin_access(buffer);
+    const QImage copy =
+        QImage(static_cast<const uchar*>(wl_shm_buffer_get_data(buffer)),
+               wl_shm_buffer_get_width(buffer), wl_shm_buffer_get_height(buffer),
+               wl_shm_buffer_get_stride(buffer), QImage::Format_ARGB32_Premultiplied)
+            .copy();
+    wl_shm_buffer_end_access(buffer);
+    return copy;
+}
+
 int StandInCompositor::buffersInUse() const {
     return static_cast<int>(m_state->buffersInUse.size());
 }

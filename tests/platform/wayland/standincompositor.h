@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QObject>
 #include <QPointF>
 #include <QRect>
@@ -77,6 +78,8 @@ public:
     /// Whether the capsules are on the screen, and their input region in points.
     [[nodiscard]] bool isShown() const;
     [[nodiscard]] const QRegion& inputRegion() const;
+    /// A copy of what the capsules' surface shows.
+    [[nodiscard]] QImage picture() const;
     /// Buffers that were shown and not given back.
     [[nodiscard]] int buffersInUse() const;
     [[nodiscard]] QString layer() const;

@@ -66,11 +66,15 @@ inline constexpr QRect kRight(312, 1, 108, 24);
 /// Of the 14-inch machine, in global points.
 inline constexpr Rect kFrame{542, 942, 428, 40};
 
-/// A text of 2048 pixels in that box of 16 pixels' height.
+/// A text of 2048 pixels in that box of 16 pixels' height. No two pixels are alike.
 inline std::array<TextStrip, 1> textIn(const QRect& box, int from = 0) {
     static const QImage picture = [] {
         QImage text(2048, 16, QImage::Format_ARGB32_Premultiplied);
-        text.fill(Qt::green);
+        for (int y = 0; y < text.height(); ++y) {
+            for (int x = 0; x < text.width(); ++x) {
+                text.setPixel(x, y, qRgb(x % 256, x / 256, y));
+            }
+        }
         return text;
     }();
     return {TextStrip{box, picture, from, Qt::black}};
