@@ -221,10 +221,14 @@ void OverlaySurface::showTexts(std::span<const TextStrip> texts) {
         update(pointsOf(texts, m_scale));
         return;
     }
-    QImage& image = m_buffers->beginPaint();
+    const QRect all(QPoint(), m_buffers->size());
     QRegion changed;
     for (const TextStrip& text : texts) {
-        const QRect box = text.box & image.rect();
+        changed += text.box & all;
+    }
+    QImage& image = m_buffers->beginPaint(changed);
+    for (const TextStrip& text : texts) {
+        const QRect box = text.box & all;
         const QPoint start = QPoint(text.from, 0) + box.topLeft() - text.box.topLeft();
         for (int row = 0; row < box.height(); ++row) {
             const QRgb* const from =
@@ -233,7 +237,6 @@ void OverlaySurface::showTexts(std::span<const TextStrip> texts) {
             std::copy_n(from, box.width(),
                         reinterpret_cast<QRgb*>(image.scanLine(box.y() + row)) + box.x());
         }
-        changed += box;
     }
     show(changed);
 }

@@ -56,8 +56,9 @@ int WaylandBuffers::next() const {
     return m_pictures.at(static_cast<std::size_t>(other)).isInUse ? -1 : other;
 }
 
-QImage& WaylandBuffers::beginPaint() {
+QImage& WaylandBuffers::beginPaint(const QRegion& covered) {
     QImage& image = m_pictures.at(static_cast<std::size_t>(next())).image;
+    m_changed -= covered;
     if (m_shown >= 0 && !m_changed.isEmpty()) {
         const QImage& shown = m_pictures.at(static_cast<std::size_t>(m_shown)).image;
         for (const QRect& part : m_changed) {

@@ -29,8 +29,9 @@ public:
     /// Whether there is a picture that the compositor does not read.
     [[nodiscard]] bool canPaint() const { return next() >= 0; }
 
-    /// The picture to paint on, with what is shown now. Needs `canPaint()`.
-    [[nodiscard]] QImage& beginPaint();
+    /// The picture to paint on, with what is shown now but for the `covered` pixels, which are all
+    /// painted. Needs `canPaint()`.
+    [[nodiscard]] QImage& beginPaint(const QRegion& covered = {});
     /// Makes the surface's next commit show that picture, of which these pixels have changed.
     void show(wl_surface* surface, const QRegion& changed);
 
