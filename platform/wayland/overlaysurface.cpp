@@ -205,7 +205,11 @@ bool OverlaySurface::canPaint() const {
 }
 
 void OverlaySurface::paintDue() {
-    if (!canPaint() || (!m_isAllDue && m_due.isEmpty())) {
+    if (!m_isAllDue && m_due.isEmpty()) {
+        return;
+    }
+    if (!canPaint()) {
+        m_connection.readOnArrival(); // what the compositor answers is waited for
         return;
     }
     const bool isAll = std::exchange(m_isAllDue, false) || m_buffers->isNew();
@@ -217,6 +221,7 @@ void OverlaySurface::paintDue() {
 }
 
 void OverlaySurface::showTexts(std::span<const TextStrip> texts) {
+    m_connection.readPictureEvents(); // those of the last step
     if (!canPaint() || m_isAllDue || !m_due.isEmpty() || m_buffers->isNew()) {
         update(pointsOf(texts, m_scale));
         return;
@@ -239,6 +244,7 @@ void OverlaySurface::showTexts(std::span<const TextStrip> texts) {
         }
     }
     show(changed);
+    m_connection.postponeReading();
 }
 
 void OverlaySurface::show(const QRegion& pixels) {

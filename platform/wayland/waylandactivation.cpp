@@ -40,6 +40,7 @@ void WaylandActivation::requestToken(std::function<void(const QString& token)> u
     xdg_activation_token_v1_add_listener(m_request.get(), &kToken, this);
     xdg_activation_token_v1_set_serial(m_request.get(), *press, globals.seat.get());
     xdg_activation_token_v1_commit(m_request.get());
+    m_connection.readOnArrival();
     m_limit.start();
 }
 

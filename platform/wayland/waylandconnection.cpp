@@ -18,8 +18,13 @@ void WaylandConnection::Disconnect::operator()(wl_display* display) const {
     waylandLibrary.disconnect(display);
 }
 
-WaylandConnection::WaylandConnection()
-    : m_outputs(std::make_unique<WaylandOutputs>()) {}
+void WaylandConnection::Disconnect::operator()(wl_event_queue* queue) const {
+    waylandLibrary.destroyQueue(queue);
+}
+
+WaylandConnection::WaylandConnection(std::chrono::milliseconds longestPostponement)
+    : m_longestPostponement(longestPostponement)
+    , m_outputs(std::make_unique<WaylandOutputs>()) {}
 
 WaylandConnection::~WaylandConnection() {
     close();
@@ -37,13 +42,14 @@ void WaylandConnection::reconnect() {
     if (!m_display) {
         return;
     }
+    m_pictureEvents.reset(waylandLibrary.createQueue(m_display.get()));
     m_readable = std::make_unique<QSocketNotifier>(socket, QSocketNotifier::Read);
     m_writable = std::make_unique<QSocketNotifier>(socket, QSocketNotifier::Write);
     m_writable->setEnabled(false);
     connect(m_readable.get(), &QSocketNotifier::activated, this, &WaylandConnection::readEvents);
     connect(m_writable.get(), &QSocketNotifier::activated, this, &WaylandConnection::flush);
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
-            &WaylandConnection::flush, Qt::UniqueConnection);
+            &WaylandConnection::finishTurn, Qt::UniqueConnection);
 
     m_registry.reset(wl_display_get_registry(m_display.get()));
     static constexpr wl_registry_listener kRegistry{
@@ -109,9 +115,17 @@ void WaylandConnection::addGlobal(std::uint32_t name, const char* interface,
             wl_registry_bind(m_registry.get(), name, &wanted, std::min(version, newest))));
         return true;
     };
-    bind(m_globals.compositor, wl_compositor_interface, 4);
+    // What is made by way of these has the same queue.
+    const auto bindForPictures = [&]<typename Type>(Proxy<Type>& global, const wl_interface& wanted,
+                                                    std::uint32_t newest) {
+        if (bind(global, wanted, newest)) {
+            waylandLibrary.setQueue(reinterpret_cast<wl_proxy*>(global.get()),
+                                    m_pictureEvents.get());
+        }
+    };
+    bindForPictures(m_globals.compositor, wl_compositor_interface, 4);
+    bindForPictures(m_globals.shm, wl_shm_interface, 1);
     bind(m_globals.subcompositor, wl_subcompositor_interface, 1);
-    bind(m_globals.shm, wl_shm_interface, 1);
     bind(m_globals.viewporter, wp_viewporter_interface, 1);
     bind(m_globals.fractionalScale, wp_fractional_scale_manager_v1_interface, 1);
     bind(m_globals.cursorShape, wp_cursor_shape_manager_v1_interface, 1);
@@ -134,6 +148,7 @@ void WaylandConnection::addGlobal(std::uint32_t name, const char* interface,
     Proxy<wl_output> output;
     if (bind(output, wl_output_interface, 4)) {
         m_outputs->add(name, std::move(output));
+        readOnArrival();            // for its properties
         if (m_repliesToAwait < 2) { // else all are asked for with the first reply
             m_outputs->requestNames(m_globals.outputManager.get());
         }
@@ -156,11 +171,43 @@ void WaylandConnection::readEvents() {
         }
     }
     if (waylandLibrary.readEvents(m_display.get()) < 0 ||
-        waylandLibrary.dispatchPending(m_display.get()) < 0) {
+        waylandLibrary.dispatchQueuePending(m_display.get(), m_pictureEvents.get()) < 0) {
         close();
         return;
     }
+    finishTurn();
+}
+
+/// Handles what `readPictureEvents()` has left, and sends the requests that are due.
+void WaylandConnection::finishTurn() {
+    if (m_display && waylandLibrary.dispatchPending(m_display.get()) < 0) {
+        close();
+    }
     flush();
+}
+
+void WaylandConnection::postponeReading() {
+    m_readable->setEnabled(false);
+    m_postponed.start(static_cast<int>(m_longestPostponement.count()), this);
+}
+
+void WaylandConnection::readPictureEvents() {
+    // Others that were read in this turn are handled first.
+    if (m_readable->isEnabled() || waylandLibrary.prepareRead(m_display.get()) != 0) {
+        return;
+    }
+    // What fails here fails again at the end of the turn.
+    waylandLibrary.readEvents(m_display.get());
+    waylandLibrary.dispatchQueuePending(m_display.get(), m_pictureEvents.get());
+}
+
+void WaylandConnection::readOnArrival() {
+    m_postponed.stop();
+    m_readable->setEnabled(true);
+}
+
+void WaylandConnection::timerEvent(QTimerEvent* /*event*/) {
+    readOnArrival();
 }
 
 /// Sends the requests that are due; the rest when the socket takes them.
@@ -186,6 +233,8 @@ void WaylandConnection::close() {
     m_globals = {};
     m_layerShellVersion = 0;
     m_registry.reset();
+    m_pictureEvents.reset();
+    m_postponed.stop();
     m_readable.reset();
     m_writable.reset();
     m_display.reset();

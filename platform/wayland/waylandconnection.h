@@ -2,6 +2,7 @@
 
 #include "platform/wayland/waylandproxies.h"
 
+#include <QBasicTimer>
 #include <QObject>
 #include <QSocketNotifier>
 #include <QString>
@@ -12,6 +13,7 @@
 #include <optional>
 
 struct wl_display;
+struct wl_event_queue;
 
 namespace brimlet {
 
@@ -39,7 +41,9 @@ class WaylandConnection final : public QObject {
     Q_OBJECT
 
 public:
-    WaylandConnection();
+    /// Reading is postponed for `longestPostponement` at most.
+    explicit WaylandConnection(
+        std::chrono::milliseconds longestPostponement = std::chrono::milliseconds(100));
     ~WaylandConnection() override;
 
     /// Connects unless that was done or has begun already; returns at once. Nothing happens where
@@ -61,6 +65,20 @@ public:
     [[nodiscard]] const WaylandGlobals& globals() const { return m_globals; }
     [[nodiscard]] WaylandOutputs& outputs() { return *m_outputs; }
 
+    // While text scrolls, what the compositor answers to one step is not needed before the next.
+    // Read when it arrives, it would wake the program once more for each step. These need a
+    // connection that is not lost.
+
+    /// Leaves events unread until `readPictureEvents()` or `readOnArrival()`, but not for long.
+    void postponeReading();
+    /// Reads the events that were postponed, without waiting, and handles those of pictures: frames
+    /// that were shown, buffers that were given back. All others, and the connection's loss, are
+    /// handled later in this turn of the event loop.
+    void readPictureEvents();
+    /// Reads events when they arrive, as it is done unless they are postponed: for who waits for an
+    /// answer.
+    void readOnArrival();
+
 Q_SIGNALS:
     /// The globals and outputs are known.
     void ready();
@@ -69,20 +87,29 @@ Q_SIGNALS:
     /// The seat has come or gone.
     void seatChanged();
 
+protected:
+    void timerEvent(QTimerEvent* event) override;
+
 private:
     struct Disconnect final {
         void operator()(wl_display* display) const;
+        void operator()(wl_event_queue* queue) const;
     };
 
     void awaitReply();
     void addGlobal(std::uint32_t name, const char* interface, std::uint32_t version);
     void removeGlobal(std::uint32_t name);
     void readEvents();
+    void finishTurn();
     void flush();
     void close();
 
     std::unique_ptr<wl_display, Disconnect> m_display;
-    std::unique_ptr<QSocketNotifier> m_readable;
+    /// Of the events of all surfaces and buffers, and of their callbacks.
+    std::unique_ptr<wl_event_queue, Disconnect> m_pictureEvents;
+    std::unique_ptr<QSocketNotifier> m_readable; ///< Disabled while reading is postponed.
+    std::chrono::milliseconds m_longestPostponement;
+    QBasicTimer m_postponed;
     std::unique_ptr<QSocketNotifier> m_writable;
     Proxy<wl_registry> m_registry;
     Proxy<wl_callback> m_reply;

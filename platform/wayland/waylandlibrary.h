@@ -8,16 +8,20 @@ namespace brimlet {
 /// the program also starts where it is missing. Null before `loadWaylandLibrary()`.
 struct WaylandLibrary final {
     decltype(&wl_display_connect_to_fd) connectToFd;
+    decltype(&wl_display_create_queue) createQueue;
     decltype(&wl_display_disconnect) disconnect;
     decltype(&wl_display_dispatch_pending) dispatchPending;
+    decltype(&wl_display_dispatch_queue_pending) dispatchQueuePending;
     decltype(&wl_display_flush) flush;
     decltype(&wl_display_prepare_read) prepareRead;
     decltype(&wl_display_read_events) readEvents;
+    decltype(&wl_event_queue_destroy) destroyQueue;
     decltype(&wl_proxy_add_listener) addListener;
     decltype(&wl_proxy_destroy) destroy;
     decltype(&wl_proxy_get_user_data) getUserData;
     decltype(&wl_proxy_get_version) getVersion;
     decltype(&wl_proxy_marshal_flags) marshalFlags;
+    decltype(&wl_proxy_set_queue) setQueue;
     decltype(&wl_proxy_set_user_data) setUserData;
 };
 inline WaylandLibrary waylandLibrary{};

@@ -58,6 +58,7 @@ WaylandToolTip::WaylandToolTip(WaylandConnection& connection, const OverlaySurfa
         .repositioned = kIgnoreEvent};
     xdg_popup_add_listener(m_popup.get(), &kPopup, this);
     wl_surface_commit(m_surface.get());
+    connection.readOnArrival(); // it is painted when the compositor has placed it
 }
 
 WaylandToolTip::~WaylandToolTip() = default;

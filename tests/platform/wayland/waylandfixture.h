@@ -15,6 +15,7 @@
 #include <QTimer>
 
 #include <array>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -61,6 +62,10 @@ inline QPainterPath boxes(const QList<QRect>& places) {
     return path;
 }
 
+/// Reading is postponed as long as in the program, or until something else ends that.
+inline constexpr std::chrono::milliseconds kUsually{100};
+inline constexpr std::chrono::hours kForLong{1};
+
 inline constexpr QRect kLeft(8, 1, 108, 24);
 inline constexpr QRect kRight(312, 1, 108, 24);
 /// Of the 14-inch machine, in global points.
@@ -83,8 +88,10 @@ inline std::array<TextStrip, 1> textIn(const QRect& box, int from = 0) {
 /// An overlay window with two buttons, on a stand-in's screen.
 struct WaylandFixture {
     explicit WaylandFixture(const StandInManners& manners = {},
-                            std::vector<StandInOutput> outputs = {StandInOutput()})
-        : compositor(manners, std::move(outputs)) {
+                            std::vector<StandInOutput> outputs = {StandInOutput()},
+                            std::chrono::milliseconds longestPostponement = kUsually)
+        : compositor(manners, std::move(outputs))
+        , connection(longestPostponement) {
         // Tests wait without blocking, so the event loop never says that it is about to block,
         // which is when requests are sent.
         QObject::connect(&m_turn, &QTimer::timeout,
