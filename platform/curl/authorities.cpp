@@ -1,6 +1,6 @@
 #include "platform/curl/authorities.h"
 
-#include <QDir>
+#include <QDirIterator>
 
 #include <curl/curl.h>
 
@@ -8,9 +8,8 @@ namespace brimlet {
 
 bool isNamedByHash(const QString& folder) {
     const QString hash = QStringLiteral("[0-9a-f]").repeated(8);
-    return !QDir(folder)
-                .entryList({hash + QStringLiteral(".0")}, QDir::Files, QDir::Unsorted)
-                .isEmpty();
+    // Reads no further than to the first one.
+    return QDirIterator(folder, {hash + QStringLiteral(".0")}, QDir::Files).hasNext();
 }
 
 const QByteArray& authoritiesFolder() {
