@@ -5,11 +5,17 @@
 #include "host/notch.h"
 #include "platform/qt/desktopgeometry.h"
 
+#include <QTimer>
+
+#include <chrono>
 #include <cstdio>
 #include <utility>
 
 namespace brimlet {
 namespace {
+
+/// Until the first capsule is usually shown.
+constexpr std::chrono::milliseconds kNotchDelay(100);
 
 void say(const QString& complaint) {
     std::fputs(qUtf8Printable(QStringLiteral("brimlet-simulator: %1\n").arg(complaint)), stderr);
@@ -77,7 +83,8 @@ void followNotch(NotchWindow& notch, const MachineFile& file, Screens& screens,
     };
     QObject::connect(&file, &MachineFile::changed, &notch, redraw);
     screens.observeChanges(redraw);
-    redraw();
+    // Later, because a real notch costs the start no time.
+    QTimer::singleShot(kNotchDelay, &notch, redraw);
 }
 
 std::unique_ptr<SimulatorConsole> makeConsole(const CommandLine& commandLine, BrimletApp& app,
