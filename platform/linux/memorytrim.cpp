@@ -22,8 +22,9 @@ quint64 residentFileBytesNow() {
                : 0;
 }
 
-/// Releases the segments that nothing writes to, not even the dynamic linker: on 64-bit systems
-/// libraries have their relocated tables in writable segments.
+/// Releases the segments that nothing writes to, not even the dynamic linker: on the processors the
+/// program is built for, libraries have all that is relocated in writable segments.
+static_assert(sizeof(void*) == 8, "32-bit libraries may have relocations in their code");
 int releaseReadOnly(dl_phdr_info* library, std::size_t /*size*/, void* /*data*/) {
     const auto page = static_cast<quintptr>(::getpagesize());
     // A copy, since the list is in one of the segments, and reading it would load that again.
@@ -69,11 +70,14 @@ void MemoryTrim::check() {
     m_next = m_clock.uptime() + kPause;
     const quint64 bytes = residentFileBytesNow();
     constexpr quint64 kGrowth = 1'048'576;
-    if (!m_needed) {
-        m_needed = bytes;
-    } else if (bytes > *m_needed + kGrowth) {
+    if (bytes <= m_needed + kGrowth) {
+        m_trims = 0;
+    } else if (m_trims < 2) {
         trimMemory();
-        m_needed.reset();
+        ++m_trims;
+    } else {
+        m_needed = bytes;
+        m_trims = 0;
     }
 }
 

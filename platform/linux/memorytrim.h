@@ -5,7 +5,6 @@
 #include <QtGlobal>
 
 #include <memory>
-#include <optional>
 
 class QIODevice;
 
@@ -17,12 +16,12 @@ namespace brimlet {
 
 /// Returns memory to the system that was needed for a moment: free heap, and the code and constants
 /// of the program and its libraries, which the kernel reloads from its page cache on the next
-/// access. Takes about a millisecond. Any thread.
+/// access, and with it the breakpoints of a debugger. Takes about a millisecond. Any thread.
 void trimMemory();
 
-/// Trims the memory two seconds after its construction, when the start is over, and a minute later,
-/// when the first texts have been shown. From then on, whenever the program has read a megabyte of
-/// its files more than in the minute after the last time, as for the panel. Main thread only.
+/// Trims the memory two seconds after its construction, when the start is over, and then whenever a
+/// megabyte of the program's files is in memory beyond what is needed all the time, as after the
+/// panel was open. What is back a minute after each of two trims is needed. Main thread only.
 class MemoryTrim final {
 public:
     /// The clock outlives it.
@@ -34,9 +33,8 @@ private:
     Clock& m_clock;
     std::unique_ptr<RepeatingTimer> m_start;
     std::chrono::nanoseconds m_next; ///< The uptime from which on `check` looks again.
-    /// Bytes of files in memory a minute after the last trim, unknown until then. Less than any
-    /// program has, so that the first minute is followed by a trim.
-    std::optional<quint64> m_needed = 0;
+    quint64 m_needed = 0; ///< Bytes of files; 0 until it is known.
+    int m_trims = 0;      ///< In the last minutes, without a break.
 };
 
 } // namespace brimlet
