@@ -29,10 +29,11 @@ QString bundlePath(const QString& resolvedExecutable) {
                       : installationFolder(resolvedExecutable);
 }
 
-LinuxBundle::LinuxBundle(const QString& executable)
-    : m_path(bundlePath(resolved(executable)))
-    , m_infoFile(installationFolder(resolved(executable)) +
-                 QLatin1StringView("/share/brimlet/info.json")) {}
+LinuxBundle::LinuxBundle(const QString& executable) {
+    const QString file = resolved(executable);
+    m_path = bundlePath(file);
+    m_infoFile = installationFolder(file) + QLatin1StringView("/share/brimlet/info.json");
+}
 
 QVariant LinuxBundle::infoDictionaryValue(const QString& key) const {
     QFile file(m_infoFile);

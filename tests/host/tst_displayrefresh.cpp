@@ -195,6 +195,24 @@ private Q_SLOTS:
         QCOMPARE(changes.count(), 0);
     }
 
+    void theRootIsReadAnewForEachRequest() {
+        HostFixture host;
+        const auto store = host.makeStore();
+        for (const char* const root : {"http://a.test", "http://b.test", "http://[::1", "http://b.test",
+                                       "http://a.test"}) {
+            host.bundle.info[QStringLiteral("BrimletAPIURL")] = QString::fromLatin1(root);
+            startTask(store->refreshDisplay());
+        }
+        QStringList addresses;
+        for (const HttpRequest& request : host.http.requests()) {
+            addresses << request.url.absoluteString();
+        }
+        QCOMPARE(addresses, (QStringList{QStringLiteral("http://a.test/api/display"),
+                                         QStringLiteral("http://b.test/api/display"),
+                                         QStringLiteral("http://b.test/api/display"),
+                                         QStringLiteral("http://a.test/api/display")}));
+    }
+
     void everyAppliedReplyRendersTheOverlayAfterTheStatusLine() {
         HostFixture host;
         host.http.answer(kDisplayPath, 200, kBothSlots);

@@ -1,4 +1,5 @@
 #include "platform/curl/curlhttpclient.h"
+#include "platform/curl/curlsockets.h"
 #include "tests/support/httpcontract.h"
 #include "tests/support/rawserver.h"
 #include "tests/support/testprogram.h"
@@ -21,6 +22,22 @@ class TestHttpKept final : public QObject {
 
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(u"."_s)); }
+
+    void aSocketsEndIsKnownByItsAddressInBytes_data() {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("IPv4") << QByteArray("127.0.0.1") << QByteArray::fromHex("7f000001");
+        QTest::newRow("IPv6") << QByteArray("fe80::1:2")
+                              << QByteArray::fromHex("fe800000000000000000000000010002");
+        QTest::newRow("a name") << QByteArray("localhost") << QByteArray();
+        QTest::newRow("empty") << QByteArray("") << QByteArray();
+    }
+    void aSocketsEndIsKnownByItsAddressInBytes() {
+        QFETCH(const QByteArray, text);
+        const SocketEnd end = SocketEnd::of(text.constData(), 80);
+        QTEST(end.address, "bytes");
+        QCOMPARE(end.port, 80);
+    }
 
     void bytesAfterAReplyAreNeverTheNextReply_data() {
         QTest::addColumn<QByteArray>("reply");

@@ -178,6 +178,24 @@ private Q_SLOTS:
         QVERIFY(server.requests().at(0).head.startsWith("GET / HTTP/1.1\r\n"));
     }
 
+    void eachRequestGoesToItsOwnAddress() {
+        RawServer server;
+        server.answer("/a", rawReply(200, "a"));
+        server.answer("/b", rawReply(200, "b"));
+        CurlHttpClient client;
+        const auto bodyOf = [&](const Url& url) {
+            const auto result = fetch(client, requestTo(url));
+            const auto* const reply = result ? std::get_if<HttpReply>(&*result) : nullptr;
+            return reply == nullptr ? QByteArray() : reply->body;
+        };
+        for (const char* const path : {"a", "a", "b", "nowhere", "nowhere", "b", "a"}) {
+            const bool isReachable = QByteArrayView(path).size() == 1;
+            const Url url = isReachable ? server.url(u'/' + QString::fromLatin1(path))
+                                        : Url::fromString(u"ftp://127.0.0.1/").value();
+            QCOMPARE(bodyOf(url), isReachable ? QByteArray(path) : QByteArray());
+        }
+    }
+
     void userInfoInAnAddressIsNotSent() {
         RawServer server;
         server.answer({}, rawReply(200, "x"));
