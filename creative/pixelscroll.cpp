@@ -45,8 +45,8 @@ bool PixelScroll::catchUp() {
         return false;
     }
     const int before = pixels();
-    // The intervals between the ticks are rounded down, so after many of them a tick comes early by
-    // some nanoseconds for each.
+    // The intervals between the ticks are rounded down to nanoseconds, so one that is exactly on
+    // time comes before its pixel.
     constexpr std::chrono::microseconds kTolerance(10);
     m_elapsed = m_clock.uptime() - m_start + kTolerance;
     return pixels() != before;

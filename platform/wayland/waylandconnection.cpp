@@ -178,7 +178,8 @@ void WaylandConnection::readEvents() {
     finishTurn();
 }
 
-/// Handles what `readPictureEvents()` has left, and sends the requests that are due.
+/// Handles what `readPictureEvents()` has left, and sends the requests that are due. May end the
+/// connection, so no event's handler may run an event loop.
 void WaylandConnection::finishTurn() {
     if (m_display && waylandLibrary.dispatchPending(m_display.get()) < 0) {
         close();

@@ -65,18 +65,16 @@ public:
     [[nodiscard]] const WaylandGlobals& globals() const { return m_globals; }
     [[nodiscard]] WaylandOutputs& outputs() { return *m_outputs; }
 
-    // While text scrolls, what the compositor answers to one step is not needed before the next.
-    // Read when it arrives, it would wake the program once more for each step. These need a
-    // connection that is not lost.
-
-    /// Leaves events unread until `readPictureEvents()` or `readOnArrival()`, but not for long.
+    /// Leaves events unread until `readPictureEvents()` or `readOnArrival()`, but not for long:
+    /// while text scrolls, what the compositor answers to one step is not needed before the next,
+    /// and would wake the program once more. Needs a connection that is not lost.
     void postponeReading();
     /// Reads the events that were postponed, without waiting, and handles those of pictures: frames
     /// that were shown, buffers that were given back. All others, and the connection's loss, are
-    /// handled later in this turn of the event loop.
+    /// handled later in this turn of the event loop. Needs a connection that is not lost.
     void readPictureEvents();
-    /// Reads events when they arrive, as it is done unless they are postponed: for who waits for an
-    /// answer.
+    /// Reads events when they arrive, as is usual: for whoever waits for an answer. Needs a
+    /// connection that is not lost.
     void readOnArrival();
 
 Q_SIGNALS:

@@ -332,7 +332,6 @@ private Q_SLOTS:
                                       kPatience);
         }
         // A line without room for its text.
-        const QImage none;
         QCOMPARE(requestsOf([&] { window->showTexts(std::array{TextStrip()}); }), 0U);
     }
 
