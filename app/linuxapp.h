@@ -75,10 +75,10 @@ void configureLinuxApplication();
 /// out, else with 1 and a line on stderr.
 [[noreturn]] void askRunningProgram(const SingleInstance& instance, InstanceRequest request);
 
-/// After each change of the store, makes the workspace check whether the built-in display is on, and
-/// the memory whether it can be trimmed, `X11Watch` read its queued events, and a lost Wayland
-/// connection be made again. Every reply and every failed request changes the store, so this needs no timer. The
-/// adapters outlive the main loop.
+/// After each change of the store, makes the workspace check whether the built-in display is on,
+/// and the memory whether it can be trimmed, `X11Watch` read its queued events, and a lost Wayland
+/// connection be made again. Every reply and every failed request changes the store, so this needs
+/// no timer. The adapters outlive the main loop.
 void followDesktop(const HostStore& store, LinuxAdapters& adapters);
 
 } // namespace brimlet

@@ -49,7 +49,8 @@ quint64 residentFileBytes(QIODevice& statm, quint64 pageSize) {
 }
 
 void trimMemory() {
-    // Keeps libraries from being unloaded meanwhile, so that no other mapping can be in their place.
+    // Keeps libraries from being unloaded meanwhile, so that no other mapping can be in their
+    // place.
     dl_iterate_phdr(&releaseReadOnly, nullptr);
     malloc_trim(0);
 }

@@ -33,8 +33,8 @@ private:
     Clock& m_clock;
     std::unique_ptr<RepeatingTimer> m_start;
     std::chrono::nanoseconds m_next; ///< The uptime from which on `check` looks again.
-    quint64 m_needed = 0; ///< Bytes of files; 0 until it is known.
-    int m_trims = 0;      ///< In the last minutes, without a break.
+    quint64 m_needed = 0;            ///< Bytes of files; 0 until it is known.
+    int m_trims = 0;                 ///< In the last minutes, without a break.
 };
 
 } // namespace brimlet

@@ -12,15 +12,14 @@ namespace {
 
 constexpr std::uint8_t kDepth = 32;
 
-/// Whether the window's pixels are those of the pictures. Its format does not tell: Qt falls back to
-/// the root window's depth and still says that it has an alpha channel. Takes a round trip.
+/// Whether the window's pixels are those of the pictures. Its format does not tell: Qt falls back
+/// to the root window's depth and still says that it has an alpha channel. Takes a round trip.
 bool hasPixelsOfPictures(xcb_connection_t* x, xcb_window_t window) {
     constexpr int kOwnOrder =
         Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? XCB_IMAGE_ORDER_LSB_FIRST : XCB_IMAGE_ORDER_MSB_FIRST;
     const XcbOwned<xcb_get_geometry_reply_t> geometry(
         xcb_get_geometry_reply(x, xcb_get_geometry(x, window), nullptr));
-    return geometry && geometry->depth == kDepth &&
-           xcb_get_setup(x)->image_byte_order == kOwnOrder;
+    return geometry && geometry->depth == kDepth && xcb_get_setup(x)->image_byte_order == kOwnOrder;
 }
 
 } // namespace
@@ -77,7 +76,7 @@ void X11TextStrips::upload(const QImage& picture) {
     }
     const int rowBytes = static_cast<int>(picture.bytesPerLine());
     // The X server's limit is in units of four bytes, and includes the request's head.
-    const auto units = std::min<std::uint32_t>(xcb_get_maximum_request_length(m_x), 0x4000);
+    const std::size_t units = std::min<std::uint32_t>(xcb_get_maximum_request_length(m_x), 0x4000);
     const int most = static_cast<int>(units * 4 - sizeof(xcb_put_image_request_t));
     const int rowsAtOnce = std::max(1, most / rowBytes);
     for (int y = 0; y < picture.height(); y += rowsAtOnce) {

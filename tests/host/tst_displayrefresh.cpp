@@ -198,8 +198,8 @@ private Q_SLOTS:
     void theRootIsReadAnewForEachRequest() {
         HostFixture host;
         const auto store = host.makeStore();
-        for (const char* const root : {"http://a.test", "http://b.test", "http://[::1", "http://b.test",
-                                       "http://a.test"}) {
+        for (const char* const root :
+             {"http://a.test", "http://b.test", "http://[::1", "http://b.test", "http://a.test"}) {
             host.bundle.info[QStringLiteral("BrimletAPIURL")] = QString::fromLatin1(root);
             startTask(store->refreshDisplay());
         }

@@ -15,9 +15,8 @@ namespace brimlet {
 inline void paintChangesOf(OverlayView& view) {
     QObject::connect(&view, &OverlayView::contentChanged, &view,
                      [&view](const QRegion& points) { updatePoints(view, points); });
-    QObject::connect(
-        &view, &OverlayView::stepped, &view,
-        [&view](std::span<const TextStrip> texts) { paintTexts(view, texts); });
+    QObject::connect(&view, &OverlayView::stepped, &view,
+                     [&view](std::span<const TextStrip> texts) { paintTexts(view, texts); });
 }
 
 /// A shown overlay view of 428 by 40 points over a store whose ports are fakes.
