@@ -22,9 +22,10 @@ quint64 residentFileBytesNow() {
                : 0;
 }
 
+static_assert(sizeof(void*) == 8, "32-bit libraries may have relocations in their code");
+
 /// Releases the segments that nothing writes to, not even the dynamic linker: on the processors the
 /// program is built for, libraries have all that is relocated in writable segments.
-static_assert(sizeof(void*) == 8, "32-bit libraries may have relocations in their code");
 int releaseReadOnly(dl_phdr_info* library, std::size_t /*size*/, void* /*data*/) {
     const auto page = static_cast<quintptr>(::getpagesize());
     // A copy, since the list is in one of the segments, and reading it would load that again.
